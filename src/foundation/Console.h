@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+
+#include <mutex>
+
+namespace quorvane {
+
+/// The one writer of console lines, so that whole lines, the live progress line and
+/// machine-readable output never tear each other. Any thread.
+class Console {
+  public:
+    enum class Channel {
+        standardOutput,
+        standardError, ///< standard output is left to machine-readable objects
+        silent,
+    };
+
+    explicit Console(Channel channel = Channel::standardOutput);
+    ~Console();
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+
+    void setChannel(Channel channel);
+
+    /// Writes one line; the live line, if shown, moves below it.
+    void print(const QString& line);
+
+    /// Writes to standard output whatever the channel is: results, tables, JSON objects.
+    void result(const QString& text);
+
+    /// Writes one line to standard error whatever the channel is.
+    void error(const QString& line);
+
+    /// Shows `text` as the live line at the bottom of the terminal, replacing the last one.
+    /// An empty text removes it. Without a terminal on the channel's stream nothing is shown.
+    void setLiveLine(const QString& text);
+
+    /// True when the console lines go to a terminal.
+    bool isTerminal() const;
+
+  private:
+    void write(int fd, const QString& line);
+
+    mutable std::mutex mutex_;
+    Channel channel_;
+    QString liveLine_;
+};
+
+} // namespace quorvane

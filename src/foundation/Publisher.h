@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace quorvane {
+
+/// Ends its subscription when it goes out of scope. Moveable, owned by the subscriber.
+class Subscription {
+  public:
+    Subscription() = default;
+    explicit Subscription(std::function<void()> end) : end_(std::move(end)) {}
+    Subscription(Subscription&& other) noexcept : end_(std::exchange(other.end_, nullptr)) {}
+    Subscription& operator=(Subscription&& other) noexcept {
+        std::swap(end_, other.end_);
+        return *this;
+    }
+    ~Subscription() {
+        if (end_)
+            end_();
+    }
+
+  private:
+    std::function<void()> end_;
+};
+
+/// A pass-through subject: subscribers see only what is sent after they subscribed, on the
+/// sender's thread. No lock is held while a subscriber runs.
+template <typename Value>
+class Publisher {
+  public:
+    using Handler = std::function<void(const Value&)>;
+
+    [[nodiscard]] Subscription subscribe(Handler handler) {
+        const std::lock_guard lock(state_->mutex);
+        const int id = state_->nextId++;
+        state_->handlers.emplace(id, std::make_shared<Handler>(std::move(handler)));
+        return Subscription([weak = std::weak_ptr(state_), id] {
+            if (const auto state = weak.lock()) {
+                const std::lock_guard inner(state->mutex);
+                state->handlers.erase(id);
+            }
+        });
+    }
+
+    void send(const Value& value) const {
+        std::vector<std::shared_ptr<Handler>> handlers;
+        {
+            const std::lock_guard lock(state_->mutex);
+            for (const auto& [id, handler] : state_->handlers)
+                handlers.push_back(handler);
+        }
+        for (const auto& handler : handlers)
+            (*handler)(value);
+    }
+
+  private:
+    struct State {
+        std::mutex mutex;
+        int nextId = 0;
+        std::map<int, std::shared_ptr<Handler>> handlers;
+    };
+    std::shared_ptr<State> state_ = std::make_shared<State>();
+};
+
+} // namespace quorvane

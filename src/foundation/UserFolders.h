@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+
+namespace quorvane {
+
+/// Where the product keeps things. The one place that knows; everything else asks it.
+struct UserFolders {
+    std::filesystem::path home;
+    std::filesystem::path pictures; ///< the platform's own Pictures folder
+    std::filesystem::path temporaryStaging = "/tmp/QuorvaneStaging";
+
+    std::filesystem::path applicationSupport() const {
+        return home / "Library/Application Support/Quorvane";
+    }
+    std::filesystem::path logs() const { return home / "Library/Logs/Quorvane"; }
+    std::filesystem::path permanentStaging() const {
+        return pictures / "QuorvaneStaging_Permanent";
+    }
+    std::filesystem::path database() const { return applicationSupport() / "quorvane.sqlite"; }
+    std::filesystem::path preferences() const { return applicationSupport() / "preferences.json"; }
+    std::filesystem::path runLock() const { return applicationSupport() / "run.lock"; }
+
+    /// The folders of the user who runs the process. Throws `Error` when there is no home or no
+    /// Pictures folder.
+    static UserFolders ofCurrentUser();
+};
+
+} // namespace quorvane

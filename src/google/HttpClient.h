@@ -1,0 +1,53 @@
+#pragma once
+
+#include "foundation/Error.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QUrl>
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <utility>
+#include <vector>
+
+namespace quorvane {
+
+struct HttpRequest {
+    QByteArray method = "GET";
+    QUrl url;
+    std::vector<std::pair<QByteArray, QByteArray>> headers; ///< sent in this order
+    QByteArray body;
+    std::optional<std::filesystem::path> bodyFile; ///< streamed instead of `body`
+    std::chrono::seconds timeout{60};              ///< the longest time without any data
+    /// Bytes of the body sent so far and in all; called on the sending thread.
+    std::function<void(std::int64_t sent, std::int64_t total)> onProgress;
+};
+
+struct HttpResponse {
+    int status = 0;
+    QByteArray body;
+};
+
+/// The request got no HTTP answer: no connection, no name, no trust, no data for too long.
+class TransportError : public Error {
+  public:
+    using Error::Error;
+};
+
+/// Sends HTTP requests. Any thread; blocks its caller. Redirects are not followed, TLS
+/// certificates are always verified, response sizes are bounded.
+class HttpClient {
+  public:
+    virtual ~HttpClient() = default;
+
+    /// Throws `TransportError`, `FileError` for an unreadable body file, or `Cancelled` within
+    /// milliseconds of a request to `stop`.
+    virtual HttpResponse send(const HttpRequest& request, std::stop_token stop) = 0;
+};
+
+} // namespace quorvane

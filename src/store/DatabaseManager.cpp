@@ -1,0 +1,292 @@
+#include "store/DatabaseManager.h"
+
+#include "store/Statements.h"
+
+#include <QDateTime>
+
+namespace quorvane {
+
+namespace {
+
+constexpr int busyTimeoutMilliseconds = 5000;
+
+QString descriptionOf(DBError::Case which, const QString& message) {
+    switch (which) {
+    case DBError::Case::prepareFailed:
+        return QStringLiteral("[DB] Prepare failed: ") + message;
+    case DBError::Case::stepFailed:
+        return QStringLiteral("[DB] Step failed: ") + message;
+    case DBError::Case::openFailed:
+        break;
+    }
+    return QStringLiteral("[DB] Open failed: ") + message;
+}
+
+sqlite::Statement prepare(sqlite::Connection& connection, const char* sql) {
+    try {
+        return {connection, sql};
+    } catch (const sqlite::SqliteError& error) {
+        throw DBError(DBError::Case::prepareFailed, error.localizedDescription());
+    }
+}
+
+bool step(sqlite::Statement& statement) {
+    try {
+        return statement.step();
+    } catch (const sqlite::SqliteError& error) {
+        throw DBError(DBError::Case::stepFailed, error.localizedDescription());
+    }
+}
+
+void execute(sqlite::Connection& connection, const char* sql, const QString& prefix = {}) {
+    try {
+        connection.execute(sql);
+    } catch (const sqlite::SqliteError& error) {
+        throw DBError(DBError::Case::stepFailed, prefix + error.localizedDescription());
+    }
+}
+
+/// Time stamps are UTC text as SQLite's datetime('now') writes it; an unreadable one reads as now.
+Date timestamp(const sqlite::Statement& row, int column) {
+    QDateTime parsed =
+        QDateTime::fromString(row.text(column), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    parsed.setTimeSpec(Qt::UTC);
+    return parsed.isValid() ? Date(std::chrono::milliseconds(parsed.toMSecsSinceEpoch()))
+                            : std::chrono::time_point_cast<std::chrono::milliseconds>(
+                                  std::chrono::system_clock::now());
+}
+
+SyncRecord readRecord(const sqlite::Statement& row) {
+    SyncRecord record;
+    record.assetLocalIdentifier = row.text(0);
+    record.providerID = row.text(1);
+    record.accountID = row.text(2);
+    record.mediaType = mediaTypeFrom(row.text(3)).value_or(MediaType::photo);
+    record.sha256Hash = row.optionalText(4);
+    if (!row.isNull(5))
+        record.fileSizeBytes = row.integer(5);
+    record.uploadToken = row.optionalText(6);
+    record.remoteMediaID = row.optionalText(7);
+    record.syncStatus = syncStatusFrom(row.text(8)).value_or(SyncStatus::discovered);
+    record.retryCount = static_cast<int>(row.integer(9));
+    record.lastError = row.optionalText(10);
+    record.createdAt = timestamp(row, 11);
+    record.updatedAt = timestamp(row, 12);
+    return record;
+}
+
+void bindKeyAndType(sqlite::Statement& statement, const SyncRecord& record) {
+    statement.bind(1, record.assetLocalIdentifier);
+    statement.bind(2, record.providerID);
+    statement.bind(3, record.accountID);
+    statement.bind(4, rawValue(record.mediaType));
+}
+
+} // namespace
+
+DBError::DBError(Case which, const QString& message)
+    : Error(descriptionOf(which, message)), case_(which) {}
+
+DatabaseManager::DatabaseManager(const std::filesystem::path& file, Console& console) {
+    executeOnQueue([&] { open(file, console); });
+}
+
+void DatabaseManager::open(const std::filesystem::path& file, Console& console) {
+    std::error_code ignored; // a missing folder shows as a failed open
+    std::filesystem::create_directories(file.parent_path(), ignored);
+    try {
+        connection_ =
+            std::make_unique<sqlite::Connection>(file, sqlite::Connection::Mode::readWriteCreate);
+    } catch (const sqlite::SqliteError& error) {
+        openError_ = error.localizedDescription();
+        console.print(QStringLiteral("[DB] Veritabanı açılamadı: ") + openError_);
+        return;
+    }
+    connection_->setBusyTimeout(busyTimeoutMilliseconds);
+    for (const char* sql :
+         {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::schema}) {
+        try {
+            connection_->execute(sql);
+        } catch (const sqlite::SqliteError&) { // NOLINT(bugprone-empty-catch)
+            // A file that is no database fails again, with its reason, at the first real statement.
+        }
+    }
+}
+
+bool DatabaseManager::isUsable() {
+    try {
+        countPendingRecords();
+        return true;
+    } catch (const DBError&) {
+        return false;
+    }
+}
+
+sqlite::Connection& DatabaseManager::connection() {
+    if (!connection_)
+        throw DBError(DBError::Case::openFailed, openError_);
+    return *connection_;
+}
+
+void DatabaseManager::insertIfNotExists(const SyncRecord& record) {
+    write(statements::insertDiscovered,
+          [&](sqlite::Statement& statement) { bindKeyAndType(statement, record); });
+}
+
+void DatabaseManager::insertDiscoveredBatch(const std::vector<SyncRecord>& records) {
+    insertBatch(statements::insertDiscovered, records, bindKeyAndType);
+}
+
+void DatabaseManager::insertStagedBatch(const std::vector<SyncRecord>& records) {
+    insertBatch(statements::insertStaged, records,
+                [](sqlite::Statement& statement, const SyncRecord& record) {
+                    bindKeyAndType(statement, record);
+                    statement.bind(5, record.fileSizeBytes);
+                });
+}
+
+void DatabaseManager::upsertRecord(const SyncRecord& record) {
+    write(statements::upsert, [&](sqlite::Statement& statement) {
+        bindKeyAndType(statement, record);
+        statement.bind(5, record.sha256Hash);
+        statement.bind(6, record.fileSizeBytes);
+        statement.bind(7, record.uploadToken);
+        statement.bind(8, record.remoteMediaID);
+        statement.bind(9, rawValue(record.syncStatus));
+        statement.bind(10, record.retryCount);
+        statement.bind(11, record.lastError);
+    });
+}
+
+void DatabaseManager::updateStatus(const QString& identifier, const QString& provider,
+                                   const QString& account, SyncStatus status,
+                                   const std::optional<QString>& uploadToken,
+                                   const std::optional<QString>& remoteMediaID,
+                                   const std::optional<QString>& error) {
+    write(statements::updateStatus, [&](sqlite::Statement& statement) {
+        statement.bind(1, rawValue(status));
+        statement.bind(2, uploadToken);
+        statement.bind(3, remoteMediaID);
+        statement.bind(4, error);
+        statement.bind(5, rawValue(status));
+        statement.bind(6, identifier);
+        statement.bind(7, provider);
+        statement.bind(8, account);
+    });
+}
+
+std::vector<SyncRecord> DatabaseManager::fetchPendingRecords(int limit) {
+    return fetchRecords(statements::fetchPending,
+                        [&](sqlite::Statement& statement) { statement.bind(1, limit); });
+}
+
+std::vector<SyncRecord> DatabaseManager::fetchVerifiedForDeletion() {
+    return fetchRecords(statements::fetchVerified);
+}
+
+std::vector<SyncRecord> DatabaseManager::fetchUnfinishedRecords(int limit) {
+    return fetchRecords(statements::fetchUnfinished,
+                        [&](sqlite::Statement& statement) { statement.bind(1, limit); });
+}
+
+int DatabaseManager::countPendingRecords() {
+    return count(statements::countPending);
+}
+
+int DatabaseManager::countFailedRecords() {
+    return count(statements::countFailed);
+}
+
+int DatabaseManager::countDateUnresolvedRecords() {
+    return count(statements::countDateUnresolved);
+}
+
+std::vector<std::pair<SyncStatus, int>> DatabaseManager::countByStatus() {
+    return executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), statements::countByStatus);
+        std::vector<std::pair<SyncStatus, int>> counts;
+        while (step(statement))
+            if (const auto status = syncStatusFrom(statement.text(0)))
+                counts.emplace_back(*status, static_cast<int>(statement.integer(1)));
+        return counts;
+    });
+}
+
+std::vector<FailedCategorySummary> DatabaseManager::fetchFailedCategorySummaries() {
+    return executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), statements::failuresByError);
+        std::vector<std::pair<QString, int>> counts;
+        while (step(statement))
+            counts.emplace_back(statement.text(0), static_cast<int>(statement.integer(1)));
+        return summarizeFailures(counts);
+    });
+}
+
+void DatabaseManager::clearPendingRecords() {
+    write(statements::clearPending);
+}
+
+void DatabaseManager::retryFailedRecords(bool resetRetryCount) {
+    write(statements::retryFailed,
+          [&](sqlite::Statement& statement) { statement.bind(1, resetRetryCount ? 1 : 0); });
+}
+
+void DatabaseManager::retryDateUnresolvedRecords() {
+    executeOnQueue([&] { execute(connection(), statements::retryDateUnresolved); });
+}
+
+void DatabaseManager::write(const char* sql, const Bind& bind) {
+    executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), sql);
+        if (bind)
+            bind(statement);
+        step(statement);
+    });
+}
+
+int DatabaseManager::count(const char* sql) {
+    return executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), sql);
+        return step(statement) ? static_cast<int>(statement.integer(0)) : 0;
+    });
+}
+
+std::vector<SyncRecord> DatabaseManager::fetchRecords(const char* sql, const Bind& bind) {
+    return executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), sql);
+        if (bind)
+            bind(statement);
+        std::vector<SyncRecord> records;
+        while (step(statement))
+            records.push_back(readRecord(statement));
+        return records;
+    });
+}
+
+void DatabaseManager::insertBatch(
+    const char* sql, const std::vector<SyncRecord>& records,
+    const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind) {
+    executeOnQueue([&] {
+        sqlite::Connection& database = connection();
+        execute(database, statements::begin, QStringLiteral("BEGIN failed: "));
+        try {
+            sqlite::Statement statement = prepare(database, sql);
+            for (const SyncRecord& record : records) {
+                statement.reset();
+                bind(statement, record);
+                step(statement);
+            }
+            statement.reset();
+            execute(database, statements::commit, QStringLiteral("COMMIT failed: "));
+        } catch (...) {
+            try {
+                database.execute(statements::rollback);
+            } catch (const sqlite::SqliteError&) { // NOLINT(bugprone-empty-catch)
+                // SQLite has rolled back by itself (a full disk does that).
+            }
+            throw;
+        }
+    });
+}
+
+} // namespace quorvane

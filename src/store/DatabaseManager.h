@@ -1,0 +1,100 @@
+#pragma once
+
+#include "foundation/Console.h"
+#include "foundation/SerialQueue.h"
+#include "foundation/UserFolders.h"
+#include "store/Sqlite.h"
+#include "store/SyncRecord.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quorvane {
+
+/// A statement of the state store that failed; carries SQLite's message.
+class DBError : public Error {
+  public:
+    enum class Case { prepareFailed, stepFailed, openFailed };
+
+    DBError(Case which, const QString& message);
+    Case which() const noexcept { return case_; }
+
+  private:
+    Case case_;
+};
+
+/// The program's only persistent memory of what has been synced: table `sync_records`, one row per
+/// asset, provider and account. All operations are synchronous, may be called from any thread (and
+/// from inside one another), and throw `DBError`.
+class DatabaseManager {
+  public:
+    /// Opens or creates the file. A file that cannot be opened is reported on the console and left
+    /// as it is; every later operation then throws.
+    DatabaseManager(const std::filesystem::path& file, Console& console);
+
+    /// True when the file was opened and holds the table.
+    bool isUsable();
+
+    /// Inserts as DISCOVERED; a known asset is left as it is.
+    void insertIfNotExists(const SyncRecord& record);
+
+    /// All or nothing; known assets are left as they are.
+    void insertDiscoveredBatch(const std::vector<SyncRecord>& records);
+    void insertStagedBatch(const std::vector<SyncRecord>& records);
+
+    /// Writes every field except the time stamps.
+    void upsertRecord(const SyncRecord& record);
+
+    /// An absent token or remote id keeps the stored one; an absent error clears the stored one.
+    /// FAILED raises the retry count by one.
+    void updateStatus(const QString& identifier, const QString& provider, const QString& account,
+                      SyncStatus status, const std::optional<QString>& uploadToken = {},
+                      const std::optional<QString>& remoteMediaID = {},
+                      const std::optional<QString>& error = {});
+
+    /// DISCOVERED and STAGED records, oldest first.
+    std::vector<SyncRecord> fetchPendingRecords(int limit);
+
+    /// VERIFIED records with a remote id, least recently changed first.
+    std::vector<SyncRecord> fetchVerifiedForDeletion();
+
+    int countPendingRecords();
+    int countFailedRecords();
+    int countDateUnresolvedRecords();
+
+    /// How many records there are of each status; absent means none.
+    std::vector<std::pair<SyncStatus, int>> countByStatus();
+
+    /// FAILED and DATE_UNRESOLVED records with their reasons, most recently changed first.
+    std::vector<SyncRecord> fetchUnfinishedRecords(int limit);
+
+    std::vector<FailedCategorySummary> fetchFailedCategorySummaries();
+
+    void clearPendingRecords();
+    void retryFailedRecords(bool resetRetryCount);
+    void retryDateUnresolvedRecords();
+
+  private:
+    using Bind = std::function<void(sqlite::Statement&)>;
+
+    template <typename Work>
+    decltype(auto) executeOnQueue(Work&& work) {
+        return queue_.sync(std::forward<Work>(work));
+    }
+
+    void open(const std::filesystem::path& file, Console& console);
+    sqlite::Connection& connection();
+    void write(const char* sql, const Bind& bind = {});
+    int count(const char* sql);
+    std::vector<SyncRecord> fetchRecords(const char* sql, const Bind& bind = {});
+    void insertBatch(const char* sql, const std::vector<SyncRecord>& records,
+                     const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
+
+    SerialQueue queue_{QStringLiteral("com.quorvane.db")};
+    std::unique_ptr<sqlite::Connection> connection_;
+    QString openError_;
+};
+
+} // namespace quorvane

@@ -1,0 +1,108 @@
+#include "store/Sqlite.h"
+
+#include <sqlite3.h>
+
+namespace quorvane::sqlite {
+
+namespace {
+
+QString messageOf(sqlite3* handle) {
+    return QString::fromUtf8(sqlite3_errmsg(handle));
+}
+
+} // namespace
+
+void Connection::Close::operator()(sqlite3* handle) const {
+    sqlite3_close_v2(handle);
+}
+
+Connection::Connection(const std::filesystem::path& file, Mode mode) {
+    const int flags =
+        mode == Mode::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    sqlite3* handle = nullptr;
+    const int result = sqlite3_open_v2(file.c_str(), &handle, flags, nullptr);
+    handle_.reset(handle); // SQLite hands out a handle even when opening failed
+    if (result != SQLITE_OK)
+        throw SqliteError(messageOf(handle));
+}
+
+void Connection::setBusyTimeout(int milliseconds) {
+    sqlite3_busy_timeout(handle_.get(), milliseconds);
+}
+
+void Connection::execute(const char* sql) {
+    if (sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw SqliteError(errorMessage());
+}
+
+QString Connection::errorMessage() const {
+    return messageOf(handle_.get());
+}
+
+void Statement::Finalize::operator()(sqlite3_stmt* statement) const {
+    sqlite3_finalize(statement);
+}
+
+Statement::Statement(Connection& connection, const char* sql) : connection_(connection) {
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(connection.handle(), sql, -1, &statement, nullptr) != SQLITE_OK)
+        throw SqliteError(connection.errorMessage());
+    statement_.reset(statement);
+}
+
+Statement::Statement(Connection& connection, const QString& sql)
+    : Statement(connection, sql.toUtf8().constData()) {}
+
+void Statement::bind(int index, const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    sqlite3_bind_text(statement_.get(), index, utf8.constData(), static_cast<int>(utf8.size()),
+                      SQLITE_TRANSIENT); // NOLINT: SQLite's own macro casts
+}
+
+void Statement::bind(int index, std::int64_t number) {
+    sqlite3_bind_int64(statement_.get(), index, number);
+}
+
+void Statement::bindNull(int index) {
+    sqlite3_bind_null(statement_.get(), index);
+}
+
+bool Statement::step() {
+    switch (sqlite3_step(statement_.get())) {
+    case SQLITE_ROW:
+        return true;
+    case SQLITE_DONE:
+        return false;
+    default:
+        throw SqliteError(connection_.errorMessage());
+    }
+}
+
+void Statement::reset() {
+    sqlite3_reset(statement_.get());
+    sqlite3_clear_bindings(statement_.get());
+}
+
+bool Statement::isNull(int column) const {
+    return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
+QString Statement::text(int column) const {
+    const void* bytes = sqlite3_column_text(statement_.get(), column);
+    return QString::fromUtf8(static_cast<const char*>(bytes),
+                             sqlite3_column_bytes(statement_.get(), column));
+}
+
+std::optional<QString> Statement::optionalText(int column) const {
+    return isNull(column) ? std::nullopt : std::optional(text(column));
+}
+
+std::int64_t Statement::integer(int column) const {
+    return sqlite3_column_int64(statement_.get(), column);
+}
+
+double Statement::real(int column) const {
+    return sqlite3_column_double(statement_.get(), column);
+}
+
+} // namespace quorvane::sqlite

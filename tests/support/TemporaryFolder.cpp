@@ -1,0 +1,28 @@
+#include "support/TemporaryFolder.h"
+
+#include <QDir>
+
+namespace quorvane::test {
+
+std::filesystem::path TemporaryFolder::write(const std::filesystem::path& name,
+                                             const QByteArray& bytes) const {
+    const std::filesystem::path file = path() / name;
+    std::filesystem::create_directories(file.parent_path());
+    replaceFile(file, bytes, 0644);
+    return file;
+}
+
+QByteArray readFile(const std::filesystem::path& file) {
+    return readWholeFile(file, std::int64_t(1) << 32);
+}
+
+std::filesystem::path realDataFolder() {
+    const QString configured = qEnvironmentVariable("QUORVANE_TEST_DATA");
+    const std::filesystem::path folder =
+        configured.isEmpty()
+            ? std::filesystem::path(QUORVANE_SOURCE_DIR).parent_path() / "shared/data"
+            : pathFrom(configured);
+    return std::filesystem::is_directory(folder / "media") ? folder : std::filesystem::path();
+}
+
+} // namespace quorvane::test
