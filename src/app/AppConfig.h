@@ -1,0 +1,46 @@
+#pragma once
+
+#include "foundation/Log.h"
+#include "google/GoogleEndpoints.h"
+
+#include <QMap>
+#include <QString>
+
+#include <filesystem>
+#include <mutex>
+#include <vector>
+
+namespace quorvane {
+
+/// The OAuth client identity: from the process environment and the first readable of several
+/// `.env` files. Any thread.
+class AppConfig final : public OAuthClientIdentity {
+  public:
+    using Values = QMap<QString, QString>;
+
+    /// `candidates` are the `.env` files in search order. Loads at once.
+    AppConfig(std::vector<std::filesystem::path> candidates, Log& log);
+
+    /// The current folder, `home`/Library/Application Support/Quorvane/.env, `home`/.quorvane.env,
+    /// the program's folder and its resource folder.
+    static std::vector<std::filesystem::path> standardCandidates(const std::filesystem::path& home);
+
+    /// Reads environment and file again.
+    void reload();
+
+    QString googleClientID() const override;
+    std::optional<QString> googleClientSecret() const override;
+
+    /// KEY=value lines. Whole-line "#" comments, one pair of quotes removed, nothing else expanded.
+    static Values parseEnv(const QString& text);
+
+  private:
+    std::optional<QString> nonEmpty(const QString& key) const;
+
+    std::vector<std::filesystem::path> candidates_;
+    Log& log_;
+    mutable std::mutex lock_;
+    Values envValues_;
+};
+
+} // namespace quorvane

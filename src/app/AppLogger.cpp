@@ -1,0 +1,103 @@
+#include "app/AppLogger.h"
+
+#include "foundation/MainThread.h"
+
+#include <QDateTime>
+
+#include <array>
+
+#include <fcntl.h>
+#include <syslog.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+constexpr size_t memoryBufferSize = 100;
+
+struct LevelRule {
+    const char16_t* words;
+    bool lowerCased;
+    LogLevel level;
+};
+
+constexpr std::array levelRules{
+    LevelRule{u"hata", true, LogLevel::error},
+    LevelRule{u"❌", false, LogLevel::error},
+    LevelRule{u"engellendi", true, LogLevel::error},
+    LevelRule{u"başarısız", true, LogLevel::error},
+    LevelRule{u"başarılı", true, LogLevel::success},
+    LevelRule{u"başarıyla", true, LogLevel::success},
+    LevelRule{u"tamamlandı", true, LogLevel::success},
+    LevelRule{u"[Sync]", false, LogLevel::network},
+    LevelRule{u"[Network]", false, LogLevel::network},
+    LevelRule{u"[Upload]", false, LogLevel::network},
+    LevelRule{u"uyarı", true, LogLevel::warning},
+    LevelRule{u"⚠️", false, LogLevel::warning},
+};
+
+QString iso8601(Date date) {
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), Qt::UTC)
+        .toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
+}
+
+} // namespace
+
+LogLevel levelOf(const QString& message) {
+    const QString lower = message.toLower(); // QString folds without regard to the locale
+    for (const LevelRule& rule : levelRules)
+        if ((rule.lowerCased ? lower : message).contains(QStringView(rule.words)))
+            return rule.level;
+    return LogLevel::info;
+}
+
+AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock)
+    : console_(console), clock_(clock), logFile_(folder / "quorvane.log") {
+    ::openlog("com.quorvane", LOG_PID, LOG_USER);
+    std::error_code failure;
+    std::filesystem::create_directories(folder, failure);
+    if (failure)
+        console_.print(QStringLiteral("[AppLogger] ❌ Dizin oluşturulamadı: ") +
+                       QString::fromStdString(failure.message()));
+    try {
+        file_ = openFile(logFile_, O_WRONLY | O_CREAT | O_APPEND);
+    } catch (const FileError&) { // NOLINT(bugprone-empty-catch)
+        // File output stays off for the rest of the run.
+    }
+    const QString rule(42, u'=');
+    log(rule);
+    log(QStringLiteral("🚀 Quorvane Başlatıldı (PID: %1)").arg(::getpid()));
+    log(QStringLiteral("📁 Log Dosyası: ") + pathText(logFile_));
+    log(rule);
+}
+
+void AppLogger::log(const QString& message) {
+    const QString time = iso8601(clock_.now());
+    const QString tag = isMainThread() ? QStringLiteral("Main") : QStringLiteral("Bg");
+    const QByteArray fileLine =
+        QStringLiteral("[%1] [%2] ").arg(time, tag).append(message).append(u'\n').toUtf8();
+    ::syslog(LOG_NOTICE, "%s", message.toUtf8().constData());
+    console_.print(QStringLiteral("[%1] ").arg(tag) + message);
+
+    const LogEntry entry{QUuid::createUuid(), clock_.now(), message, levelOf(message)};
+    {
+        const std::lock_guard lock(mutex_);
+        if (file_.isOpen()) {
+            // One write per line: appends of several processes never interleave within a line.
+            [[maybe_unused]] const auto written =
+                ::write(file_.get(), fileLine.constData(), static_cast<size_t>(fileLine.size()));
+        }
+        memoryBuffer_.push_back(entry);
+        if (memoryBuffer_.size() > memoryBufferSize)
+            memoryBuffer_.pop_front();
+    }
+    publisher_.send(entry);
+}
+
+std::vector<LogEntry> AppLogger::memoryBuffer() const {
+    const std::lock_guard lock(mutex_);
+    return {memoryBuffer_.begin(), memoryBuffer_.end()};
+}
+
+} // namespace quorvane

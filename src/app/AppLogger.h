@@ -1,0 +1,58 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/Console.h"
+#include "foundation/File.h"
+#include "foundation/Log.h"
+#include "foundation/Publisher.h"
+
+#include <QUuid>
+
+#include <deque>
+#include <filesystem>
+#include <mutex>
+
+namespace quorvane {
+
+enum class LogLevel { info, network, success, warning, error };
+
+/// The level that a message's words imply: the first matching rule wins.
+LogLevel levelOf(const QString& message);
+
+struct LogEntry {
+    QUuid id;
+    Date timestamp;
+    QString message; ///< as the caller wrote it
+    LogLevel level = LogLevel::info;
+};
+
+/// The single log of the program. Each message goes to the system log, the console, the log file
+/// and the ring of the latest entries. Any thread. Never fails: a place that cannot be written is
+/// left out.
+class AppLogger final : public Log {
+  public:
+    /// Opens (or creates) "quorvane.log" in `folder` and writes the banner.
+    AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock);
+
+    void log(const QString& message) override;
+
+    /// The latest entries, oldest first, at most 100.
+    std::vector<LogEntry> memoryBuffer() const;
+
+    /// Sends each entry on the caller's thread, after no lock is held.
+    const Publisher<LogEntry>& logPublisher() const { return publisher_; }
+    Publisher<LogEntry>& logPublisher() { return publisher_; }
+
+    const std::filesystem::path& logFile() const { return logFile_; }
+
+  private:
+    Console& console_;
+    Clock& clock_;
+    std::filesystem::path logFile_;
+    mutable std::mutex mutex_; ///< guards the file and the ring
+    FileDescriptor file_;
+    std::deque<LogEntry> memoryBuffer_;
+    Publisher<LogEntry> publisher_;
+};
+
+} // namespace quorvane

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "foundation/File.h"
+
+#include <filesystem>
+
+namespace quorvane {
+
+/// Another run of the same user is at work.
+class RunLockHeld : public Error {
+  public:
+    using Error::Error;
+};
+
+/// One run at a time per user, across processes. The lock belongs to the open file, so it ends with
+/// the process, however that ends; the file's content only says who holds it.
+class RunLock {
+  public:
+    /// Throws `RunLockHeld`, naming the holder, or `FileError`.
+    explicit RunLock(const std::filesystem::path& file);
+
+  private:
+    FileDescriptor file_;
+};
+
+} // namespace quorvane
