@@ -1,0 +1,42 @@
+# The front door: every target works from a clean clone on Debian 12.
+.PHONY: help build demo test bench fuzz format lint setup clean
+
+help:
+	@echo 'make demo    build, then back up a sample library to a local Google Photos service'
+	@echo 'make test    build and run every test (development, address and thread sanitizer)'
+	@echo 'make build   build the programs into build/bin/'
+	@echo 'make bench   measure'
+	@echo 'make setup   install the Debian packages that are missing (the others call it)'
+	@echo 'make format  format the sources; make lint: check them'
+
+setup:
+	@scripts/setup.sh build test
+
+build:
+	@scripts/setup.sh build
+	@scripts/build.sh release
+
+demo: build
+	@scripts/demo.sh
+
+test:
+	@scripts/setup.sh build test
+	@scripts/test.sh
+
+bench: build
+	@scripts/setup.sh build bench
+	@scripts/bench.sh
+
+fuzz:
+	@scripts/setup.sh build fuzz
+	@scripts/fuzz.sh
+
+format:
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+lint:
+	@scripts/setup.sh build lint
+	@scripts/lint.sh
+
+clean:
+	rm -rf build

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that are missing for the groups named: build test bench fuzz lint.
+# Silent when nothing is missing.
+set -euo pipefail
+
+declare -A groups=(
+  [build]="build-essential cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev
+    libcurl4-openssl-dev libssl-dev libexiv2-dev libsecret-1-dev libcpp-httplib-dev"
+  [test]="libgtest-dev libgmock-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
+    dbus gnome-keyring libglib2.0-bin xdg-utils"
+  [bench]="time libimage-exiftool-perl exiv2 curl"
+  [fuzz]="clang libclang-rt-14-dev"
+  [lint]="clang-format clang-tidy"
+)
+
+missing=()
+for group in "$@"; do
+  for package in ${groups[$group]}; do
+    status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+  done
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "Missing packages, and no sudo to install them: ${missing[*]}" >&2; exit 1; }
+  as_root=(sudo)
+fi
+echo "Installing: ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+{ "${as_root[@]}" apt-get update -q &&
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \
+    "${missing[@]}"; } >"$log" 2>&1 || { cat "$log" >&2; exit 1; }

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Builds and runs every test: all of them plain and under the address and undefined-behaviour
+# sanitizers, those with threads under the thread sanitizer. Closes with the counts of all runs.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+jobs=$(nproc)
+passed=0 failed=0 skipped=0
+
+run() { # PRESET [ctest arguments]
+  local preset=$1 report="$PWD/build/$1/tests.xml"
+  shift
+  scripts/build.sh "$preset" || exit 1
+  rm -f "$report"
+  ctest --preset "$preset" -j "$jobs" --output-junit "$report" --progress "$@"
+  [ -s "$report" ] || { echo "no test report from $preset" >&2; exit 1; }
+  local counts
+  counts=$(grep -m1 -A12 '<testsuite' "$report" | tr '\n' ' ')
+  local total failures disabled skips
+  total=$(sed -E 's/.* tests="([0-9]+)".*/\1/' <<<"$counts")
+  failures=$(sed -E 's/.*failures="([0-9]+)".*/\1/' <<<"$counts")
+  disabled=$(sed -E 's/.*disabled="([0-9]+)".*/\1/' <<<"$counts")
+  skips=$(sed -E 's/.*skipped="([0-9]+)".*/\1/' <<<"$counts")
+  passed=$((passed + total - failures - disabled - skips))
+  failed=$((failed + failures))
+  skipped=$((skipped + skips + disabled))
+}
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1
+export TSAN_OPTIONS="ignore_noninstrumented_modules=1 halt_on_error=1"
+run dev
+run asan
+run tsan -R '^(foundation|store|library|google|sync)/'
+
+[ "$skipped" -eq 0 ] || echo "Skipped tests say why above: search for SKIPPED."
+echo "Tests: $passed passed, $failed failed, $skipped skipped"
+[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
