@@ -35,11 +35,11 @@ std::optional<QByteArray> Preferences::data(const QString& key) const {
 }
 
 void Preferences::setString(const QString& key, const QString& value) {
-    change([&](QJsonObject& values) { values[key] = value; });
+    change(key, [&](QJsonObject& values) { values[key] = value; });
 }
 
 void Preferences::setBoolean(const QString& key, bool value) {
-    change([&](QJsonObject& values) { values[key] = value; });
+    change(key, [&](QJsonObject& values) { values[key] = value; });
 }
 
 void Preferences::setData(const QString& key, const QByteArray& value) {
@@ -47,17 +47,25 @@ void Preferences::setData(const QString& key, const QByteArray& value) {
 }
 
 void Preferences::remove(const QString& key) {
-    change([&](QJsonObject& values) { values.remove(key); });
+    change(key, [&](QJsonObject& values) { values.remove(key); });
+}
+
+void Preferences::setVolatile(const QString& key, const QJsonValue& value) {
+    const std::lock_guard lock(mutex_);
+    volatileValues_[key] = value;
 }
 
 QJsonValue Preferences::value(const QString& key) const {
     const std::lock_guard lock(mutex_);
+    if (volatileValues_.contains(key))
+        return volatileValues_.value(key);
     reloadIfChanged();
     return values_.value(key);
 }
 
-void Preferences::change(const std::function<void(QJsonObject&)>& edit) {
+void Preferences::change(const QString& key, const std::function<void(QJsonObject&)>& edit) {
     const std::lock_guard lock(mutex_);
+    volatileValues_.remove(key);
     const std::filesystem::path folder = file_.parent_path();
     std::error_code ignored;
     std::filesystem::create_directories(folder, ignored);

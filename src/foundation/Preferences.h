@@ -27,6 +27,9 @@ class Preferences {
     void setData(const QString& key, const QByteArray& value);
     void remove(const QString& key);
 
+    /// A value for this process only, which wins over the stored one until the key is written.
+    void setVolatile(const QString& key, const QJsonValue& value);
+
   private:
     struct Version {
         long long inode = -1, size = -1, seconds = 0, nanoseconds = 0;
@@ -34,13 +37,14 @@ class Preferences {
     };
 
     QJsonValue value(const QString& key) const;
-    void change(const std::function<void(QJsonObject&)>& edit);
+    void change(const QString& key, const std::function<void(QJsonObject&)>& edit);
     void reloadIfChanged() const;
 
     std::filesystem::path file_;
     mutable std::mutex mutex_;
     mutable Version version_;
     mutable QJsonObject values_;
+    QJsonObject volatileValues_;
 };
 
 /// The keys of the product's settings, as stored.

@@ -1,5 +1,6 @@
 #include "store/DatabaseManager.h"
 
+#include "foundation/File.h"
 #include "store/Statements.h"
 
 #include <QDateTime>
@@ -87,16 +88,17 @@ void bindKeyAndType(sqlite::Statement& statement, const SyncRecord& record) {
 DBError::DBError(Case which, const QString& message)
     : Error(descriptionOf(which, message)), case_(which) {}
 
-DatabaseManager::DatabaseManager(const std::filesystem::path& file, Console& console) {
-    executeOnQueue([&] { open(file, console); });
+DatabaseManager::DatabaseManager(const std::filesystem::path& file, Console& console)
+    : file_(file) {
+    executeOnQueue([&] { open(console); });
 }
 
-void DatabaseManager::open(const std::filesystem::path& file, Console& console) {
+void DatabaseManager::open(Console& console) {
     std::error_code ignored; // a missing folder shows as a failed open
-    std::filesystem::create_directories(file.parent_path(), ignored);
+    std::filesystem::create_directories(file_.parent_path(), ignored);
     try {
-        connection_ =
-            std::make_unique<sqlite::Connection>(file, sqlite::Connection::Mode::readWriteCreate);
+        connection_ = std::make_unique<sqlite::Connection>(
+            file_, sqlite::Connection::Mode::readWriteCreate);
     } catch (const sqlite::SqliteError& error) {
         openError_ = error.localizedDescription();
         console.print(QStringLiteral("[DB] Veritabanı açılamadı: ") + openError_);
@@ -113,12 +115,12 @@ void DatabaseManager::open(const std::filesystem::path& file, Console& console) 
     }
 }
 
-bool DatabaseManager::isUsable() {
+void DatabaseManager::requireUsable() {
     try {
         countPendingRecords();
-        return true;
-    } catch (const DBError&) {
-        return false;
+    } catch (const DBError& error) {
+        throw Error(QStringLiteral("Durum veritabanı kullanılamıyor, dosyaya dokunulmadı: %1 (%2)")
+                        .arg(pathText(file_), error.localizedDescription()));
     }
 }
 
@@ -209,6 +211,18 @@ std::vector<std::pair<SyncStatus, int>> DatabaseManager::countByStatus() {
             if (const auto status = syncStatusFrom(statement.text(0)))
                 counts.emplace_back(*status, static_cast<int>(statement.integer(1)));
         return counts;
+    });
+}
+
+std::vector<std::pair<QString, SyncStatus>> DatabaseManager::fetchStatuses() {
+    return executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), statements::fetchStatuses);
+        std::vector<std::pair<QString, SyncStatus>> result;
+        while (step(statement))
+            result.emplace_back(
+                statement.text(0),
+                syncStatusFrom(statement.text(1)).value_or(SyncStatus::discovered));
+        return result;
     });
 }
 

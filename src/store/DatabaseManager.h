@@ -34,8 +34,9 @@ class DatabaseManager {
     /// as it is; every later operation then throws.
     DatabaseManager(const std::filesystem::path& file, Console& console);
 
-    /// True when the file was opened and holds the table.
-    bool isUsable();
+    /// Throws `Error` with a plain text when the file is no usable state database. It is left as
+    /// it is: nothing is ever deleted or created over it.
+    void requireUsable();
 
     /// Inserts as DISCOVERED; a known asset is left as it is.
     void insertIfNotExists(const SyncRecord& record);
@@ -70,6 +71,9 @@ class DatabaseManager {
     /// FAILED and DATE_UNRESOLVED records with their reasons, most recently changed first.
     std::vector<SyncRecord> fetchUnfinishedRecords(int limit);
 
+    /// Every record's identifier and status.
+    std::vector<std::pair<QString, SyncStatus>> fetchStatuses();
+
     std::vector<FailedCategorySummary> fetchFailedCategorySummaries();
 
     void clearPendingRecords();
@@ -84,7 +88,7 @@ class DatabaseManager {
         return queue_.sync(std::forward<Work>(work));
     }
 
-    void open(const std::filesystem::path& file, Console& console);
+    void open(Console& console);
     sqlite::Connection& connection();
     void write(const char* sql, const Bind& bind = {});
     int count(const char* sql);
@@ -93,6 +97,7 @@ class DatabaseManager {
                      const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
 
     SerialQueue queue_{QStringLiteral("com.quorvane.db")};
+    const std::filesystem::path file_;
     std::unique_ptr<sqlite::Connection> connection_;
     QString openError_;
 };

@@ -107,6 +107,9 @@ inline constexpr const char* retryDateUnresolved =
 inline constexpr const char* countByStatus =
     R"sql(SELECT sync_status, COUNT(*) FROM sync_records GROUP BY sync_status;)sql";
 
+inline constexpr const char* fetchStatuses =
+    R"sql(SELECT asset_local_identifier, sync_status FROM sync_records;)sql";
+
 inline constexpr const char* fetchUnfinished =
     R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
        sha256_hash, file_size_bytes, upload_token, remote_media_id,
