@@ -1,0 +1,135 @@
+#include "metadata/HeifExif.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <unordered_set>
+
+namespace quorvane::heif {
+
+namespace {
+
+constexpr std::array<std::uint8_t, 6> exifMarker{'E', 'x', 'i', 'f', 0, 0};
+
+bool beginsWith(ByteView bytes, ByteView beginning) {
+    return bytes.size() >= beginning.size() &&
+           std::ranges::equal(bytes.first(beginning.size()), beginning);
+}
+
+/// What the payload has before its TIFF header: a 4-byte count of bytes to skip, and those. Some
+/// writers do not count the "Exif\0\0" that follows.
+qsizetype headerLengthOf(const QByteArray& payload) {
+    ByteReader reader(viewOf(payload));
+    reader.skip(reader.u32());
+    if (beginsWith(viewOf(payload).subspan(reader.offset()), exifMarker))
+        reader.skip(exifMarker.size());
+    const std::uint64_t length = reader.offset();
+    if (!isTiff(viewOf(payload).subspan(length)))
+        throw ParseError(QStringLiteral("Exif bloğu TIFF başlığıyla başlamıyor"));
+    return static_cast<qsizetype>(length);
+}
+
+std::size_t locationOf(const Picture& picture, std::uint32_t item) {
+    const std::vector<Location>& entries = picture.locations.entries;
+    if (std::ranges::count(entries, item, &Location::item) != 1)
+        throw ParseError(QStringLiteral("Exif öğesinin yeri belli değil"));
+    return static_cast<std::size_t>(std::ranges::find(entries, item, &Location::item) -
+                                    entries.begin());
+}
+
+/// True when a byte of the item belongs to two of its extents or to another item as well.
+bool sharesBytes(const Picture& picture, const ExifItem& exif) {
+    struct Span {
+        Range range;
+        bool isExif;
+    };
+    std::vector<Span> spans;
+    for (std::size_t i = 0; i < picture.locations.entries.size(); ++i) {
+        const Location& location = picture.locations.entries[i];
+        const std::optional<std::vector<Range>> ranges = picture.rangesOf(location);
+        if (!ranges && location.method != Location::inItem && location.dataReference == 0)
+            return true; // out of bounds: cannot be told
+        for (const Range& range : ranges.value_or(std::vector<Range>()))
+            spans.push_back({range, i == exif.location});
+    }
+    std::ranges::sort(spans, {}, [](const Span& span) { return span.range.offset; });
+    std::uint64_t exifEnd = 0;
+    std::uint64_t otherEnd = 0;
+    for (const Span& span : spans) {
+        if (span.range.length == 0)
+            continue;
+        if (span.range.offset < exifEnd || (span.isExif && span.range.offset < otherEnd))
+            return true;
+        std::uint64_t& end = span.isExif ? exifEnd : otherEnd;
+        end = std::max(end, span.range.end());
+    }
+    return false;
+}
+
+} // namespace
+
+bool isTiff(ByteView bytes) {
+    constexpr std::array<std::uint8_t, 4> little{'I', 'I', 42, 0};
+    constexpr std::array<std::uint8_t, 4> big{'M', 'M', 0, 42};
+    return beginsWith(bytes, little) || beginsWith(bytes, big);
+}
+
+std::vector<Item> exifItemsOf(const Picture& picture) {
+    std::unordered_set<std::uint32_t> describing;
+    std::unordered_set<std::uint32_t> describingPrimary;
+    for (const Reference& reference : picture.references) {
+        if (reference.type != fourCC("cdsc"))
+            continue;
+        describing.insert(reference.from);
+        if (std::ranges::find(reference.to, picture.primary) != reference.to.end())
+            describingPrimary.insert(reference.from);
+    }
+    std::vector<Item> all;
+    std::ranges::copy_if(picture.items, std::back_inserter(all),
+                         [](const Item& item) { return item.type == fourCC("Exif"); });
+    if (all.size() == 1 && !describing.contains(all.front().id))
+        return all;
+    std::erase_if(all, [&](const Item& item) { return !describingPrimary.contains(item.id); });
+    return all;
+}
+
+ExifItem readExifItem(const Picture& picture, const Item& item, const Limits& limits) {
+    if (item.isProtected)
+        throw ContainerError(QStringLiteral("Exif öğesi korumalı"));
+    ExifItem exif;
+    exif.location = locationOf(picture, item.id);
+    const std::optional<std::vector<Range>> ranges =
+        picture.rangesOf(picture.locations.entries[exif.location]);
+    if (!ranges)
+        throw ContainerError(QStringLiteral("Exif öğesi bu dosyanın içinde değil"));
+    exif.ranges = *ranges;
+    std::uint64_t length = 0;
+    for (const Range& range : exif.ranges) {
+        length += range.length;
+        if (length > limits.exifBytes)
+            throw ParseError(QStringLiteral("Exif bloğu çok büyük"));
+    }
+    ByteWriter payload;
+    for (const Range& range : exif.ranges)
+        payload.bytes(bytesOf(picture.file, range));
+    exif.payload = payload.take();
+    exif.headerLength = headerLengthOf(exif.payload);
+    return exif;
+}
+
+bool canOverwrite(const Picture& picture, const ExifItem& exif) {
+    std::vector<Range> rooms;
+    for (const Box& box : picture.boxes)
+        if (box.type == fourCC("mdat"))
+            rooms.push_back(box.body);
+    if (picture.itemData)
+        rooms.push_back(picture.itemData->body);
+    std::ranges::sort(rooms, {}, &Range::offset);
+    const auto isInARoom = [&](const Range& range) {
+        const auto after = std::ranges::upper_bound(rooms, range.offset, {}, &Range::offset);
+        return after != rooms.begin() && std::prev(after)->contains(range);
+    };
+    return std::ranges::all_of(exif.ranges, isInARoom) && !sharesBytes(picture, exif);
+}
+
+} // namespace quorvane::heif
