@@ -1,0 +1,34 @@
+#pragma once
+
+#include "foundation/Date.h"
+
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+
+/// The Gregorian calendar on the process's own time zone, and its text forms. Any thread.
+namespace quorvane {
+
+/// The instant of a local wall-clock time; none when the calendar has no such day or time of day,
+/// or the year is not 1 to 9999. A time that the clocks skip moves forward by what they skip; of a
+/// time that comes twice the first is meant.
+std::optional<Date> localDate(int year, int month, int day, int hour, int minute, int second);
+
+/// "yyyy:MM:dd HH:mm:ss" in local time (Exif 2.32, DateTime). None for any other text, "unknown"
+/// forms of zeros or blanks included; trailing blanks and NULs do not count.
+std::optional<Date> parseExifDate(QStringView text);
+
+/// The local wall-clock time as "yyyy:MM:dd HH:mm:ss"; for dates of a four-digit year.
+QString exifDateText(Date date);
+
+/// The UTC time in a `QDateTime` format, such as "yyyy:MM:dd".
+QString utcText(Date date, QStringView format);
+
+/// The year on the local calendar; 0 when it is not 1 to 9999.
+int localYear(Date date);
+
+/// The date itself when its year has four digits locally and in UTC: what a file can say.
+std::optional<Date> writableDate(std::optional<Date> date);
+
+} // namespace quorvane

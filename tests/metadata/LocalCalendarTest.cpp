@@ -1,0 +1,111 @@
+#include "metadata/LocalCalendar.h"
+
+#include "foundation/Date.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+
+using namespace quorvane;
+
+namespace {
+
+/// The process lives in another time zone for a while.
+class Zone {
+  public:
+    explicit Zone(const char* name) {
+        if (const char* old = std::getenv("TZ"))
+            old_ = old;
+        set(name);
+    }
+    ~Zone() { set(old_ ? old_->c_str() : nullptr); }
+    Zone(const Zone&) = delete;
+    Zone& operator=(const Zone&) = delete;
+
+  private:
+    static void set(const char* name) {
+        name ? ::setenv("TZ", name, 1) : ::unsetenv("TZ");
+        ::tzset();
+    }
+    std::optional<std::string> old_;
+};
+
+std::string utc(const std::optional<Date>& date) {
+    return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
+}
+
+std::string parsed(const char* text) {
+    return utc(parseExifDate(QString::fromLatin1(text)));
+}
+
+} // namespace
+
+TEST(LocalCalendar, ReadsWallClocksInTheZoneOfTheProcess) {
+    const struct {
+        const char* zone;
+        const char* text;
+        const char* instant;
+        const char* written; ///< when it is not the text
+    } rows[] = {
+        {"UTC", "2021:03:05 23:30:00", "2021-03-05 23:30:00", nullptr},
+        {"Europe/Istanbul", "2021:03:06 02:30:00", "2021-03-05 23:30:00", nullptr},
+        {"Europe/Istanbul", "1904:01:01 00:00:00", "1903-12-31 22:03:04", nullptr},
+        {"Asia/Kathmandu", "2021:03:06 00:00:00", "2021-03-05 18:15:00", nullptr},
+        // The hour that the clocks skip, and the one they show twice.
+        {"America/New_York", "2021:03:14 01:59:59", "2021-03-14 06:59:59", nullptr},
+        {"America/New_York", "2021:03:14 02:30:00", "2021-03-14 07:30:00", "2021:03:14 03:30:00"},
+        {"America/New_York", "2021:03:14 03:00:00", "2021-03-14 07:00:00", nullptr},
+        {"America/New_York", "2021:11:07 01:30:00", "2021-11-07 05:30:00", nullptr},
+        {"America/New_York", "2021:11:07 02:00:00", "2021-11-07 07:00:00", nullptr},
+        {"Australia/Lord_Howe", "2021:10:03 02:10:00", "2021-10-02 15:40:00",
+         "2021:10:03 02:40:00"},
+        {"Australia/Lord_Howe", "2021:04:04 01:45:00", "2021-04-03 14:45:00", nullptr},
+        // A day that an island slept through.
+        {"Pacific/Apia", "2011:12:30 12:00:00", "2011-12-30 22:00:00", "2011:12:31 12:00:00"},
+        {"Pacific/Kiritimati", "9999:12:31 23:59:59", "9999-12-31 09:59:59", nullptr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.zone) + " " + row.text);
+        const Zone zone(row.zone);
+        const std::optional<Date> date = parseExifDate(QString::fromLatin1(row.text));
+        ASSERT_TRUE(date);
+        EXPECT_EQ(utc(date), row.instant);
+        EXPECT_EQ(exifDateText(*date).toStdString(), row.written ? row.written : row.text);
+    }
+}
+
+TEST(LocalCalendar, TakesOnlyWholeAndPossibleExifDates) {
+    const Zone zone("UTC");
+    EXPECT_EQ(parsed("2020:02:29 00:00:00"), "2020-02-29 00:00:00");
+    EXPECT_EQ(parsed("2020:02:29 00:00:00  "), "2020-02-29 00:00:00");
+    EXPECT_EQ(utc(parseExifDate(QString(QStringLiteral("2020:02:29 00:00:00") + QChar()))),
+              "2020-02-29 00:00:00");
+    for (const char* text : {"", "0000:00:00 00:00:00", "    :  :     :  :  ",
+                             "2021:02:29 00:00:00", "2021:13:01 00:00:00", "2021:00:01 00:00:00",
+                             "2021:01:01 24:00:00", "2021:01:01 00:60:00", "2021:01:01 00:00:60",
+                             "2021-01-01 00:00:00", "2021:01:01T00:00:00", "2021:01:01 00:00",
+                             "2021:01:01 00:00:00Z", "2021:+1:01 00:00:00", " 2021:01:01 00:00:00"})
+        EXPECT_EQ(parsed(text), "none") << text;
+    EXPECT_EQ(parseExifDate(QStringLiteral("٢٠٢١:01:01 00:00:00")), std::nullopt);
+    EXPECT_EQ(localDate(2021, 257, 1, 0, 0, 0), std::nullopt);
+    EXPECT_EQ(localDate(2021, 1, 257, 0, 0, 0), std::nullopt);
+}
+
+TEST(LocalCalendar, KnowsWhichYearsHaveFourDigits) {
+    using std::chrono::milliseconds;
+    const Zone zone("Etc/GMT-14"); // fourteen hours ahead
+    EXPECT_EQ(localYear(Date(milliseconds(0))), 1970);
+    EXPECT_EQ(localYear(Date(-std::chrono::hours(15))), 1969);
+    EXPECT_EQ(localYear(*dateFromUnixSeconds(123456789012345.0)), 0);
+    EXPECT_EQ(localYear(Date(milliseconds(std::numeric_limits<std::int64_t>::max()))), 0);
+    EXPECT_EQ(localYear(Date(milliseconds(std::numeric_limits<std::int64_t>::min()))), 0);
+
+    const Date last = std::chrono::sys_days(std::chrono::year(9999) / 12 / 31);
+    EXPECT_TRUE(writableDate(last));
+    EXPECT_FALSE(writableDate(last + std::chrono::hours(12))); // the local year is 10000
+    EXPECT_TRUE(writableDate(Date(milliseconds(0))));
+    EXPECT_FALSE(writableDate(*dateFromUnixSeconds(123456789012345.0)));
+    EXPECT_FALSE(writableDate(Date(milliseconds(std::numeric_limits<std::int64_t>::min()))));
+}
