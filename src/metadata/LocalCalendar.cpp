@@ -1,6 +1,7 @@
 #include "metadata/LocalCalendar.h"
 
 #include <QDateTime>
+#include <QRegularExpression>
 
 #include <ctime>
 
@@ -36,9 +37,8 @@ SecondDate instantOf(SecondDate wallClock) {
     return offsetAt(first) != before && offsetAt(second) == after ? second : first;
 }
 
-} // namespace
-
-std::optional<Date> localDate(int year, int month, int day, int hour, int minute, int second) {
+std::optional<SecondDate> wallClock(int year, int month, int day, int hour, int minute,
+                                    int second) {
     if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1 || day > 31)
         return std::nullopt;
     const std::chrono::year_month_day date =
@@ -46,8 +46,15 @@ std::optional<Date> localDate(int year, int month, int day, int hour, int minute
     if (!date.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 ||
         second > 59)
         return std::nullopt;
-    return instantOf(std::chrono::sys_days(date) + std::chrono::hours(hour) +
-                     std::chrono::minutes(minute) + seconds(second));
+    return std::chrono::sys_days(date) + std::chrono::hours(hour) + std::chrono::minutes(minute) +
+           seconds(second);
+}
+
+} // namespace
+
+std::optional<Date> localDate(int year, int month, int day, int hour, int minute, int second) {
+    const auto time = wallClock(year, month, day, hour, minute, second);
+    return time ? std::optional<Date>(instantOf(*time)) : std::nullopt;
 }
 
 std::optional<Date> parseExifDate(QStringView text) {
@@ -66,6 +73,23 @@ std::optional<Date> parseExifDate(QStringView text) {
     };
     return localDate(number(0, 4), number(5, 2), number(8, 2), number(11, 2), number(14, 2),
                      number(17, 2));
+}
+
+std::optional<Date> parseIsoDate(QStringView text) {
+    static const QRegularExpression form(QStringLiteral(
+        "^([0-9]{4})-([0-9]{2})-([0-9]{2})"
+        "(?:T([0-9]{2}):([0-9]{2}):([0-9]{2})(?:\\.[0-9]+)?(?:Z|([+-])([0-9]{2}):?([0-9]{2})))?$"));
+    const QRegularExpressionMatch match = form.match(text.trimmed().toString());
+    if (!match.hasMatch())
+        return std::nullopt;
+    const auto number = [&](int group) { return match.capturedView(group).toInt(); };
+    if (match.capturedView(4).isEmpty())
+        return localDate(number(1), number(2), number(3), 12, 0, 0);
+    const auto time = wallClock(number(1), number(2), number(3), number(4), number(5), number(6));
+    if (!time)
+        return std::nullopt;
+    const auto offset = std::chrono::hours(number(8)) + std::chrono::minutes(number(9));
+    return match.capturedView(7) == u"-" ? *time + offset : *time - offset;
 }
 
 QString exifDateText(Date date) {

@@ -22,6 +22,10 @@ std::optional<Date> parseExifDate(QStringView text);
 /// The local wall-clock time as "yyyy:MM:dd HH:mm:ss"; for dates of a four-digit year.
 QString exifDateText(Date date);
 
+/// An ISO 8601 date and time with its offset ("Z", "+03:00", "+0300"), or a date alone, which means
+/// noon of that local day. None for any other text; blanks around it do not count.
+std::optional<Date> parseIsoDate(QStringView text);
+
 /// The UTC time in a `QDateTime` format, such as "yyyy:MM:dd".
 QString utcText(Date date, QStringView format);
 

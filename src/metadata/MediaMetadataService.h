@@ -3,12 +3,18 @@
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
 #include "metadata/MetadataTypes.h"
+#include "metadata/PhotosDatabase.h"
 
 #include <filesystem>
-#include <mutex>
 #include <optional>
 
 namespace quorvane {
+
+/// Whether a file of this extension (lower case, without the dot) is a picture.
+bool isImageExtension(const QString& extension);
+
+/// Whether a file of this extension (lower case, without the dot) is a movie.
+bool isVideoExtension(const QString& extension);
 
 /// Decides which instant is a staged file's capture date and makes sure that the file says so.
 /// Nothing here throws: a source that fails counts as no date, a write that fails is reported.
@@ -35,8 +41,12 @@ class MediaMetadataService {
     bool hasEmbeddedDate(const std::filesystem::path& file) noexcept;
 
   private:
+    std::optional<Date> dateOfAsset(const QString& identifier);
+    std::optional<Date> embeddedDate(const std::filesystem::path& file);
+    std::optional<Date> fallbackDate(const std::filesystem::path& file, DateFallbackMode mode);
+
     AssetFactsSource& assets_;
-    std::filesystem::path picturesFolder_;
+    PhotosDatabase photosDatabase_;
     Log& log_;
     Clock& clock_;
 };

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QTemporaryDir>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace quorvane {
+
+/// A private copy of a database that belongs to another program, together with its write-ahead
+/// log: opening the original, even read-only, would create files beside it, and without the log
+/// rows would be missed. What did not change is not copied again. The copy goes with the object.
+/// One thread at a time.
+class DatabaseCopy {
+  public:
+    explicit DatabaseCopy(std::filesystem::path original) : original_(std::move(original)) {}
+
+    /// True when the copy says what the original says now. Costs two looks at file attributes.
+    bool isCurrent() const;
+
+    /// Copies what changed; no connection to the copy may be open. Throws `Error` when the original
+    /// cannot be read or keeps changing; there is then no copy.
+    void refresh();
+
+    /// The copied database.
+    std::filesystem::path file() const;
+
+  private:
+    /// What tells one state of a file from another; all zero when it is absent.
+    struct Stamp {
+        std::uint64_t inode = 0;
+        std::int64_t size = 0;
+        std::int64_t seconds = 0;
+        std::int64_t nanoseconds = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+    struct State {
+        Stamp database;
+        Stamp log;
+        bool operator==(const State&) const = default;
+    };
+
+    static Stamp stampOf(const std::filesystem::path& file);
+    State currentState() const;
+    void copy(const char* suffix) const;
+
+    std::filesystem::path original_;
+    std::optional<QTemporaryDir> folder_;
+    std::optional<State> copied_;
+};
+
+} // namespace quorvane
