@@ -1,0 +1,86 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/Log.h"
+#include "google/AccessTokenProvider.h"
+#include "google/GoogleEndpoints.h"
+#include "google/HttpClient.h"
+#include "google/TokenStore.h"
+#include "google/WebAuthSession.h"
+
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace quorvane {
+
+/// The single keeper of the user's Google authorisation: OAuth 2.0 authorization code (RFC 6749)
+/// with PKCE (RFC 7636). Any thread but the main one: calls block on the network or the keychain.
+///
+///     signIn ──> WebAuthSession ──callback──> exchangeCode ──> saveTokens ──> e-mail
+///     validAccessToken ──stored and fresh──> token
+///                      └─expired──> the one refresh in flight ──> saveTokens ──> token
+class GoogleOAuthManager final : public AccessTokenProvider {
+  public:
+    struct Collaborators {
+        const GoogleEndpoints& endpoints;
+        const OAuthClientIdentity& client;
+        HttpClient& http;
+        WebAuthSession& webAuthSession;
+        TokenStore& tokens;
+        Clock& clock;
+        Log& log;
+    };
+
+    explicit GoogleOAuthManager(const Collaborators& collaborators);
+
+    /// The whole interactive flow; leaves tokens and e-mail stored. Throws `OAuthError`, the web
+    /// session's own error, `TransportError`, or `Cancelled`.
+    void signIn(std::stop_token stop);
+
+    /// The stored token while it is valid for more than 60 seconds, else a refreshed one. All
+    /// concurrent callers share one refresh, and one caller's `stop` leaves it to the others.
+    QString validAccessToken(std::stop_token stop) override;
+
+    bool isSignedIn();
+
+    /// The account's address, when it is known.
+    std::optional<QString> email();
+
+    /// Revokes the access token, as far as Google can be reached, and forgets everything. Never
+    /// throws; `stop` only shortens the wait for Google.
+    void signOut(std::stop_token stop);
+
+  private:
+    struct RefreshTask {
+        bool finished = false;
+        QString token;
+        std::exception_ptr error;
+    };
+
+    QUrl runAuthSession(const QUrl& url, const QString& scheme, std::stop_token stop);
+    QString extractAuthCode(const QUrl& callback);
+    void exchangeCode(const QString& code, const QString& verifier, std::stop_token stop);
+    void saveTokens(const QByteArray& body);
+    void fetchAndSaveUserEmail(const QString& accessToken, std::stop_token stop);
+    std::optional<QString> freshAccessToken();
+    void startRefresh();
+    void runRefresh(RefreshTask& task, std::stop_token stop);
+    QString refreshAccessToken(std::stop_token stop);
+    HttpResponse postForm(const QUrl& url, const QByteArray& form, std::stop_token stop);
+    QString redirectURI() const;
+
+    const Collaborators with_;
+
+    /// Guards `tokenRefreshTask_` and makes each change of the stored tokens one step. Held while
+    /// the token store works, never while the network does.
+    std::mutex mutex_;
+    std::condition_variable_any refreshFinished_;
+    std::shared_ptr<RefreshTask> tokenRefreshTask_;
+    std::jthread refreshThread_;
+};
+
+} // namespace quorvane
