@@ -12,11 +12,11 @@ QUrl at(const QUrl& base, const QString& path) {
     return url;
 }
 
-bool isLoopback(const QString& host) {
+} // namespace
+
+bool isLoopbackHost(const QString& host) {
     return host == u"127.0.0.1" || host == u"localhost" || host == u"::1";
 }
-
-} // namespace
 
 QUrl GoogleEndpoints::library(const QString& path) const {
     return at(libraryBase, path);
@@ -30,7 +30,7 @@ GoogleEndpoints GoogleEndpoints::resolve(const std::optional<QString>& baseURL) 
                 QUrl(QStringLiteral("https://www.googleapis.com/oauth2/v2/userinfo")),
                 QUrl(QStringLiteral("https://photoslibrary.googleapis.com"))};
     const QUrl base(*baseURL, QUrl::StrictMode);
-    if (!base.isValid() || base.scheme() != u"http" || !isLoopback(base.host()) ||
+    if (!base.isValid() || base.scheme() != u"http" || !isLoopbackHost(base.host()) ||
         !base.userInfo().isEmpty() || (!base.path().isEmpty() && base.path() != u"/") ||
         base.hasQuery() || base.hasFragment())
         throw Error(QStringLiteral("QUORVANE_GOOGLE_BASE_URL yalnızca bu bilgisayarı gösterebilir "

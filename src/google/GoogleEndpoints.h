@@ -22,6 +22,9 @@ struct GoogleEndpoints {
     static GoogleEndpoints resolve(const std::optional<QString>& baseURL);
 };
 
+/// True for the names and addresses of this computer itself.
+bool isLoopbackHost(const QString& host);
+
 /// The OAuth client that the product signs in as.
 class OAuthClientIdentity {
   public:

@@ -57,21 +57,19 @@ class GoogleOAuthManager final : public AccessTokenProvider {
   private:
     struct RefreshTask {
         bool finished = false;
-        QString token;
-        std::exception_ptr error;
+        std::optional<QString> token;
+        std::exception_ptr error; ///< set when there is no token
     };
 
     QUrl runAuthSession(const QUrl& url, const QString& scheme, std::stop_token stop);
     QString extractAuthCode(const QUrl& callback);
     void exchangeCode(const QString& code, const QString& verifier, std::stop_token stop);
-    void saveTokens(const QByteArray& body);
+    QString saveTokens(const QByteArray& body);
     void fetchAndSaveUserEmail(const QString& accessToken, std::stop_token stop);
-    std::optional<QString> freshAccessToken();
     void startRefresh();
     void runRefresh(RefreshTask& task, std::stop_token stop);
     QString refreshAccessToken(std::stop_token stop);
     HttpResponse postForm(const QUrl& url, const QByteArray& form, std::stop_token stop);
-    QString redirectURI() const;
 
     const Collaborators with_;
 

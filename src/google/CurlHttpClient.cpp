@@ -1,0 +1,401 @@
+#include "google/CurlHttpClient.h"
+
+#include "foundation/File.h"
+#include "google/GoogleEndpoints.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <set>
+
+#include <curl/curl.h>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <linux/sockios.h>
+#endif
+
+namespace quorvane {
+
+namespace {
+
+constexpr size_t idleLanesKept = 4;
+constexpr long uploadBufferBytes = 1 << 20;
+constexpr std::int64_t largestResponseHeader = 1 << 20;
+
+struct EasyCleanup {
+    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+};
+struct MultiCleanup {
+    void operator()(CURLM* handle) const { curl_multi_cleanup(handle); }
+};
+struct ListCleanup {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+using EasyHandle = std::unique_ptr<CURL, EasyCleanup>;
+using MultiHandle = std::unique_ptr<CURLM, MultiCleanup>;
+using HeaderList = std::unique_ptr<curl_slist, ListCleanup>;
+
+/// curl's fixed texts, without ports and timings, so that equal failures have equal texts.
+TransportError transportError(CURLcode code, const char* detail = "") {
+    const QString reason = QString::fromUtf8(*detail != '\0' ? detail : curl_easy_strerror(code));
+    const auto text = [&](const QString& sentence) {
+        return TransportError(QStringLiteral("%1 (connection): %2").arg(sentence, reason));
+    };
+    switch (code) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return TransportError(QStringLiteral("Sunucu adresi bulunamadı (offline): ") + reason);
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CONNECT_ERROR:
+        return text(QStringLiteral("Güvenli bağlantı kurulamadı"));
+    case CURLE_COULDNT_CONNECT:
+        return text(QStringLiteral("Bağlantı kurulamadı"));
+    default:
+        return text(QStringLiteral("Bağlantı koptu"));
+    }
+}
+
+void require(CURLcode code) {
+    if (code != CURLE_OK)
+        throw transportError(code);
+}
+
+void require(CURLMcode code) {
+    if (code != CURLM_OK)
+        throw TransportError(QStringLiteral("Bağlantı yürütülemedi (connection): ") +
+                             QString::fromUtf8(curl_multi_strerror(code)));
+}
+
+void requireTrustedTransport(const QUrl& url) {
+    if (url.scheme() != u"https" && !(url.scheme() == u"http" && isLoopbackHost(url.host())))
+        throw TransportError(QStringLiteral("Güvenli olmayan bağlantı (connection) reddedildi: ") +
+                             url.toString(QUrl::RemoveQuery | QUrl::RemoveUserInfo));
+}
+
+HeaderList headerList(const HttpRequest& request) {
+    HeaderList list;
+    const auto append = [&list](const QByteArray& line) {
+        if (std::any_of(line.begin(), line.end(), [](char c) { return c >= 0 && c < ' '; }))
+            throw TransportError(QStringLiteral("İstek başlığı geçersiz"));
+        curl_slist* longer = curl_slist_append(list.get(), line.constData());
+        if (longer == nullptr)
+            throw std::bad_alloc();
+        static_cast<void>(list.release());
+        list.reset(longer);
+    };
+    append("Expect:"); // no pause before a large body
+    for (const auto& [name, value] : request.headers)
+        append(value.isEmpty() ? name + ';' : name + ": " + value);
+    return list;
+}
+
+/// The request's body, in memory or read from its file as curl asks for it.
+class BodySource {
+  public:
+    explicit BodySource(const HttpRequest& request) : request_(request) {
+        if (!request.bodyFile) {
+            size_ = request.body.size();
+            return;
+        }
+        file_ = openFile(*request.bodyFile, O_RDONLY);
+        struct stat info {};
+        if (::fstat(file_.get(), &info) != 0 || !S_ISREG(info.st_mode))
+            throw FileError(QStringLiteral("Dosya okunamadı"), *request.bodyFile,
+                            S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
+        size_ = info.st_size;
+    }
+
+    std::int64_t size() const { return size_; }
+
+    /// What went wrong with the file, 0 for nothing.
+    int errorNumber() const { return errorNumber_; }
+
+    static size_t read(char* buffer, size_t unit, size_t count, void* self) {
+        return static_cast<BodySource*>(self)->readNext(buffer, unit * count);
+    }
+
+    static int seek(void* self, curl_off_t offset, int origin) {
+        if (origin != SEEK_SET)
+            return CURL_SEEKFUNC_CANTSEEK;
+        static_cast<BodySource*>(self)->offset_ = offset;
+        return CURL_SEEKFUNC_OK;
+    }
+
+  private:
+    size_t readNext(char* buffer, size_t room) {
+        const size_t wanted = std::min(room, static_cast<size_t>(size_ - offset_));
+        if (!file_.isOpen()) {
+            std::memcpy(buffer, request_.body.constData() + offset_, wanted);
+            offset_ += static_cast<std::int64_t>(wanted);
+            return wanted;
+        }
+        ssize_t n = 0;
+        do {
+            n = ::pread(file_.get(), buffer, wanted, offset_);
+        } while (n < 0 && errno == EINTR);
+        if (n < 0 || (n == 0 && wanted > 0)) { // a file that shrank counts as damaged
+            errorNumber_ = n < 0 ? errno : EIO;
+            return CURL_READFUNC_ABORT;
+        }
+        offset_ += n;
+        return static_cast<size_t>(n);
+    }
+
+    const HttpRequest& request_;
+    FileDescriptor file_;
+    std::int64_t size_ = 0;
+    std::int64_t offset_ = 0;
+    int errorNumber_ = 0;
+};
+
+/// The answer as it arrives.
+struct Answer {
+    QByteArray body;
+    std::int64_t largestBody = 0;
+    std::int64_t headerBytes = 0;
+    bool tooLarge = false;
+
+    static size_t takeBody(char* bytes, size_t unit, size_t count, void* self) {
+        auto* answer = static_cast<Answer*>(self);
+        const auto size = static_cast<std::int64_t>(unit * count);
+        answer->tooLarge = answer->body.size() + size > answer->largestBody;
+        if (answer->tooLarge)
+            return CURL_WRITEFUNC_ERROR;
+        answer->body.append(bytes, size);
+        return unit * count;
+    }
+
+    static size_t takeHeader(char*, size_t unit, size_t count, void* self) {
+        auto* answer = static_cast<Answer*>(self);
+        answer->headerBytes += static_cast<std::int64_t>(unit * count);
+        answer->tooLarge = answer->headerBytes > largestResponseHeader;
+        return answer->tooLarge ? 0 : unit * count;
+    }
+};
+
+} // namespace
+
+/// One curl engine with the connections it keeps open. Used by one thread at a time.
+class CurlHttpClient::Lane {
+  public:
+    Lane() {
+        static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
+        require(ready);
+        multi_.reset(curl_multi_init());
+        easy_.reset(curl_easy_init());
+        if (!multi_ || !easy_)
+            throw std::bad_alloc();
+    }
+
+    HttpResponse send(const HttpRequest& request, std::int64_t largestResponse,
+                      std::stop_token stop) {
+        BodySource body(request);
+        Answer answer;
+        answer.largestBody = largestResponse;
+        const HeaderList headers = headerList(request);
+        configure(request, headers.get());
+        attachBody(request, body);
+        attachAnswer(answer);
+
+        switch (const CURLcode result = run(request, body.size(), stop)) {
+        case CURLE_OK:
+            break;
+        case CURLE_PEER_FAILED_VERIFICATION:
+            throw transportError(result, detail_);
+        default:
+            if (body.errorNumber() != 0)
+                throw FileError(QStringLiteral("Dosya okunamadı"), *request.bodyFile,
+                                body.errorNumber());
+            if (answer.tooLarge)
+                throw TransportError(QStringLiteral("Sunucunun yanıtı çok büyük (connection)"));
+            throw transportError(result);
+        }
+        long status = 0;
+        curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+        return {static_cast<int>(status), std::move(answer.body)};
+    }
+
+  private:
+    /// What moves while data moves in either direction.
+    struct Activity {
+        curl_off_t sent = 0;
+        curl_off_t received = 0;
+        int waitingInSystem = 0; ///< bytes the system took and the peer has not acknowledged
+        bool operator==(const Activity&) const = default;
+    };
+
+    /// The transfer is part of the engine for as long as this lives.
+    class Attachment {
+      public:
+        Attachment(CURLM* multi, CURL* easy) : multi_(multi), easy_(easy) {
+            require(curl_multi_add_handle(multi, easy));
+        }
+        ~Attachment() { curl_multi_remove_handle(multi_, easy_); }
+        Attachment(const Attachment&) = delete;
+        Attachment& operator=(const Attachment&) = delete;
+
+      private:
+        CURLM* multi_;
+        CURL* easy_;
+    };
+
+    template <typename Value>
+    void set(CURLoption option, Value value) {
+        require(curl_easy_setopt(easy_.get(), option, value));
+    }
+
+    void configure(const HttpRequest& request, curl_slist* headers) {
+        curl_easy_reset(easy_.get());
+        detail_[0] = '\0';
+        set(CURLOPT_ERRORBUFFER, detail_);
+        set(CURLOPT_URL, request.url.toEncoded(QUrl::RemoveFragment).constData());
+        set(CURLOPT_CUSTOMREQUEST, request.method.constData());
+        set(CURLOPT_HTTPHEADER, headers);
+        set(CURLOPT_USERAGENT, "Quorvane/" QUORVANE_VERSION);
+        set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+        set(CURLOPT_PROTOCOLS_STR, "http,https");
+        set(CURLOPT_FOLLOWLOCATION, 0L);
+        set(CURLOPT_SSL_VERIFYPEER, 1L);
+        set(CURLOPT_SSL_VERIFYHOST, 2L);
+        set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+        set(CURLOPT_NOSIGNAL, 1L);
+        set(CURLOPT_QUICK_EXIT, 1L); // a stop does not wait for a name server
+        if (isLoopbackHost(request.url.host()))
+            set(CURLOPT_PROXY, "");
+        set(CURLOPT_OPENSOCKETFUNCTION, &Lane::openSocket);
+        set(CURLOPT_OPENSOCKETDATA, this);
+        set(CURLOPT_CLOSESOCKETFUNCTION, &Lane::closeSocket);
+        set(CURLOPT_CLOSESOCKETDATA, this);
+    }
+
+    void attachBody(const HttpRequest& request, BodySource& body) {
+        if (body.size() == 0 && (request.method == "GET" || request.method == "DELETE"))
+            return;
+        set(CURLOPT_UPLOAD, 1L);
+        set(CURLOPT_UPLOAD_BUFFERSIZE, uploadBufferBytes);
+        set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        set(CURLOPT_READFUNCTION, &BodySource::read);
+        set(CURLOPT_READDATA, &body);
+        set(CURLOPT_SEEKFUNCTION, &BodySource::seek);
+        set(CURLOPT_SEEKDATA, &body);
+    }
+
+    void attachAnswer(Answer& answer) {
+        set(CURLOPT_WRITEFUNCTION, &Answer::takeBody);
+        set(CURLOPT_WRITEDATA, &answer);
+        set(CURLOPT_HEADERFUNCTION, &Answer::takeHeader);
+        set(CURLOPT_HEADERDATA, &answer);
+        answer_ = &answer;
+    }
+
+    CURLcode run(const HttpRequest& request, std::int64_t bodySize, const std::stop_token& stop) {
+        using Steady = std::chrono::steady_clock;
+        using Milliseconds = std::chrono::milliseconds;
+        const Attachment attachment(multi_.get(), easy_.get());
+        const std::stop_callback wake(stop, [this] { curl_multi_wakeup(multi_.get()); });
+        Activity last;
+        Steady::time_point since = Steady::now();
+        while (true) {
+            int running = 0;
+            require(curl_multi_perform(multi_.get(), &running));
+            const Activity now = activity();
+            if (request.onProgress && now.sent != last.sent)
+                request.onProgress(now.sent, bodySize);
+            if (running == 0)
+                return result();
+            if (stop.stop_requested())
+                throw Cancelled();
+            if (now != last)
+                since = Steady::now();
+            last = now;
+            const auto patience = request.timeout - (Steady::now() - since);
+            if (patience <= Milliseconds(0))
+                throw TransportError(QStringLiteral("Sunucu %1 saniyedir yanıt vermiyor "
+                                                    "(connection): zaman aşımı")
+                                         .arg(request.timeout.count()));
+            // Nothing wakes the engine when the system's own send buffer drains: look once a
+            // second.
+            const auto wait = std::chrono::ceil<Milliseconds>(
+                std::min<Steady::duration>(patience, std::chrono::seconds(1)));
+            require(
+                curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(wait.count()), nullptr));
+        }
+    }
+
+    CURLcode result() {
+        int left = 0;
+        while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+            if (message->msg == CURLMSG_DONE)
+                return message->data.result;
+        }
+        return CURLE_RECV_ERROR;
+    }
+
+    Activity activity() const {
+        Activity now;
+        curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &now.sent);
+        now.received = answer_->headerBytes + answer_->body.size();
+#ifdef SIOCOUTQ
+        for (const curl_socket_t socket : sockets_) {
+            int bytes = 0;
+            if (::ioctl(socket, SIOCOUTQ, &bytes) == 0)
+                now.waitingInSystem += bytes;
+        }
+#endif
+        return now;
+    }
+
+    static curl_socket_t openSocket(void* self, curlsocktype, curl_sockaddr* address) {
+        const int socket =
+            ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+        if (socket < 0)
+            return CURL_SOCKET_BAD;
+        static_cast<Lane*>(self)->sockets_.insert(socket);
+        return socket;
+    }
+
+    static int closeSocket(void* self, curl_socket_t socket) {
+        static_cast<Lane*>(self)->sockets_.erase(socket);
+        return ::close(socket);
+    }
+
+    char detail_[CURL_ERROR_SIZE] = "";
+    std::set<curl_socket_t> sockets_; // outlives the engine, which closes them
+    MultiHandle multi_;
+    EasyHandle easy_;
+    const Answer* answer_ = nullptr;
+};
+
+CurlHttpClient::CurlHttpClient(std::int64_t largestResponse) : largestResponse_(largestResponse) {}
+
+CurlHttpClient::~CurlHttpClient() = default;
+
+HttpResponse CurlHttpClient::send(const HttpRequest& request, std::stop_token stop) {
+    if (stop.stop_requested())
+        throw Cancelled();
+    requireTrustedTransport(request.url);
+    std::unique_ptr<Lane> lane = takeLane();
+    HttpResponse response = lane->send(request, largestResponse_, stop);
+    giveBack(std::move(lane)); // a lane that threw is closed instead
+    return response;
+}
+
+std::unique_ptr<CurlHttpClient::Lane> CurlHttpClient::takeLane() {
+    const std::lock_guard lock(mutex_);
+    if (idleLanes_.empty())
+        return std::make_unique<Lane>();
+    auto lane = std::move(idleLanes_.back());
+    idleLanes_.pop_back();
+    return lane;
+}
+
+void CurlHttpClient::giveBack(std::unique_ptr<Lane> lane) {
+    const std::lock_guard lock(mutex_);
+    if (idleLanes_.size() < idleLanesKept)
+        idleLanes_.push_back(std::move(lane));
+}
+
+} // namespace quorvane

@@ -1,0 +1,278 @@
+#include "google/GoogleOAuthManager.h"
+
+#include "foundation/MainThread.h"
+#include "google/OAuthError.h"
+#include "google/OAuthMessages.h"
+#include "google/Pkce.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace quorvane {
+
+namespace {
+
+constexpr double refreshMarginSeconds = 60;
+
+QString yesNo(bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+/// The stored decimal text as seconds since 1970; text with white space around it is no number.
+std::optional<double> parseExpiry(const QString& text) {
+    bool valid = false;
+    const double seconds = text.toDouble(&valid);
+    return valid && text == text.trimmed() ? std::optional(seconds) : std::nullopt;
+}
+
+} // namespace
+
+GoogleOAuthManager::GoogleOAuthManager(const Collaborators& collaborators) : with_(collaborators) {}
+
+void GoogleOAuthManager::signIn(std::stop_token stop) {
+    const PkcePair pkce = makePKCEPair();
+    const QString clientID = with_.client.googleClientID();
+    const QUrl url = oauth::authorizationURL(with_.endpoints.authorization, clientID,
+                                             pkce.challenge, randomString(16));
+    with_.log.log(QStringLiteral("[OAuth] 🔑 signIn() başlatıldı..."));
+    const QUrl callback = runAuthSession(url, oauth::reversedClientID(clientID), stop);
+    with_.log.log(QStringLiteral("[OAuth] 🔑 Callback URL alındı, kod ayrıştırılıyor..."));
+    // The state is sent but not compared: the code is worthless without this run's verifier.
+    const QString code = extractAuthCode(callback);
+    with_.log.log(QStringLiteral("[OAuth] 🔑 Kod ayrıştırıldı, token takası yapılıyor..."));
+    exchangeCode(code, pkce.verifier, stop);
+    with_.log.log(QStringLiteral("[OAuth] 🎉 Giriş başarıyla tamamlandı!"));
+}
+
+QUrl GoogleOAuthManager::runAuthSession(const QUrl& url, const QString& scheme,
+                                        std::stop_token stop) {
+    bool shown = false;
+    const auto started = [&](bool succeeded) {
+        shown = succeeded;
+        with_.log.log(QStringLiteral("[OAuth] 🌐 ASWebAuthSession.start() çağrıldı (isMain: %1): %2")
+                          .arg(yesNo(isMainThread()), yesNo(succeeded)));
+    };
+    const auto logCallback = [&] {
+        with_.log.log(QStringLiteral("[OAuth] 📩 ASWebAuth callback tetiklendi (isMain: %1)")
+                          .arg(yesNo(isMainThread())));
+    };
+    QUrl callback;
+    try {
+        callback = with_.webAuthSession.authenticate(url, scheme, started, stop);
+    } catch (const std::exception& error) {
+        if (shown) {
+            logCallback();
+            with_.log.log(QStringLiteral("[OAuth] ❌ ASWebAuthSession hatası: ") + describe(error));
+        }
+        throw;
+    }
+    logCallback();
+    if (callback.isEmpty()) {
+        with_.log.log(QStringLiteral("[OAuth] ❌ Callback URL boş geldi!"));
+        throw OAuthError(OAuthError::Case::missingCode);
+    }
+    with_.log.log(QStringLiteral("[OAuth] ✅ Callback URL başarıyla alındı: ") +
+                  callback.toString(QUrl::FullyEncoded));
+    return callback;
+}
+
+QString GoogleOAuthManager::extractAuthCode(const QUrl& callback) {
+    if (const auto code = oauth::authCode(callback)) {
+        with_.log.log(QStringLiteral("[OAuth] ✅ Auth code başarıyla alındı: ") + *code);
+        return *code;
+    }
+    with_.log.log(QStringLiteral("[OAuth] ❌ URL içinde code bulunamadı: ") +
+                  callback.toString(QUrl::FullyEncoded));
+    throw OAuthError(OAuthError::Case::missingCode);
+}
+
+void GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifier,
+                                      std::stop_token stop) {
+    const QString redirectURI = oauth::redirectURI(with_.client.googleClientID());
+    const QString secret = with_.client.googleClientSecret().value_or(QString());
+    oauth::FormFields fields = {{"client_id", with_.client.googleClientID()},
+                                {"redirect_uri", redirectURI},
+                                {"grant_type", QStringLiteral("authorization_code")},
+                                {"code", code},
+                                {"code_verifier", verifier}};
+    if (!secret.isEmpty())
+        fields.emplace_back("client_secret", secret);
+    with_.log.log(QStringLiteral("[OAuth] 🚀 Token takas isteği gönderiliyor (redirect_uri: %1, "
+                                 "hasSecret: %2)")
+                      .arg(redirectURI, yesNo(!secret.isEmpty())));
+    const HttpResponse response = postForm(with_.endpoints.token, oauth::formBody(fields), stop);
+    if (response.status != 200) {
+        const QString answer =
+            QStringLiteral("HTTP %1: %2").arg(response.status).arg(oauth::loggable(response.body));
+        with_.log.log(QStringLiteral("[OAuth] ❌ Token takası başarısız! ") + answer);
+        throw OAuthError(OAuthError::Case::tokenExchangeFailed, answer);
+    }
+    QString accessToken;
+    {
+        const std::lock_guard lock(mutex_);
+        refreshThread_.request_stop(); // a refresh of the authorisation that this one replaces
+        accessToken = saveTokens(response.body);
+    }
+    with_.log.log(QStringLiteral("[OAuth] ✅ Access token başarıyla alındı ve kaydedildi."));
+    fetchAndSaveUserEmail(accessToken, stop);
+}
+
+/// Caller holds the lock.
+QString GoogleOAuthManager::saveTokens(const QByteArray& body) {
+    const QJsonObject answer = QJsonDocument::fromJson(body).object();
+    const QJsonValue accessToken = answer.value(u"access_token");
+    if (!accessToken.isString()) {
+        with_.log.log(QStringLiteral("[OAuth] ❌ Geçersiz token yanıtı: ") + oauth::loggable(body));
+        throw OAuthError(OAuthError::Case::invalidResponse);
+    }
+    with_.tokens.writeToken(tokenKeys::accessToken, accessToken.toString());
+    if (const QJsonValue refreshToken = answer.value(u"refresh_token"); refreshToken.isString()) {
+        with_.tokens.writeToken(tokenKeys::refreshToken, refreshToken.toString());
+        with_.log.log(QStringLiteral("[OAuth] 🔑 Refresh token kaydedildi."));
+    } else {
+        with_.log.log(
+            QStringLiteral("[OAuth] ℹ️ Yanıtta refresh token yer almadı (mevcut varsa "
+                           "korunuyor)."));
+    }
+    if (const QJsonValue lifetime = answer.value(u"expires_in"); lifetime.isDouble())
+        with_.tokens.writeToken(
+            tokenKeys::expiry, QString::number(unixSeconds(with_.clock.now()) + lifetime.toDouble(),
+                                               'f', QLocale::FloatingPointShortest));
+    return accessToken.toString();
+}
+
+void GoogleOAuthManager::fetchAndSaveUserEmail(const QString& accessToken, std::stop_token stop) {
+    HttpRequest request;
+    request.url = with_.endpoints.userInfo;
+    request.headers = {{"Authorization", "Bearer " + accessToken.toUtf8()}};
+    try {
+        const HttpResponse response = with_.http.send(request, stop);
+        const QJsonValue email = QJsonDocument::fromJson(response.body).object().value(u"email");
+        if (response.status == 200 && email.isString()) {
+            with_.tokens.writeToken(tokenKeys::email, email.toString());
+            with_.log.log(QStringLiteral("[OAuth] 👤 Kullanıcı e-postası alındı: ") +
+                          email.toString());
+            return;
+        }
+    } catch (const Error&) {
+        // Told below: the sign-in stands without the address.
+    } catch (const Cancelled&) {
+        // The tokens are stored already; a stop now only costs the address.
+    }
+    with_.log.log(QStringLiteral("[OAuth] ⚠️ E-posta bilgisi alınamadı"));
+}
+
+QString GoogleOAuthManager::validAccessToken(std::stop_token stop) {
+    std::unique_lock lock(mutex_);
+    if (!tokenRefreshTask_) {
+        const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken);
+        const auto expiry = with_.tokens.readToken(tokenKeys::expiry);
+        const auto expirySeconds = expiry ? parseExpiry(*expiry) : std::nullopt;
+        if (accessToken && expirySeconds &&
+            unixSeconds(with_.clock.now()) < *expirySeconds - refreshMarginSeconds)
+            return *accessToken;
+        if (!with_.tokens.readToken(tokenKeys::refreshToken)) {
+            if (!accessToken)
+                throw OAuthError(OAuthError::Case::notSignedIn);
+            return *accessToken; // expired, or of unknown age: Google's 401 tells the caller
+        }
+        startRefresh();
+    }
+    const std::shared_ptr<RefreshTask> task = tokenRefreshTask_;
+    if (!refreshFinished_.wait(lock, stop, [&] { return task->finished; }))
+        throw Cancelled();
+    if (!task->token)
+        std::rethrow_exception(task->error);
+    return *task->token;
+}
+
+/// Caller holds the lock. The refresh has a thread of its own, so that a caller that stops does
+/// not take it away from the others. Joining the previous thread here cannot wait: it takes the
+/// lock for the last time when it clears `tokenRefreshTask_`.
+void GoogleOAuthManager::startRefresh() {
+    const auto task = std::make_shared<RefreshTask>();
+    refreshThread_ = std::jthread([this, task](std::stop_token stop) { runRefresh(*task, stop); });
+    tokenRefreshTask_ = task;
+}
+
+void GoogleOAuthManager::runRefresh(RefreshTask& task, std::stop_token stop) {
+    std::optional<QString> token;
+    std::exception_ptr error;
+    try {
+        token = refreshAccessToken(stop);
+    } catch (const Cancelled&) {
+        error = std::make_exception_ptr(OAuthError(OAuthError::Case::notSignedIn));
+    } catch (...) {
+        error = std::current_exception();
+    }
+    const std::lock_guard lock(mutex_);
+    if (!token && stop.stop_requested()) // overtaken: what that sign-in or sign-out left counts
+        token = with_.tokens.readToken(tokenKeys::accessToken);
+    task.token = token;
+    task.error = error;
+    task.finished = true;
+    tokenRefreshTask_.reset();
+    refreshFinished_.notify_all();
+}
+
+QString GoogleOAuthManager::refreshAccessToken(std::stop_token stop) {
+    const auto refreshToken = with_.tokens.readToken(tokenKeys::refreshToken);
+    if (!refreshToken)
+        throw OAuthError(OAuthError::Case::notSignedIn);
+    oauth::FormFields fields = {{"client_id", with_.client.googleClientID()},
+                                {"grant_type", QStringLiteral("refresh_token")},
+                                {"refresh_token", *refreshToken}};
+    if (const auto secret = with_.client.googleClientSecret(); secret && !secret->isEmpty())
+        fields.emplace_back("client_secret", *secret);
+    const HttpResponse response = postForm(with_.endpoints.token, oauth::formBody(fields), stop);
+    const std::lock_guard lock(mutex_);
+    if (stop.stop_requested())
+        throw Cancelled();
+    if (response.status == 200)
+        return saveTokens(response.body);
+    with_.log.log(QStringLiteral("[OAuth] ❌ Token yenileme başarısız: ") +
+                  oauth::loggable(response.body));
+    throw OAuthError(OAuthError::Case::refreshFailed);
+}
+
+HttpResponse GoogleOAuthManager::postForm(const QUrl& url, const QByteArray& form,
+                                          std::stop_token stop) {
+    HttpRequest request;
+    request.method = "POST";
+    request.url = url;
+    request.headers = {{"Content-Type", "application/x-www-form-urlencoded"}};
+    request.body = form;
+    return with_.http.send(request, stop);
+}
+
+bool GoogleOAuthManager::isSignedIn() {
+    return with_.tokens.readToken(tokenKeys::refreshToken) ||
+           with_.tokens.readToken(tokenKeys::accessToken);
+}
+
+std::optional<QString> GoogleOAuthManager::email() {
+    return with_.tokens.readToken(tokenKeys::email);
+}
+
+void GoogleOAuthManager::signOut(std::stop_token stop) {
+    if (const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken)) {
+        try {
+            postForm(with_.endpoints.revocation, "token=" + oauth::percentEncode(*accessToken),
+                     stop);
+        } catch (const Error&) {
+            // Forgetting the tokens here does not depend on Google's consent.
+        } catch (const Cancelled&) {
+            // The same holds when the user does not want to wait for it.
+        }
+    }
+    {
+        const std::lock_guard lock(mutex_);
+        refreshThread_.request_stop(); // its answer must not bring a token back
+        for (const QString& key :
+             {tokenKeys::accessToken, tokenKeys::refreshToken, tokenKeys::expiry, tokenKeys::email})
+            with_.tokens.deleteToken(key);
+    }
+    with_.log.log(QStringLiteral("[OAuth] 🚪 Oturum kapatıldı ve tüm token'lar temizlendi."));
+}
+
+} // namespace quorvane

@@ -1,0 +1,106 @@
+#include "google/OAuthMessages.h"
+
+#include <QRegularExpression>
+#include <QStringDecoder>
+#include <QStringList>
+#include <QUrlQuery>
+
+#include <algorithm>
+
+namespace quorvane::oauth {
+
+namespace {
+
+const QStringList scopes = {
+    QStringLiteral("https://www.googleapis.com/auth/photoslibrary.appendonly"),
+    QStringLiteral("https://www.googleapis.com/auth/photoslibrary.readonly"),
+    QStringLiteral("https://www.googleapis.com/auth/photoslibrary.readonly.appcreateddata"),
+    QStringLiteral("https://www.googleapis.com/auth/userinfo.email"),
+};
+
+QString percentDecoded(const QString& text) {
+    return QUrl::fromPercentEncoding(text.toUtf8());
+}
+
+QString codeItem(const QUrl& url) {
+    return QUrlQuery(url).queryItemValue(QStringLiteral("code"), QUrl::FullyDecoded);
+}
+
+QString codePiece(const QString& query) {
+    for (const QString& piece : query.split(u'&')) {
+        const QStringList parts = piece.split(u'=');
+        if (parts.size() >= 2 && parts[0] == u"code")
+            return percentDecoded(parts[1]);
+    }
+    return {};
+}
+
+QString codeMatch(const QString& text) {
+    static const QRegularExpression pattern(QStringLiteral("[?&]code=([^&]+)"));
+    return percentDecoded(pattern.match(text).captured(1));
+}
+
+} // namespace
+
+QString reversedClientID(const QString& clientID) {
+    QStringList parts = clientID.split(u'.');
+    std::reverse(parts.begin(), parts.end());
+    return parts.join(u'.');
+}
+
+QString redirectURI(const QString& clientID) {
+    return reversedClientID(clientID) + QStringLiteral(":/oauth2redirect");
+}
+
+QUrl authorizationURL(const QUrl& endpoint, const QString& clientID, const QString& challenge,
+                      const QString& state) {
+    QUrlQuery query;
+    query.setQueryItems({
+        {QStringLiteral("client_id"), clientID},
+        {QStringLiteral("redirect_uri"), redirectURI(clientID)},
+        {QStringLiteral("response_type"), QStringLiteral("code")},
+        {QStringLiteral("scope"), scopes.join(u' ')},
+        {QStringLiteral("code_challenge"), challenge},
+        {QStringLiteral("code_challenge_method"), QStringLiteral("S256")},
+        {QStringLiteral("state"), state},
+        {QStringLiteral("access_type"), QStringLiteral("offline")},
+        {QStringLiteral("prompt"), QStringLiteral("consent")},
+    });
+    QUrl url = endpoint;
+    url.setQuery(query);
+    return url;
+}
+
+QByteArray percentEncode(const QString& text) {
+    return text.toUtf8().toPercentEncoding();
+}
+
+QByteArray formBody(const FormFields& fields) {
+    QByteArrayList pairs;
+    for (const auto& [name, value] : fields)
+        pairs.append(name + '=' + percentEncode(value));
+    return pairs.join('&');
+}
+
+std::optional<QString> authCode(const QUrl& callback) {
+    const QString text = callback.toString(QUrl::FullyEncoded);
+    // The later ways serve callbacks that are not quite URLs, such as one without its "?".
+    for (const QString& code : {codeItem(callback), codeItem(QUrl(text)),
+                                codePiece(callback.query(QUrl::FullyEncoded)), codeMatch(text)}) {
+        if (!code.isEmpty())
+            return code;
+    }
+    return std::nullopt;
+}
+
+QString loggable(const QByteArray& body) {
+    QStringDecoder decode(QStringDecoder::Utf8);
+    QString text = decode(body);
+    if (decode.hasError())
+        return QStringLiteral("Bilinmeyen yanıt");
+    static const QRegularExpression token(
+        QStringLiteral(R"re("((?:access|refresh|id)_token)"\s*:\s*"[^"]*")re"));
+    return text.replace(token, QStringLiteral(R"("\1":"***")"));
+}
+
+} // namespace quorvane::oauth

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+/// The texts of the OAuth exchange: URLs, forms and answers. Pure functions.
+namespace quorvane::oauth {
+
+/// "a.b.c" as "c.b.a": the URL scheme of an installed application's callback.
+QString reversedClientID(const QString& clientID);
+
+/// Where the authorization page sends the user back to.
+QString redirectURI(const QString& clientID);
+
+/// The authorization page (RFC 6749, section 4.1.1; RFC 7636, section 4.3).
+QUrl authorizationURL(const QUrl& endpoint, const QString& clientID, const QString& challenge,
+                      const QString& state);
+
+/// UTF-8, with everything but ASCII letters, digits and "-._~" as %XX.
+QByteArray percentEncode(const QString& text);
+
+using FormFields = std::vector<std::pair<QByteArray, QString>>;
+
+/// An application/x-www-form-urlencoded body, in the order of the fields.
+QByteArray formBody(const FormFields& fields);
+
+/// The authorization code that a callback URL carries, decoded; none when there is no such thing.
+std::optional<QString> authCode(const QUrl& callback);
+
+/// A server's answer as text that may be logged: the values of token members are masked.
+QString loggable(const QByteArray& body);
+
+} // namespace quorvane::oauth
