@@ -1,0 +1,16 @@
+#include "google/UploadError.h"
+
+namespace quorvane {
+
+UploadError::UploadError(Case which, int status, QString description)
+    : Error(std::move(description)), case_(which), status_(status) {}
+
+UploadError UploadError::httpError(int status) {
+    return {Case::httpError, status, QStringLiteral("[Upload] HTTP %1").arg(status)};
+}
+
+UploadError UploadError::emptyToken() {
+    return {Case::emptyToken, 0, QStringLiteral("[Upload] Bos uploadToken")};
+}
+
+} // namespace quorvane
