@@ -1,0 +1,117 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/Console.h"
+#include "foundation/Log.h"
+#include "foundation/Preferences.h"
+#include "foundation/Publisher.h"
+#include "google/BatchError.h"
+#include "google/GoogleAlbumManager.h"
+#include "store/DatabaseManager.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace quorvane {
+
+/// Google refused items because the target album is full.
+struct AlbumLimitReached {};
+
+/// Turns upload tokens into media items, 25 at a time or 30 seconds after the oldest was buffered,
+/// and marks each record VERIFIED or FAILED. Any thread. Failures end in the records and the log:
+/// `enqueue` and `flush` throw nothing of their own.
+///
+///     STAGED -> enqueue -> buffer -> flush -> VERIFIED | FAILED
+///                                          -> STAGED (stopped, or the album is full)
+///
+/// When the album is full and roll-over is on, the entries held back are sent again at once, into
+/// the next part album. One flush rolls over at most once: when the new album refuses as well, or
+/// cannot be made, the run is stopped. So no entry is in the buffer when a flush ends, except those
+/// that were enqueued meanwhile.
+class GoogleBatchCoordinator {
+  public:
+    static constexpr std::size_t batchSize = 25;
+    static constexpr std::chrono::seconds flushInterval{30};
+
+    GoogleBatchCoordinator(HttpClient& http, AccessTokenProvider& tokens,
+                           GoogleAlbumManager& albums, DatabaseManager& database,
+                           Preferences& preferences, Log& log, Console& console, Clock& clock,
+                           const GoogleEndpoints& endpoints);
+
+    /// Buffers one entry; the 25th sends them all. `stop` is the run's: it also stops the timed
+    /// flush of this entry. An empty `fileName` leaves the name to Google.
+    void enqueue(const QString& token, const SyncRecord& record, const QString& fileName,
+                 std::stop_token stop);
+
+    /// Sends everything buffered. Waits for a flush of another thread that is under way, so that on
+    /// return all that was enqueued before has been settled. A stop leaves the records STAGED.
+    void flush(std::stop_token stop);
+
+    std::size_t bufferedCount() const;
+
+    /// Stops the sync run; called on the flushing thread when the album is full and
+    /// `stopAtLimit` is on. Set before the first use.
+    std::function<void()> onStopAtLimit = [] {};
+
+    /// Sent on the main thread.
+    Publisher<AlbumLimitReached> googlePhotosAlbumLimitReached;
+
+    /// One uploaded file that waits for its media item.
+    struct Entry {
+        QString token;
+        SyncRecord record;
+        QString fileName;
+    };
+
+  private:
+    struct FlushTimer {
+        Clock::Monotonic deadline;
+        std::stop_token run;
+        std::stop_source cancel;
+    };
+
+    void startTimer(std::stop_token run);
+    void runTimer(std::stop_token end) noexcept;
+    std::vector<Entry> takeBuffer();
+
+    void sendAll(std::vector<Entry> entries, const std::stop_token& stop);
+    std::vector<Entry> sendBatch(const std::vector<Entry>& batch, const std::stop_token& stop);
+    std::vector<Entry> sendBatchWithRetryLogic(const QString& accessToken,
+                                               const std::vector<Entry>& batch,
+                                               const std::stop_token& stop);
+    std::vector<Entry> processResultsReturningFailed(const QByteArray& data,
+                                                     const std::vector<Entry>& batch);
+    bool rollOver(const std::stop_token& stop);
+    void endAtLimit(bool stopsRun);
+
+    void markVerified(const Entry& entry, const QString& remoteMediaID);
+    void markFailed(const Entry& entry, const QString& error);
+    bool mark(const Entry& entry, SyncStatus status, const std::optional<QString>& token,
+              const std::optional<QString>& remoteMediaID, const std::optional<QString>& error);
+    void logFlushError(const std::exception& error);
+
+    HttpClient& http_;
+    AccessTokenProvider& tokens_;
+    GoogleAlbumManager& albums_;
+    DatabaseManager& database_;
+    Preferences& preferences_;
+    Log& log_;
+    Console& console_;
+    Clock& clock_;
+    const QUrl batchEndpoint_;
+
+    /// Held while a batch is on the network: Google wants the items of an account created one
+    /// request after the other, and a roll-over must happen once. Taken before `mutex_`.
+    std::mutex sending_;
+
+    mutable std::mutex mutex_; ///< guards the fields below; never held on the network
+    std::vector<Entry> buffer_;
+    std::optional<FlushTimer> flushTimer_; ///< set while a timed flush is pending
+    std::condition_variable_any timerStarted_;
+    std::jthread timerThread_; ///< started with the first timer; last, so that it ends first
+};
+
+} // namespace quorvane
