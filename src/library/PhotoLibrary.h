@@ -127,14 +127,17 @@ class PhotoLibraryError : public Error {
 };
 
 /// A photo library. All operations may be called from any thread and block; fetches of what is not
-/// there yield empty results. Originals are only ever read. Adapters live in platform/.
+/// there yield empty results, and throw `PhotoLibraryError` when the library itself cannot be read.
+/// Originals are only ever read. Adapters live in platform/.
 class PhotoLibrary : public AssetFactsSource {
   public:
     virtual AuthorizationStatus authorizationStatus() const = 0;
 
     /// Assets sorted by creation date, oldest first, then by the adapter's own stable order.
     virtual AssetFetchResult fetchAssets() = 0;
+    /// In the album's own order.
     virtual AssetFetchResult fetchAssets(const AssetCollection& collection) = 0;
+    /// In the order asked for, without those that are not there.
     virtual AssetFetchResult fetchAssets(const QStringList& localIdentifiers) = 0;
 
     virtual std::vector<AssetCollection> fetchAssetCollections(CollectionType type,
