@@ -1,0 +1,80 @@
+#include "platform/folder/FolderIndex.h"
+
+#include <algorithm>
+#include <numeric>
+#include <tuple>
+
+#include <sys/stat.h>
+
+namespace quorvane {
+
+namespace {
+
+QUuid named(const char* space, const std::string& path) {
+    return QUuid::createUuidV5(QUuid(QLatin1String(space)), QByteArray::fromStdString(path));
+}
+
+} // namespace
+
+QUuid folderFileIdentifier(const std::string& path) {
+    return named("c1f0b6a4-7d15-4f0e-9a52-3f6c0d1e8b27", path);
+}
+
+QUuid folderAlbumIdentifier(const std::string& path) {
+    return named("5b0e7a63-2f44-4c9b-8d36-91c2a4f7e058", path);
+}
+
+QUuid folderListIdentifier(const std::string& path) {
+    return named("e83d2c91-604a-47b5-b1f8-0a9d5e7c3612", path);
+}
+
+FolderIndex::FolderIndex(std::vector<FolderFile> files, std::vector<Folder> folders,
+                         std::vector<std::size_t> folderOfFile)
+    : folders_(std::move(folders)) {
+    std::vector<std::size_t> order(files.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::sort(order.begin(), order.end(), [&files](std::size_t a, std::size_t b) {
+        return std::tie(files[a].modified, files[a].path) <
+               std::tie(files[b].modified, files[b].path);
+    });
+    files_.reserve(files.size());
+    byIdentifier_.reserve(files.size());
+    for (const std::size_t position : order) {
+        byIdentifier_.emplace(files[position].identifier, files_.size());
+        folders_[folderOfFile[position]].files.push_back(files_.size());
+        files_.push_back(std::move(files[position]));
+    }
+    for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder)
+        folder->hasPicturesBelow = !folder->files.empty() || isList(*folder);
+}
+
+const FolderFile* FolderIndex::file(const QUuid& identifier) const {
+    const auto found = byIdentifier_.find(identifier);
+    return found == byIdentifier_.end() ? nullptr : &files_[found->second];
+}
+
+const Folder* FolderIndex::album(const QUuid& identifier) const {
+    const auto found = std::ranges::find(folders_, identifier, &Folder::albumIdentifier);
+    return found != folders_.end() && found->isAlbum() ? &*found : nullptr;
+}
+
+const Folder* FolderIndex::list(const QUuid& identifier) const {
+    const auto found = std::ranges::find(folders_, identifier, &Folder::listIdentifier);
+    return found != folders_.end() && isList(*found) ? &*found : nullptr;
+}
+
+bool FolderIndex::isList(const Folder& folder) const {
+    return std::ranges::any_of(folder.folders, [this](std::size_t position) {
+        return folders_[position].hasPicturesBelow;
+    });
+}
+
+bool FolderIndex::isOutdated(const std::filesystem::path& root) const {
+    return std::ranges::any_of(folders_, [&root](const Folder& folder) {
+        struct stat status {};
+        return ::stat((root / folder.path).c_str(), &status) != 0 ||
+               status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec != folder.modified;
+    });
+}
+
+} // namespace quorvane

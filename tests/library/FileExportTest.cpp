@@ -1,0 +1,172 @@
+#include "library/FileExport.h"
+
+#include "library/PhotoLibrary.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+using test::TemporaryFolder;
+
+struct stat statusOf(const std::filesystem::path& file) {
+    struct stat status {};
+    EXPECT_EQ(::stat(file.c_str(), &status), 0);
+    return status;
+}
+
+std::size_t entries(const std::filesystem::path& folder) {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder),
+                                                  std::filesystem::directory_iterator()));
+}
+
+QByteArray patternOf(qsizetype size) {
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (qsizetype i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i * 31 + (i >> 11));
+    return bytes;
+}
+
+} // namespace
+
+TEST(FileExport, CopiesBytesAndModificationTimeIntoAPrivateFile) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "out");
+    folder.write("out/.5000001.part", "left by a dead run");
+    for (const int size : {0, 1, 5'000'001}) {
+        const QByteArray bytes = patternOf(size);
+        const auto original = folder.write("original.jpg", bytes);
+        const struct timespec times[2] = {{1'400'000'000, 5}, {1'400'000'000, 123'456'789}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, original.c_str(), times, 0), 0);
+        const auto destination = folder / "out" / std::to_string(size);
+        exportFile(openOriginal(original), original, destination, {});
+        EXPECT_EQ(test::readFile(destination), bytes);
+        EXPECT_EQ(statusOf(destination).st_mode & 0777, 0600u);
+        EXPECT_EQ(statusOf(destination).st_mtim.tv_sec, 1'400'000'000);
+        EXPECT_EQ(statusOf(destination).st_mtim.tv_nsec, 123'456'789);
+    }
+    EXPECT_EQ(entries(folder / "out"), 3u);
+}
+
+TEST(FileExport, NeverReplacesWhatIsThere) {
+    const TemporaryFolder folder;
+    const auto original = folder.write("original.jpg", "new");
+    const auto destination = folder.write("out/staged.jpg", "old");
+    EXPECT_THROW(exportFile(openOriginal(original), original, destination, {}), FileError);
+    EXPECT_EQ(test::readFile(destination), "old");
+    EXPECT_EQ(entries(folder / "out"), 1u);
+}
+
+/// A large sparse file on another file system than the destination's, so that no file system
+/// shares its blocks, and a thread that acts as soon as its copy has begun.
+class FileExportUnderWay : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!original_.isValid())
+            GTEST_SKIP() << "no second file system for temporary files";
+        path = pathFrom(original_.filePath(QStringLiteral("original.mov")));
+        std::ofstream(path).close();
+        std::filesystem::resize_file(path, 512 << 20);
+        std::filesystem::create_directory(folder / "out");
+    }
+
+    std::jthread whenTheCopyHasBegun(std::function<void()> act) {
+        return std::jthread([this, act = std::move(act)](const std::stop_token& end) {
+            while (!end.stop_requested() && !std::filesystem::exists(folder / "out/.staged.part"))
+                std::this_thread::yield();
+            act();
+        });
+    }
+
+    TemporaryFolder folder;
+    std::filesystem::path path;
+
+  private:
+    QTemporaryDir original_{QStringLiteral("/dev/shm/quorvane-test-XXXXXX")};
+};
+
+TEST_F(FileExportUnderWay, LeavesNothingBehindWhenStopped) {
+    std::stop_source stop;
+    const auto stopper = whenTheCopyHasBegun([&] { stop.request_stop(); });
+    EXPECT_THROW(exportFile(openOriginal(path), path, folder / "out/staged", stop.get_token()),
+                 Cancelled);
+    EXPECT_EQ(entries(folder / "out"), 0u);
+}
+
+TEST_F(FileExportUnderWay, NoticesAnOriginalThatShrinksOrIsRewritten) {
+    for (const auto& change : std::vector<std::function<void()>>{
+             [this] { std::filesystem::resize_file(path, 1000); },
+             [this] { std::ofstream(path, std::ios::in | std::ios::out) << "other"; }}) {
+        std::filesystem::resize_file(path, 512 << 20);
+        const auto writer = whenTheCopyHasBegun(change);
+        EXPECT_THROW(exportFile(openOriginal(path), path, folder / "out/staged", {}),
+                     PhotoLibraryError);
+        EXPECT_EQ(entries(folder / "out"), 0u);
+    }
+}
+
+TEST(FileExport, RefusesBeforeTheFirstByteWhenTheDiskHasNoRoom) {
+    const TemporaryFolder folder;
+    const auto original = folder.write("original.mov", {});
+    // A sparse file of eight exabytes less a bit fits on no disk, and copies nothing to find out.
+    if (::truncate(original.c_str(), (std::int64_t(1) << 43)) != 0)
+        GTEST_SKIP() << "this file system has no file of 8 TiB";
+    std::filesystem::create_directory(folder / "out");
+    try {
+        exportFile(openOriginal(original), original, folder / "out/staged.mov", {});
+        FAIL() << "there is room for 8 TiB here";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.errorNumber(), ENOSPC);
+        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("diskte yer kalmadı")));
+    }
+    EXPECT_EQ(entries(folder / "out"), 0u);
+}
+
+TEST(FileExport, OpensNothingThroughLinksOrOutsideTheLibrary) {
+    const TemporaryFolder folder;
+    folder.write("library/sub/a.jpg", "a");
+    folder.write("secret.jpg", "s");
+    const auto root = folder / "library";
+    std::filesystem::create_symlink(folder / "secret.jpg", root / "link.jpg");
+    std::filesystem::create_symlink(folder.path(), root / "away");
+    ASSERT_EQ(::mkfifo((root / "pipe.jpg").c_str(), 0600), 0);
+    EXPECT_TRUE(openOriginalBeneath(root, "sub/a.jpg").isOpen());
+    for (const char* path : {"link.jpg", "away/secret.jpg", "../secret.jpg", "sub/../../secret.jpg",
+                             "/etc/passwd", "sub", "pipe.jpg", "gone.jpg", "", "sub/.."})
+        EXPECT_THROW(openOriginalBeneath(root, path), FileError) << path;
+}
+
+TEST(FileExport, MakesResourceNamesThatFitBehindAPrefix) {
+    const auto repeated = [](const char* text, int count) {
+        return QString::fromUtf8(text).repeated(count).toStdString();
+    };
+    const struct {
+        std::string name, expected;
+    } rows[] = {
+        {"IMG_0001.HEIC", "IMG_0001.HEIC"},
+        {"a/b\n.jpg", "a_b_.jpg"},
+        {"..", "fallback.jpg"},
+        {"", "fallback.jpg"},
+        {"../../x.jpg", ".._.._x.jpg"},
+        {repeated("x", 300) + ".jpg", repeated("x", 196) + ".jpg"},
+        {repeated("ş", 100) + ".jpeg", repeated("ş", 97) + ".jpeg"},
+        {repeated("🌅", 60) + ".png", repeated("🌅", 49) + ".png"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(resourceFilename(QString::fromStdString(row.name), QStringLiteral("fallback.jpg"))
+                      .toStdString(),
+                  row.expected);
+}
+
+} // namespace quorvane

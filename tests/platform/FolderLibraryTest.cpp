@@ -1,0 +1,307 @@
+#include "platform/folder/FolderLibrary.h"
+
+#include "foundation/File.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+using test::TemporaryFolder;
+
+class FakeConfirmation final : public DeletionConfirmation {
+  public:
+    bool answer = true;
+    std::vector<int> asked;
+    bool confirmDeletion(int count) override {
+        asked.push_back(count);
+        return answer;
+    }
+};
+
+void setModified(const std::filesystem::path& file, time_t seconds) {
+    const struct timespec times[2] = {{seconds, 0}, {seconds, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+std::vector<PhotoAsset> all(PhotoLibrary& library) {
+    return *library.fetchAssets();
+}
+
+class FolderLibraryTest : public testing::Test {
+  protected:
+    ~FolderLibraryTest() override {
+        std::filesystem::remove_all(root); // names that are not text are beyond QTemporaryDir
+    }
+
+    void add(const std::filesystem::path& name, time_t modified = 1'500'000'000) {
+        setModified(folder.write("library" / name, "picture"), modified);
+    }
+
+    std::vector<std::string> locations(const AssetFetchResult& assets) {
+        std::vector<std::string> paths;
+        for (const PhotoAsset& asset : *assets)
+            paths.push_back(library.assetResources(asset).at(0).location.native());
+        return paths;
+    }
+
+    PhotoAsset assetAt(const std::string& path) {
+        for (const PhotoAsset& asset : all(library))
+            if (library.assetResources(asset).at(0).location == path)
+                return asset;
+        ADD_FAILURE() << "no asset at " << path;
+        return {};
+    }
+
+    TemporaryFolder folder;
+    std::filesystem::path root = folder / "library";
+    FakeConfirmation confirmation;
+    test::RecordingLog log;
+    FolderLibrary library{root, confirmation, log};
+};
+
+QString titleOf(const Collection& collection) {
+    return std::visit([](const auto& c) { return c.title; }, collection);
+}
+
+} // namespace
+
+TEST_F(FolderLibraryTest, FindsPicturesAndMoviesByExtensionOldestFirst) {
+    add("z/old.JPG", 1000);
+    add("b.heic", 3000);
+    add("a.Mov", 3000);
+    add("new.m4v", 4000);
+    add("notes.txt");
+    add("raw.cr2");
+    const auto assets = library.fetchAssets();
+    EXPECT_THAT(locations(assets), testing::ElementsAre("z/old.JPG", "a.Mov", "b.heic", "new.m4v"));
+    EXPECT_EQ(assets->at(0).mediaType, AssetMediaType::image);
+    EXPECT_EQ(assets->at(1).mediaType, AssetMediaType::video);
+    EXPECT_FALSE(assets->at(0).creationDate || assets->at(0).location);
+    const auto resource = library.assetResources(assets->at(1)).at(0);
+    EXPECT_EQ(resource.type, AssetResourceType::video);
+    EXPECT_EQ(resource.originalFilename, QStringLiteral("a.Mov"));
+    EXPECT_EQ(resource.fileSize, 7);
+}
+
+TEST_F(FolderLibraryTest, KeepsEveryFileApartAndItsIdentifierAcrossRunsAndPlaces) {
+    const std::vector<std::string> names = {"a.jpg",          "A.jpg",           "a.JPG",
+                                            "a.jpeg",         "sub/a.jpg",       "gün batımı 🌅.jpg",
+                                            "two\nlines.jpg", "caf\xc3\xa9.jpg", "cafe\xcc\x81.jpg",
+                                            "latin\xe9.jpg",  "latin\xe8.jpg",   " .jpg"};
+    for (const std::string& name : names)
+        add(name);
+    const auto assets = library.fetchAssets();
+    std::set<QString> identifiers;
+    for (const PhotoAsset& asset : *assets) {
+        EXPECT_TRUE(asset.localIdentifier.endsWith(QStringLiteral("/L0/001")));
+        EXPECT_EQ(asset.localIdentifier, asset.localIdentifier.toUpper());
+        EXPECT_EQ(asset.localIdentifier.size(), 43);
+        identifiers.insert(asset.localIdentifier);
+    }
+    EXPECT_EQ(identifiers.size(), names.size());
+    EXPECT_THAT(locations(assets), testing::UnorderedElementsAreArray(names));
+
+    const auto elsewhere = folder / "elsewhere";
+    std::filesystem::rename(root, elsewhere);
+    FolderLibrary moved(elsewhere, confirmation, log);
+    for (const PhotoAsset& asset : all(moved))
+        EXPECT_TRUE(identifiers.contains(asset.localIdentifier));
+    std::filesystem::rename(elsewhere, root);
+}
+
+TEST_F(FolderLibraryTest, ExportsAndNamesAwkwardFilesSafely) {
+    const std::string longName = std::string(240, 'x') + ".jpg";
+    for (const std::string& name :
+         {std::string("two\nlines.jpg"), std::string("\xe9.jpg"), longName})
+        add(name);
+    int number = 0;
+    for (const PhotoAsset& asset : all(library)) {
+        const auto resource = library.assetResources(asset).at(0);
+        EXPECT_LE(resource.originalFilename.toUtf8().size(), 200);
+        EXPECT_TRUE(resource.originalFilename.endsWith(QStringLiteral(".jpg")));
+        EXPECT_FALSE(resource.originalFilename.contains(u'\n'));
+        const auto destination = folder / std::to_string(number++);
+        library.writeData(resource, destination, {});
+        EXPECT_EQ(test::readFile(destination), "picture");
+    }
+}
+
+TEST_F(FolderLibraryTest, LeavesOutHiddenLinkedAndForeignThingsWithOneLineEach) {
+    add("kept.jpg");
+    add(".hidden.jpg");
+    add("._kept.jpg");
+    add(".cache/inside.jpg");
+    add("QuorvaneStaging_Permanent/staged.jpg");
+    add("Fotoğraflar.photoslibrary/originals/1/x.jpg");
+    folder.write("outside/elsewhere.jpg", "other");
+    std::filesystem::create_symlink(folder / "outside", root / "away");
+    std::filesystem::create_symlink(folder / "outside/elsewhere.jpg", root / "away.jpg");
+    std::filesystem::create_symlink(root, root / "loop");
+    std::filesystem::create_symlink(root / "nowhere", root / "broken.jpg");
+    ASSERT_EQ(::mkfifo((root / "pipe.jpg").c_str(), 0600), 0);
+    EXPECT_THAT(locations(library.fetchAssets()), testing::ElementsAre("kept.jpg"));
+    library.fetchAssets(); // a second scan does not repeat the lines
+    QStringList skipped;
+    for (const QString& line : log.messages())
+        if (line.startsWith(QStringLiteral("[FolderLibrary] Atlandı: ")))
+            skipped.append(line.section(u' ', 2, -1).section(QStringLiteral(" ("), 0, 0));
+    skipped.sort();
+    EXPECT_EQ(skipped.join(u'|'),
+              QStringLiteral(".cache|.hidden.jpg|Fotoğraflar.photoslibrary|away|away.jpg|"
+                             "broken.jpg|loop|pipe.jpg"));
+}
+
+TEST_F(FolderLibraryTest, SkipsWhatItMayNotRead) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may read everything";
+    add("kept.jpg");
+    add("locked.jpg");
+    add("closed/inside.jpg");
+    ::chmod((root / "locked.jpg").c_str(), 0);
+    ::chmod((root / "closed").c_str(), 0);
+    EXPECT_THAT(locations(library.fetchAssets()), testing::ElementsAre("kept.jpg"));
+    EXPECT_TRUE(log.contains(QStringLiteral("locked.jpg (izin yok)")));
+    EXPECT_TRUE(log.contains(QStringLiteral("closed (izin yok)")));
+    ::chmod((root / "closed").c_str(), 0700);
+}
+
+TEST_F(FolderLibraryTest, ShowsFoldersAsAlbumsAndListsOfAlbums) {
+    add("loose.jpg");
+    add("2020/spring.jpg");
+    add("2020/Yaz/beach.jpg", 2000);
+    add("2020/Yaz/sea.jpg", 1000);
+    add("Yaz/other.jpg");
+    add("Documents/letter.txt");
+    const auto top = library.fetchTopLevelUserCollections();
+    ASSERT_EQ(top.size(), 3u); // the album 2020, the list 2020, the album Yaz
+    EXPECT_EQ(titleOf(top[0]), QStringLiteral("2020"));
+    EXPECT_TRUE(std::holds_alternative<AssetCollection>(top[0]));
+    const auto inside = library.fetchCollections(std::get<CollectionList>(top[1]));
+    ASSERT_EQ(inside.size(), 1u);
+    const auto& summer = std::get<AssetCollection>(inside[0]);
+    EXPECT_EQ(summer.title, QStringLiteral("Yaz"));
+    EXPECT_EQ(summer.estimatedAssetCount, 2);
+    EXPECT_NE(summer.localIdentifier, std::get<AssetCollection>(top[2]).localIdentifier);
+    EXPECT_THAT(locations(library.fetchAssets(summer)),
+                testing::ElementsAre("2020/Yaz/sea.jpg", "2020/Yaz/beach.jpg"));
+
+    EXPECT_EQ(library.fetchAssetCollections(CollectionType::album, std::nullopt).size(), 3u);
+    EXPECT_TRUE(
+        library.fetchAssetCollections(CollectionType::album, collectionSubtype::albumCloudShared)
+            .empty());
+    EXPECT_TRUE(library.fetchAssetCollections(CollectionType::smartAlbum, std::nullopt).empty());
+    EXPECT_EQ(library.fetchCollectionLists(CollectionListType::folder).size(), 1u);
+    EXPECT_EQ(library.fetchAssetCollection(summer.localIdentifier)->title, summer.title);
+    EXPECT_FALSE(library.fetchAssetCollection(QStringLiteral("gone/L0/040")));
+}
+
+TEST_F(FolderLibraryTest, LooksUpFilesThatCameAndWentSinceTheScan) {
+    add("stays.jpg");
+    add("goes.jpg");
+    const auto before = library.fetchAssets();
+    const QString goes = assetAt("goes.jpg").localIdentifier;
+    std::filesystem::remove(root / "goes.jpg");
+    add("sub/comes.jpg");
+    FolderLibrary other(root, confirmation, log);
+    QStringList identifiers{goes};
+    for (const PhotoAsset& asset : all(other))
+        identifiers.append(asset.localIdentifier);
+    EXPECT_THAT(locations(library.fetchAssets(identifiers)),
+                testing::UnorderedElementsAre("stays.jpg", "sub/comes.jpg"));
+    EXPECT_FALSE(library.factsOf(goes));
+    EXPECT_TRUE(library.factsOf(identifiers.last()));
+    EXPECT_FALSE(library.factsOf(QStringLiteral("not an identifier")));
+}
+
+TEST_F(FolderLibraryTest, AnswersForItsAuthorization) {
+    add("a.jpg");
+    EXPECT_EQ(FolderLibrary({}, confirmation, log).authorizationStatus(),
+              AuthorizationStatus::notDetermined);
+    EXPECT_EQ(library.authorizationStatus(), AuthorizationStatus::authorized);
+    FolderLibrary gone(folder / "gone", confirmation, log);
+    EXPECT_EQ(gone.authorizationStatus(), AuthorizationStatus::denied);
+    EXPECT_THROW(gone.fetchAssets(), PhotoLibraryError); // never an empty library
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "the superuser may write everywhere";
+    ::chmod(root.c_str(), 0500);
+    EXPECT_EQ(library.authorizationStatus(), AuthorizationStatus::limited);
+    EXPECT_THROW(library.deleteAssets({assetAt("a.jpg")}), PhotoLibraryError);
+    ::chmod(root.c_str(), 0700);
+}
+
+/// With a Trash of its own below the temporary folder.
+class FolderDeletionTest : public FolderLibraryTest {
+  protected:
+    FolderDeletionTest() {
+        std::filesystem::create_directory(folder / "data");
+        qputenv("XDG_DATA_HOME", pathText(folder / "data").toUtf8());
+    }
+    ~FolderDeletionTest() override { qunsetenv("XDG_DATA_HOME"); }
+
+    std::set<std::string> trashed(const char* part) const {
+        std::set<std::string> names;
+        std::error_code error;
+        for (const auto& entry :
+             std::filesystem::directory_iterator(folder / "data/Trash" / part, error))
+            names.insert(entry.path().filename().native());
+        return names;
+    }
+};
+
+TEST_F(FolderDeletionTest, MovesToTheTrashOnlyWithConsent) {
+    add("a.jpg");
+    add("sub/b.jpg");
+    add("kept.jpg");
+    const std::vector<PhotoAsset> assets{assetAt("a.jpg"), assetAt("sub/b.jpg"), assetAt("a.jpg")};
+    confirmation.answer = false;
+    EXPECT_THROW(library.deleteAssets(assets), PhotoLibraryError);
+    EXPECT_EQ(library.fetchAssets()->size(), 3u);
+    confirmation.answer = true;
+    library.deleteAssets(assets);
+    EXPECT_THAT(confirmation.asked, testing::ElementsAre(2, 2));
+    EXPECT_THAT(locations(library.fetchAssets()), testing::ElementsAre("kept.jpg"));
+    EXPECT_THAT(trashed("files"), testing::ElementsAre("a.jpg", "b.jpg"));
+    EXPECT_EQ(test::readFile(folder / "data/Trash/files/b.jpg"), "picture");
+    EXPECT_THROW(library.deleteAssets(assets), PhotoLibraryError); // already gone: nobody is asked
+    EXPECT_EQ(confirmation.asked.size(), 2u);
+}
+
+TEST_F(FolderDeletionTest, TakesEverythingBackWhenOneMoveFails) {
+    add("a.jpg");
+    add("b.jpg");
+    add("bad\xe9.jpg"); // the Trash takes no name that is not text
+    try {
+        library.deleteAssets({assetAt("a.jpg"), assetAt("b.jpg"), assetAt("bad\xe9.jpg")});
+        FAIL() << "deleted what cannot be trashed";
+    } catch (const PhotoLibraryError& error) {
+        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("bad")));
+    }
+    EXPECT_EQ(library.fetchAssets()->size(), 3u);
+    EXPECT_EQ(test::readFile(root / "a.jpg"), "picture");
+    EXPECT_TRUE(trashed("files").empty());
+    EXPECT_TRUE(trashed("info").empty());
+}
+
+TEST_F(FolderDeletionTest, RefusesAFileThatBecameALink) {
+    add("a.jpg");
+    add("sub/b.jpg");
+    const std::vector<PhotoAsset> assets{assetAt("a.jpg"), assetAt("sub/b.jpg")};
+    std::filesystem::rename(root / "sub", folder / "elsewhere");
+    std::filesystem::create_symlink(folder / "elsewhere", root / "sub");
+    EXPECT_ANY_THROW(library.deleteAssets(assets));
+    EXPECT_TRUE(std::filesystem::exists(folder / "elsewhere/b.jpg"));
+    EXPECT_TRUE(std::filesystem::exists(root / "a.jpg"));
+}
+
+} // namespace quorvane
