@@ -1,0 +1,70 @@
+#pragma once
+
+#include "foundation/Log.h"
+#include "foundation/Preferences.h"
+#include "library/PhotoLibrary.h"
+#include "library/PhotosAppScripts.h"
+#include "library/TaskRunner.h"
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace quorvane {
+
+/// One album that can be the source of the backup. The identifier is the library's own, or
+/// "photos_app_album:" and the Photos application's album id.
+struct LocalAlbumItem {
+    QString id;
+    QString title;
+    int count = 0;
+
+    bool operator==(const LocalAlbumItem&) const = default;
+};
+
+/// Lists the albums a person may choose as the source, remembers the choice, and turns it into
+/// assets. Failures are logged and yield empty lists. Any thread.
+class PhotoAlbumService {
+  public:
+    /// `photosApp` is none where there is no Photos application; else it must outlive this.
+    PhotoAlbumService(PhotoLibrary& library, Preferences& preferences, Log& log,
+                      PhotosAppScripts* photosApp = nullptr);
+
+    /// Builds the list of albums, keeps and returns it. Blocks.
+    std::vector<LocalAlbumItem> performFetchLocalAlbums();
+
+    /// The same in the background; `done` is called on the main thread.
+    void refreshLocalAlbumsAsync(std::function<void(const std::vector<LocalAlbumItem>&)> done);
+
+    /// The list last built; empty before the first.
+    std::vector<LocalAlbumItem> cachedAlbums() const;
+
+    /// None is the whole library.
+    std::optional<QString> selectedSourceAlbumID() const;
+    void setSelectedSourceAlbumID(const std::optional<QString>& albumID);
+
+    /// The album's assets, oldest first. Those of the whole library when `albumID` is none or names
+    /// an album that is no more. Throws `PhotoLibraryError` when the library cannot be read.
+    AssetFetchResult fetchAssets(const std::optional<QString>& albumID);
+
+    /// Albums as the Photos application tells them; empty where there is none.
+    std::vector<LocalAlbumItem> fetchApplePhotosAlbums();
+
+    /// Local identifiers of the assets in one of the Photos application's albums.
+    QStringList fetchItemIDsFromApplePhotos(const QString& albumID);
+
+  private:
+    std::vector<LocalAlbumItem> listAlbums();
+    int assetCount(const AssetCollection& album);
+
+    PhotoLibrary& library_;
+    Preferences& preferences_;
+    Log& log_;
+    PhotosAppScripts* photosApp_;
+    mutable std::mutex cacheLock_;
+    std::vector<LocalAlbumItem> cachedAlbums_;
+    TaskRunner tasks_; ///< last: its work uses the rest
+};
+
+} // namespace quorvane

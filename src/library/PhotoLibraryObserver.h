@@ -1,0 +1,76 @@
+#pragma once
+
+#include "foundation/Console.h"
+#include "foundation/Preferences.h"
+#include "library/AssetStagingService.h"
+#include "library/PhotoAlbumService.h"
+#include "library/PhotoLibrary.h"
+#include "library/TaskRunner.h"
+#include "store/DatabaseManager.h"
+
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <vector>
+
+namespace quorvane {
+
+/// The one way by which assets become records: files left in the permanent staging folder, the
+/// chosen source as a whole, and what is added to it while registered. After every insertion the
+/// staging service is asked to stage. Failures are told on the console and swallowed. Created and
+/// destroyed on the main thread.
+class PhotoLibraryObserver final : public LibraryChangeObserver {
+  public:
+    PhotoLibraryObserver(PhotoLibrary& library, DatabaseManager& database,
+                         AssetStagingService& staging, PhotoAlbumService& albums,
+                         const Preferences& preferences, Console& console);
+    ~PhotoLibraryObserver() override;
+    PhotoLibraryObserver(const PhotoLibraryObserver&) = delete;
+    PhotoLibraryObserver& operator=(const PhotoLibraryObserver&) = delete;
+
+    /// Registers with the library and scans in the background. Main thread; posts itself there
+    /// from any other.
+    void start();
+
+    /// Unregisters. Main thread; posts itself there from any other.
+    void stop();
+
+    /// Runs `initialScan` in the background and returns at once. Any thread.
+    void performInitialScan();
+
+    /// Recovers staged files, then records the source's assets and stages the first of them, on the
+    /// calling thread. Throws `Cancelled`.
+    void initialScan(std::stop_token stop = {});
+
+    /// Records the files in the permanent staging folder as STAGED, known assets excepted.
+    void reconcilePermanentStagingAssets();
+
+    /// All assets in one transaction, then staging. Throws `Cancelled` from the staging.
+    void processInitialAssets(const std::vector<PhotoAsset>& assets, std::stop_token stop = {});
+
+    /// One asset after another, then staging. Throws `Cancelled` from the staging.
+    void processNewAssets(const std::vector<PhotoAsset>& assets, std::stop_token stop = {});
+
+    /// Any thread. Insertions are processed in the background; nothing else is of interest.
+    void photoLibraryDidChange(const LibraryChange& change) override;
+
+  private:
+    void startOnMainThread();
+    void stopOnMainThread();
+    /// Runs `operation` later on the main thread, unless this object is gone by then.
+    void onMainThreadWhileAlive(void (PhotoLibraryObserver::*operation)());
+
+    PhotoLibrary& library_;
+    DatabaseManager& database_;
+    AssetStagingService& staging_;
+    PhotoAlbumService& albums_;
+    const Preferences& preferences_;
+    Console& console_;
+    bool isRegistered_ = false; ///< main thread only
+    std::mutex mutex_;
+    AssetFetchResult fetchResult_; ///< of the current source; none before the first scan
+    std::shared_ptr<PhotoLibraryObserver*> alive_;
+    TaskRunner tasks_; ///< last: its work uses the rest
+};
+
+} // namespace quorvane

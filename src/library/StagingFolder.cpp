@@ -1,0 +1,137 @@
+#include "library/StagingFolder.h"
+
+#include <cerrno>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+/// A folder this small is listed rather than trusted: a time stamp is too coarse to tell two
+/// changes within a few milliseconds apart.
+constexpr size_t smallFolder = 64;
+
+bool isRegularFile(const std::filesystem::path& file) {
+    struct stat info {};
+    return ::lstat(file.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
+bool isLeftover(const std::filesystem::path& name) {
+    return name.native().starts_with(".") &&
+           (name.extension() == ".part" || name.extension() == ".tmp");
+}
+
+/// Calls `visit` with the name of every entry that is a regular file itself.
+template <typename Visit>
+void forEachFile(const std::filesystem::path& folder, Visit visit) {
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        std::error_code vanished;
+        if (entry->symlink_status(vanished).type() == std::filesystem::file_type::regular)
+            visit(entry->path().filename());
+    }
+}
+
+} // namespace
+
+StagingFolder::StagingFolder(std::filesystem::path path, Access access)
+    : path_(std::move(path)), access_(access) {}
+
+void StagingFolder::create() {
+    std::error_code ignored;
+    std::filesystem::create_directories(path_.parent_path(), ignored);
+    ::mkdir(path_.c_str(), 0700);
+}
+
+std::optional<StagingFolder::Stamp> StagingFolder::stamp() const {
+    struct stat info {};
+    const bool isPrivate = access_ == Access::privateOnly;
+    const int failed = isPrivate ? ::lstat(path_.c_str(), &info) : ::stat(path_.c_str(), &info);
+    if (failed != 0 || !S_ISDIR(info.st_mode))
+        return std::nullopt;
+    if (isPrivate && (info.st_uid != ::geteuid() || (info.st_mode & 0777) != 0700))
+        return std::nullopt;
+#ifdef __APPLE__
+    const struct timespec changed = info.st_mtimespec;
+#else
+    const struct timespec changed = info.st_mtim;
+#endif
+    return Stamp{info.st_dev, info.st_ino, changed.tv_sec, changed.tv_nsec};
+}
+
+void StagingFolder::refresh() {
+    const std::optional<Stamp> now = stamp();
+    if (now && now == listedAt_ && names_.size() > smallFolder)
+        return;
+    names_.clear();
+    listedAt_ = now; // taken before the listing: a change during it shows the next time
+    if (!now)
+        return;
+    ++listings_;
+    forEachFile(path_, [this](const std::filesystem::path& name) {
+        if (!isLeftover(name))
+            names_.insert(name.native());
+    });
+}
+
+std::set<std::string>::iterator StagingFolder::firstWith(const std::string& prefix) {
+    auto name = names_.lower_bound(prefix);
+    while (name != names_.end() && name->starts_with(prefix) && !isRegularFile(path_ / *name))
+        name = names_.erase(name);
+    return name != names_.end() && name->starts_with(prefix) ? name : names_.end();
+}
+
+std::optional<std::filesystem::path> StagingFolder::find(const QString& prefix) {
+    if (prefix.isEmpty() || !isUsable())
+        return std::nullopt;
+    const std::string start = prefix.toStdString();
+    auto name = firstWith(start);
+    if (name == names_.end()) {
+        refresh();
+        name = firstWith(start);
+    }
+    if (name == names_.end())
+        return std::nullopt;
+    return path_ / *name;
+}
+
+void StagingFolder::removeAll(const QString& prefix) {
+    if (prefix.isEmpty() || !isUsable())
+        return;
+    refresh();
+    const std::string start = prefix.toStdString();
+    const bool wasCurrent = isCurrent();
+    auto name = names_.lower_bound(start);
+    while (name != names_.end() && name->starts_with(start)) {
+        const bool gone = ::unlink((path_ / *name).c_str()) == 0 || errno == ENOENT;
+        name = gone ? names_.erase(name) : std::next(name);
+    }
+    if (wasCurrent)
+        listedAt_ = stamp();
+}
+
+void StagingFolder::removeLeftovers() {
+    if (!isUsable())
+        return;
+    std::set<std::filesystem::path> leftovers;
+    forEachFile(path_, [&](const std::filesystem::path& name) {
+        if (isLeftover(name))
+            leftovers.insert(name);
+    });
+    for (const std::filesystem::path& name : leftovers)
+        ::unlink((path_ / name).c_str());
+}
+
+void StagingFolder::settle(const std::string& name, bool wasCurrent) {
+    if (isRegularFile(path_ / name))
+        names_.insert(name);
+    else
+        names_.erase(name);
+    if (wasCurrent)
+        listedAt_ = stamp();
+}
+
+} // namespace quorvane

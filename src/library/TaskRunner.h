@@ -1,0 +1,36 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+
+namespace quorvane {
+
+/// Runs posted work in the background, in the order of posting, on one thread of its own. At its
+/// end the running work is told to stop and waited for; what has not begun is dropped. The work
+/// must not throw anything but `Cancelled`.
+class TaskRunner {
+  public:
+    using Work = std::function<void(std::stop_token)>;
+
+    TaskRunner();
+    ~TaskRunner() = default;
+    TaskRunner(const TaskRunner&) = delete;
+    TaskRunner& operator=(const TaskRunner&) = delete;
+
+    /// Returns at once. Any thread.
+    void post(Work work);
+
+  private:
+    void run(const std::stop_token& stop);
+
+    std::mutex mutex_;
+    std::condition_variable_any posted_;
+    std::deque<Work> waiting_;
+    std::jthread thread_;
+};
+
+} // namespace quorvane
