@@ -177,6 +177,21 @@ void DatabaseManager::updateStatus(const QString& identifier, const QString& pro
     });
 }
 
+bool DatabaseManager::ifStatusIs(SyncStatus status, const SyncRecord& record,
+                                 const std::function<void()>& work) {
+    return executeOnQueue([&] {
+        sqlite::Statement statement = prepare(connection(), statements::statusOf);
+        statement.bind(1, record.assetLocalIdentifier);
+        statement.bind(2, record.providerID);
+        statement.bind(3, record.accountID);
+        if (!step(statement) || statement.text(0) != rawValue(status))
+            return false;
+        statement.reset(); // the work may write
+        work();
+        return true;
+    });
+}
+
 std::vector<SyncRecord> DatabaseManager::fetchPendingRecords(int limit) {
     return fetchRecords(statements::fetchPending,
                         [&](sqlite::Statement& statement) { statement.bind(1, limit); });

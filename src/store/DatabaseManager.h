@@ -55,6 +55,10 @@ class DatabaseManager {
                       const std::optional<QString>& remoteMediaID = {},
                       const std::optional<QString>& error = {});
 
+    /// Runs `work` if the stored record still has this status, with no other operation in between.
+    /// False when it has another one or is gone.
+    bool ifStatusIs(SyncStatus status, const SyncRecord& record, const std::function<void()>& work);
+
     /// DISCOVERED and STAGED records, oldest first.
     std::vector<SyncRecord> fetchPendingRecords(int limit);
 

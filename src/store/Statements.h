@@ -64,6 +64,10 @@ WHERE asset_local_identifier = ?
   AND provider_id = ?
   AND account_id  = ?)sql";
 
+inline constexpr const char* statusOf =
+    R"sql(SELECT sync_status FROM sync_records
+WHERE asset_local_identifier = ? AND provider_id = ? AND account_id = ?)sql";
+
 inline constexpr const char* fetchPending =
     R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
        sha256_hash, file_size_bytes, upload_token, remote_media_id,
