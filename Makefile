@@ -17,6 +17,7 @@ build:
 	@scripts/build.sh release
 
 demo: build
+	@scripts/setup.sh demo
 	@scripts/demo.sh
 
 test:

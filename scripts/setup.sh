@@ -8,6 +8,7 @@ declare -A groups=(
     libcurl4-openssl-dev libssl-dev libexiv2-dev libsecret-1-dev libcpp-httplib-dev"
   [test]="libgtest-dev libgmock-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
     dbus gnome-keyring libglib2.0-bin xdg-utils"
+  [demo]="curl"
   [bench]="time libimage-exiftool-perl exiv2 curl"
   [fuzz]="clang libclang-rt-14-dev"
   [lint]="clang-format clang-tidy"

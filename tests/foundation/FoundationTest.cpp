@@ -1,0 +1,109 @@
+#include "foundation/ByteReader.h"
+#include "foundation/Clock.h"
+#include "foundation/Crypto.h"
+#include "foundation/Date.h"
+#include "foundation/File.h"
+#include "foundation/Publisher.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <thread>
+
+#include <fcntl.h>
+
+namespace quorvane {
+namespace {
+
+TEST(ByteReader, readsWithinItsRangeAndNowhereElse) {
+    const std::uint8_t bytes[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08};
+    ByteReader big(bytes);
+    EXPECT_EQ(big.u16(), 0x0102);
+    EXPECT_EQ(big.unsignedOf(0), 0U);
+    EXPECT_EQ(big.unsignedOf(3), 0x030405U);
+    EXPECT_THROW(big.u32(), ParseError);
+    EXPECT_EQ(big.offset(), 5U) << "a refused read does not move the cursor";
+    EXPECT_THROW(big.take(UINT64_MAX), ParseError);
+    EXPECT_THROW(big.seek(9), ParseError);
+    EXPECT_EQ(ByteReader(bytes, ByteOrder::littleEndian).u32(), 0x04030201U);
+    EXPECT_EQ(ByteReader(bytes).u64(), 0x0102030405060708ULL);
+}
+
+TEST(Date, absurdNumbersAreNoDateAndNeverOverflow) {
+    for (const double absurd : {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300, -1e18})
+        EXPECT_EQ(dateFromUnixSeconds(absurd), std::nullopt) << absurd;
+    EXPECT_EQ(dateFromUnixSeconds(1617187200.123), Date(std::chrono::milliseconds(1617187200123)));
+    EXPECT_TRUE(dateFromUnixSeconds(123456789012345 + referenceDateOffset).has_value());
+    EXPECT_EQ(describe(Date(std::chrono::seconds(1583364600))),
+              QStringLiteral("2020-03-04 23:30:00 +0000"));
+}
+
+TEST(Crypto, digestsMatchThePublishedVectors) {
+    EXPECT_EQ(Sha256::digest("").toHex(),
+              "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+    Sha256 hash;
+    hash.add("a");
+    hash.add("bc");
+    EXPECT_EQ(hash.finish().toHex(),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_NE(secureRandomBytes(16), secureRandomBytes(16));
+}
+
+TEST(File, replacingIsWholeAndLeavesNoTemporary) {
+    const test::TemporaryFolder folder;
+    const auto file = folder.write("a", "old");
+    replaceFile(file, "new", 0600);
+    EXPECT_EQ(test::readFile(file), "new");
+    EXPECT_THROW(replaceFile(folder / "missing/a", "x"), FileError);
+    std::filesystem::create_directory(folder / "taken");
+    EXPECT_THROW(replaceFile(folder / "taken", "x"), FileError); // a folder stands there
+    int entries = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        ++entries;
+    EXPECT_EQ(entries, 2);
+    EXPECT_THROW(readWholeFile(file, 2), FileError);
+    EXPECT_THROW(readWholeFile(folder.path(), 100), FileError);
+}
+
+TEST(File, errorsNameThePathAndTheReason) {
+    try {
+        openFile("/nowhere/x", O_RDONLY);
+        FAIL();
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.errorNumber(), ENOENT);
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("Dosya açılamadı: /nowhere/x (bulunamadı)"));
+    }
+}
+
+TEST(Clock, aSleepEndsWithItsTimeOrWithAStop) {
+    SystemClock clock;
+    EXPECT_TRUE(clock.sleep(std::chrono::milliseconds(1), {}));
+    std::stop_source stop;
+    const auto started = clock.monotonic();
+    std::jthread stopper([&] { stop.request_stop(); });
+    EXPECT_FALSE(clock.sleep(std::chrono::minutes(5), stop.get_token()));
+    EXPECT_LT(clock.monotonic() - started, std::chrono::seconds(5));
+}
+
+TEST(Publisher, sendsOnlyToThoseSubscribedAtTheMoment) {
+    Publisher<int> publisher;
+    int sum = 0;
+    publisher.send(1);
+    {
+        const Subscription subscription = publisher.subscribe([&](int value) { sum += value; });
+        publisher.send(10);
+        const Subscription second = publisher.subscribe([&](int value) {
+            Publisher<int>& again = publisher; // a subscriber may use the publisher
+            if (value == 100)
+                again.send(1000);
+        });
+        publisher.send(100);
+    }
+    publisher.send(10000);
+    EXPECT_EQ(sum, 1110);
+}
+
+} // namespace
+} // namespace quorvane

@@ -1,0 +1,230 @@
+#include "store/DatabaseManager.h"
+
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace quorvane {
+namespace {
+
+SyncRecord recordOf(const QString& identifier) {
+    SyncRecord record;
+    record.assetLocalIdentifier = identifier;
+    return record;
+}
+
+class DatabaseManagerTest : public testing::Test {
+  protected:
+    /// Through a connection of its own, as another program would.
+    void execute(const char* sql) {
+        sqlite::Connection other(file, sqlite::Connection::Mode::readWriteCreate);
+        other.setBusyTimeout(5000);
+        other.execute(sql);
+    }
+    QString value(const char* sql) {
+        sqlite::Connection other(file, sqlite::Connection::Mode::readOnly);
+        sqlite::Statement statement(other, sql);
+        return statement.step() ? statement.optionalText(0).value_or(QStringLiteral("NULL"))
+                                : QStringLiteral("none");
+    }
+    void setStatus(const QString& identifier, SyncStatus status,
+                   const std::optional<QString>& token = {},
+                   const std::optional<QString>& remote = {},
+                   const std::optional<QString>& error = {}) {
+        db.updateStatus(identifier, googlePhotosProvider, pendingAccount, status, token, remote,
+                        error);
+    }
+
+    test::TemporaryFolder folder;
+    std::filesystem::path file = folder / "a/b/quorvane.sqlite";
+    Console console{Console::Channel::silent};
+    DatabaseManager db{file, console};
+};
+
+TEST_F(DatabaseManagerTest, rediscoveryNeverResetsProgress) {
+    db.insertIfNotExists(recordOf(QStringLiteral("a")));
+    setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("r"));
+    db.insertIfNotExists(recordOf(QStringLiteral("a")));
+    db.insertDiscoveredBatch({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b"))});
+    db.insertStagedBatch({recordOf(QStringLiteral("a"))});
+    EXPECT_EQ(value("SELECT count(*) FROM sync_records"), QStringLiteral("2"));
+    EXPECT_EQ(db.countPendingRecords(), 1);
+    EXPECT_EQ(value("PRAGMA journal_mode"), QStringLiteral("wal"));
+}
+
+TEST_F(DatabaseManagerTest, statusChangesKeepWhatTheyDoNotName) {
+    db.insertIfNotExists(recordOf(QStringLiteral("a")));
+    setStatus(QStringLiteral("a"), SyncStatus::staged, QStringLiteral("token"));
+    for (int i = 0; i < 3; ++i)
+        setStatus(QStringLiteral("a"), SyncStatus::failed, {}, {}, QStringLiteral("hata"));
+    EXPECT_EQ(value("SELECT upload_token || retry_count || last_error FROM sync_records"),
+              QStringLiteral("token3hata"));
+    setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("remote"));
+    EXPECT_EQ(value("SELECT upload_token || remote_media_id || retry_count FROM sync_records"),
+              QStringLiteral("tokenremote3"));
+    EXPECT_EQ(value("SELECT last_error FROM sync_records"), QStringLiteral("NULL"));
+}
+
+TEST_F(DatabaseManagerTest, aBatchIsAllOrNothing) {
+    execute("CREATE TRIGGER refuse BEFORE INSERT ON sync_records WHEN NEW.asset_local_identifier "
+            "= 'fifth' BEGIN SELECT RAISE(FAIL, 'refused'); END");
+    std::vector<SyncRecord> batch;
+    for (const char* name : {"1", "2", "3", "4", "fifth", "6"})
+        batch.push_back(recordOf(QString::fromLatin1(name)));
+    try {
+        db.insertDiscoveredBatch(batch);
+        FAIL() << "the batch was taken";
+    } catch (const DBError& error) {
+        EXPECT_EQ(error.localizedDescription(), QStringLiteral("[DB] Step failed: refused"));
+    }
+    EXPECT_EQ(db.countPendingRecords(), 0);
+    db.insertDiscoveredBatch({recordOf(QStringLiteral("later"))}); // no transaction is left open
+    EXPECT_EQ(db.countPendingRecords(), 1);
+}
+
+TEST_F(DatabaseManagerTest, pendingRecordsComeOldestFirstWithinTheLimit) {
+    db.insertDiscoveredBatch({recordOf(QStringLiteral("new")), recordOf(QStringLiteral("old")),
+                              recordOf(QStringLiteral("done"))});
+    execute("UPDATE sync_records SET created_at = '2001-01-01 00:00:00' WHERE "
+            "asset_local_identifier = 'old'");
+    setStatus(QStringLiteral("old"), SyncStatus::staged);
+    setStatus(QStringLiteral("done"), SyncStatus::verified);
+    const auto pending = db.fetchPendingRecords(10);
+    ASSERT_EQ(pending.size(), 2U);
+    EXPECT_EQ(pending[0].assetLocalIdentifier, QStringLiteral("old"));
+    EXPECT_EQ(pending[0].createdAt, Date(std::chrono::seconds(978307200)));
+    EXPECT_EQ(db.fetchPendingRecords(1).size(), 1U);
+}
+
+TEST_F(DatabaseManagerTest, readsLeniently) {
+    execute("INSERT INTO sync_records (asset_local_identifier, provider_id, account_id, "
+            "media_type, sync_status, created_at, file_size_bytes) VALUES ('a', 'p', 'q', "
+            "'hologram', 'DISCOVERED', 'yesterday', 5000000000)");
+    const auto records = db.fetchPendingRecords(5);
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].mediaType, MediaType::photo);
+    EXPECT_EQ(records[0].fileSizeBytes, 5'000'000'000);
+    EXPECT_EQ(records[0].sha256Hash, std::nullopt);
+    EXPECT_GT(records[0].createdAt, Date(std::chrono::seconds(1'700'000'000)));
+}
+
+TEST_F(DatabaseManagerTest, upsertWritesEveryFieldAndReadsBack) {
+    SyncRecord record = recordOf(QStringLiteral("ş/L0/001"));
+    db.insertIfNotExists(record);
+    record.mediaType = MediaType::livePhoto;
+    record.sha256Hash = QStringLiteral("ab");
+    record.fileSizeBytes = 7;
+    record.remoteMediaID = QStringLiteral("r");
+    record.retryCount = 4;
+    record.lastError = QStringLiteral("e");
+    record.syncStatus = SyncStatus::staged;
+    db.upsertRecord(record);
+    const SyncRecord read = db.fetchPendingRecords(1).at(0);
+    EXPECT_EQ(read.assetLocalIdentifier, record.assetLocalIdentifier);
+    EXPECT_EQ(read.mediaType, MediaType::livePhoto);
+    EXPECT_EQ(read.sha256Hash, record.sha256Hash);
+    EXPECT_EQ(read.fileSizeBytes, 7);
+    EXPECT_EQ(read.remoteMediaID, record.remoteMediaID);
+    EXPECT_EQ(read.retryCount, 4);
+    EXPECT_EQ(read.lastError, record.lastError);
+    EXPECT_EQ(read.uploadToken, std::nullopt);
+}
+
+TEST_F(DatabaseManagerTest, onlyVerifiedRecordsWithARemoteIdAreOfferedForDeletion) {
+    db.insertDiscoveredBatch({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b")),
+                              recordOf(QStringLiteral("c")), recordOf(QStringLiteral("d"))});
+    setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("r"));
+    setStatus(QStringLiteral("b"), SyncStatus::verified, {}, QString(QLatin1String("")));
+    setStatus(QStringLiteral("c"), SyncStatus::verified);
+    setStatus(QStringLiteral("d"), SyncStatus::staged, {}, QStringLiteral("r"));
+    const auto offered = db.fetchVerifiedForDeletion();
+    ASSERT_EQ(offered.size(), 1U);
+    EXPECT_EQ(offered[0].assetLocalIdentifier, QStringLiteral("a"));
+}
+
+TEST_F(DatabaseManagerTest, retryAndClearTouchOnlyTheirStatuses) {
+    db.insertDiscoveredBatch({recordOf(QStringLiteral("f")), recordOf(QStringLiteral("u")),
+                              recordOf(QStringLiteral("v")), recordOf(QStringLiteral("p"))});
+    setStatus(QStringLiteral("f"), SyncStatus::failed, {}, {}, QStringLiteral("HTTP 500"));
+    setStatus(QStringLiteral("u"), SyncStatus::dateUnresolved, {}, {}, QStringLiteral("e"));
+    setStatus(QStringLiteral("v"), SyncStatus::verified, {}, QStringLiteral("r"));
+    EXPECT_EQ(db.countFailedRecords(), 1);
+    EXPECT_EQ(db.countDateUnresolvedRecords(), 1);
+    EXPECT_EQ(db.fetchFailedCategorySummaries().at(0).count, 1);
+    EXPECT_EQ(db.fetchUnfinishedRecords(10).size(), 2U);
+
+    db.retryFailedRecords(false);
+    EXPECT_EQ(db.countPendingRecords(), 2);
+    EXPECT_EQ(value("SELECT retry_count FROM sync_records WHERE asset_local_identifier = 'f'"),
+              QStringLiteral("1"));
+    EXPECT_EQ(value("SELECT last_error FROM sync_records WHERE asset_local_identifier = 'f'"),
+              QStringLiteral("NULL"));
+    setStatus(QStringLiteral("f"), SyncStatus::failed);
+    db.retryFailedRecords(true);
+    EXPECT_EQ(value("SELECT retry_count FROM sync_records WHERE asset_local_identifier = 'f'"),
+              QStringLiteral("0"));
+    db.retryDateUnresolvedRecords();
+    EXPECT_EQ(db.countPendingRecords(), 3);
+    db.clearPendingRecords();
+    EXPECT_EQ(value("SELECT group_concat(asset_local_identifier) FROM sync_records"),
+              QStringLiteral("v"));
+}
+
+TEST_F(DatabaseManagerTest, nestedAndConcurrentCallsNeitherDeadlockNorLoseRows) {
+    db.insertIfNotExists(recordOf(QStringLiteral("x")));
+    bool nested = false;
+    EXPECT_TRUE(db.ifStatusIs(SyncStatus::discovered, recordOf(QStringLiteral("x")),
+                              [&] { nested = db.countPendingRecords() == 1; }));
+    EXPECT_TRUE(nested);
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([this, t] {
+            for (int i = 0; i < 25; ++i)
+                db.insertIfNotExists(recordOf(QStringLiteral("%1-%2").arg(t).arg(i)));
+        });
+    threads.clear();
+    EXPECT_EQ(db.countPendingRecords(), 101);
+}
+
+TEST_F(DatabaseManagerTest, waitsForAnotherProcessThatWrites) {
+    sqlite::Connection other(file, sqlite::Connection::Mode::readWriteCreate);
+    other.execute("BEGIN IMMEDIATE");
+    std::jthread writer([this] { db.insertIfNotExists(recordOf(QStringLiteral("late"))); });
+    std::this_thread::yield();
+    other.execute("COMMIT");
+    writer.join();
+    EXPECT_EQ(db.countPendingRecords(), 1);
+}
+
+TEST(DatabaseManagerOnForeignFiles, leavesThemAsTheyAreAndSaysSo) {
+    const test::TemporaryFolder folder;
+    const QByteArray garbage(8192, 'x');
+    const auto file = folder.write("quorvane.sqlite", garbage);
+    Console console(Console::Channel::silent);
+    {
+        DatabaseManager db(file, console);
+        try {
+            db.requireUsable();
+            FAIL() << "garbage was taken for a database";
+        } catch (const Error& error) {
+            EXPECT_TRUE(error.localizedDescription().contains(u"not a database"));
+        }
+        EXPECT_THROW(db.insertIfNotExists(recordOf(QStringLiteral("a"))), DBError);
+    }
+    EXPECT_EQ(test::readFile(file), garbage);
+
+    std::filesystem::create_directory(folder / "folder.sqlite");
+    DatabaseManager closed(folder / "folder.sqlite", console);
+    try {
+        closed.countPendingRecords();
+        FAIL() << "a folder was opened as a database";
+    } catch (const DBError& error) {
+        EXPECT_EQ(error.which(), DBError::Case::openFailed);
+        EXPECT_TRUE(error.localizedDescription().startsWith(u"[DB] Open failed: "));
+    }
+}
+
+} // namespace
+} // namespace quorvane
