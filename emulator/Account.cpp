@@ -1,0 +1,89 @@
+#include "emulator/Account.h"
+
+#include "emulator/JsonBody.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane::emulator {
+
+namespace {
+
+Refusal insufficientScopes() {
+    return Refusal(apiError(403, u"PERMISSION_DENIED"_s,
+                            u"Request had insufficient authentication scopes."_s));
+}
+
+} // namespace
+
+Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) try {
+    switch (call.request.kind) {
+    case RequestKind::auth:
+        return oauth_.authorize(call, behaviour, now);
+    case RequestKind::token:
+        return oauth_.exchange(call, behaviour, now);
+    case RequestKind::revoke:
+        return oauth_.revoke(call);
+    case RequestKind::userinfo:
+        return oauth_.userInfo(call, behaviour, now);
+    case RequestKind::upload:
+        requireScope(call, {appendScope}, now);
+        return uploads_.receive(call, now);
+    case RequestKind::batchCreate:
+        requireScope(call, {appendScope}, now);
+        return mediaItems_.batchCreate(call, behaviour.albumCapacity, now);
+    case RequestKind::albumsCreate:
+        requireScope(call, {appendScope}, now);
+        return albums_.create(call);
+    case RequestKind::albumsList:
+    case RequestKind::sharedAlbums:
+        return listAlbums(call, behaviour, now);
+    case RequestKind::report:
+    case RequestKind::other:
+        break;
+    }
+    return htmlAnswer("<!DOCTYPE html><title>Error 404 (Not Found)</title>", 404);
+} catch (const Refusal& refusal) {
+    return refusal.answer;
+}
+
+Answer Account::listAlbums(const Call& call, const Behaviour& behaviour, Date now) const {
+    requireScope(call, {readScope, readAppDataScope}, now);
+    if (behaviour.listingForbidden)
+        throw insufficientScopes();
+    return albums_.list(call, call.request.kind == RequestKind::sharedAlbums);
+}
+
+void Account::requireScope(const Call& call, const QStringList& scopes, Date now) const {
+    const Tokens::Access* access = tokens_.access(call.bearer(), now);
+    if (!access)
+        throw Refusal(apiError(401, u"UNAUTHENTICATED"_s,
+                               u"Request had invalid authentication credentials. Expected OAuth 2 "
+                               "access token, login cookie or other valid authentication "
+                               "credential."_s));
+    if (std::ranges::none_of(scopes,
+                             [&](const QString& scope) { return access->scopes.contains(scope); }))
+        throw insufficientScopes();
+}
+
+QJsonObject Account::toJson() const {
+    return {{u"tokens"_s, tokens_.toJson()},
+            {u"uploads"_s, uploads_.toJson()},
+            {u"albums"_s, albums_.toJson()},
+            {u"mediaItems"_s, mediaItems_.toJson()}};
+}
+
+void Account::restore(const QJsonObject& object) {
+    tokens_ = Tokens::fromJson(object[u"tokens"_s].toObject());
+    uploads_ = Uploads::fromJson(object[u"uploads"_s].toObject());
+    albums_ = Albums::fromJson(object[u"albums"_s].toArray());
+    mediaItems_.restore(object[u"mediaItems"_s].toArray());
+}
+
+bool changesAccount(RequestKind kind) {
+    return kind == RequestKind::token || kind == RequestKind::revoke ||
+           kind == RequestKind::batchCreate || kind == RequestKind::albumsCreate;
+}
+
+} // namespace quorvane::emulator

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "emulator/Answer.h"
+#include "emulator/Call.h"
+
+#include <QJsonArray>
+#include <QSet>
+
+#include <map>
+
+namespace quorvane::emulator {
+
+/// The account's albums and their listing (`/v1/albums`, `/v1/sharedAlbums`), in order of
+/// creation. Bearer tokens have been checked before. Not shared between threads.
+class Albums {
+  public:
+    /// `count` items that are not in the library here stand in the album from the beginning.
+    QString add(const QString& title, std::int64_t count, bool isShared, bool isAppCreated);
+
+    /// These two throw `Refusal`.
+    Answer create(const Call& call);
+    Answer list(const Call& call, bool shared) const;
+
+    bool contains(const QString& albumId) const;
+    /// Whether one more item than it already holds finds room. The album exists.
+    bool hasRoomFor(const QString& albumId, const QString& itemId, std::int64_t capacity) const;
+    void insert(const QString& albumId, const QString& itemId);
+
+    std::vector<StoredAlbum> all() const;
+    QStringList albumsOf(const QString& itemId) const;
+
+    QJsonArray toJson() const;
+    static Albums fromJson(const QJsonArray& array);
+
+  private:
+    struct Album {
+        StoredAlbum stored;
+        std::int64_t seeded = 0;
+        QSet<QString> items;
+    };
+
+    Album* find(const QString& albumId);
+    const Album* find(const QString& albumId) const;
+
+    std::vector<Album> albums_;
+};
+
+} // namespace quorvane::emulator

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+
+namespace quorvane::emulator {
+
+/// What the service says to one request.
+struct Answer {
+    int status = 200;
+    QByteArray contentType;
+    QByteArray body;
+    QByteArray location; ///< of a redirection
+};
+
+Answer jsonAnswer(const QJsonObject& object, int status = 200);
+Answer textAnswer(const QByteArray& text, int status = 200);
+Answer htmlAnswer(const QByteArray& html, int status);
+
+/// The error shape of Google's APIs: {"error": {"code", "message", "status"}}, where the last is
+/// the name of a canonical code of google.rpc.Code such as "INVALID_ARGUMENT".
+Answer apiError(int status, const QString& name, const QString& message);
+Answer invalidArgument(const QString& message);
+
+/// The error shape of RFC 6749 5.2: {"error", "error_description"}.
+Answer oauthError(const QString& error, const QString& description, int status = 400);
+
+} // namespace quorvane::emulator

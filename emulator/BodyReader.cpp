@@ -1,0 +1,60 @@
+#include "emulator/BodyReader.h"
+
+namespace quorvane::emulator {
+
+namespace {
+
+constexpr std::int64_t largestPlainBody = 16 * 1024 * 1024;
+
+/// Slows the reader down to a number of bytes per second.
+class Throttle {
+  public:
+    explicit Throttle(std::int64_t bytesPerSecond) : bytesPerSecond_(bytesPerSecond) {}
+
+    /// How long to wait after `received` bytes in all.
+    std::chrono::milliseconds due(std::int64_t received) const {
+        if (bytesPerSecond_ <= 0)
+            return {};
+        const std::chrono::duration<double> planned(static_cast<double>(received) /
+                                                    static_cast<double>(bytesPerSecond_));
+        return std::chrono::duration_cast<std::chrono::milliseconds>(
+            planned - (std::chrono::steady_clock::now() - start_));
+    }
+
+  private:
+    std::int64_t bytesPerSecond_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+} // namespace
+
+BodyEnd readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
+                 const Fault& fault) {
+    RecordedRequest& request = call.request;
+    const Throttle throttle(upload ? behaviour.uploadBytesPerSecond : 0);
+    BodyEnd end = BodyEnd::brokenOff;
+    const auto receive = [&](QByteArrayView bytes) {
+        const std::int64_t left =
+            fault.dropRequestAfter ? *fault.dropRequestAfter - request.bodySize : bytes.size();
+        const bool isLast = left < bytes.size();
+        if (isLast)
+            bytes = bytes.first(static_cast<qsizetype>(std::max<std::int64_t>(left, 0)));
+        request.bodySize += bytes.size();
+        if (upload)
+            upload->add(bytes);
+        else
+            request.body.append(bytes);
+        if (isLast)
+            end = BodyEnd::dropped;
+        else if (!upload && request.bodySize > largestPlainBody)
+            end = BodyEnd::tooLarge;
+        else
+            return exchange.pause(throttle.due(request.bodySize));
+        return false;
+    };
+    if (exchange.readBody(receive))
+        end = fault.dropRequestAfter ? BodyEnd::dropped : BodyEnd::complete;
+    return end;
+}
+
+} // namespace quorvane::emulator

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "emulator/EmulatorTypes.h"
+
+#include <QUrlQuery>
+
+namespace quorvane::emulator {
+
+/// One request, received whole. An upload's bytes are only summed up in it.
+struct Call {
+    RecordedRequest request;
+    QByteArray uploadStart; ///< the first bytes of an upload, enough to tell its format
+
+    /// A query item, decoded; empty when absent.
+    QString queryItem(const QString& name) const;
+    QUrlQuery query() const;
+
+    /// The media type of the body in lower case, without parameters.
+    QByteArray contentType() const;
+
+    /// The token of the `Authorization` header (RFC 6750); empty when there is none.
+    QString bearer() const;
+};
+
+/// Which kind of request this is; the path is still percent-encoded.
+RequestKind kindOf(const QByteArray& method, const QByteArray& path);
+
+/// The items of a form-encoded text: "+" and %XX are decoded.
+QUrlQuery parseForm(const QByteArray& text);
+
+/// The value of an item of `form`, decoded; empty when absent.
+QString formItem(const QUrlQuery& form, const QString& name);
+
+} // namespace quorvane::emulator

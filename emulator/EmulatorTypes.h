@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace quorvane::emulator {
+
+/// The kinds of request that the service tells apart; `other` is everything it does not know.
+enum class RequestKind {
+    auth,
+    token,
+    revoke,
+    userinfo,
+    upload,
+    batchCreate,
+    albumsList,
+    albumsCreate,
+    sharedAlbums,
+    report,
+    other,
+};
+
+inline constexpr std::array allRequestKinds{
+    RequestKind::auth,       RequestKind::token,        RequestKind::revoke,
+    RequestKind::userinfo,   RequestKind::upload,       RequestKind::batchCreate,
+    RequestKind::albumsList, RequestKind::albumsCreate, RequestKind::sharedAlbums,
+    RequestKind::report,     RequestKind::other,
+};
+
+/// The kind's name as on the command line and in the report: "batchCreate".
+QString nameOf(RequestKind kind);
+std::optional<RequestKind> requestKindFrom(const QString& name);
+
+/// What the service may be told to do at any time.
+struct Behaviour {
+    std::chrono::milliseconds latency{0};     ///< before every answer
+    std::int64_t uploadBytesPerSecond = 0;    ///< 0: as fast as it comes
+    std::chrono::seconds tokenLifetime{3599}; ///< of access tokens; may be negative
+    std::int64_t albumCapacity = 20'000;      ///< media items in one album
+    bool listingForbidden = false;            ///< album listings answer 403
+    bool consentDenied = false;               ///< the person refuses the sign-in
+    QString email = QStringLiteral("kullanici@example.com");
+    QString clientSecret; ///< asked for at /token when not empty
+};
+
+struct EmulatorOptions {
+    int port = 0; ///< 0: any free one
+    Behaviour behaviour;
+    std::filesystem::path storeFolder;             ///< keeps the uploaded files when not empty
+    std::filesystem::path stateFile;               ///< keeps the account's state when not empty
+    std::int64_t recordedBytes = 64 * 1024 * 1024; ///< oldest requests are forgotten; 0: none kept
+    std::int64_t keptUploadBytes = 0;              ///< of each upload's start, in its record
+};
+
+/// One request and its answer as they went over the wire.
+struct RecordedRequest {
+    using Headers = std::vector<std::pair<QByteArray, QByteArray>>;
+
+    RequestKind kind = RequestKind::other;
+    int connection = 0; ///< counted from 1: requests of one connection share the number
+    QByteArray method;
+    QByteArray path;
+    QByteArray query;          ///< still percent-encoded, without the "?"
+    Headers headers;           ///< in order and spelled as received
+    QByteArray body;           ///< of an upload only the first `keptUploadBytes`
+    std::int64_t bodySize = 0; ///< bytes received
+    QByteArray bodySha256;     ///< lower-case hexadecimal; uploads only
+    int status = 0;            ///< 0: no answer was given
+    QByteArray answer;         ///< the answer's body, as far as it was to be sent
+
+    /// The first header of that name in any case; empty when absent.
+    QByteArray header(QByteArrayView name) const;
+};
+
+struct StoredMediaItem {
+    QString id;
+    QString filename;
+    QString description;
+    QString mimeType;
+    QByteArray sha256; ///< lower-case hexadecimal
+    std::int64_t size = 0;
+    QString creationTime; ///< ISO 8601, UTC, of the item's creation at the service
+    QStringList albumIds;
+};
+
+struct StoredAlbum {
+    QString id;
+    QString title;
+    std::int64_t itemCount = 0;
+    bool isShared = false;
+    bool isAppCreated = true; ///< else only listed without `excludeNonAppCreatedData`
+};
+
+struct TokenPair {
+    QString accessToken;
+    QString refreshToken;
+};
+
+} // namespace quorvane::emulator

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "emulator/EmulatorTypes.h"
+
+namespace quorvane::emulator {
+
+/// Something that goes wrong with some requests of a kind. What is left out goes as usual.
+struct Fault {
+    RequestKind kind = RequestKind::upload;
+    int nth = 1;   ///< the first request hit, counted from 1 after the fault was added
+    int times = 1; ///< requests hit in a row; 0: all from the first one on
+
+    std::optional<int> status;      ///< answered instead of the true status
+    std::optional<QByteArray> body; ///< answered instead of the true body
+    QByteArray contentType = "application/json";
+    /// Whether a request answered with another status or body, or stalled, still has its effect:
+    /// the answer alone is lost.
+    bool carriedOut = false;
+
+    std::chrono::milliseconds delay{0}; ///< before the answer, on top of the latency
+    bool stall = false;                 ///< no answer ever; the client has to leave
+    std::optional<std::int64_t>
+        dropRequestAfter;                        ///< closes after these bytes of the request's body
+    std::optional<std::int64_t> dropAnswerAfter; ///< closes after these bytes of the answer's body
+};
+
+/// The faults to come. Not shared between threads.
+class FaultPlan {
+  public:
+    void add(const Fault& fault);
+    void clear();
+
+    /// The fault that hits the request of `kind` that has just come, if any: the one added first.
+    std::optional<Fault> next(RequestKind kind);
+
+  private:
+    struct Entry {
+        Fault fault;
+        int seen = 0;
+    };
+    std::vector<Entry> entries_;
+};
+
+} // namespace quorvane::emulator

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "emulator/EmulatorTypes.h"
+#include "emulator/Fault.h"
+#include "foundation/Clock.h"
+
+#include <QJsonObject>
+
+#include <functional>
+#include <memory>
+
+namespace quorvane {
+
+namespace emulator {
+class HttpServer;
+class Service;
+} // namespace emulator
+
+/// A local Google Photos service with one account, spoken to over HTTP on 127.0.0.1. It follows
+/// Google's documentation of OAuth 2.0 for installed apps and of the Photos Library API, and
+/// refuses what Google refuses. Every operation may be called from any thread, before and after
+/// `start`.
+class GoogleEmulator {
+  public:
+    explicit GoogleEmulator(emulator::EmulatorOptions options = {});
+    /// Expiries follow `clock`, which must outlive the service; delays are always real.
+    GoogleEmulator(emulator::EmulatorOptions options, const Clock& clock);
+    ~GoogleEmulator();
+
+    /// Takes up the state file and serves on threads of its own. Throws `Error`.
+    void start();
+    /// Breaks off every connection and writes the state file. May be called twice.
+    void stop();
+
+    int port() const;
+    QString baseURL() const; ///< "http://127.0.0.1:PORT"
+
+    /// Changes what it does from the next request on.
+    void change(const std::function<void(emulator::Behaviour&)>& edit);
+    void addFault(const emulator::Fault& fault);
+    void clearFaults();
+
+    /// Tokens as a sign-in would have brought them, good for any client; by default for all four
+    /// scopes. The scopes are separated by spaces.
+    emulator::TokenPair issueTokens(const QString& scopes = {});
+    /// Every access token is refused from now on; refresh tokens stay good.
+    void expireAccessTokens();
+    /// Every token is refused from now on, as when the person withdraws the access.
+    void revokeTokens();
+
+    /// Adds an album with `itemCount` items the library here does not know; returns its id.
+    QString addAlbum(const QString& title, std::int64_t itemCount = 0, bool isShared = false,
+                     bool isAppCreated = true);
+
+    /// What was asked and answered, in order of the answers; with a kind, only of that kind.
+    std::vector<emulator::RecordedRequest> requests() const;
+    std::vector<emulator::RecordedRequest> requests(emulator::RequestKind kind) const;
+    /// Requests of a kind that have arrived so far, recorded or not.
+    int requestCount(emulator::RequestKind kind) const;
+    /// Waits until so many have arrived, even if they are not answered yet. False after `limit`.
+    bool waitForRequests(emulator::RequestKind kind, int count,
+                         std::chrono::milliseconds limit = std::chrono::seconds(10)) const;
+    void clearRequests();
+
+    std::vector<emulator::StoredMediaItem> mediaItems() const; ///< in order of creation
+    std::vector<emulator::StoredAlbum> albums() const;         ///< in order of creation
+
+    /// {"requests": {kind: count}, "mediaItems": [...], "albums": [...]}
+    QJsonObject report() const;
+
+  private:
+    emulator::EmulatorOptions options_;
+    std::unique_ptr<emulator::Service> service_;
+    std::unique_ptr<emulator::HttpServer> server_; ///< last: its threads use the service
+};
+
+} // namespace quorvane

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "emulator/Exchange.h"
+
+#include <atomic>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace quorvane::emulator {
+
+/// HTTP/1.1 on 127.0.0.1, a thread for each connection. Listening and the connections are its
+/// own, so that it stops at once whatever they do; httplib speaks HTTP on them.
+class HttpServer : private httplib::Server {
+  public:
+    /// Runs on the connection's thread; must not throw.
+    using Handler = std::function<void(Exchange&)>;
+
+    explicit HttpServer(Handler handler);
+    ~HttpServer() override;
+
+    /// Listens on `port`, or on any free one for 0. Throws `Error`.
+    void start(int port);
+    /// Ends every connection and waits for their threads. May be called twice.
+    void stop();
+
+    int port() const { return port_; }
+
+    /// The size of each new connection's receive buffer; 0 leaves it to the system.
+    void setReceiveBuffer(int bytes) { receiveBuffer_ = bytes; }
+
+  private:
+    struct Client {
+        Client(FileDescriptor socket, int number) : connection(std::move(socket), number) {}
+        Connection connection;
+        std::atomic<bool> isDone = false;
+        std::jthread thread;
+    };
+
+    void acceptClients();
+    void serve(Connection& connection);
+    void handle(const httplib::Request& request, httplib::Response& response,
+                const httplib::ContentReader* body);
+
+    Handler handler_;
+    int port_ = 0;
+    std::atomic<int> receiveBuffer_ = 0;
+    FileDescriptor listener_;
+    std::list<std::unique_ptr<Client>> clients_; ///< the accepting thread's, until that has ended
+    std::jthread acceptor_;
+};
+
+} // namespace quorvane::emulator

@@ -1,0 +1,178 @@
+#include "emulator/MediaItems.h"
+
+#include "emulator/JsonBody.h"
+
+#include <QDateTime>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane::emulator {
+
+namespace {
+
+constexpr qsizetype largestBatch = 50;
+constexpr qsizetype longestFilename = 255;
+constexpr qsizetype longestDescription = 1000;
+
+// google.rpc.Code
+constexpr int invalidArgumentCode = 3;
+constexpr int resourceExhaustedCode = 8;
+
+QJsonObject failure(const QString& uploadToken, int code, const QString& message) {
+    return {{u"uploadToken"_s, uploadToken},
+            {u"status"_s, QJsonObject{{u"code"_s, code}, {u"message"_s, message}}}};
+}
+
+QJsonObject describe(const StoredMediaItem& item) {
+    const bool isVideo = item.mimeType.startsWith(u"video/"_s);
+    QJsonObject object{
+        {u"id"_s, item.id},
+        {u"productUrl"_s, QString(u"https://photos.google.com/lr/photo/"_s + item.id)},
+        {u"mimeType"_s, item.mimeType},
+        {u"filename"_s, item.filename},
+        {u"mediaMetadata"_s, QJsonObject{{u"creationTime"_s, item.creationTime},
+                                         {isVideo ? u"video"_s : u"photo"_s, QJsonObject()}}},
+    };
+    if (!item.description.isEmpty())
+        object.insert(u"description"_s, item.description);
+    return object;
+}
+
+/// Google looks at the bytes; a claim of an image or a video only has to agree in that.
+bool isMediaAsClaimed(const Upload& upload) {
+    if (upload.format.isEmpty())
+        return false;
+    const QString claim = upload.claimedType.section(u'/', 0, 0);
+    return (claim != u"image"_s && claim != u"video"_s) ||
+           claim == upload.format.section(u'/', 0, 0);
+}
+
+/// The account is one, so the bytes alone decide the identifier.
+QString idOf(const Upload& upload) {
+    return u"AMed"_s + QString::fromLatin1(QByteArray::fromHex(upload.sha256)
+                                               .toBase64(QByteArray::Base64UrlEncoding |
+                                                         QByteArray::OmitTrailingEquals));
+}
+
+} // namespace
+
+Answer MediaItems::batchCreate(const Call& call, std::int64_t albumCapacity, Date now) {
+    const QJsonObject body = jsonBody(call);
+    requireKnown(body, {}, {u"albumId"_s, u"newMediaItems"_s, u"albumPosition"_s});
+    const std::vector<NewItem> items = newItems(body);
+    const QString albumId = stringMember(body, u"albumId"_s);
+    if (!albumId.isEmpty() && !albums_.contains(albumId))
+        throw Refusal(invalidArgument(u"Invalid album ID."_s));
+
+    QJsonArray results;
+    bool allSucceeded = true;
+    for (const NewItem& item : items) {
+        const QJsonObject result = create(item, albumId, albumCapacity, now);
+        allSucceeded = allSucceeded && result.contains(u"mediaItem"_s);
+        results.append(result);
+    }
+    return jsonAnswer({{u"newMediaItemResults"_s, results}}, allSucceeded ? 200 : 207);
+}
+
+std::vector<MediaItems::NewItem> MediaItems::newItems(const QJsonObject& body) {
+    const QJsonArray array = arrayMember(body, u"newMediaItems"_s);
+    if (array.isEmpty() || array.size() > largestBatch)
+        throw Refusal(invalidArgument(u"Request must have between 1 and 50 newMediaItems."_s));
+    std::vector<NewItem> items;
+    for (const QJsonValue& value : array) {
+        const QString where = u"new_media_items["_s + QString::number(items.size()) + u']';
+        if (!value.isObject())
+            throw Refusal(invalidArgument(u"Invalid value at '"_s + where + u"'."_s));
+        const QJsonObject item = value.toObject();
+        requireKnown(item, where, {u"description"_s, u"simpleMediaItem"_s});
+        const QJsonObject simple = objectMember(item, u"simpleMediaItem"_s);
+        requireKnown(simple, where + u".simple_media_item"_s, {u"uploadToken"_s, u"fileName"_s});
+        const NewItem newItem{.uploadToken = stringMember(simple, u"uploadToken"_s),
+                              .filename = stringMember(simple, u"fileName"_s),
+                              .description = stringMember(item, u"description"_s)};
+        if (newItem.uploadToken.isEmpty() || newItem.filename.size() > longestFilename ||
+            newItem.description.size() > longestDescription)
+            throw Refusal(invalidArgument(u"Request contains an invalid media item at '"_s + where +
+                                          u"'."_s));
+        items.push_back(newItem);
+    }
+    return items;
+}
+
+QJsonObject MediaItems::create(const NewItem& item, const QString& albumId, std::int64_t capacity,
+                               Date now) {
+    const Upload* upload = uploads_.find(item.uploadToken, now);
+    if (!upload)
+        return failure(item.uploadToken, invalidArgumentCode, u"Invalid upload token."_s);
+    if (!isMediaAsClaimed(*upload))
+        return failure(item.uploadToken, invalidArgumentCode,
+                       u"NOT_IMAGE: There was an error while trying to create this media item."_s);
+    const QString id = idOf(*upload);
+    if (!albumId.isEmpty() && !albums_.hasRoomFor(albumId, id, capacity))
+        return failure(item.uploadToken, resourceExhaustedCode,
+                       u"ERR_PHOTO_PER_ALBUM_LIMIT: The maximum number of photos in an album has "
+                       "been reached."_s);
+    const StoredMediaItem& stored = add(*upload, item, id, now);
+    if (!albumId.isEmpty())
+        albums_.insert(albumId, id);
+    uploads_.use(item.uploadToken);
+    return {{u"uploadToken"_s, item.uploadToken},
+            {u"status"_s, QJsonObject{{u"message"_s, u"Success"_s}}},
+            {u"mediaItem"_s, describe(stored)}};
+}
+
+const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item, const QString& id,
+                                       Date now) {
+    const auto [entry, isNew] = indexOfId_.try_emplace(id, items_.size());
+    if (isNew)
+        items_.push_back(
+            {.id = id,
+             .filename = item.filename.isEmpty() ? upload.filename : item.filename,
+             .description = item.description,
+             .mimeType = upload.format,
+             .sha256 = upload.sha256,
+             .size = upload.size,
+             .creationTime = QDateTime::fromMSecsSinceEpoch(now.time_since_epoch().count(), Qt::UTC)
+                                 .toString(Qt::ISODate),
+             .albumIds = {}});
+    return items_[entry->second];
+}
+
+std::vector<StoredMediaItem> MediaItems::all() const {
+    std::vector<StoredMediaItem> result = items_;
+    for (StoredMediaItem& item : result)
+        item.albumIds = albums_.albumsOf(item.id);
+    return result;
+}
+
+QJsonArray MediaItems::toJson() const {
+    QJsonArray array;
+    for (const StoredMediaItem& item : items_)
+        array.append(QJsonObject{{u"id"_s, item.id},
+                                 {u"filename"_s, item.filename},
+                                 {u"description"_s, item.description},
+                                 {u"mimeType"_s, item.mimeType},
+                                 {u"sha256"_s, QString::fromLatin1(item.sha256)},
+                                 {u"size"_s, static_cast<qint64>(item.size)},
+                                 {u"creationTime"_s, item.creationTime}});
+    return array;
+}
+
+void MediaItems::restore(const QJsonArray& array) {
+    items_.clear();
+    indexOfId_.clear();
+    for (const QJsonValue& value : array) {
+        const QJsonObject object = value.toObject();
+        indexOfId_.insert_or_assign(object[u"id"_s].toString(), items_.size());
+        items_.push_back({.id = object[u"id"_s].toString(),
+                          .filename = object[u"filename"_s].toString(),
+                          .description = object[u"description"_s].toString(),
+                          .mimeType = object[u"mimeType"_s].toString(),
+                          .sha256 = object[u"sha256"_s].toString().toLatin1(),
+                          .size = object[u"size"_s].toInteger(),
+                          .creationTime = object[u"creationTime"_s].toString(),
+                          .albumIds = {}});
+    }
+}
+
+} // namespace quorvane::emulator

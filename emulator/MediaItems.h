@@ -1,0 +1,40 @@
+#pragma once
+
+#include "emulator/Albums.h"
+#include "emulator/Uploads.h"
+
+namespace quorvane::emulator {
+
+/// The account's library and `POST /v1/mediaItems:batchCreate`, which fills it. The same bytes
+/// are always the same item. The bearer token has been checked before. Not shared between threads.
+class MediaItems {
+  public:
+    MediaItems(Uploads& uploads, Albums& albums) : uploads_(uploads), albums_(albums) {}
+
+    /// Throws `Refusal`.
+    Answer batchCreate(const Call& call, std::int64_t albumCapacity, Date now);
+
+    /// In order of creation.
+    std::vector<StoredMediaItem> all() const;
+
+    QJsonArray toJson() const;
+    void restore(const QJsonArray& array);
+
+  private:
+    struct NewItem {
+        QString uploadToken, filename, description;
+    };
+
+    static std::vector<NewItem> newItems(const QJsonObject& body);
+    QJsonObject create(const NewItem& item, const QString& albumId, std::int64_t capacity,
+                       Date now);
+    const StoredMediaItem& add(const Upload& upload, const NewItem& item, const QString& id,
+                               Date now);
+
+    Uploads& uploads_;
+    Albums& albums_;
+    std::vector<StoredMediaItem> items_;
+    std::map<QString, std::size_t> indexOfId_;
+};
+
+} // namespace quorvane::emulator

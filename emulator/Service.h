@@ -1,0 +1,79 @@
+#pragma once
+
+#include "emulator/Account.h"
+#include "emulator/Exchange.h"
+#include "emulator/Fault.h"
+#include "emulator/RequestLog.h"
+#include "foundation/Clock.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <utility>
+
+namespace quorvane::emulator {
+
+/// Carries requests from their arrival to their answer. Any thread. Its one lock is never held
+/// while it reads, writes or waits.
+class Service {
+  public:
+    /// All that requests share; reached through `with`, under the lock.
+    struct State {
+        explicit State(const EmulatorOptions& options)
+            : behaviour(options.behaviour), log(options.recordedBytes) {}
+        Behaviour behaviour;
+        Account account;
+        FaultPlan faults;
+        RequestLog log;
+    };
+
+    /// `clock` must outlive it.
+    Service(const EmulatorOptions& options, const Clock& clock);
+
+    /// Takes up the state file, if there is one. Throws `Error` when it cannot be read.
+    void load();
+    /// Writes the state file, if there is to be one. Throws `FileError`.
+    void save();
+
+    /// Reads the request's body and answers it.
+    void handle(Exchange& exchange) noexcept;
+
+    template <typename Use>
+    decltype(auto) with(Use&& use) {
+        const std::lock_guard lock(mutex_);
+        return use(state_);
+    }
+    template <typename Use>
+    decltype(auto) with(Use&& use) const {
+        const std::lock_guard lock(mutex_);
+        return use(std::as_const(state_));
+    }
+
+    /// Waits until `count` requests of a kind have arrived, answered or not. False after `limit`.
+    bool waitForRequests(RequestKind kind, int count, std::chrono::milliseconds limit) const;
+
+    /// {"requests": {kind: count}, "mediaItems": [...], "albums": [...]}
+    QJsonObject report() const;
+
+    Date now() const { return clock_.now(); }
+
+  private:
+    struct Plan {
+        Behaviour behaviour;
+        Fault fault;
+    };
+
+    void carry(Exchange& exchange);
+    Plan arrive(RequestKind kind);
+    bool receive(Exchange& exchange, Call& call, const Plan& plan) const;
+    Answer answerTo(const Call& call, const Plan& plan);
+    Answer carryOut(const Call& call, const Plan& plan);
+
+    const EmulatorOptions options_;
+    const Clock& clock_;
+    mutable std::mutex mutex_;
+    mutable std::condition_variable arrived_;
+    State state_;
+    std::mutex saveMutex_; ///< one writer of the state file; taken before `mutex_`
+};
+
+} // namespace quorvane::emulator

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "emulator/Answer.h"
+#include "emulator/Call.h"
+#include "foundation/Date.h"
+
+#include <QJsonObject>
+
+#include <map>
+
+namespace quorvane::emulator {
+
+/// The bytes behind an upload token.
+struct Upload {
+    QByteArray sha256; ///< lower-case hexadecimal
+    std::int64_t size = 0;
+    QString filename; ///< of the upload request; often empty
+    QString claimedType;
+    QString format; ///< the MIME type by the bytes themselves; empty when they are no media
+    Date expiry;
+};
+
+/// `POST /v1/uploads`, raw protocol, and the tokens it answers: each good for one media item
+/// within a day. Not shared between threads.
+class Uploads {
+  public:
+    /// The bearer token has been checked before.
+    Answer receive(const Call& call, Date now);
+
+    /// None when the token is unknown, used or expired.
+    const Upload* find(const QString& token, Date now) const;
+    void use(const QString& token);
+
+    QJsonObject toJson() const;
+    static Uploads fromJson(const QJsonObject& object);
+
+  private:
+    std::map<QString, Upload> uploads_;
+};
+
+} // namespace quorvane::emulator
