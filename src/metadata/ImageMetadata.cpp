@@ -1,0 +1,212 @@
+#include "metadata/ImageMetadata.h"
+
+#include "metadata/ExifBlock.h"
+#include "metadata/FileDates.h"
+#include "metadata/GpsFields.h"
+#include "metadata/HeifContainer.h"
+#include "metadata/ImageFormat.h"
+#include "metadata/JpegContainer.h"
+#include "metadata/LocalCalendar.h"
+#include "metadata/MappedFile.h"
+#include "metadata/PngContainer.h"
+#include "metadata/WebpContainer.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+constexpr auto noSource = "CGImageSource oluşturulamadı";
+constexpr auto noType = "Görsel UTI tipi tespit edilemedi";
+constexpr auto noDestination = "CGImageDestination oluşturulamadı";
+constexpr auto notFinalized = "CGImageDestination finalize başarısız";
+
+MetadataResult failed(const char* message) {
+    return MetadataResult::failed(QString::fromUtf8(message));
+}
+
+ByteView viewOf(const QByteArray& bytes) {
+    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+            static_cast<size_t>(bytes.size())};
+}
+
+/// Valid as long as `image` is. A TIFF is its own block.
+std::optional<QByteArray> exifOf(ByteView image, ImageFormat format) {
+    switch (format) {
+    case ImageFormat::jpeg:
+        return jpeg::readExif(image);
+    case ImageFormat::png:
+        return png::readExif(image);
+    case ImageFormat::webp:
+        return webp::readExif(image);
+    case ImageFormat::heif:
+        return heif::readExif(image);
+    case ImageFormat::tiff:
+        break;
+    }
+    return QByteArray::fromRawData(reinterpret_cast<const char*>(image.data()),
+                                   static_cast<qsizetype>(image.size()));
+}
+
+Rewrite stamped(ByteView image, ImageFormat format, const exif::Stamp& stamp) {
+    if (format == ImageFormat::tiff)
+        return exif::stamp(image, stamp);
+    const QByteArray block = exifOf(image, format).value_or(QByteArray());
+    const QByteArray exif = exif::stamp(viewOf(block), stamp).apply(viewOf(block));
+    switch (format) {
+    case ImageFormat::jpeg:
+        return jpeg::replaceExif(image, viewOf(exif));
+    case ImageFormat::png:
+        return png::replaceExif(image, viewOf(exif));
+    case ImageFormat::webp:
+        return webp::replaceExif(image, viewOf(exif));
+    default:
+        return heif::replaceExif(image, viewOf(exif));
+    }
+}
+
+/// The hidden sibling a file is written to; removed with this object unless it took the file's
+/// place.
+class TemporaryFile {
+  public:
+    /// Throws `FileError`. What a dead run left under the name is removed.
+    explicit TemporaryFile(const std::filesystem::path& file)
+        : path_(file.parent_path() / ("." + file.filename().native() + ".tmp")) {
+        ::unlink(path_.c_str());
+        descriptor_ = openFile(path_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() {
+        if (!path_.empty())
+            ::unlink(path_.c_str());
+    }
+
+    const std::filesystem::path& path() const { return path_; }
+
+    /// Throws `FileError`.
+    void write(const Rewrite& rewrite, const MappedFile& source) {
+        rewrite.writeTo(descriptor_.get(), source.bytes(), path_);
+        // As far as the system lets us: a foreign owner is no reason to fail.
+        const struct stat& like = source.information();
+        const bool owned = ::fchown(descriptor_.get(), like.st_uid, like.st_gid) == 0;
+        ::fchmod(descriptor_.get(), like.st_mode & (owned ? 07777 : 0777));
+        flushFile(descriptor_.get(), path_);
+    }
+
+    /// Throws `FileError` and leaves the file as it was.
+    void replace(const std::filesystem::path& file) {
+        if (::rename(path_.c_str(), file.c_str()) != 0)
+            throw FileError(QStringLiteral("Dosya değiştirilemedi"), file, errno);
+        path_.clear();
+        flushFolder(file.parent_path());
+    }
+
+  private:
+    std::filesystem::path path_;
+    FileDescriptor descriptor_;
+};
+
+/// Reads the written file back: a second stamp must find nothing to do.
+void verify(const std::filesystem::path& written, ImageFormat format, const exif::Stamp& stamp) {
+    const MappedFile file(written);
+    if (imageFormatOf(file.bytes()) != format ||
+        !stamped(file.bytes(), format, stamp).isIdentity(file.bytes()))
+        throw ContainerError(QStringLiteral("Yazılan dosya doğrulanamadı"));
+}
+
+/// Step by step, each failure under its own text. Other failures are exceptions.
+MetadataResult enrich(const std::filesystem::path& file, const exif::Stamp& stamp) {
+    std::optional<MappedFile> source;
+    try {
+        source.emplace(file);
+    } catch (const FileError&) {
+        return failed(noSource);
+    }
+    if (source->bytes().empty())
+        return failed(noSource);
+    const auto format = imageFormatOf(source->bytes());
+    if (!format)
+        return failed(noType);
+    const Rewrite rewrite = stamped(source->bytes(), *format, stamp);
+    if (rewrite.isIdentity(source->bytes()))
+        return MetadataResult::success(stamp.date);
+
+    std::optional<TemporaryFile> temporary;
+    try {
+        temporary.emplace(file);
+    } catch (const FileError&) {
+        return failed(noDestination);
+    }
+    temporary->write(rewrite, *source);
+    verify(temporary->path(), *format, stamp);
+    try {
+        temporary->replace(file);
+    } catch (const FileError& error) {
+        return MetadataResult::failed(QStringLiteral("Atomic swap hatası: ") +
+                                      error.localizedDescription());
+    }
+    return MetadataResult::success(stamp.date);
+}
+
+exif::Stamp stampOf(Date date, const std::optional<AssetFacts>& asset) {
+    exif::Stamp stamp{exifDateText(date).toLatin1(), date, std::nullopt};
+    if (asset && asset->location && isValid(*asset->location))
+        stamp.location = asset->location;
+    return stamp;
+}
+
+} // namespace
+
+std::optional<Date> readExistingImageDate(const std::filesystem::path& file) noexcept {
+    try {
+        const MappedFile source(file);
+        const auto format = imageFormatOf(source.bytes());
+        if (!format)
+            return std::nullopt;
+        const auto block = exifOf(source.bytes(), *format);
+        if (!block)
+            return std::nullopt;
+        const auto text = exif::readDates(viewOf(*block)).first();
+        return text ? parseExifDate(QString::fromLatin1(*text)) : std::nullopt;
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targetDate,
+                                   const std::optional<AssetFacts>& asset, Log& log) noexcept {
+    try {
+        if (!writableDate(targetDate))
+            throw ContainerError(QStringLiteral("Tarih dört haneli bir yılda değil"));
+        const MetadataResult result = enrich(file, stampOf(targetDate, asset));
+        if (result.which == MetadataResult::Case::success)
+            setFileDates(file, targetDate);
+        return result;
+    } catch (const std::exception& error) {
+        log.log(QStringLiteral("[Metadata] ⚠️ Görsele tarih yazılamadı: %1 (%2)")
+                    .arg(pathText(file.filename()), describe(error)));
+        return failed(notFinalized);
+    }
+}
+
+int removeLeftoverTemporaries(const std::filesystem::path& folder) noexcept {
+    int removed = 0;
+    std::error_code ignored;
+    for (std::filesystem::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+         entry.increment(ignored)) {
+        const std::string name = entry->path().filename().native();
+        const bool isOurs = name.size() > 5 && name.starts_with('.') && name.ends_with(".tmp");
+        std::error_code failure;
+        if (isOurs && entry->symlink_status(failure).type() == std::filesystem::file_type::regular)
+            removed += std::filesystem::remove(entry->path(), failure) ? 1 : 0;
+    }
+    return removed;
+}
+
+} // namespace quorvane

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "metadata/Rewrite.h"
+
+#include <QByteArray>
+
+#include <cstdint>
+#include <optional>
+
+/// The Exif segment of a JPEG file (ITU-T T.81, Annex B; Exif 2.32, 4.7). Any thread.
+namespace quorvane::jpeg {
+
+/// What a file may ask of us; one that asks more is refused with `ParseError`.
+struct Limits {
+    std::uint32_t segments = 65'536; ///< before the first scan
+};
+
+/// The first Exif block, from its TIFF header on; none when there is none. Refers to the bytes of
+/// `file`. Throws `ParseError` for a file that is broken before its first scan.
+std::optional<QByteArray> readExif(ByteView file, const Limits& limits = {});
+
+/// The file with `exif` in place of its first Exif block, or right behind SOI and the JFIF
+/// segments when it has none. From the first scan on nothing changes; the index of a multi-picture
+/// file (CIPA DC-007) is moved along. Throws `ParseError` as above and `ContainerError` when the
+/// block is too long for a segment or the Exif data spans several.
+Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits = {});
+
+} // namespace quorvane::jpeg

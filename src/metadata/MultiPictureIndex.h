@@ -1,0 +1,17 @@
+#pragma once
+
+#include "foundation/ByteReader.h"
+
+#include <QByteArray>
+
+#include <cstdint>
+
+namespace quorvane::jpeg {
+
+/// The index of a multi-picture file (CIPA DC-007, from its TIFF header on) after the first picture
+/// grew by `growth` bytes: its size, and the places of the others when the index stands before the
+/// growth (places count from the index). The same length as before. Throws `ParseError` for a
+/// broken index.
+QByteArray movedMultiPictureIndex(ByteView index, std::int64_t growth, bool standsBefore);
+
+} // namespace quorvane::jpeg
