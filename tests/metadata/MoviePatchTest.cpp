@@ -1,0 +1,224 @@
+#include "metadata/MovieMetadata.h"
+
+#include "MovieBuilder.h"
+#include "metadata/FileDates.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace quorvane;
+using namespace quorvane::test;
+
+namespace {
+
+using Code = MovieDateError::Code;
+
+constexpr quint64 epoch = 2082844800;
+const Date target{std::chrono::milliseconds(1614987000'750)}; // 2021-03-05 23:30:00.75 UTC
+constexpr quint64 targetTime = epoch + 1614987000;
+
+Date utc(int year, unsigned month, unsigned day) {
+    return std::chrono::sys_days(std::chrono::year(year) / month / day);
+}
+
+/// The code of the error, and its text; code 0 when the patch went well.
+struct Failure {
+    int code = 0;
+    QString text;
+};
+
+Failure failureOf(const std::filesystem::path& file, Date date, const MovieLimits& limits = {}) {
+    try {
+        patchMP4CreationDate(file, date, limits);
+        return {};
+    } catch (const MovieDateError& error) {
+        return {static_cast<int>(error.code()), error.localizedDescription()};
+    }
+}
+
+} // namespace
+
+TEST(MoviePatch, WritesTheTimeFieldsAndNothingElse) {
+    const QByteArray lateTrak = box("trak", timeBox("tkhd", 1, 3, 4));
+    const auto twoMovies = [](quint64 first) { return movie(0, first) + movie(0, 9); };
+    const auto large = [](quint64 time) {
+        return ftyp() + largeBox("mdat", "xyz") +
+               largeBox("moov", largeBox("trak", timeBox("tkhd", 0, time, time)));
+    };
+    const auto mixed = [&](quint64 v0, quint64 v1) {
+        return ftyp() +
+               box("moov", timeBox("mvhd", 0, v0, v0) + box("trak", timeBox("tkhd", 1, v1, v1)));
+    };
+    // Another version, or too short: reached but not written.
+    const QByteArray unknown = ftyp() + box("moov", timeBox("mvhd", 2, 1, 2));
+    const QByteArray hollow =
+        ftyp() + box("moov", box("mvhd", big(quint32(0))) + box("free", ftyp()));
+    const QByteArray endless = ftyp() + box("moov", timeBox("mvhd", 0, 1, 2)).chopped(24);
+    const struct {
+        const char* what;
+        QByteArray before;
+        QByteArray after;
+    } rows[] = {
+        {"version 0", movie(0, 7), movie(0, targetTime)},
+        {"version 1", movie(1, 7), movie(1, targetTime)},
+        {"both versions", mixed(1, 2), mixed(targetTime, targetTime)},
+        {"largesize, no mvhd", large(5), large(targetTime)},
+        {"only the first moov", twoMovies(7), twoMovies(targetTime)},
+        {"time boxes elsewhere", movie(0, 7, box("udta", timeBox("mvhd", 0, 1, 2))),
+         movie(0, targetTime, box("udta", timeBox("mvhd", 0, 1, 2)))},
+        {"tracks in tracks", movie(0, 7, box("trak", lateTrak)),
+         movie(0, targetTime, box("trak", lateTrak))},
+        {"unknown version", unknown, unknown},
+        {"box ends before its times", hollow, hollow},
+        {"file ends before the times", endless, endless},
+    };
+    const TemporaryFolder folder;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const auto file = folder.write("movie.mp4", row.before);
+        EXPECT_EQ(failureOf(file, target).code, 0);
+        EXPECT_EQ(readFile(file), row.after);
+        EXPECT_EQ(readFileCreationDate(file), target);
+    }
+}
+
+TEST(MoviePatch, RefusesBeforeWritingAnything) {
+    const Date y1903 = utc(1903, 12, 31);
+    const Date y2041 = utc(2041, 1, 1);
+    const QByteArray noTimes = ftyp() + box("moov", box("udta", {}) + box("trak", box("mdia", {})));
+    const QByteArray late =
+        ftyp() + box("moov", timeBox("mvhd", 1, 1, 1) + box("trak", timeBox("tkhd", 0, 1, 1)));
+    const struct {
+        QByteArray bytes;
+        Date date;
+        Code code;
+        const char* text;
+    } rows[] = {
+        {movie(0, 7).left(15), target, Code::invalidFileSize, "Geçersiz dosya boyutu: 15"},
+        {{}, y1903, Code::invalidFileSize, "Geçersiz dosya boyutu: 0"},
+        {movie(0, 7), y1903, Code::beforeMovieEpoch, "Hedef tarih 1904 öncesi olamaz"},
+        {movie(0, 7), utc(1904, 1, 1) - std::chrono::milliseconds(1), Code::beforeMovieEpoch,
+         "Hedef tarih 1904 öncesi olamaz"},
+        {noTimes, target, Code::noTimeBox,
+         "moov/mvhd atomu bulunamadı veya yamalanamadı: film 1.mp4"},
+        {ftyp() + box("mdat", QByteArray(99, 'x')), target, Code::noTimeBox,
+         "moov/mvhd atomu bulunamadı veya yamalanamadı: film 1.mp4"},
+        {late, y2041, Code::beyondTimeField,
+         "Hedef tarih dosyanın 32 bitlik zaman alanına sığmıyor: film 1.mp4"},
+    };
+    const TemporaryFolder folder;
+    for (const auto& row : rows) {
+        const auto file = folder.write("film 1.mp4", row.bytes);
+        const Failure failure = failureOf(file, row.date);
+        EXPECT_EQ(failure.code, static_cast<int>(row.code)) << row.text;
+        EXPECT_EQ(failure.text.toStdString(), row.text);
+        EXPECT_EQ(readFile(file), row.bytes);
+    }
+    EXPECT_THROW(patchMP4CreationDate(folder / "absent.mp4", target), FileError);
+
+    const auto deep = folder.write("deep.mp4", movie(0, 7));
+    EXPECT_THROW(patchMP4CreationDate(deep, target, {.nesting = 3}), ParseError);
+    EXPECT_THROW(patchMP4CreationDate(deep, target, {.boxes = 5}), ParseError);
+    EXPECT_EQ(readFile(deep), movie(0, 7));
+}
+
+TEST(MoviePatch, ReachesBothEndsOfTheClock) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("movie.mp4", movie(0, 7));
+    patchMP4CreationDate(file, utc(1904, 1, 1));
+    EXPECT_EQ(readFile(file), movie(0, 0));
+    const Date last(std::chrono::seconds(0xffffffffLL - static_cast<qint64>(epoch)));
+    patchMP4CreationDate(file, last);
+    EXPECT_EQ(readFile(file), movie(0, 0xffffffff));
+    EXPECT_EQ(failureOf(file, last + std::chrono::seconds(1)).code,
+              static_cast<int>(Code::beyondTimeField));
+
+    const auto wide = folder.write("wide.mp4", movie(1, 7));
+    patchMP4CreationDate(wide, utc(2050, 12, 31));
+    EXPECT_EQ(readMP4CreationDate(wide), utc(2050, 12, 31));
+}
+
+TEST(MoviePatch, TakesNoLongerForALargeMovie) {
+    constexpr quint64 mediaBytes = 20'000'000'000;
+    const QByteArray moov = box("moov", timeBox("mvhd", 0, 1, 1));
+    const TemporaryFolder folder;
+    const auto file = folder.write("large.mov", ftyp() + big(quint32(1)) + "mdat" +
+                                                    big(quint64(16 + mediaBytes)));
+    const MovieFile handle(file, O_RDWR);
+    if (::truncate(file.c_str(), static_cast<off_t>(handle.size() + mediaBytes)) != 0)
+        GTEST_SKIP() << "no sparse files here";
+    handle.write(handle.size() + mediaBytes, moov);
+
+    const auto start = std::chrono::steady_clock::now();
+    patchMP4CreationDate(file, target);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_EQ(handle.read(handle.size() + mediaBytes, 1000),
+              box("moov", timeBox("mvhd", 0, targetTime, targetTime)));
+    EXPECT_EQ(std::filesystem::file_size(file),
+              handle.size() + mediaBytes + static_cast<quint64>(moov.size()));
+}
+
+TEST(MoviePatch, ReportsAndLogsWhatFailed) {
+    const TemporaryFolder folder;
+    RecordingLog log;
+    const auto good = folder.write("good.mp4", movie(0, 7));
+    const MetadataResult success = enrichVideoMetadata(good, target, log);
+    EXPECT_EQ(success.which, MetadataResult::Case::success);
+    EXPECT_EQ(success.date, target);
+    EXPECT_TRUE(log.messages().isEmpty());
+
+    const auto bad = folder.write("bad %1.mp4", QByteArray(15, 'x'));
+    const MetadataResult failure = enrichVideoMetadata(bad, target, log);
+    EXPECT_EQ(failure.which, MetadataResult::Case::failed);
+    EXPECT_EQ(failure.message, QStringLiteral("Geçersiz dosya boyutu: 15"));
+    EXPECT_EQ(log.messages(),
+              QStringList(
+                  QStringLiteral("[Metadata] ⚠️ MP4 binary patch başarısız: Geçersiz dosya "
+                                 "boyutu: 15 (bad %1.mp4)")));
+}
+
+TEST(MoviePatch, SatisfiesOtherReadersOfRealMovies) {
+    QUORVANE_REQUIRE_REAL_DATA();
+    const TemporaryFolder folder;
+    const QString exiftool = QStandardPaths::findExecutable(QStringLiteral("exiftool"));
+    for (const char* name :
+         {"iphone6_creationdate.mov", "android_samsung_gps.mp4", "moov_first_faststart.mp4"}) {
+        SCOPED_TRACE(name);
+        const QByteArray before = readFile(realDataFolder() / "media" / name);
+        const auto file = folder.write(name, before);
+        patchMP4CreationDate(file, target);
+        const QByteArray after = readFile(file);
+        ASSERT_EQ(after.size(), before.size());
+        // At most eight bytes differ for the movie, and for each track and its media.
+        qsizetype different = 0;
+        for (qsizetype i = 0; i < after.size(); ++i)
+            different += after[i] != before[i];
+        EXPECT_LE(different, 8 * (1 + 2 * before.count("tkhd")));
+        EXPECT_EQ(readMP4CreationDate(file), std::chrono::floor<std::chrono::seconds>(target));
+
+        if (exiftool.isEmpty())
+            continue;
+        QProcess process;
+        process.start(exiftool, {QStringLiteral("-a"), QStringLiteral("-s3"),
+                                 QStringLiteral("-QuickTime:CreateDate"),
+                                 QStringLiteral("-QuickTime:ModifyDate"),
+                                 QStringLiteral("-QuickTime:TrackCreateDate"),
+                                 QStringLiteral("-QuickTime:TrackModifyDate"),
+                                 QStringLiteral("-QuickTime:MediaCreateDate"),
+                                 QStringLiteral("-QuickTime:MediaModifyDate"), pathText(file)});
+        ASSERT_TRUE(process.waitForFinished());
+        QByteArrayList dates = process.readAllStandardOutput().trimmed().split('\n');
+        EXPECT_EQ(dates.size(), 2 + 4 * before.count("tkhd"));
+        dates.removeAll("2021:03:05 23:30:00");
+        EXPECT_EQ(dates, QByteArrayList());
+    }
+}
