@@ -1,36 +1,15 @@
 #include "metadata/LocalCalendar.h"
 
-#include "foundation/Date.h"
+#include "TimeZone.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
 #include <limits>
 
 using namespace quorvane;
+using namespace quorvane::test;
 
 namespace {
-
-/// The process lives in another time zone for a while.
-class Zone {
-  public:
-    explicit Zone(const char* name) {
-        if (const char* old = std::getenv("TZ"))
-            old_ = old;
-        set(name);
-    }
-    ~Zone() { set(old_ ? old_->c_str() : nullptr); }
-    Zone(const Zone&) = delete;
-    Zone& operator=(const Zone&) = delete;
-
-  private:
-    static void set(const char* name) {
-        name ? ::setenv("TZ", name, 1) : ::unsetenv("TZ");
-        ::tzset();
-    }
-    std::optional<std::string> old_;
-};
 
 std::string utc(const std::optional<Date>& date) {
     return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
@@ -68,7 +47,7 @@ TEST(LocalCalendar, ReadsWallClocksInTheZoneOfTheProcess) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.zone) + " " + row.text);
-        const Zone zone(row.zone);
+        const TimeZone zone(row.zone);
         const std::optional<Date> date = parseExifDate(QString::fromLatin1(row.text));
         ASSERT_TRUE(date);
         EXPECT_EQ(utc(date), row.instant);
@@ -77,7 +56,7 @@ TEST(LocalCalendar, ReadsWallClocksInTheZoneOfTheProcess) {
 }
 
 TEST(LocalCalendar, TakesOnlyWholeAndPossibleExifDates) {
-    const Zone zone("UTC");
+    const TimeZone zone("UTC");
     EXPECT_EQ(parsed("2020:02:29 00:00:00"), "2020-02-29 00:00:00");
     EXPECT_EQ(parsed("2020:02:29 00:00:00  "), "2020-02-29 00:00:00");
     EXPECT_EQ(utc(parseExifDate(QString(QStringLiteral("2020:02:29 00:00:00") + QChar()))),
@@ -95,7 +74,7 @@ TEST(LocalCalendar, TakesOnlyWholeAndPossibleExifDates) {
 
 TEST(LocalCalendar, KnowsWhichYearsHaveFourDigits) {
     using std::chrono::milliseconds;
-    const Zone zone("Etc/GMT-14"); // fourteen hours ahead
+    const TimeZone zone("Etc/GMT-14"); // fourteen hours ahead
     EXPECT_EQ(localYear(Date(milliseconds(0))), 1970);
     EXPECT_EQ(localYear(Date(-std::chrono::hours(15))), 1969);
     EXPECT_EQ(localYear(*dateFromUnixSeconds(123456789012345.0)), 0);
@@ -108,4 +87,29 @@ TEST(LocalCalendar, KnowsWhichYearsHaveFourDigits) {
     EXPECT_TRUE(writableDate(Date(milliseconds(0))));
     EXPECT_FALSE(writableDate(*dateFromUnixSeconds(123456789012345.0)));
     EXPECT_FALSE(writableDate(Date(milliseconds(std::numeric_limits<std::int64_t>::min()))));
+}
+
+TEST(LocalCalendar, ReadsIsoDatesWithTheirOffset) {
+    const TimeZone zone("Asia/Tokyo");
+    const struct {
+        const char* text;
+        const char* instant;
+    } rows[] = {
+        {"2019-07-24T11:25:40+0300", "2019-07-24 08:25:40"},
+        {"2019-07-24T11:25:40+03:00", "2019-07-24 08:25:40"},
+        {"2019-07-24T23:25:40-0430", "2019-07-25 03:55:40"},
+        {"2019-07-24T11:25:40Z", "2019-07-24 11:25:40"},
+        {" 2019-07-24T11:25:40.644Z\n", "2019-07-24 11:25:40"},
+        {"2019-07-24", "2019-07-24 03:00:00"},
+        {"2019-07-24T11:25:40", "none"},
+        {"2019-07-24 11:25:40Z", "none"},
+        {"2019-07-24T11:25Z", "none"},
+        {"2019-02-30T11:25:40Z", "none"},
+        {"2019-07-24T24:25:40Z", "none"},
+        {"2019-07-24T11:25:40+3", "none"},
+        {"2019", "none"},
+        {"", "none"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(utc(parseIsoDate(QString::fromLatin1(row.text))), row.instant) << row.text;
 }

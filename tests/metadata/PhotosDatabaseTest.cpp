@@ -1,0 +1,231 @@
+#include "metadata/PhotosDatabase.h"
+
+#include "metadata/LocalCalendar.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+using namespace quorvane;
+using namespace quorvane::test;
+using sqlite::Connection;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path usualBundle = "Photos Library.photoslibrary";
+const QString uuid = QStringLiteral("8846E3E6-8AC8-4857-8448-E3D025784410");
+
+fs::path databaseOf(const fs::path& bundle) {
+    return bundle / "database/Photos.sqlite";
+}
+
+/// Opens the database of a library the way the Photos application does, and keeps it open.
+Connection photosApplication(const fs::path& bundle) {
+    fs::create_directories(databaseOf(bundle).parent_path());
+    Connection connection(databaseOf(bundle), Connection::Mode::readWriteCreate);
+    connection.execute("PRAGMA journal_mode=WAL; PRAGMA wal_autocheckpoint=0");
+    return connection;
+}
+
+void createTable(Connection& connection, const QByteArray& table) {
+    connection.execute("CREATE TABLE " + table +
+                       " (ZUUID VARCHAR, ZDATECREATED TIMESTAMP, ZADDEDDATE TIMESTAMP)");
+}
+
+void insertRow(Connection& connection, const QByteArray& table, const QByteArray& values) {
+    connection.execute("INSERT INTO " + table + " VALUES (" + values + ")");
+}
+
+/// Every file of the library with its bytes and its time.
+using Listing = std::vector<std::tuple<fs::path, QByteArray, fs::file_time_type>>;
+Listing listingOf(const fs::path& folder) {
+    Listing listing;
+    for (const auto& entry : fs::recursive_directory_iterator(folder))
+        listing.emplace_back(entry.path(),
+                             entry.is_regular_file() ? readFile(entry.path()) : QByteArray(),
+                             fs::last_write_time(entry));
+    std::ranges::sort(listing);
+    return listing;
+}
+
+std::string utc(const std::optional<Date>& date) {
+    return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
+}
+
+class PhotosDatabaseTest : public testing::Test {
+  protected:
+    std::string ask(const QString& identifier) {
+        return utc(database.queryDateFromPhotosSQLite(identifier));
+    }
+
+    TemporaryFolder pictures;
+    FakeClock clock;
+    PhotosDatabase database{pictures.path(), clock};
+};
+
+} // namespace
+
+TEST_F(PhotosDatabaseTest, PrefersTheCreationToTheAddition) {
+    const struct {
+        const char* dates;
+        const char* date;
+    } rows[] = {
+        {"0, 600000000", "2020-01-06 10:40:00"},
+        {"NULL, 600000000", "2020-01-06 10:40:00"},
+        {"-5, 600000000", "2020-01-06 10:40:00"},
+        {"'soon', 600000000", "2020-01-06 10:40:00"},
+        {"500000000, 600000000", "2016-11-05 00:53:20"},
+        {"500000000.75, NULL", "2016-11-05 00:53:20"},
+        {"NULL, NULL", "none"},
+        {"0, -1", "none"},
+        {"123456789012345, 600000000", "none"}, // it wins, and no file can say it
+        {"9e999, 600000000", "none"},
+        {"-978307200, 0", "none"},
+    };
+    for (const QByteArray table : {"ZGENERICASSET", "ZASSET"}) {
+        const TemporaryFolder folder;
+        Connection photos = photosApplication(folder / usualBundle);
+        createTable(photos, table);
+        for (size_t i = 0; i < std::size(rows); ++i)
+            insertRow(photos, table, "'U" + QByteArray::number(i) + "', " + rows[i].dates);
+        PhotosDatabase asked(folder.path(), clock);
+        for (size_t i = 0; i < std::size(rows); ++i)
+            EXPECT_EQ(utc(asked.queryDateFromPhotosSQLite(QStringLiteral("U%1/L0/001").arg(i))),
+                      rows[i].date)
+                << rows[i].dates << " in " << table.constData();
+    }
+}
+
+TEST_F(PhotosDatabaseTest, KnowsAnAssetByItsBareOrItsWholeIdentifier) {
+    Connection photos = photosApplication(pictures / usualBundle);
+    createTable(photos, "ZGENERICASSET");
+    insertRow(photos, "ZGENERICASSET", "'A', 600000000, 0");
+    insertRow(photos, "ZGENERICASSET", "'B_C/D', 600000000, 0");
+    for (const char* known : {"A", "A/L0/001", "A_L0_001", "A/B_C", "B_C/D"})
+        EXPECT_EQ(ask(QString::fromLatin1(known)), "2020-01-06 10:40:00") << known;
+    for (const char* unknown : {"", "B", "a", "A' OR '1'='1", "B_C"})
+        EXPECT_EQ(ask(QString::fromLatin1(unknown)), "none") << unknown;
+}
+
+TEST_F(PhotosDatabaseTest, SeesEveryRowOfALibraryInUseAndLeavesNoTraceInIt) {
+    const fs::path bundle = pictures / usualBundle;
+    Connection photos = photosApplication(bundle);
+    createTable(photos, "ZASSET");
+    insertRow(photos, "ZASSET", "'A', 600000000, 0");
+    const Listing before = listingOf(bundle);
+    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask(QStringLiteral("B")), "none");
+    EXPECT_EQ(listingOf(bundle), before);
+
+    photos.execute("BEGIN EXCLUSIVE; INSERT INTO ZASSET VALUES ('B', 600000000, 0)");
+    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00"); // locked, not committed
+    EXPECT_EQ(ask(QStringLiteral("B")), "none");
+    photos.execute("COMMIT");
+    EXPECT_EQ(ask(QStringLiteral("B")), "2020-01-06 10:40:00");
+
+    photos.execute("PRAGMA wal_checkpoint(TRUNCATE)");
+    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
+    insertRow(photos, "ZASSET", "'C', 600000000, 0");
+    EXPECT_EQ(ask(QStringLiteral("C")), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask(QStringLiteral("B")), "2020-01-06 10:40:00");
+}
+
+TEST_F(PhotosDatabaseTest, TakesTheUsualLibraryElseAnyOtherOnceAndForAll) {
+    EXPECT_EQ(ask(uuid), "none"); // nothing there yet, and never looked for again
+    fs::create_directories(pictures / "Empty.photoslibrary");
+    {
+        Connection photos = photosApplication(pictures / "Old Holidays.photoslibrary");
+        createTable(photos, "ZGENERICASSET");
+        insertRow(photos, "ZGENERICASSET", "'A', 500000000, 0");
+    }
+    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+    PhotosDatabase other(pictures.path(), clock);
+    EXPECT_EQ(utc(other.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2016-11-05 00:53:20");
+    {
+        Connection photos = photosApplication(pictures / usualBundle);
+        createTable(photos, "ZASSET");
+        insertRow(photos, "ZASSET", "'A', 600000000, 0");
+    }
+    PhotosDatabase usual(pictures.path(), clock);
+    EXPECT_EQ(utc(usual.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2020-01-06 10:40:00");
+    EXPECT_EQ(utc(other.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2016-11-05 00:53:20");
+
+    PhotosDatabase nowhere({}, clock);
+    EXPECT_EQ(nowhere.queryDateFromPhotosSQLite(QStringLiteral("A")), std::nullopt);
+}
+
+TEST_F(PhotosDatabaseTest, HasNoDateWhileTheDatabaseCannotBeRead) {
+    const fs::path file = databaseOf(usualBundle);
+    pictures.write(file, QByteArray(8192, 'x'));
+    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+
+    fs::remove(pictures / file);
+    Connection photos = photosApplication(pictures / usualBundle);
+    photos.execute("CREATE TABLE ZALBUM (ZUUID VARCHAR)");
+    clock.advance(std::chrono::minutes(2));
+    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+
+    createTable(photos, "ZASSET");
+    insertRow(photos, "ZASSET", "'A', 600000000, 0");
+    EXPECT_EQ(ask(QStringLiteral("A")), "none"); // it is left alone for a while
+    clock.advance(std::chrono::minutes(2));
+    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
+
+    fs::remove_all(pictures / usualBundle);
+    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+}
+
+TEST_F(PhotosDatabaseTest, AnswersManyThreadsAtOnce) {
+    Connection photos = photosApplication(pictures / usualBundle);
+    createTable(photos, "ZASSET");
+    insertRow(photos, "ZASSET", "'A', 600000000, 0");
+    std::atomic<int> right = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([&] {
+                for (int n = 0; n < 50; ++n)
+                    right += ask(QStringLiteral("A")) == "2020-01-06 10:40:00";
+            });
+        for (int n = 0; n < 20; ++n)
+            insertRow(photos, "ZASSET", "'B', 1, 1");
+    }
+    EXPECT_GT(right, 0);
+    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
+}
+
+TEST_F(PhotosDatabaseTest, ReadsRealLibrariesWithoutTouchingThem) {
+    QUORVANE_REQUIRE_REAL_DATA();
+    const struct {
+        const char* library;
+        const char* identifier;
+        const char* date;
+    } rows[] = {
+        {"Test-10.15.5.photoslibrary", "3DD2C897-F19E-4CA6-8C22-B027D5A71907/L0/001",
+         "2017-06-20 07:48:56"},
+        {"Test-10.15.5.photoslibrary", "71E3E212-00EB-430D-8A63-5E294B268554",
+         "2020-02-05 00:07:38"}, // in the trash
+        {"Test-10.15.5.photoslibrary", "8846E3E6-8AC8-4857-8448-E3D025784410/L0/001", "none"},
+        {"Test-Media-Types-15.7.2.photoslibrary", "CDFC3B62-EDFD-4A49-A80F-00BB7822D0E8/L0/001",
+         "2025-07-12 00:58:58"},
+    };
+    for (const auto& row : rows) {
+        const TemporaryFolder folder;
+        const fs::path bundle = folder / row.library;
+        fs::create_directories(bundle);
+        fs::copy(realDataFolder() / row.library / "database", bundle / "database",
+                 fs::copy_options::recursive);
+        fs::remove(bundle / "database/Photos.sqlite-shm");
+        const Listing before = listingOf(bundle);
+        PhotosDatabase asked(folder.path(), clock);
+        EXPECT_EQ(utc(asked.queryDateFromPhotosSQLite(QString::fromLatin1(row.identifier))),
+                  row.date);
+        EXPECT_EQ(listingOf(bundle), before);
+        fs::permissions(bundle / "database", fs::perms::owner_all); // so that it can be removed
+    }
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <string>
+
+namespace quorvane::test {
+
+/// The process lives in another time zone for a while.
+class TimeZone {
+  public:
+    explicit TimeZone(const char* name) {
+        if (const char* old = std::getenv("TZ"))
+            old_ = old;
+        set(name);
+    }
+    ~TimeZone() { set(old_ ? old_->c_str() : nullptr); }
+    TimeZone(const TimeZone&) = delete;
+    TimeZone& operator=(const TimeZone&) = delete;
+
+  private:
+    static void set(const char* name) {
+        name ? ::setenv("TZ", name, 1) : ::unsetenv("TZ");
+        ::tzset();
+    }
+    std::optional<std::string> old_;
+};
+
+} // namespace quorvane::test
