@@ -37,6 +37,15 @@ Rewrite overwrite(const Picture& picture, const ExifItem& exif, const QByteArray
     return layout.rewrite(std::move(patches));
 }
 
+/// What an item in this file has must be known, or it is not known what may be overwritten.
+void requireWholeItems(const Picture& picture) {
+    for (const Location& location : picture.locations.entries) {
+        const bool isElsewhere = location.method == Location::inItem || location.dataReference != 0;
+        if (!isElsewhere && !picture.rangesOf(location))
+            throw ContainerError(QStringLiteral("Bir öğenin verisi dosyanın dışında"));
+    }
+}
+
 /// An item that is made of parts of other items would change with them.
 void requireNoCopies(const Picture& picture, std::uint32_t item) {
     for (const Reference& reference : picture.references)
@@ -60,6 +69,7 @@ Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
     if (!isTiff(exif) || exif.size() > limits.exifBytes)
         throw ContainerError(QStringLiteral("Yeni Exif bloğu yazılamaz"));
     const Picture picture = readPicture(file, limits);
+    requireWholeItems(picture);
     const std::vector<Item> items = exifItemsOf(picture);
     if (items.size() > 1)
         throw ContainerError(QStringLiteral("Birincil görselin birden fazla Exif öğesi var"));

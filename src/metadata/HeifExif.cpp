@@ -47,8 +47,6 @@ bool sharesBytes(const Picture& picture, const ExifItem& exif) {
     for (std::size_t i = 0; i < picture.locations.entries.size(); ++i) {
         const Location& location = picture.locations.entries[i];
         const std::optional<std::vector<Range>> ranges = picture.rangesOf(location);
-        if (!ranges && location.method != Location::inItem && location.dataReference == 0)
-            return true; // out of bounds: cannot be told
         for (const Range& range : ranges.value_or(std::vector<Range>()))
             spans.push_back({range, i == exif.location});
     }

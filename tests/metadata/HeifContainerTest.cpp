@@ -1,0 +1,367 @@
+#include "metadata/HeifContainer.h"
+
+#include "HeifTestFile.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace quorvane;
+using namespace quorvane::test;
+
+namespace {
+
+const QByteArray countedMarker("\0\0\0\6Exif\0\0", 10);
+const QByteArray noMarker("\0\0\0\0", 4);
+const QByteArray uncountedMarker("\0\0\0\0Exif\0\0", 10);
+
+const QByteArray oldBlock = tiffBlock(60);
+
+/// A picture of one primary image, a second image and the primary's Exif.
+HeifTestFile picture() {
+    HeifTestFile file;
+    file.items = {{1, "hvc1", "the coded primary image"},
+                  {2, "hvc1", "the coded thumbnail"},
+                  {3, "Exif", countedMarker + oldBlock}};
+    file.references = {{"thmb", 2, {1}}, {"cdsc", 3, {1}}};
+    return file;
+}
+
+HeifTestFile pictureWithoutExif() {
+    HeifTestFile file = picture();
+    file.items.pop_back();
+    file.references.pop_back();
+    return file;
+}
+
+QByteArray replaced(const QByteArray& file, const QByteArray& block) {
+    return heif::replaceExif(view(file), view(block)).apply(view(file));
+}
+
+/// The Exif item of the primary image in a file that the product wrote.
+std::uint32_t exifItem(const HeifContent& content) {
+    for (const HeifTestReference& reference : content.references)
+        if (reference.type == "cdsc" && content.types.at(reference.from) == "Exif" &&
+            std::ranges::count(reference.to, content.primary) > 0)
+            return reference.from;
+    for (const auto& [id, type] : content.types)
+        if (type == "Exif")
+            return id;
+    return 0;
+}
+
+/// Everything but the Exif of the primary image is as before, and that is `block`.
+void expectOnlyExifChanged(const QByteArray& before, const QByteArray& after,
+                           const QByteArray& block) {
+    const HeifContent was(before);
+    const HeifContent is(after);
+    const std::uint32_t exif = exifItem(is);
+    EXPECT_EQ(is.types.at(exif), "Exif");
+    EXPECT_TRUE(is.items.at(exif).endsWith(block));
+    EXPECT_EQ(heif::readExif(view(after)), block);
+    for (const auto& [id, bytes] : was.items) {
+        EXPECT_TRUE(id == exif || is.items.at(id) == bytes) << "item " << id;
+    }
+    EXPECT_LE(is.items.size(), was.items.size() + 1);
+    for (const auto& [id, type] : was.types)
+        EXPECT_EQ(is.types.at(id), type);
+    EXPECT_EQ(is.primary, was.primary);
+    EXPECT_EQ(is.others, was.others);
+    EXPECT_EQ(is.metaBoxes, was.metaBoxes);
+    EXPECT_EQ(is.chunks, was.chunks);
+}
+
+struct LayoutCase {
+    const char* name;
+    std::function<void(HeifTestFile&)> shape;
+};
+
+void PrintTo(const LayoutCase& layout, std::ostream* out) {
+    *out << layout.name;
+}
+
+class HeifLayoutTest : public testing::TestWithParam<LayoutCase> {};
+
+std::vector<LayoutCase> layouts() {
+    return {
+        {"asCamerasWriteIt", [](auto&) {}},
+        {"locationsOfVersion0", [](auto& file) { file.ilocVersion = 0; }},
+        {"locationsOfVersion2",
+         [](auto& file) {
+             file.ilocVersion = 2;
+             file.indexSize = 4;
+         }},
+        {"wideFields",
+         [](auto& file) {
+             file.offsetSize = file.lengthSize = file.baseSize = file.indexSize = 8;
+         }},
+        {"offsetsInBase", [](auto& file) { file.baseSize = 4; }},
+        {"offsetsInBaseOnly",
+         [](auto& file) {
+             file.baseSize = 8;
+             file.offsetSize = 0;
+         }},
+        {"extentsFromABase",
+         [](auto& file) {
+             file.baseSize = 4;
+             file.items[0].extents = 3;
+             file.items[2].extents = 4;
+         }},
+        {"longNumbers",
+         [](auto& file) {
+             file.longIds = true;
+             file.ilocVersion = 2;
+             file.primary = file.items[0].id = 70'000;
+             for (auto& reference : file.references)
+                 reference.to = {70'000};
+         }},
+        {"mediaBeforeMeta",
+         [](auto& file) {
+             file.order = {"ftyp", "mdat", "meta", "sefd"};
+         }},
+        {"twoMediaBoxes",
+         [](auto& file) {
+             file.order = {"ftyp", "mdat", "free", "meta", "mdat"};
+         }},
+        {"privateBoxAtTheEnd",
+         [](auto& file) {
+             file.order = {"ftyp", "meta", "mdat", "mpvd"};
+         }},
+        {"openMediaBox",
+         [](auto& file) {
+             file.order = {"ftyp", "meta", "mdat", "mdat0"};
+         }},
+        {"longSizes", [](auto& file) { file.longMediaSizes = file.longMetaSize = true; }},
+        {"itemDataInMeta", [](auto& file) { file.items[1].method = 1; }},
+        {"exifInMeta", [](auto& file) { file.items.back().method = 1; }},
+        {"movieOfShortOffsets", [](auto& file) { file.chunkTable = "stco"; }},
+        {"movieOfLongOffsets", [](auto& file) { file.chunkTable = "co64"; }},
+        {"itemOfItems",
+         [](auto& file) {
+             file.items.insert(file.items.begin() + 1, {9, "grid", "", 2});
+         }},
+        {"exifOfAnotherImage",
+         [](auto& file) {
+             file.items.insert(file.items.begin(), {7, "Exif", noMarker + tiffBlock(33)});
+             file.references.insert(file.references.begin(), {"cdsc", 7, {2}});
+         }},
+        {"exifOfSeveralImages",
+         [](auto& file) {
+             for (auto& reference : file.references)
+                 if (reference.type == "cdsc")
+                     reference.to = {2, 1};
+         }},
+        {"sixtyTwoItems",
+         [](auto& file) {
+             for (std::uint32_t id = 10; file.items.size() < 62; ++id)
+                 file.items.insert(file.items.begin(), {id, "hvc1", "tile" + bigEndian(id, 4)});
+         }},
+    };
+}
+
+TEST_P(HeifLayoutTest, ExifIsReplacedAndEverythingElseStays) {
+    HeifTestFile shape = picture();
+    GetParam().shape(shape);
+    const QByteArray file = shape.build();
+    ASSERT_EQ(heif::readExif(view(file)), oldBlock);
+
+    const QByteArray same = replaced(file, tiffBlock(60, 'n'));
+    EXPECT_EQ(same.size(), file.size());
+    expectOnlyExifChanged(file, same, tiffBlock(60, 'n'));
+
+    const QByteArray longer = replaced(file, tiffBlock(5'060));
+    const QByteArray shorter = replaced(file, tiffBlock(20));
+    expectOnlyExifChanged(file, longer, tiffBlock(5'060));
+    expectOnlyExifChanged(file, shorter, tiffBlock(20));
+    EXPECT_EQ(replaced(longer, tiffBlock(5'060)), longer);
+    EXPECT_EQ(replaced(longer, tiffBlock(20)), shorter) << "an earlier block left a trace";
+    EXPECT_EQ(replaced(shorter, tiffBlock(5'060)), longer) << "an earlier block left a trace";
+}
+
+TEST_P(HeifLayoutTest, ExifIsAddedAndEverythingElseStays) {
+    HeifTestFile shape = picture();
+    GetParam().shape(shape);
+    std::erase_if(shape.items, [](const auto& item) { return item.id == 3; });
+    std::erase_if(shape.references, [](const auto& reference) { return reference.from == 3; });
+    const QByteArray file = shape.build();
+    ASSERT_FALSE(heif::readExif(view(file)));
+
+    const QByteArray added = replaced(file, tiffBlock(100));
+    expectOnlyExifChanged(file, added, tiffBlock(100));
+    const HeifContent content(added);
+    EXPECT_EQ(content.items.at(exifItem(content)), countedMarker + tiffBlock(100));
+    EXPECT_EQ(content.flags.at(exifItem(content)), 1) << "hidden";
+    EXPECT_EQ(replaced(added, tiffBlock(100)), added);
+    EXPECT_EQ(replaced(replaced(added, tiffBlock(99)), tiffBlock(100)), added);
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, HeifLayoutTest, testing::ValuesIn(layouts()),
+                         [](const auto& layout) { return std::string(layout.param.name); });
+
+TEST(HeifContainer, KeepsTheHeaderThatAPayloadHas) {
+    for (const QByteArray& header :
+         {countedMarker, noMarker, uncountedMarker, QByteArray("\0\0\0\2ab", 6)}) {
+        HeifTestFile shape = picture();
+        shape.items[2].bytes = header + oldBlock;
+        for (const qsizetype length : {60, 61}) {
+            const HeifContent content(replaced(shape.build(), tiffBlock(length)));
+            EXPECT_EQ(content.items.at(3), header + tiffBlock(length));
+        }
+    }
+}
+
+TEST(HeifContainer, WritesOverAnExifOfTheSameLengthAndNothingElse) {
+    HeifTestFile shape = picture();
+    shape.items[2].extents = 5;
+    const QByteArray file = shape.build();
+    QByteArray block = oldBlock;
+    block[30] = 'A';
+    block[59] = 'Z';
+    const QByteArray after = replaced(file, block);
+    ASSERT_EQ(after.size(), file.size());
+    int changed = 0;
+    for (qsizetype i = 0; i < file.size(); ++i)
+        changed += file[i] != after[i];
+    EXPECT_EQ(changed, 2);
+    EXPECT_TRUE(heif::replaceExif(view(file), view(oldBlock)).isIdentity(view(file)));
+}
+
+TEST(HeifContainer, TakesALoneExifThatDescribesNothingForThePrimaryImages) {
+    HeifTestFile shape = picture();
+    shape.references = {{"thmb", 2, {1}}};
+    EXPECT_EQ(heif::readExif(view(shape.build())), oldBlock);
+    expectOnlyExifChanged(shape.build(), replaced(shape.build(), tiffBlock(61)), tiffBlock(61));
+
+    shape.references = {{"cdsc", 3, {2}}};
+    EXPECT_FALSE(heif::readExif(view(shape.build())));
+    shape.references = {};
+    shape.items.push_back({4, "Exif", noMarker + oldBlock});
+    EXPECT_FALSE(heif::readExif(view(shape.build())));
+}
+
+TEST(HeifContainer, DoesNotWriteOverBytesThatAnotherItemUses) {
+    HeifTestFile shape = picture();
+    QByteArray file = shape.build();
+    // The thumbnail's extent, in the second entry of `iloc`, is made to lie within the Exif's.
+    const qsizetype entries = file.indexOf("iloc") + 4 + 4 + 2 + 2;
+    const qsizetype second = entries + 16;
+    const qsizetype third = second + 16;
+    file.replace(second + 8, 4, file.sliced(third + 8, 4));
+    const QByteArray shared = HeifContent(file).items.at(2);
+    ASSERT_TRUE(HeifContent(file).items.at(3).startsWith(shared));
+    expectOnlyExifChanged(file, replaced(file, tiffBlock(60, 'n')), tiffBlock(60, 'n'));
+}
+
+TEST(HeifContainer, NumbersANewItemPastEntityGroups) {
+    HeifTestFile shape = pictureWithoutExif();
+    shape.groups = heifBox("altr", bigEndian(0, 4) + bigEndian(90, 4) + bigEndian(0, 4));
+    EXPECT_EQ(exifItem(HeifContent(replaced(shape.build(), oldBlock))), 91U);
+}
+
+TEST(HeifContainer, WidensOffsetsThatNoLongerFit) {
+    // Two items say where they are by a base alone; the new one cannot.
+    HeifTestFile shape = pictureWithoutExif();
+    shape.baseSize = 4;
+    shape.offsetSize = 0;
+    shape.lengthSize = 4;
+    const QByteArray after = replaced(shape.build(), oldBlock);
+    expectOnlyExifChanged(shape.build(), after, oldBlock);
+    EXPECT_EQ(after[after.indexOf("iloc") + 8], 0x44);
+}
+
+TEST(HeifContainer, RefusesWhatItCannotRewriteWithCertainty) {
+    const std::vector<LayoutCase> refused{
+        {"exif in another file", [](auto& file) { file.items[2].dataReference = 1; }},
+        {"another item in another file", [](auto& file) { file.items[0].dataReference = 1; }},
+        {"exif made of other items", [](auto& file) { file.items[2].method = 2; }},
+        {"an item made of the exif",
+         [](auto& file) {
+             file.references.push_back({"iloc", 2, {3}});
+         }},
+        {"unknown construction", [](auto& file) { file.items[0].method = 3; }},
+        {"protected exif", [](auto& file) { file.items[2].protection = 1; }},
+        {"protected image", [](auto& file) { file.items[0].protection = 1; }},
+        {"open length", [](auto& file) { file.lengthSize = 0; }},
+        {"an item without bytes", [](auto& file) { file.items[1].bytes.clear(); }},
+        {"two for the primary image",
+         [](auto& file) {
+             file.items.push_back({4, "Exif", noMarker + oldBlock});
+             file.references.push_back({"cdsc", 4, {1}});
+         }},
+        {"no location twice", [](auto& file) { file.items.push_back(file.items[2]); }},
+        {"no tiff header", [](auto& file) { file.items[2].bytes = noMarker + "garbage"; }},
+        {"header past the end",
+         [](auto& file) { file.items[2].bytes = bigEndian(999, 4) + oldBlock; }},
+        {"fragments", [](auto& file) { file.order.push_back("moof"); }},
+        {"fragment index", [](auto& file) { file.order.push_back("sidx"); }},
+        {"random access index", [](auto& file) { file.order.push_back("mfra"); }},
+        {"two metas", [](auto& file) { file.order.push_back("meta"); }},
+        {"no meta",
+         [](auto& file) {
+             file.order = {"ftyp", "mdat"};
+         }},
+        {"sample auxiliary offsets",
+         [](auto& file) {
+             file.chunkTable = "stco";
+             file.inTable = heifBox("saio", "");
+         }},
+    };
+    for (const LayoutCase& layout : refused) {
+        HeifTestFile shape = picture();
+        layout.shape(shape);
+        EXPECT_THROW(replaced(shape.build(), tiffBlock(61)), Error) << layout.name;
+    }
+    EXPECT_THROW(replaced(picture().build(), "not a TIFF block"), ContainerError);
+}
+
+TEST(HeifContainer, RefusesMoreThanItsLimits) {
+    const QByteArray file = picture().build();
+    for (const auto limit : {&heif::Limits::boxes, &heif::Limits::items, &heif::Limits::extents,
+                             &heif::Limits::references}) {
+        heif::Limits limits;
+        limits.*limit = 1;
+        EXPECT_THROW(heif::readExif(view(file), limits), ParseError);
+    }
+    heif::Limits limits;
+    limits.exifBytes = 50;
+    EXPECT_THROW(heif::readExif(view(file), limits), ParseError);
+
+    HeifTestFile shape = picture();
+    shape.chunkTable = "stco";
+    const QByteArray movie = shape.build();
+    for (const auto limit : {&heif::Limits::chunks, &heif::Limits::depth}) {
+        limits = {};
+        limits.*limit = 2;
+        EXPECT_THROW(heif::replaceExif(view(movie), view(tiffBlock(61)), limits), ParseError);
+    }
+}
+
+/// An error, or a file that says what it was asked to say.
+bool isRewrittenOrRefused(const QByteArray& file) {
+    try {
+        const QByteArray after = replaced(file, tiffBlock(61));
+        return heif::readExif(view(after)) == tiffBlock(61) &&
+               replaced(after, tiffBlock(61)) == after;
+    } catch (const Error&) {
+        return true;
+    }
+}
+
+TEST(HeifContainer, SurvivesTruncationAndDamageAtEveryByte) {
+    HeifTestFile shape = picture();
+    shape.baseSize = 4;
+    shape.items[1].method = 1;
+    shape.items[2].extents = 2;
+    shape.order = {"ftyp", "mdat", "meta", "mdat", "sefd"};
+    const QByteArray file = shape.build();
+    for (qsizetype length = 0; length < file.size(); ++length)
+        EXPECT_TRUE(isRewrittenOrRefused(file.first(length))) << "prefix of " << length;
+    for (qsizetype at = 0; at < file.size(); ++at)
+        for (const char damage : {'\0', '\1', '\x7F', '\xFF'}) {
+            QByteArray damaged = file;
+            damaged[at] = damage;
+            EXPECT_TRUE(isRewrittenOrRefused(damaged)) << "byte " << at;
+        }
+}
+
+} // namespace

@@ -1,0 +1,136 @@
+#include "HeifTestFile.h"
+#include "metadata/HeifContainer.h"
+#include "support/TemporaryFolder.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <gtest/gtest.h>
+
+using namespace quorvane;
+using namespace quorvane::test;
+
+namespace {
+
+/// Standard output of an installed program that ends well; none when it fails.
+std::optional<QString> outputOf(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(60'000) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0)
+        return std::nullopt;
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+#define REQUIRE_PROGRAM(name)                                                                      \
+    if (QStandardPaths::findExecutable(QStringLiteral(name)).isEmpty())                            \
+    GTEST_SKIP() << name " is not installed"
+
+std::vector<std::filesystem::path> realPictures() {
+    const std::filesystem::path originals =
+        realDataFolder() / "Test-Media-Types-15.7.2.photoslibrary/originals";
+    return {realDataFolder() / "media/iphone11pro_grid_xmp.heic",
+            realDataFolder() / "media/iphone13promax_gainmap.heic",
+            realDataFolder() / "media/samsung_s10_mdat_before_meta.heic",
+            originals / "5/5F9BCC2D-D1DF-46D8-8F70-C142B25D3DC3.heic",
+            originals / "B/B60C31AC-BE86-42C5-A383-A0A5710B18AE.heic"};
+}
+
+QByteArray replaced(const QByteArray& file, const QByteArray& block) {
+    return heif::replaceExif(view(file), view(block)).apply(view(file));
+}
+
+/// The block with another date in each of its date fields.
+QByteArray dated(const QByteArray& block, const QByteArray& date) {
+    static const QRegularExpression pattern(
+        QStringLiteral("\\d{4}:\\d\\d:\\d\\d \\d\\d:\\d\\d:\\d\\d"));
+    QByteArray result = block;
+    auto matches = pattern.globalMatch(QString::fromLatin1(block));
+    EXPECT_TRUE(matches.hasNext());
+    while (matches.hasNext())
+        result.replace(matches.next().capturedStart(), date.size(), date);
+    return result;
+}
+
+/// The numbers of the items whose bytes differ.
+std::vector<std::uint32_t> changedItems(const QByteArray& before, const QByteArray& after) {
+    const HeifContent was(before);
+    const HeifContent is(after);
+    EXPECT_EQ(is.others, was.others);
+    EXPECT_EQ(is.metaBoxes, was.metaBoxes);
+    EXPECT_EQ(is.items.size(), was.items.size());
+    std::vector<std::uint32_t> changed;
+    for (const auto& [id, bytes] : was.items)
+        if (is.items.at(id) != bytes)
+            changed.push_back(id);
+    return changed;
+}
+
+/// The decoder still opens it, and the metadata reader finds this date.
+void expectOthersRead(const QByteArray& file, const QString& date) {
+    const TemporaryFolder folder;
+    const QString path = pathText(folder.write("picture.heic", file));
+    const QString tags = QStringLiteral("-DateTimeOriginal");
+    EXPECT_EQ(outputOf(QStringLiteral("exiftool"), {QStringLiteral("-s3"), tags, path}),
+              date + QLatin1Char('\n'));
+    EXPECT_EQ(
+        outputOf(QStringLiteral("exiftool"), {QStringLiteral("-s3"), QStringLiteral("-warning"),
+                                              QStringLiteral("-error"), path}),
+        QString());
+    const auto info = outputOf(QStringLiteral("heif-info"), {path});
+    ASSERT_TRUE(info);
+    EXPECT_TRUE(info->contains(QStringLiteral("Exif: ")));
+    EXPECT_TRUE(outputOf(QStringLiteral("heif-convert"), {path, pathText(folder / "picture.jpg")}));
+}
+
+TEST(HeifRealFiles, NewDatesAreWrittenOverTheOldOnes) {
+    QUORVANE_REQUIRE_REAL_DATA();
+    REQUIRE_PROGRAM("exiftool");
+    REQUIRE_PROGRAM("heif-convert");
+    for (const std::filesystem::path& path : realPictures()) {
+        SCOPED_TRACE(path.filename().string());
+        const QByteArray file = readFile(path);
+        const QByteArray block = heif::readExif(view(file)).value();
+        EXPECT_TRUE(heif::replaceExif(view(file), view(block)).isIdentity(view(file)));
+        QByteArray after = file;
+        for (const char* date :
+             {"1985:12:31 23:59:59", "2021:03:06 02:30:00", "2038:01:20 00:00:01"}) {
+            after = replaced(after, dated(block, date));
+            ASSERT_EQ(after.size(), file.size());
+            EXPECT_EQ(changedItems(file, after).size(), 1U);
+        }
+        expectOthersRead(after, QStringLiteral("2038:01:20 00:00:01"));
+    }
+}
+
+TEST(HeifRealFiles, ABlockOfAnotherLengthLeavesAllOtherItemsAlone) {
+    QUORVANE_REQUIRE_REAL_DATA();
+    REQUIRE_PROGRAM("exiftool");
+    REQUIRE_PROGRAM("heif-convert");
+    for (const std::filesystem::path& path : realPictures()) {
+        SCOPED_TRACE(path.filename().string());
+        const QByteArray file = readFile(path);
+        const QByteArray block = dated(heif::readExif(view(file)).value(), "2021:03:06 02:30:00");
+        const QByteArray longer = replaced(file, block + QByteArray(5'000, '\0'));
+        EXPECT_EQ(longer.size() - file.size(),
+                  8 + (HeifContent(file).items.at(changedItems(file, longer).at(0)).size()) +
+                      5'000);
+        EXPECT_EQ(changedItems(file, longer).size(), 1U);
+        EXPECT_EQ(heif::readExif(view(longer)), block + QByteArray(5'000, '\0'));
+        expectOthersRead(longer, QStringLiteral("2021:03:06 02:30:00"));
+
+        const QByteArray shorter = replaced(file, block.chopped(1));
+        EXPECT_EQ(changedItems(file, shorter).size(), 1U);
+        EXPECT_EQ(heif::readExif(view(shorter)), block.chopped(1));
+        EXPECT_EQ(replaced(longer, block.chopped(1)), shorter);
+    }
+}
+
+TEST(HeifRealFiles, BrokenBoxesAreRefused) {
+    QUORVANE_REQUIRE_REAL_DATA();
+    const QByteArray file = readFile(realDataFolder() / "media/corrupt_boxes.heif");
+    EXPECT_THROW(heif::readExif(view(file)), ParseError);
+    EXPECT_THROW(replaced(file, tiffBlock(20)), ParseError);
+}
+
+} // namespace
