@@ -1,0 +1,448 @@
+#include "google/CurlHttpClient.h"
+
+#include "foundation/File.h"
+#include "support/TemporaryFolder.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <gmock/gmock.h>
+#include <httplib.h>
+
+#include <atomic>
+#include <barrier>
+#include <future>
+#include <latch>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+
+namespace quorvane::test {
+namespace {
+
+constexpr std::int64_t MiB = 1 << 20;
+
+/// One accepted connection of a `RawServer`, as far as HTTP is concerned: not at all.
+class Peer {
+  public:
+    Peer(int fd, std::stop_token stop) : fd_(fd), stop_(std::move(stop)) {}
+
+    /// Up to `room` bytes; empty at the end, or when the server stops.
+    QByteArray receive(qsizetype room = 1 << 16) {
+        pollfd waiting{fd_, POLLIN, 0};
+        while (::poll(&waiting, 1, 20) == 0) {
+            if (stop_.stop_requested())
+                return {};
+        }
+        QByteArray bytes(room, Qt::Uninitialized);
+        bytes.resize(std::max<ssize_t>(::recv(fd_, bytes.data(), static_cast<size_t>(room), 0), 0));
+        return bytes;
+    }
+
+    /// A request's head and body; the body's length as its head says.
+    QByteArray receiveRequest() {
+        QByteArray text;
+        qsizetype expected = -1;
+        while (expected < 0 || text.size() < expected) {
+            const QByteArray more = receive();
+            if (more.isEmpty())
+                break;
+            text += more;
+            if (const auto end = text.indexOf("\r\n\r\n"); expected < 0 && end >= 0) {
+                const auto field = text.indexOf("Content-Length: ");
+                expected = end + 4;
+                if (field >= 0)
+                    expected +=
+                        text.mid(field + 16, text.indexOf('\r', field) - field - 16).toInt();
+            }
+        }
+        return text;
+    }
+
+    void send(const QByteArray& bytes) {
+        ::send(fd_, bytes.constData(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
+    }
+
+    void reset() {
+        const linger now{1, 0};
+        ::setsockopt(fd_, SOL_SOCKET, SO_LINGER, &now, sizeof now);
+    }
+
+    /// Waits like a peer that has nothing to say; until the server stops at the latest.
+    void stayQuiet(int milliseconds = 60'000) {
+        QElapsedTimer timer;
+        timer.start();
+        while (!stop_.stop_requested() && timer.elapsed() < milliseconds)
+            ::poll(nullptr, 0, 10);
+    }
+
+  private:
+    int fd_;
+    std::stop_token stop_;
+};
+
+/// A loopback server that runs a script per connection, each on its own thread.
+class RawServer {
+  public:
+    explicit RawServer(std::function<void(Peer&)> script) : script_(std::move(script)) {
+        listener_ = FileDescriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        ::bind(listener_.get(), reinterpret_cast<sockaddr*>(&address), size);
+        ::listen(listener_.get(), 8);
+        ::getsockname(listener_.get(), reinterpret_cast<sockaddr*>(&address), &size);
+        port_ = ntohs(address.sin_port);
+        acceptor_ = std::jthread([this](std::stop_token stop) { run(stop); });
+    }
+
+    QUrl url(const QString& path = QStringLiteral("/")) const {
+        return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(port_).arg(path));
+    }
+
+    int connections() const { return connections_; }
+
+  private:
+    void run(const std::stop_token& stop) {
+        std::vector<std::jthread> peers;
+        while (!stop.stop_requested()) {
+            pollfd waiting{listener_.get(), POLLIN, 0};
+            if (::poll(&waiting, 1, 20) <= 0)
+                continue;
+            const int fd = ::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC);
+            ++connections_;
+            peers.emplace_back([this, fd](std::stop_token peerStop) {
+                const FileDescriptor owned(fd);
+                Peer peer(fd, peerStop);
+                script_(peer);
+            });
+        }
+    }
+
+    std::function<void(Peer&)> script_;
+    FileDescriptor listener_;
+    int port_ = 0;
+    std::atomic<int> connections_ = 0;
+    std::jthread acceptor_;
+};
+
+void answerEveryRequest(Peer& peer) {
+    while (!peer.receiveRequest().isEmpty())
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+}
+
+HttpRequest requestTo(const QUrl& url) {
+    HttpRequest request;
+    request.url = url;
+    return request;
+}
+
+/// The text of the transport error, or what came instead of one.
+QString failureOf(CurlHttpClient& client, const HttpRequest& request) {
+    try {
+        return QStringLiteral("HTTP %1").arg(client.send(request, {}).status);
+    } catch (const TransportError& error) {
+        return error.localizedDescription();
+    }
+}
+
+bool isNetworkFailure(const QString& text) {
+    const QString lower = text.toLower();
+    return (lower.contains(u"connection") || lower.contains(u"offline")) &&
+           !lower.contains(u"cancel") && !text.contains(u"limit");
+}
+
+TEST(CurlHttpClientTest, SendsMethodHeadersInOrderAndBody) {
+    std::promise<QByteArray> received;
+    RawServer server([&](Peer& peer) {
+        received.set_value(peer.receiveRequest());
+        peer.send("HTTP/1.1 207 Multi-Status\r\nContent-Length: 5\r\n\r\n");
+        peer.send(QByteArray("\0ab\xc3\xa7", 5));
+    });
+    qputenv("http_proxy", "http://127.0.0.1:1"); // never asked for this computer
+    HttpRequest request = requestTo(server.url(QStringLiteral("/v1/a%20b?x=1#fragment")));
+    request.method = "POST";
+    request.headers = {{"Authorization", "Bearer t"}, {"X-B", "2"}, {"X-A", ""}};
+    request.body = QByteArray(2 * MiB, 'b');
+    CurlHttpClient client;
+    const HttpResponse response = client.send(request, {});
+    qunsetenv("http_proxy");
+
+    const QByteArray text = received.get_future().get();
+    EXPECT_TRUE(text.startsWith("POST /v1/a%20b?x=1 HTTP/1.1\r\n"));
+    EXPECT_TRUE(text.contains("\r\nAuthorization: Bearer t\r\nX-B: 2\r\nX-A:\r\n"))
+        << text.left(400).constData();
+    EXPECT_FALSE(text.contains("Expect"));
+    EXPECT_TRUE(text.endsWith("\r\n\r\n" + request.body));
+    EXPECT_EQ(response.status, 207);
+    EXPECT_EQ(response.body.size(), 5);
+}
+
+TEST(CurlHttpClientTest, StreamsAFileInBoundedMemoryAndTellsProgress) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("clip.mov", "");
+    std::filesystem::resize_file(file, 64 * MiB);
+    std::atomic<std::int64_t> arrived = 0;
+    RawServer server([&](Peer& peer) {
+        const QByteArray head = peer.receive();
+        arrived += head.size() - head.indexOf("\r\n\r\n") - 4;
+        while (arrived < 64 * MiB)
+            arrived += peer.receive().size();
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\ntoken");
+    });
+    HttpRequest request = requestTo(server.url());
+    request.method = "POST";
+    request.bodyFile = file;
+    std::vector<std::int64_t> progress;
+    request.onProgress = [&](std::int64_t sent, std::int64_t total) {
+        EXPECT_EQ(total, 64 * MiB);
+        progress.push_back(sent);
+    };
+    rusage before{};
+    ::getrusage(RUSAGE_SELF, &before);
+    CurlHttpClient client;
+    EXPECT_EQ(client.send(request, {}).body, "token");
+    rusage after{};
+    ::getrusage(RUSAGE_SELF, &after);
+
+    EXPECT_EQ(arrived, 64 * MiB);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 24 * 1024) << "KiB more than before";
+    EXPECT_GT(progress.size(), 10u);
+    EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+    EXPECT_EQ(progress.back(), 64 * MiB);
+}
+
+TEST(CurlHttpClientTest, ReusesAConnectionAndKeepsTwoRequestsInFlight) {
+    std::barrier<> bothHere(2);
+    RawServer server([&](Peer& peer) {
+        while (true) {
+            const QByteArray request = peer.receiveRequest();
+            if (request.isEmpty())
+                return;
+            if (request.startsWith("GET /together"))
+                bothHere.arrive_and_wait();
+            peer.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+        }
+    });
+    CurlHttpClient client;
+    client.send(requestTo(server.url()), {});
+    client.send(requestTo(server.url()), {});
+    EXPECT_EQ(server.connections(), 1);
+
+    const auto together = requestTo(server.url(QStringLiteral("/together")));
+    for (int round = 0; round < 3; ++round) {
+        auto other = std::async(std::launch::async, [&] { return client.send(together, {}); });
+        EXPECT_EQ(client.send(together, {}).status, 200);
+        EXPECT_EQ(other.get().status, 200);
+    }
+    EXPECT_EQ(server.connections(), 2);
+}
+
+TEST(CurlHttpClientTest, SendsAnUploadAgainWhenTheServerClosedTheIdleConnection) {
+    RawServer server([](Peer& peer) {
+        peer.receiveRequest();
+        peer.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+    });
+    HttpRequest request = requestTo(server.url());
+    request.method = "POST";
+    request.body = "a=1";
+    CurlHttpClient client;
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(client.send(request, {}).status, 200);
+}
+
+TEST(CurlHttpClientTest, StopsWithinMillisecondsWhereverItWaits) {
+    std::atomic<bool> reads = false;
+    std::latch* arrived = nullptr;
+    RawServer server([&](Peer& peer) {
+        if (reads)
+            peer.receiveRequest();
+        else
+            peer.receive(1);
+        arrived->count_down();
+        peer.stayQuiet();
+    });
+    HttpRequest request = requestTo(server.url());
+    request.method = "POST";
+    request.body = QByteArray(32 * MiB, 'x');
+    CurlHttpClient client;
+    for (const bool untilAnswer : {false, true}) {
+        SCOPED_TRACE(untilAnswer ? "waiting for the answer" : "sending");
+        std::latch here(1);
+        arrived = &here;
+        reads = untilAnswer;
+        std::stop_source stop;
+        QElapsedTimer timer;
+        const std::jthread stopper([&] {
+            here.wait();
+            ::poll(nullptr, 0, 50);
+            timer.start();
+            stop.request_stop();
+        });
+        EXPECT_THROW(client.send(request, stop.get_token()), Cancelled);
+        EXPECT_LT(timer.elapsed(), 50);
+        EXPECT_THROW(client.send(request, stop.get_token()), Cancelled) << "stopped before";
+    }
+}
+
+TEST(CurlHttpClientTest, GivesUpOnlyWhenNoDataMoves) {
+    enum class Server { mute, deaf, slowAnswer, slowReader };
+    const struct {
+        Server server;
+        bool succeeds;
+    } rows[] = {{Server::mute, false},
+                {Server::deaf, false},
+                {Server::slowAnswer, true},
+                {Server::slowReader, true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(static_cast<int>(row.server));
+        RawServer server([&](Peer& peer) {
+            if (row.server == Server::deaf)
+                peer.stayQuiet();
+            qsizetype left = 0;
+            if (row.server == Server::slowReader) {
+                // The system's buffers take the whole body at once and drain over two seconds.
+                const QByteArray head = peer.receive(300);
+                left = head.indexOf("\r\n\r\n") + 4 + 2 * MiB - head.size();
+                for (; left > 0; peer.stayQuiet(40))
+                    left -= peer.receive(std::min<qsizetype>(left, 40'000)).size();
+            } else {
+                peer.receiveRequest();
+            }
+            if (row.server == Server::mute)
+                peer.stayQuiet();
+            peer.send("HTTP/1.1 200 OK\r\n\r\n");
+            for (int i = 0; i < 20; ++i) {
+                peer.send("x");
+                if (row.server == Server::slowAnswer)
+                    peer.stayQuiet(100);
+            }
+        });
+        HttpRequest request = requestTo(server.url());
+        request.method = "POST";
+        request.body = QByteArray((row.server == Server::deaf ? 32 : 2) * MiB, 'x');
+        request.timeout = std::chrono::seconds(1);
+        CurlHttpClient client;
+        QElapsedTimer timer;
+        timer.start();
+        const QString result = failureOf(client, request);
+        if (row.succeeds) {
+            EXPECT_EQ(result, QStringLiteral("HTTP 200"));
+            EXPECT_GT(timer.elapsed(), 1500) << "longer than the time-out";
+        } else {
+            EXPECT_TRUE(isNetworkFailure(result)) << result.toStdString();
+            EXPECT_LT(timer.elapsed(), 5000);
+        }
+    }
+}
+
+TEST(CurlHttpClientTest, TurnsBrokenAnswersIntoTransportErrors) {
+    const struct {
+        const char* name;
+        QByteArray answer;
+        bool reset;
+    } rows[] = {
+        {"nothing", "", false},
+        {"reset", "", true},
+        {"half a body", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf", false},
+        {"not HTTP", "220 smtp ready\r\n", false},
+        {"endless header",
+         "HTTP/1.1 200 OK\r\n" + QByteArray("X: y" + QByteArray(1000, 'z') + "\r\n").repeated(2000),
+         false},
+        {"large body", "HTTP/1.1 200 OK\r\nContent-Length: 1001\r\n\r\n" + QByteArray(1001, 'x'),
+         false},
+        {"large body, unannounced", "HTTP/1.1 200 OK\r\n\r\n" + QByteArray(1 << 20, 'x'), false},
+    };
+    for (const auto& row : rows) {
+        RawServer server([&](Peer& peer) {
+            peer.receiveRequest();
+            peer.send(row.answer);
+            if (row.reset)
+                peer.reset();
+        });
+        CurlHttpClient client(1000);
+        const QString text = failureOf(client, requestTo(server.url()));
+        EXPECT_TRUE(isNetworkFailure(text)) << row.name << ": " << text.toStdString();
+    }
+}
+
+TEST(CurlHttpClientTest, ReachesNobodyItShouldNot) {
+    CurlHttpClient client;
+    for (const char* url : {"http://127.0.0.1:1/", "https://quorvane.invalid/",
+                            "http://photoslibrary.googleapis.com/", "file:///etc/passwd"}) {
+        HttpRequest request = requestTo(QUrl(QString::fromUtf8(url)));
+        request.timeout = std::chrono::seconds(5);
+        const QString text = failureOf(client, request);
+        EXPECT_TRUE(isNetworkFailure(text)) << url << ": " << text.toStdString();
+    }
+    RawServer server(answerEveryRequest);
+    HttpRequest smuggling = requestTo(server.url());
+    smuggling.headers = {{"Authorization", "Bearer a\r\nX-Evil: 1"}};
+    EXPECT_THROW(client.send(smuggling, {}), TransportError);
+    EXPECT_EQ(server.connections(), 0);
+}
+
+TEST(CurlHttpClientTest, DoesNotFollowRedirects) {
+    RawServer server([](Peer& peer) {
+        peer.receiveRequest();
+        peer.send("HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n");
+        EXPECT_EQ(peer.receiveRequest(), QByteArray());
+    });
+    CurlHttpClient client;
+    EXPECT_EQ(client.send(requestTo(server.url()), {}).status, 302);
+    EXPECT_EQ(server.connections(), 1);
+}
+
+TEST(CurlHttpClientTest, RefusesABodyFileThatCannotBeReadWhole) {
+    const TemporaryFolder folder;
+    RawServer server(answerEveryRequest);
+    HttpRequest request = requestTo(server.url());
+    request.method = "POST";
+    CurlHttpClient client;
+    for (const auto& path : {folder / "absent.jpg", folder.path()}) {
+        request.bodyFile = path;
+        EXPECT_THROW(client.send(request, {}), FileError) << path;
+    }
+    request.bodyFile = folder.write("shrinking.mov", QByteArray(16 * MiB, 'x'));
+    request.onProgress = [&](std::int64_t, std::int64_t) {
+        std::filesystem::resize_file(*request.bodyFile, 100);
+    };
+    EXPECT_THROW(client.send(request, {}), FileError);
+}
+
+TEST(CurlHttpClientTest, RefusesACertificateNobodySigned) {
+    if (QStandardPaths::findExecutable(QStringLiteral("openssl")).isEmpty())
+        GTEST_SKIP() << "the openssl command is absent: no certificate to present";
+    const TemporaryFolder folder;
+    const QString key = pathText(folder / "key.pem");
+    const QString certificate = pathText(folder / "cert.pem");
+    ASSERT_EQ(QProcess::execute(QStringLiteral("openssl"),
+                                {QStringLiteral("req"), QStringLiteral("-x509"),
+                                 QStringLiteral("-newkey"), QStringLiteral("ed25519"),
+                                 QStringLiteral("-nodes"), QStringLiteral("-subj"),
+                                 QStringLiteral("/CN=localhost"), QStringLiteral("-keyout"), key,
+                                 QStringLiteral("-out"), certificate}),
+              0);
+    httplib::SSLServer server(certificate.toUtf8().constData(), key.toUtf8().constData());
+    ASSERT_TRUE(server.is_valid());
+    std::atomic<int> served = 0;
+    server.Get("/", [&](const httplib::Request&, httplib::Response&) { ++served; });
+    const int port = server.bind_to_any_port("127.0.0.1");
+    const std::jthread listener([&] { server.listen_after_bind(); });
+
+    CurlHttpClient client;
+    const QString text =
+        failureOf(client, requestTo(QUrl(QStringLiteral("https://localhost:%1/").arg(port))));
+    server.stop();
+    EXPECT_TRUE(isNetworkFailure(text)) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"self-signed")) << text.toStdString();
+    EXPECT_EQ(served, 0);
+}
+
+} // namespace
+} // namespace quorvane::test
