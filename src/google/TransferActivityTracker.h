@@ -20,7 +20,7 @@ struct ActiveTransferItem {
     std::int64_t totalBytes = 0;
     std::int64_t bytesTransferred = 0;
     double currentSpeedBytesPerSec = 0;
-    Date startedAt;
+    Date startedAt{};
 
     /// The part that is done; 0 for an empty file.
     double progress() const;

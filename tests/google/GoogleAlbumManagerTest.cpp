@@ -1,0 +1,217 @@
+#include "google/GoogleAlbumManager.h"
+
+#include "google/ScriptedHttp.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <QUrlQuery>
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace quorvane {
+
+namespace {
+
+GoogleAlbum album(const char* id, const char* title, const char* count = "1") {
+    return {QString::fromUtf8(id), QString::fromUtf8(title), {}, QString::fromUtf8(count)};
+}
+
+struct Albums : testing::Test {
+    test::TemporaryFolder folder;
+    test::ScriptedHttp http;
+    test::FixedToken tokens;
+    Preferences preferences{folder / "preferences.json"};
+    test::RecordingLog log;
+    GoogleAlbumManager manager{http, tokens, preferences, log, test::loopbackEndpoints()};
+
+    /// Answers by "path" or "path?pageToken"; anything else is an empty page.
+    std::map<QString, HttpResponse> pages;
+
+    Albums() {
+        http.answer = [this](const HttpRequest& request, const std::stop_token&) {
+            const QString page =
+                QUrlQuery(request.url)
+                    .queryItemValue(QStringLiteral("pageToken"), QUrl::FullyDecoded);
+            const auto found =
+                pages.find(page.isEmpty() ? request.url.path() : request.url.path() + u'?' + page);
+            return found == pages.end() ? HttpResponse{200, "{}"} : found->second;
+        };
+    }
+
+    void remember(const std::vector<GoogleAlbum>& albums) {
+        QByteArray json;
+        for (const GoogleAlbum& each : albums)
+            json += (json.isEmpty() ? "" : ",") + QJsonDocument(each.toJson()).toJson();
+        preferences.setData(preferenceKeys::localCreatedAlbums, "[" + json + "]");
+    }
+};
+
+} // namespace
+
+TEST_F(Albums, ListingMergesMemoryAndEveryPageInStableOrder) {
+    remember({album("r1", "Eski", "5"), album("r2", "Kalan")});
+    pages[QStringLiteral("/v1/albums")] = {
+        200, R"({"albums": [{"id":"a1","title":"A","mediaItemsCount":"1"}, {"title":"no id"}, 7],
+                 "nextPageToken": "p+/= 2"})"};
+    pages[QStringLiteral("/v1/albums?p+/= 2")] = {
+        200, R"({"albums": [{"id":"r1","title":"Yeni","mediaItemsCount":"6"}]})"};
+    pages[QStringLiteral("/v1/sharedAlbums")] = {
+        200, R"({"sharedAlbums": [{"id":"a1","title":"A","mediaItemsCount":"1"},
+                                  {"id":"s1","title":"S","mediaItemsCount":"1"}]})"};
+    const std::vector<GoogleAlbum> expected{album("r1", "Yeni", "6"), album("r2", "Kalan"),
+                                            album("a1", "A"), album("s1", "S")};
+    EXPECT_EQ(manager.listAlbums({}), expected);
+    EXPECT_EQ(manager.getLocalCreatedAlbums(), expected);
+    EXPECT_FALSE(manager.hasInsufficientScopes());
+    EXPECT_EQ(log.messages(),
+              QStringList{QStringLiteral("[GoogleAlbumManager] Toplam 4 Google Photos albümü "
+                                         "yüklendi (scopeIssue: false)")});
+    const auto requests = http.requests();
+    ASSERT_EQ(requests.size(), 3U);
+    EXPECT_EQ(requests[1].url.toEncoded(),
+              "http://127.0.0.1:9/v1/albums?pageSize=50&excludeNonAppCreatedData=true"
+              "&pageToken=p%2B%2F%3D%202");
+    EXPECT_EQ(requests[1].headers.at(0).second, "Bearer ya29.test");
+}
+
+TEST_F(Albums, AFailingEndpointShortensTheListAndIsLogged) {
+    const QString where = QStringLiteral("Endpoint http://127.0.0.1:9/v1/albums");
+    for (const auto& [answer, line] : {
+             std::pair<HttpResponse, QString>{
+                 {403, "no scope"},
+                 where + QStringLiteral(" HTTP 403 (excludeNonAppCreatedData: true): no scope")},
+             {{401, "who?"}, where + QStringLiteral(" HTTP 401: who?")},
+             {{404, ""}, where + QStringLiteral(" HTTP 404: ")},
+             {{429, "slow"}, where + QStringLiteral(" HTTP 429: slow")},
+             {{503, "later"}, where + QStringLiteral(" HTTP 503: later")},
+             {{200, ""}, where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
+             {{200, "<html>"}, where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
+             {{200, "[1]"}, where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
+             {{200, QByteArray("{\"a\":").repeated(5000)},
+              where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
+         }) {
+        remember({album("r1", "Eski")});
+        pages[QStringLiteral("/v1/albums")] = answer;
+        pages[QStringLiteral("/v1/sharedAlbums")] = {
+            200, R"({"sharedAlbums": [{"id":"s1","title":"S","mediaItemsCount":"1"}]})"};
+        EXPECT_EQ(manager.listAlbums({}), (std::vector{album("r1", "Eski"), album("s1", "S")}));
+        EXPECT_TRUE(log.contains(QStringLiteral("[GoogleAlbumManager] ⚠️ ") + line))
+            << line.toStdString();
+        EXPECT_EQ(manager.hasInsufficientScopes(), answer.status == 403);
+    }
+    EXPECT_TRUE(log.contains(
+        QStringLiteral("[GoogleAlbumManager] ⚠️ Google Photos albüm okuma kapsamı (scope) "
+                       "yetersiz. Kullanıcının oturumu yenilemesi gerekebilir.")));
+}
+
+TEST_F(Albums, ABrokenNetworkLeavesTheMemoryAndAStopEndsTheListing) {
+    remember({album("r1", "Eski")});
+    http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
+        throw TransportError(QStringLiteral("koptu"));
+    };
+    EXPECT_EQ(manager.listAlbums({}), std::vector{album("r1", "Eski")});
+    EXPECT_TRUE(log.contains(
+        QStringLiteral("[GoogleAlbumManager] Ağ hatası (http://127.0.0.1:9/v1/albums): koptu")));
+    http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
+        throw Cancelled();
+    };
+    EXPECT_THROW(manager.listAlbums({}), Cancelled);
+    tokens.failure = QStringLiteral("OAuth: kullanici giris yapmamis");
+    EXPECT_THROW(manager.listAlbums({}), Error);
+}
+
+TEST_F(Albums, AListingWithoutAnEndIsBounded) {
+    http.answerAlways(200, R"({"nextPageToken": "again"})");
+    manager.listAlbums({});
+    EXPECT_EQ(http.requests().size(), 4U) << "a repeated page token ends each endpoint";
+    http.answer = [this](const HttpRequest&, const std::stop_token&) {
+        return HttpResponse{200, "{\"nextPageToken\": \"" +
+                                     QByteArray::number(qulonglong(http.requests().size())) +
+                                     "\"}"};
+    };
+    manager.listAlbums({});
+    EXPECT_EQ(http.requests().size(), 2004U);
+}
+
+TEST_F(Albums, AnAlbumMadeDuringAListingIsNotForgotten) {
+    http.answer = [this](const HttpRequest& request, const std::stop_token&) {
+        if (request.method == "POST")
+            return HttpResponse{200, R"({"id":"n1","title":"Yeni","mediaItemsCount":"1"})"};
+        if (request.url.path() == u"/v1/albums")
+            manager.createAlbum(QStringLiteral("Yeni"), {});
+        return HttpResponse{200, "{}"};
+    };
+    EXPECT_EQ(manager.listAlbums({}), std::vector{album("n1", "Yeni")});
+}
+
+TEST_F(Albums, CreatingMakesTheAlbumTheTarget) {
+    pages[QStringLiteral("/v1/albums")] = {200, R"({"id":"n1","title":"Aile \"1\""})"};
+    const GoogleAlbum made = manager.createAlbum(QStringLiteral("Aile \"1\""), {});
+    EXPECT_EQ(made.id, QLatin1String("n1"));
+    const HttpRequest request = http.requests().at(0);
+    EXPECT_EQ(request.method, "POST");
+    EXPECT_EQ(request.url.toString(), QLatin1String("http://127.0.0.1:9/v1/albums"));
+    EXPECT_EQ(request.headers,
+              (std::vector<std::pair<QByteArray, QByteArray>>{
+                  {"Authorization", "Bearer ya29.test"}, {"Content-Type", "application/json"}}));
+    EXPECT_EQ(request.body, R"({"album":{"title":"Aile \"1\""}})");
+    EXPECT_EQ(manager.targetAlbumID(), QStringLiteral("n1"));
+    manager.createAlbum(QStringLiteral("Aile \"1\""), {});
+    EXPECT_EQ(manager.getLocalCreatedAlbums(), std::vector{made}) << "remembered once";
+    manager.selectTargetAlbum(std::nullopt);
+    EXPECT_EQ(manager.targetAlbumID(), std::nullopt);
+}
+
+TEST_F(Albums, ARefusedAlbumChangesNothing) {
+    for (const auto& [answer, text] :
+         {std::pair<HttpResponse, const char*>{{401, "x"}, "[Album] HTTP 401"},
+          {{403, "x"}, "[Album] HTTP 403"},
+          {{413, "x"}, "[Album] HTTP 413"},
+          {{500, "x"}, "[Album] HTTP 500"},
+          {{201, R"({"id":"n"})"}, "[Album] HTTP 201"},
+          {{200, ""}, "[Album] Geçersiz API yanıtı"},
+          {{200, "<html>"}, "[Album] Geçersiz API yanıtı"},
+          {{200, R"({"id":7})"}, "[Album] Geçersiz API yanıtı"}}) {
+        pages[QStringLiteral("/v1/albums")] = answer;
+        try {
+            manager.createAlbum(QStringLiteral("Aile"), {});
+            ADD_FAILURE() << text;
+        } catch (const AlbumError& error) {
+            EXPECT_EQ(error.localizedDescription(), QString::fromUtf8(text));
+        }
+    }
+    EXPECT_TRUE(log.contains(
+        QStringLiteral("[GoogleAlbumManager] Albüm oluşturma HTTP hatası: 401 - Yanıt: x")));
+    EXPECT_EQ(manager.targetAlbumID(), std::nullopt);
+    EXPECT_TRUE(manager.getLocalCreatedAlbums().empty());
+}
+
+TEST_F(Albums, TheNextPartFollowsTheTargetsTitle) {
+    for (const auto& [title, next] :
+         {std::pair{"Aile", "Aile - Parça 2"},
+          {"Aile - Parça 2", "Aile - Parça 3"},
+          {"Yedek - Parça 9", "Yedek - Parça 10"},
+          {"Parça 3", "Parça 3 - Parça 2"},
+          {"A- Parça 3", "A- Parça 3 - Parça 2"},
+          {"A - Parça 1 - Parça 2", "A - Parça 1 - Parça 3"},
+          {"A - Parça 3 ", "A - Parça 3  - Parça 2"},
+          {"", " - Parça 2"},
+          {"A - Parça 99999999999999999999", "A - Parça 99999999999999999999 - Parça 2"}})
+        EXPECT_EQ(GoogleAlbumManager::nextPartTitle(QString::fromUtf8(title)),
+                  QString::fromUtf8(next));
+
+    pages[QStringLiteral("/v1/albums")] = {200, R"({"id":"n1"})"};
+    manager.createAndSelectNextPartAlbum({});
+    EXPECT_EQ(manager.createAndSelectNextPartAlbum({}).title, QStringLiteral("Yedek - Parça 3"));
+}
+
+TEST_F(Albums, AnUnreadableMemoryIsEmpty) {
+    for (const char* stored : {"", "{", "{}", "7", "[7, {}, null]"}) {
+        preferences.setData(preferenceKeys::localCreatedAlbums, stored);
+        EXPECT_TRUE(manager.getLocalCreatedAlbums().empty()) << stored;
+    }
+}
+
+} // namespace quorvane

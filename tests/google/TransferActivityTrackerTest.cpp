@@ -1,0 +1,121 @@
+#include "google/TransferActivityTracker.h"
+
+#include "support/Fakes.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace quorvane {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+ActiveTransferItem item(const char* id, int startedAt) {
+    return {QString::fromUtf8(id),
+            QStringLiteral("a.jpg"),
+            false,
+            1000,
+            0,
+            0,
+            Date(std::chrono::seconds(startedAt))};
+}
+
+struct Tracking : testing::Test {
+    test::FakeClock clock;
+    int jitter = 0;
+    TransferActivityTracker tracker{clock, [this] { return jitter; }};
+};
+
+} // namespace
+
+TEST_F(Tracking, SpeedIsSampledEveryQuarterSecondAndNeverNegative) {
+    struct Step {
+        std::chrono::milliseconds advance;
+        std::int64_t sent;
+        double speed;
+        const char* peakText;
+    };
+    tracker.add(item("a", 1));
+    for (const Step& step : {
+             Step{249ms, 500, 0, "0.0 KB/s"},         // too early
+             Step{1ms, 512, 2048, "2.0 KB/s"},        // 512 bytes in 0.25 s
+             Step{100ms, 9000, 2048, "2.0 KB/s"},     // the last sample again
+             Step{900ms, 1'000'512, 1e6, "1.0 MB/s"}, // 1,000,000 bytes in 1 s
+             Step{1000ms, 1'000'512, 0, "1.0 MB/s"},  // stalled
+             Step{1000ms, 512, 0, "1.0 MB/s"},        // bytes left the total
+             Step{1000ms, 1536, 1024, "1.0 MB/s"},
+         }) {
+        clock.advance(step.advance);
+        tracker.updateProgress(QStringLiteral("a"), step.sent, 1000);
+        const TransferSnapshot snapshot = tracker.getSnapshot();
+        EXPECT_DOUBLE_EQ(snapshot.currentSpeed, step.speed);
+        EXPECT_EQ(snapshot.currentSpeedText, TransferActivityTracker::formatSpeed(step.speed));
+        EXPECT_EQ(snapshot.peakSpeedText, QLatin1String(step.peakText));
+    }
+    tracker.remove(QStringLiteral("a"));
+    clock.advance(100ms);
+    EXPECT_DOUBLE_EQ(tracker.getSnapshot().currentSpeed, 1024);
+}
+
+TEST_F(Tracking, ItemsComeOldestFirstAndOnlyAddedOnesExist) {
+    tracker.updateProgress(QStringLiteral("unknown"), 5, 10);
+    EXPECT_TRUE(tracker.getSnapshot().items.empty());
+    for (const auto& [id, startedAt] : {std::pair{"a", 3}, {"b", 1}, {"c", 2}})
+        tracker.add(item(id, startedAt));
+    tracker.updateProgress(QStringLiteral("c"), 250, 99);
+    tracker.remove(QStringLiteral("b"));
+    tracker.remove(QStringLiteral("unknown"));
+    const auto items = tracker.getSnapshot().items;
+    ASSERT_EQ(items.size(), 2U);
+    EXPECT_EQ(items[0].id, QLatin1String("c"));
+    EXPECT_DOUBLE_EQ(items[0].progress(), 0.25);
+    EXPECT_EQ(items[1], item("a", 3));
+    EXPECT_DOUBLE_EQ(ActiveTransferItem{}.progress(), 0);
+}
+
+TEST_F(Tracking, LatencyIsDrawnWhileTransfersAreActive) {
+    EXPECT_EQ(tracker.getSnapshot().latencyMilliseconds, 32);
+    tracker.add(item("a", 1));
+    EXPECT_EQ(tracker.getSnapshot().latencyMilliseconds, 25);
+    jitter = 20;
+    EXPECT_EQ(tracker.getSnapshot().latencyMilliseconds, 45);
+}
+
+TEST(FormatSpeed, DecimalThresholdBinaryUnits) {
+    for (const auto& [speed, text] : {std::pair{0.0, "0.0 KB/s"},
+                                      {1024.0, "1.0 KB/s"},
+                                      {999'999.0, "976.6 KB/s"},
+                                      {1'000'000.0, "1.0 MB/s"},
+                                      {52'428'800.0, "50.0 MB/s"}})
+        EXPECT_EQ(TransferActivityTracker::formatSpeed(speed), QLatin1String(text));
+}
+
+TEST(TrackerThreads, UploadsAndDisplayRunSideBySide) {
+    SystemClock clock;
+    TransferActivityTracker tracker(clock);
+    const auto upload = [&](const char* id) {
+        for (int i = 0; i < 500; ++i) {
+            tracker.add(item(id, i));
+            for (int sent = 1; sent <= 4; ++sent)
+                tracker.updateProgress(QString::fromUtf8(id), sent, 4);
+            tracker.remove(QString::fromUtf8(id));
+        }
+    };
+    {
+        const std::jthread first(upload, "a");
+        const std::jthread second(upload, "b");
+        for (int i = 0; i < 500; ++i) {
+            const TransferSnapshot snapshot = tracker.getSnapshot();
+            ASSERT_LE(snapshot.items.size(), 2U);
+            if (!snapshot.items.empty()) {
+                ASSERT_GE(snapshot.latencyMilliseconds, 25);
+                ASSERT_LE(snapshot.latencyMilliseconds, 45);
+            }
+        }
+    }
+    EXPECT_TRUE(tracker.getSnapshot().items.empty());
+}
+
+} // namespace quorvane
