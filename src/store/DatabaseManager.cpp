@@ -201,6 +201,11 @@ std::vector<SyncRecord> DatabaseManager::fetchVerifiedForDeletion() {
     return fetchRecords(statements::fetchVerified);
 }
 
+std::vector<SyncRecord> DatabaseManager::fetchRecordsOfAsset(const QString& identifier) {
+    return fetchRecords(statements::fetchOfAsset,
+                        [&](sqlite::Statement& statement) { statement.bind(1, identifier); });
+}
+
 std::vector<SyncRecord> DatabaseManager::fetchUnfinishedRecords(int limit) {
     return fetchRecords(statements::fetchUnfinished,
                         [&](sqlite::Statement& statement) { statement.bind(1, limit); });

@@ -65,6 +65,9 @@ class DatabaseManager {
     /// VERIFIED records with a remote id, least recently changed first.
     std::vector<SyncRecord> fetchVerifiedForDeletion();
 
+    /// All records of one asset, whatever their status.
+    std::vector<SyncRecord> fetchRecordsOfAsset(const QString& identifier);
+
     int countPendingRecords();
     int countFailedRecords();
     int countDateUnresolvedRecords();

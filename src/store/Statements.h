@@ -87,6 +87,13 @@ WHERE sync_status = 'VERIFIED'
   AND remote_media_id != ''
 ORDER BY updated_at ASC)sql";
 
+inline constexpr const char* fetchOfAsset =
+    R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
+       sha256_hash, file_size_bytes, upload_token, remote_media_id,
+       sync_status, retry_count, last_error, created_at, updated_at
+FROM sync_records
+WHERE asset_local_identifier = ?)sql";
+
 inline constexpr const char* countPending =
     R"sql(SELECT COUNT(*) FROM sync_records WHERE sync_status IN ('DISCOVERED', 'STAGED');)sql";
 
