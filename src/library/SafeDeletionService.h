@@ -24,6 +24,7 @@ class SafeDeletionService {
 
   private:
     std::vector<SyncRecord> deletionCandidates();
+    QStringList safelyStored(const std::vector<SyncRecord>& candidates);
     void deleteFromPhotoLibrary(const QStringList& identifiers,
                                 const std::vector<SyncRecord>& records,
                                 const std::stop_token& stop);

@@ -1,0 +1,222 @@
+#include "library/PhotoLibraryObserver.h"
+
+#include "foundation/File.h"
+#include "foundation/MainThread.h"
+#include "library/StagedName.h"
+
+namespace quorvane {
+
+namespace {
+
+const QString wholeLibraryTitle = QStringLiteral("Tüm Kütüphane");
+
+/// None for what is neither a photo nor a video.
+std::optional<MediaType> mediaTypeOf(const PhotoAsset& asset) {
+    switch (asset.mediaType) {
+    case AssetMediaType::video:
+        return MediaType::video;
+    case AssetMediaType::image:
+        return (asset.mediaSubtypes & mediaSubtypePhotoLive) != 0 ? MediaType::livePhoto
+                                                                  : MediaType::photo;
+    case AssetMediaType::unknown:
+    case AssetMediaType::audio:
+        break;
+    }
+    return std::nullopt;
+}
+
+/// A DISCOVERED record; its time stamps are the store's.
+std::optional<SyncRecord> recordOf(const PhotoAsset& asset) {
+    const std::optional<MediaType> type = mediaTypeOf(asset);
+    if (!type)
+        return std::nullopt;
+    SyncRecord record;
+    record.assetLocalIdentifier = asset.localIdentifier;
+    record.mediaType = *type;
+    return record;
+}
+
+/// A STAGED record of a file in the staging folder; none when its name is not a staged one. Only
+/// the still or the movie survives, so a Live Photo comes back as a photo.
+std::optional<SyncRecord> recordOf(const std::filesystem::directory_entry& file) {
+    const std::optional<QString> identifier =
+        identifierFromStagedName(pathText(file.path().filename()));
+    if (!identifier)
+        return std::nullopt;
+    SyncRecord record;
+    record.assetLocalIdentifier = *identifier;
+    const QString extension = pathText(file.path().extension()).toLower();
+    const bool isVideo = extension == QLatin1String(".mov") || extension == QLatin1String(".mp4");
+    record.mediaType = isVideo ? MediaType::video : MediaType::photo;
+    record.syncStatus = SyncStatus::staged;
+    std::error_code unreadable;
+    const std::uintmax_t size = file.file_size(unreadable);
+    if (!unreadable)
+        record.fileSizeBytes = static_cast<std::int64_t>(size);
+    return record;
+}
+
+/// Hidden temporary files have no staged name; folders and links are not ours.
+std::vector<SyncRecord> recordsOfStagedFiles(const std::filesystem::path& folder) {
+    std::vector<SyncRecord> records;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        std::error_code vanished;
+        if (entry->symlink_status(vanished).type() != std::filesystem::file_type::regular)
+            continue;
+        if (auto record = recordOf(*entry))
+            records.push_back(std::move(*record));
+    }
+    if (error)
+        throw FileError(QStringLiteral("Klasör okunamadı"), folder, error.value());
+    return records;
+}
+
+} // namespace
+
+PhotoLibraryObserver::PhotoLibraryObserver(PhotoLibrary& library, DatabaseManager& database,
+                                           AssetStagingService& staging, PhotoAlbumService& albums,
+                                           const Preferences& preferences, Console& console)
+    : library_(library),
+      database_(database),
+      staging_(staging),
+      albums_(albums),
+      preferences_(preferences),
+      console_(console),
+      alive_(std::make_shared<PhotoLibraryObserver*>(this)) {}
+
+PhotoLibraryObserver::~PhotoLibraryObserver() {
+    stopOnMainThread();
+}
+
+void PhotoLibraryObserver::start() {
+    isMainThread() ? startOnMainThread()
+                   : onMainThreadWhileAlive(&PhotoLibraryObserver::startOnMainThread);
+}
+
+void PhotoLibraryObserver::stop() {
+    isMainThread() ? stopOnMainThread()
+                   : onMainThreadWhileAlive(&PhotoLibraryObserver::stopOnMainThread);
+}
+
+void PhotoLibraryObserver::onMainThreadWhileAlive(void (PhotoLibraryObserver::*operation)()) {
+    onMainThread([observer = std::weak_ptr(alive_), operation] {
+        if (const auto self = observer.lock())
+            ((*self)->*operation)();
+    });
+}
+
+void PhotoLibraryObserver::startOnMainThread() {
+    library_.registerChangeObserver(*this);
+    isRegistered_ = true;
+    console_.print(QStringLiteral("[PhotoKit] Observer kayıt edildi"));
+    performInitialScan();
+}
+
+void PhotoLibraryObserver::stopOnMainThread() {
+    if (!isRegistered_)
+        return;
+    library_.unregisterChangeObserver(*this);
+    isRegistered_ = false;
+}
+
+void PhotoLibraryObserver::performInitialScan() {
+    tasks_.post([this](const std::stop_token& stop) { initialScan(stop); });
+}
+
+void PhotoLibraryObserver::initialScan(std::stop_token stop) {
+    reconcilePermanentStagingAssets();
+    AssetFetchResult assets;
+    try {
+        assets = albums_.fetchAssets(albums_.selectedSourceAlbumID());
+    } catch (const Cancelled&) {
+        throw;
+    } catch (const std::exception& error) { // the library cannot be read: the last result stays
+        console_.print(QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: ") + describe(error));
+        return;
+    }
+    {
+        const std::lock_guard lock(mutex_);
+        fetchResult_ = assets;
+    }
+    const QString title =
+        preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(wholeLibraryTitle);
+    console_.print(QStringLiteral("[PhotoKit] İlk tarama: %1 medya (%2)")
+                       .arg(QString::number(assets->size()), title));
+    processInitialAssets(*assets, stop);
+}
+
+void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
+    std::error_code unreachable;
+    if (!std::filesystem::exists(staging_.permanentFolder(), unreachable) && !unreachable)
+        return;
+    try {
+        const std::vector<SyncRecord> records = recordsOfStagedFiles(staging_.permanentFolder());
+        if (records.empty())
+            return;
+        database_.insertStagedBatch(records);
+        console_.print(QStringLiteral("[PhotoKit] 🔄 Kalıcı staging uzlaştırması: %1 kurtarılmış "
+                                      "dosya STAGED olarak korundu")
+                           .arg(records.size()));
+    } catch (const Error& error) {
+        console_.print(QStringLiteral("[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: ") +
+                       error.localizedDescription());
+    }
+}
+
+void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& assets,
+                                                std::stop_token stop) {
+    std::vector<SyncRecord> records;
+    records.reserve(assets.size());
+    for (const PhotoAsset& asset : assets)
+        if (auto record = recordOf(asset))
+            records.push_back(std::move(*record));
+    try {
+        database_.insertDiscoveredBatch(records);
+        console_.print(QStringLiteral("[PhotoKit] %1 medya veritabanına atomik olarak eklendi")
+                           .arg(records.size()));
+    } catch (const DBError& error) {
+        console_.print(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
+                       error.localizedDescription());
+    }
+    staging_.stageDiscoveredAssets(stop);
+}
+
+void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& assets,
+                                            std::stop_token stop) {
+    for (const PhotoAsset& asset : assets) {
+        const std::optional<SyncRecord> record = recordOf(asset);
+        if (!record)
+            continue;
+        try {
+            database_.insertIfNotExists(*record);
+        } catch (const DBError& error) {
+            console_.print(QStringLiteral("[PhotoKit] Kayıt hatası ") + asset.localIdentifier +
+                           QStringLiteral(": ") + error.localizedDescription());
+        }
+    }
+    staging_.stageDiscoveredAssets(stop);
+}
+
+void PhotoLibraryObserver::photoLibraryDidChange(const LibraryChange& change) {
+    std::vector<PhotoAsset> inserted;
+    {
+        const std::lock_guard lock(mutex_);
+        if (!fetchResult_)
+            return;
+        auto details = change.changeDetails(fetchResult_);
+        if (!details)
+            return;
+        fetchResult_ = std::move(details->fetchResultAfterChanges);
+        inserted = std::move(details->insertedObjects);
+    }
+    if (inserted.empty())
+        return;
+    console_.print(QStringLiteral("[PhotoKit] %1 yeni medya algılandı").arg(inserted.size()));
+    tasks_.post([this, inserted = std::move(inserted)](const std::stop_token& stop) {
+        processNewAssets(inserted, stop);
+    });
+}
+
+} // namespace quorvane
