@@ -19,11 +19,6 @@ namespace {
 constexpr size_t recordsPerCall = 10;
 constexpr qsizetype chunkSize = 1 << 20;
 
-bool canBeStaged(const PhotoAssetResource& resource) {
-    return resource.type == AssetResourceType::photo || resource.type == AssetResourceType::video ||
-           resource.type == AssetResourceType::fullSizePhoto;
-}
-
 /// True when a staged file is there. Something else in its place is refused: what a link leads to
 /// is not ours to rewrite.
 bool isStaged(const std::filesystem::path& file) {
@@ -36,6 +31,16 @@ bool isStaged(const std::filesystem::path& file) {
 }
 
 } // namespace
+
+std::optional<PhotoAssetResource>
+resourceToStage(const std::vector<PhotoAssetResource>& resources) {
+    for (const PhotoAssetResource& resource : resources)
+        if (resource.type == AssetResourceType::photo ||
+            resource.type == AssetResourceType::video ||
+            resource.type == AssetResourceType::fullSizePhoto)
+            return resource;
+    return std::nullopt;
+}
 
 AssetStagingService::AssetStagingService(PhotoLibrary& library, DatabaseManager& database,
                                          MediaMetadataService& metadata, const UserFolders& folders,
@@ -62,6 +67,11 @@ void AssetStagingService::stageDiscoveredAssets(std::stop_token stop) {
         console_.print(QStringLiteral("[Staging] Bekleyen kayıtlar okunamadı: ") +
                        error.localizedDescription());
     }
+    stageDiscoveredAssets(records, stop);
+}
+
+void AssetStagingService::stageDiscoveredAssets(const std::vector<SyncRecord>& records,
+                                                std::stop_token stop) {
     for (const SyncRecord& record : records) {
         const std::lock_guard lock(mutex_);
         if (stop.stop_requested())
@@ -134,9 +144,8 @@ AssetStagingService::sourceOf(const QString& identifier) {
         missing(QStringLiteral("Asset"), identifier);
         return std::nullopt;
     }
-    const std::vector<PhotoAssetResource> resources = library_.assetResources(assets->front());
-    const auto resource = std::find_if(resources.begin(), resources.end(), canBeStaged);
-    if (resource == resources.end()) {
+    const auto resource = resourceToStage(library_.assetResources(assets->front()));
+    if (!resource) {
         missing(QStringLiteral("Resource"), identifier);
         return std::nullopt;
     }

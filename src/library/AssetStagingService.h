@@ -23,6 +23,10 @@ struct HashAndSize {
     std::int64_t sizeBytes = 0;
 };
 
+/// The resource that stands for an asset: the first, in the library's order, that is a photo, a
+/// video or a full-size photo.
+std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
+
 /// Exports assets into a staging folder, has their capture date made explicit there, and finds and
 /// removes the staged files. Any thread; one asset is worked on at a time, whoever asks, and the
 /// others wait: an asset's file is never looked for, rewritten or removed while it is being made.
@@ -37,6 +41,9 @@ class AssetStagingService {
     /// to the store and the console. Throws `Cancelled` when stopped: the record at hand stays as
     /// it was.
     void stageDiscoveredAssets(std::stop_token stop = {});
+
+    /// The same for these records, whatever their place in the queue.
+    void stageDiscoveredAssets(const std::vector<SyncRecord>& records, std::stop_token stop);
 
     /// True when the asset, or a file of it that can be staged, was missing when last tried.
     bool isUnavailable(const QString& identifier) const;

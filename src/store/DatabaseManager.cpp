@@ -97,16 +97,16 @@ void DatabaseManager::open(Console& console) {
     std::error_code ignored; // a missing folder shows as a failed open
     std::filesystem::create_directories(file_.parent_path(), ignored);
     try {
-        connection_ = std::make_unique<sqlite::Connection>(
-            file_, sqlite::Connection::Mode::readWriteCreate);
+        connection_ =
+            std::make_unique<sqlite::Connection>(file_, sqlite::Connection::Mode::readWriteCreate);
     } catch (const sqlite::SqliteError& error) {
         openError_ = error.localizedDescription();
         console.print(QStringLiteral("[DB] Veritabanı açılamadı: ") + openError_);
         return;
     }
     connection_->setBusyTimeout(busyTimeoutMilliseconds);
-    for (const char* sql :
-         {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::schema}) {
+    for (const char* sql : {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;",
+                            statements::schema, statements::pendingIndex}) {
         try {
             connection_->execute(sql);
         } catch (const sqlite::SqliteError&) { // NOLINT(bugprone-empty-catch)
@@ -239,9 +239,8 @@ std::vector<std::pair<QString, SyncStatus>> DatabaseManager::fetchStatuses() {
         sqlite::Statement statement = prepare(connection(), statements::fetchStatuses);
         std::vector<std::pair<QString, SyncStatus>> result;
         while (step(statement))
-            result.emplace_back(
-                statement.text(0),
-                syncStatusFrom(statement.text(1)).value_or(SyncStatus::discovered));
+            result.emplace_back(statement.text(0),
+                                syncStatusFrom(statement.text(1)).value_or(SyncStatus::discovered));
         return result;
     });
 }

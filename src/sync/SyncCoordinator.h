@@ -1,0 +1,103 @@
+#pragma once
+
+#include "google/GoogleBatchCoordinator.h"
+#include "google/GoogleUploadTask.h"
+#include "google/TransferActivityTracker.h"
+#include "library/AssetStagingService.h"
+#include "library/SafeDeletionService.h"
+#include "metadata/MediaMetadataService.h"
+#include "store/DatabaseManager.h"
+#include "sync/RunFlags.h"
+
+#include <functional>
+#include <mutex>
+#include <set>
+
+namespace quorvane {
+
+/// The name a staged file goes by: its own, without the identifier in front.
+QString uploadName(const SyncRecord& record, const std::filesystem::path& stagedFile);
+
+/// Drives a sync run: drains the pending records in passes of at most 50, at most two in flight,
+/// each through staging, date gate, upload and batch creation; backs off after failures; at the end
+/// lets safe deletion do its work. One run at a time (`RunFlags`).
+class SyncCoordinator {
+  public:
+    /// (completed, total); called on the main thread.
+    using ProgressHandler = std::function<void(int, int)>;
+
+    /// What the services of a run are. Not owned; they outlive the coordinator.
+    struct Services {
+        DatabaseManager& db;
+        AssetStagingService& staging;
+        MediaMetadataService& metadata;
+        GoogleUploadTask& uploadTask;
+        GoogleBatchCoordinator& batchCoord;
+        TransferActivityTracker& tracker;
+        SafeDeletionService& deletion;
+        Preferences& preferences;
+        RunFlags& flags;
+        Log& log;
+        Console& console;
+        Clock& clock;
+    };
+
+    /// How a run went, beyond what the store says.
+    struct Summary {
+        int completed = 0;
+        int total = 0;
+        int passes = 0;
+        int unavailable = 0; ///< stayed pending: the library cannot hand them out now
+        std::int64_t uploadedBytes = 0;
+        bool cancelled = false;
+        std::optional<QString> storeFailure; ///< the run ended because the store refused a write
+    };
+
+    explicit SyncCoordinator(Services services);
+
+    /// One whole run; blocks its caller until it is over. The caller has set the run flags.
+    Summary drainPendingQueue(bool deletionEnabled, ProgressHandler progressHandler = {});
+
+    static constexpr int passSize = 50;
+    static constexpr int maxConcurrent = 2;
+    static constexpr int maximumSyncPasses = 1000;
+
+  private:
+    /// The records of one pass and how far its workers are.
+    struct Pass {
+        std::vector<SyncRecord> records;
+        size_t next = 0;
+        bool stopLogged = false;
+    };
+
+    int pendingOrZero();
+    void runPasses();
+    bool runSyncLoop();
+    std::vector<SyncRecord> nextRecords();
+    void processAll(std::vector<SyncRecord> records);
+    void work(Pass& pass);
+
+    void processRecord(const SyncRecord& record) noexcept;
+    void upload(const SyncRecord& record, std::stop_token stop);
+    std::optional<std::filesystem::path> stagedFile(const SyncRecord& record, std::stop_token stop);
+    bool passesDateGate(const SyncRecord& record, const std::filesystem::path& file);
+    void handleFailure(const SyncRecord& record, const std::exception& error);
+    void endBecauseOfStore(const std::exception& error);
+    void setStatus(const SyncRecord& record, SyncStatus status,
+                   const std::optional<QString>& error = {});
+    void finishRecord(std::int64_t bytes);
+    void catchUpProgress();
+    void reportProgress();
+
+    Services s_;
+
+    std::mutex stagingTurn_; ///< one worker at a time looks for, then asks for, a staged file
+
+    std::mutex mutex_; ///< guards everything below; never held over network or disk
+    ProgressHandler currentProgressHandler_;
+    Summary summary_;
+    int consecutiveErrors_ = 0;
+    std::set<QString> unavailable_; ///< found without a file in this run; not tried again in it
+};
+
+} // namespace quorvane
