@@ -11,8 +11,7 @@ namespace quorvane::emulator {
 namespace {
 
 Refusal insufficientScopes() {
-    return Refusal(apiError(403, u"PERMISSION_DENIED"_s,
-                            u"Request had insufficient authentication scopes."_s));
+    return Refusal(apiError(403, u"Request had insufficient authentication scopes."_s));
 }
 
 } // namespace
@@ -58,7 +57,7 @@ Answer Account::listAlbums(const Call& call, const Behaviour& behaviour, Date no
 void Account::requireScope(const Call& call, const QStringList& scopes, Date now) const {
     const Tokens::Access* access = tokens_.access(call.bearer(), now);
     if (!access)
-        throw Refusal(apiError(401, u"UNAUTHENTICATED"_s,
+        throw Refusal(apiError(401,
                                u"Request had invalid authentication credentials. Expected OAuth 2 "
                                "access token, login cookie or other valid authentication "
                                "credential."_s));

@@ -19,8 +19,8 @@ Answer textAnswer(const QByteArray& text, int status = 200);
 Answer htmlAnswer(const QByteArray& html, int status);
 
 /// The error shape of Google's APIs: {"error": {"code", "message", "status"}}, where the last is
-/// the name of a canonical code of google.rpc.Code such as "INVALID_ARGUMENT".
-Answer apiError(int status, const QString& name, const QString& message);
+/// the name that google.rpc.Code gives to the HTTP status, such as "INVALID_ARGUMENT".
+Answer apiError(int status, const QString& message);
 Answer invalidArgument(const QString& message);
 
 /// The error shape of RFC 6749 5.2: {"error", "error_description"}.

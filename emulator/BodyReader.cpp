@@ -1,5 +1,7 @@
 #include "emulator/BodyReader.h"
 
+#include <algorithm>
+
 namespace quorvane::emulator {
 
 namespace {
@@ -28,33 +30,24 @@ class Throttle {
 
 } // namespace
 
-BodyEnd readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
-                 const Fault& fault) {
+bool readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
+              const Fault& fault) {
     RecordedRequest& request = call.request;
     const Throttle throttle(upload ? behaviour.uploadBytesPerSecond : 0);
-    BodyEnd end = BodyEnd::brokenOff;
     const auto receive = [&](QByteArrayView bytes) {
         const std::int64_t left =
             fault.dropRequestAfter ? *fault.dropRequestAfter - request.bodySize : bytes.size();
-        const bool isLast = left < bytes.size();
-        if (isLast)
-            bytes = bytes.first(static_cast<qsizetype>(std::max<std::int64_t>(left, 0)));
-        request.bodySize += bytes.size();
+        const QByteArrayView taken =
+            bytes.first(static_cast<qsizetype>(std::clamp<std::int64_t>(left, 0, bytes.size())));
+        request.bodySize += taken.size();
         if (upload)
-            upload->add(bytes);
+            upload->add(taken);
         else
-            request.body.append(bytes);
-        if (isLast)
-            end = BodyEnd::dropped;
-        else if (!upload && request.bodySize > largestPlainBody)
-            end = BodyEnd::tooLarge;
-        else
-            return exchange.pause(throttle.due(request.bodySize));
-        return false;
+            request.body.append(taken);
+        return taken.size() == bytes.size() && (upload || request.bodySize <= largestPlainBody) &&
+               exchange.pause(throttle.due(request.bodySize));
     };
-    if (exchange.readBody(receive))
-        end = fault.dropRequestAfter ? BodyEnd::dropped : BodyEnd::complete;
-    return end;
+    return exchange.readBody(receive) && !fault.dropRequestAfter;
 }
 
 } // namespace quorvane::emulator

@@ -7,15 +7,9 @@
 
 namespace quorvane::emulator {
 
-enum class BodyEnd {
-    complete,
-    brokenOff, ///< by the client
-    dropped,   ///< as a fault wanted
-    tooLarge,
-};
-
-/// Reads a body into `call`: an upload's is only summed up, any other is kept whole.
-BodyEnd readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
-                 const Fault& fault);
+/// Reads a body into `call`; an upload's bytes go to `upload` instead. False when it is not there
+/// as a whole: the client broke off, a fault wants so, or it is too large to be meant.
+bool readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
+              const Fault& fault);
 
 } // namespace quorvane::emulator

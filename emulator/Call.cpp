@@ -58,6 +58,10 @@ QByteArray Call::contentType() const {
     return (end < 0 ? value : value.first(end)).trimmed().toLower();
 }
 
+QString Call::uploadFilename() const {
+    return QUrl::fromPercentEncoding(request.header("X-Goog-Upload-File-Name"));
+}
+
 QString Call::bearer() const {
     const QByteArray value = request.header("Authorization");
     if (value.first(std::min<qsizetype>(7, value.size())).toLower() != "bearer ")

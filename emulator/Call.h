@@ -18,6 +18,9 @@ struct Call {
     /// The media type of the body in lower case, without parameters.
     QByteArray contentType() const;
 
+    /// The name that an upload's header gives, decoded; empty when absent.
+    QString uploadFilename() const;
+
     /// The token of the `Authorization` header (RFC 6750); empty when there is none.
     QString bearer() const;
 };

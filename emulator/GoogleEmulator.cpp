@@ -37,14 +37,13 @@ GoogleEmulator::~GoogleEmulator() {
 }
 
 void GoogleEmulator::start() {
-    service_->load();
-    change([](Behaviour&) {});
+    change([](Behaviour&) {}); // lets the server know what it begins with
     server_->start(options_.port);
+    options_.port = server_->port();
 }
 
 void GoogleEmulator::stop() {
     server_->stop();
-    service_->save();
 }
 
 int GoogleEmulator::port() const {
@@ -74,9 +73,11 @@ void GoogleEmulator::clearFaults() {
 TokenPair GoogleEmulator::issueTokens(const QString& scopes) {
     const Scopes granted = scopes.isEmpty() ? allScopes() : scopesFrom(scopes);
     const Date now = service_->now();
-    return service_->with([&](Service::State& state) {
+    const TokenPair pair = service_->with([&](Service::State& state) {
         return state.account.oauth().issue(granted, state.behaviour, now);
     });
+    service_->save();
+    return pair;
 }
 
 void GoogleEmulator::expireAccessTokens() {
@@ -89,9 +90,11 @@ void GoogleEmulator::revokeTokens() {
 
 QString GoogleEmulator::addAlbum(const QString& title, std::int64_t itemCount, bool isShared,
                                  bool isAppCreated) {
-    return service_->with([&](Service::State& state) {
+    const QString id = service_->with([&](Service::State& state) {
         return state.account.albums().add(title, itemCount, isShared, isAppCreated);
     });
+    service_->save();
+    return id;
 }
 
 std::vector<RecordedRequest> GoogleEmulator::requests() const {

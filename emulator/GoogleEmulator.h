@@ -22,14 +22,16 @@ class Service;
 /// `start`.
 class GoogleEmulator {
   public:
+    /// Takes up the state file, if there is one. Throws `Error` when it cannot be read.
     explicit GoogleEmulator(emulator::EmulatorOptions options = {});
     /// Expiries follow `clock`, which must outlive the service; delays are always real.
     GoogleEmulator(emulator::EmulatorOptions options, const Clock& clock);
     ~GoogleEmulator();
 
-    /// Takes up the state file and serves on threads of its own. Throws `Error`.
+    /// Serves on threads of its own. After `stop` it may be started again, on the same port and
+    /// with all it knew. Throws `Error` when the port is taken.
     void start();
-    /// Breaks off every connection and writes the state file. May be called twice.
+    /// Breaks off every connection. May be called twice.
     void stop();
 
     int port() const;

@@ -186,8 +186,7 @@ Answer OAuth::revoke(const Call& call) {
 Answer OAuth::userInfo(const Call& call, const Behaviour& behaviour, Date now) const {
     const Tokens::Access* access = tokens_.access(call.bearer(), now);
     if (!access || !access->scopes.contains(emailScope))
-        return apiError(401, u"UNAUTHENTICATED"_s,
-                        u"Request is missing required authentication credential."_s);
+        return apiError(401, u"Request is missing required authentication credential."_s);
     return jsonAnswer({
         {u"id"_s, u"100000000000000000001"_s},
         {u"email"_s, behaviour.email},

@@ -1,10 +1,11 @@
 #include "emulator/Service.h"
 
 #include "emulator/BodyReader.h"
+#include "emulator/Report.h"
 
 #include <QJsonDocument>
 
-#include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -13,36 +14,20 @@ namespace quorvane::emulator {
 namespace {
 
 constexpr std::int64_t largestStateFile = std::int64_t(1) << 30;
-constexpr std::int64_t formatBytes = 64; ///< of an upload's start, to tell its format
-
-QJsonObject reportOf(const StoredMediaItem& item) {
-    return {{u"id"_s, item.id},
-            {u"filename"_s, item.filename},
-            {u"mimeType"_s, item.mimeType},
-            {u"sha256"_s, QString::fromLatin1(item.sha256)},
-            {u"size"_s, static_cast<qint64>(item.size)},
-            {u"albumIds"_s, QJsonArray::fromStringList(item.albumIds)}};
-}
-
-QJsonObject reportOf(const StoredAlbum& album) {
-    return {{u"id"_s, album.id},
-            {u"title"_s, album.title},
-            {u"itemCount"_s, static_cast<qint64>(album.itemCount)},
-            {u"isShared"_s, album.isShared}};
-}
-
-template <typename Values>
-QJsonArray reportOfAll(const Values& values) {
-    QJsonArray array;
-    for (const auto& value : values)
-        array.append(reportOf(value));
-    return array;
+/// What a fault answers that names a status and no body.
+Answer plainFailure(RequestKind kind, int status) {
+    if (kind == RequestKind::token || kind == RequestKind::revoke)
+        return oauthError(status == 400 ? u"invalid_grant"_s : u"internal_failure"_s,
+                          u"Bad Request"_s, status);
+    return apiError(status, u"The service has been told to answer so."_s);
 }
 
 } // namespace
 
 Service::Service(const EmulatorOptions& options, const Clock& clock)
-    : options_(options), clock_(clock), state_(options) {}
+    : options_(options), clock_(clock), state_(options) {
+    load();
+}
 
 void Service::load() {
     if (options_.stateFile.empty() || !std::filesystem::exists(options_.stateFile))
@@ -68,7 +53,7 @@ void Service::handle(Exchange& exchange) noexcept {
     try {
         carry(exchange);
     } catch (const std::exception& error) {
-        exchange.answer(apiError(500, u"INTERNAL"_s, describe(error)), std::nullopt);
+        exchange.answer(apiError(500, describe(error)), std::nullopt);
     }
 }
 
@@ -78,23 +63,36 @@ void Service::carry(Exchange& exchange) {
     const Plan plan = arrive(call.request.kind);
     const Fault& fault = plan.fault;
 
-    if (!receive(exchange, call, plan)) {
-        with([&](State& state) { state.log.add(call.request); });
+    std::optional<UploadBody> upload;
+    if (call.request.kind == RequestKind::upload)
+        upload.emplace(options_.storeFolder, options_.keptUploadBytes);
+    const bool isWhole =
+        readBody(exchange, call, upload ? &*upload : nullptr, plan.behaviour, fault);
+    if (upload)
+        upload->sumUp(call);
+    if (!isWhole) {
+        record(call);
         exchange.drop();
         return;
     }
     const Answer answer = answerTo(call, plan);
+    if (upload && answer.status == 200)
+        upload->keep(call);
     if (!fault.stall) {
         call.request.status = answer.status;
         call.request.answer = answer.body;
     }
-    with([&](State& state) { state.log.add(call.request); });
+    record(call);
     if (fault.stall)
         exchange.waitForEnd();
     if (fault.stall || !exchange.pause(plan.behaviour.latency + fault.delay))
         exchange.drop();
     else
         exchange.answer(answer, fault.dropAnswerAfter);
+}
+
+void Service::record(const Call& call) {
+    with([&](State& state) { state.log.add(call.request); });
 }
 
 Service::Plan Service::arrive(RequestKind kind) {
@@ -106,24 +104,6 @@ Service::Plan Service::arrive(RequestKind kind) {
     return plan;
 }
 
-bool Service::receive(Exchange& exchange, Call& call, const Plan& plan) const {
-    std::unique_ptr<UploadBody> upload;
-    if (call.request.kind == RequestKind::upload)
-        upload = std::make_unique<UploadBody>(options_.storeFolder,
-                                              std::max(formatBytes, options_.keptUploadBytes));
-    const BodyEnd end = readBody(exchange, call, upload.get(), plan.behaviour, plan.fault);
-    if (upload) {
-        call.request.bodySha256 = upload->finish();
-        call.uploadStart = upload->start();
-        call.request.body = upload->start().first(
-            std::min<qsizetype>(upload->start().size(), options_.keptUploadBytes));
-        if (end == BodyEnd::complete)
-            upload->keep(call.request.bodySha256,
-                         QUrl::fromPercentEncoding(call.request.header("X-Goog-Upload-File-Name")));
-    }
-    return end == BodyEnd::complete;
-}
-
 Answer Service::answerTo(const Call& call, const Plan& plan) {
     const Fault& fault = plan.fault;
     const bool isReplaced = fault.status || fault.body;
@@ -132,15 +112,11 @@ Answer Service::answerTo(const Call& call, const Plan& plan) {
         answer = carryOut(call, plan);
     if (!isReplaced)
         return answer;
-    answer.status = fault.status.value_or(200);
-    answer.location.clear();
-    if (fault.body) {
-        answer.body = *fault.body;
-        answer.contentType = fault.contentType;
-    } else {
-        answer = apiError(answer.status, u"UNKNOWN"_s, u"The service is told to answer so."_s);
-    }
-    return answer;
+    const int status = fault.status.value_or(200);
+    if (!fault.body)
+        return plainFailure(call.request.kind, status);
+    return {
+        .status = status, .contentType = fault.contentType, .body = *fault.body, .location = {}};
 }
 
 Answer Service::carryOut(const Call& call, const Plan& plan) {
@@ -160,14 +136,7 @@ bool Service::waitForRequests(RequestKind kind, int count, std::chrono::millisec
 }
 
 QJsonObject Service::report() const {
-    return with([](const State& state) -> QJsonObject {
-        QJsonObject requests;
-        for (const RequestKind kind : allRequestKinds)
-            requests.insert(nameOf(kind), state.log.countOf(kind));
-        return {{u"requests"_s, requests},
-                {u"mediaItems"_s, reportOfAll(state.account.mediaItems().all())},
-                {u"albums"_s, reportOfAll(state.account.albums().all())}};
-    });
+    return with([](const State& state) { return reportOf(state.log, state.account); });
 }
 
 } // namespace quorvane::emulator

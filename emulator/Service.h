@@ -26,11 +26,10 @@ class Service {
         RequestLog log;
     };
 
-    /// `clock` must outlive it.
+    /// Takes up the state file, if there is one. Throws `Error` when it cannot be read. `clock`
+    /// must outlive it.
     Service(const EmulatorOptions& options, const Clock& clock);
 
-    /// Takes up the state file, if there is one. Throws `Error` when it cannot be read.
-    void load();
     /// Writes the state file, if there is to be one. Throws `FileError`.
     void save();
 
@@ -51,8 +50,7 @@ class Service {
     /// Waits until `count` requests of a kind have arrived, answered or not. False after `limit`.
     bool waitForRequests(RequestKind kind, int count, std::chrono::milliseconds limit) const;
 
-    /// {"requests": {kind: count}, "mediaItems": [...], "albums": [...]}
-    QJsonObject report() const;
+    QJsonObject report() const; ///< see `reportOf`
 
     Date now() const { return clock_.now(); }
 
@@ -62,9 +60,10 @@ class Service {
         Fault fault;
     };
 
+    void load();
     void carry(Exchange& exchange);
     Plan arrive(RequestKind kind);
-    bool receive(Exchange& exchange, Call& call, const Plan& plan) const;
+    void record(const Call& call);
     Answer answerTo(const Call& call, const Plan& plan);
     Answer carryOut(const Call& call, const Plan& plan);
 

@@ -10,6 +10,13 @@ using namespace Qt::StringLiterals;
 
 namespace quorvane::emulator {
 
+namespace {
+
+constexpr std::int64_t formatBytes = 64; ///< enough to tell a picture or movie by
+constexpr qsizetype longestKeptName = 60;
+
+} // namespace
+
 UploadBody::UploadBody(std::filesystem::path storeFolder, std::int64_t keptBytes)
     : folder_(std::move(storeFolder)), keptBytes_(keptBytes) {
     if (folder_.empty())
@@ -27,10 +34,9 @@ UploadBody::~UploadBody() {
 
 void UploadBody::add(QByteArrayView bytes) {
     hash_.add(bytes);
-    size_ += bytes.size();
-    if (const auto missing = std::min<std::int64_t>(keptBytes_ - start_.size(), bytes.size());
-        missing > 0)
-        start_.append(bytes.first(static_cast<qsizetype>(missing)));
+    const auto missing = std::max(formatBytes, keptBytes_) - start_.size();
+    if (missing > 0)
+        start_.append(bytes.first(std::min<qsizetype>(missing, bytes.size())));
     if (output_.isOpen())
         writeAll(output_.get(),
                  {reinterpret_cast<const std::uint8_t*>(bytes.data()),
@@ -38,17 +44,18 @@ void UploadBody::add(QByteArrayView bytes) {
                  file_);
 }
 
-QByteArray UploadBody::finish() {
-    return hash_.finish().toHex();
+void UploadBody::sumUp(Call& call) {
+    call.request.bodySha256 = hash_.finish().toHex();
+    call.request.body = start_.first(std::min<qsizetype>(start_.size(), keptBytes_));
+    call.uploadStart = start_;
 }
 
-void UploadBody::keep(const QByteArray& sha256, const QString& filename) {
+void UploadBody::keep(const Call& call) {
     if (file_.empty())
         return;
-    const QString safeName =
-        QString(filename).replace(u'/', u'_').last(std::min<qsizetype>(filename.size(), 60));
-    std::filesystem::rename(
-        file_, folder_ / pathFrom(QString::fromLatin1(sha256.first(16)) + u'-' + safeName));
+    const QString name = call.uploadFilename().replace(u'/', u'_').right(longestKeptName);
+    const QString prefix = QString::fromLatin1(call.request.bodySha256.first(16));
+    std::filesystem::rename(file_, folder_ / pathFrom(prefix + u'-' + name));
     file_.clear();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "emulator/EmulatorTypes.h"
+#include "emulator/Call.h"
 #include "foundation/Crypto.h"
 #include "foundation/File.h"
 
@@ -9,7 +9,7 @@ namespace quorvane::emulator {
 /// The bytes of an upload as they come in: summed up, and written to a file when a folder is given.
 class UploadBody {
   public:
-    /// Throws `FileError`. Keeps the first `keptBytes` in memory.
+    /// Throws `FileError`. The first `keptBytes` go into the request's record.
     UploadBody(std::filesystem::path storeFolder, std::int64_t keptBytes);
     ~UploadBody();
     UploadBody(const UploadBody&) = delete;
@@ -17,21 +17,17 @@ class UploadBody {
 
     void add(QByteArrayView bytes);
 
-    std::int64_t size() const { return size_; }
-    const QByteArray& start() const { return start_; }
-
-    /// The SHA-256 in lower-case hexadecimal. Call once.
-    QByteArray finish();
+    /// Enters the sum of what came into `call`. Call once.
+    void sumUp(Call& call);
 
     /// Gives the file in the folder its final name. Without it the file goes.
-    void keep(const QByteArray& sha256, const QString& filename);
+    void keep(const Call& call);
 
   private:
     std::filesystem::path folder_;
     std::filesystem::path file_;
     FileDescriptor output_;
     Sha256 hash_;
-    std::int64_t size_ = 0;
     std::int64_t keptBytes_;
     QByteArray start_;
 };

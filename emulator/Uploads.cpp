@@ -3,8 +3,6 @@
 #include "emulator/MediaFormat.h"
 #include "emulator/Tokens.h"
 
-#include <QUrl>
-
 using namespace Qt::StringLiterals;
 
 namespace quorvane::emulator {
@@ -38,14 +36,13 @@ Answer Uploads::receive(const Call& call, Date now) {
 
     std::erase_if(uploads_, [&](const auto& entry) { return entry.second.expiry <= now; });
     const QString token = u"CAIS"_s + opaqueText(96);
-    uploads_.insert_or_assign(
-        token,
-        Upload{.sha256 = request.bodySha256,
-               .size = request.bodySize,
-               .filename = QUrl::fromPercentEncoding(request.header("X-Goog-Upload-File-Name")),
-               .claimedType = QString::fromLatin1(claimedType),
-               .format = mediaFormatOf(call.uploadStart).value_or(QString()),
-               .expiry = now + tokenLifetime});
+    uploads_.insert_or_assign(token,
+                              Upload{.sha256 = request.bodySha256,
+                                     .size = request.bodySize,
+                                     .filename = call.uploadFilename(),
+                                     .claimedType = QString::fromLatin1(claimedType),
+                                     .format = mediaFormatOf(call.uploadStart).value_or(QString()),
+                                     .expiry = now + tokenLifetime});
     return textAnswer(token.toLatin1());
 }
 

@@ -1,3 +1,70 @@
-int main() {
-    return 0;
+#include "emulator/CommandLine.h"
+#include "emulator/GoogleEmulator.h"
+#include "foundation/Console.h"
+#include "foundation/File.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+#include <csignal>
+
+using namespace quorvane;
+using namespace quorvane::emulator;
+
+namespace {
+
+/// An album that a state file brought already is not made again.
+void seed(GoogleEmulator& service, const std::vector<CommandLine::Seed>& seeds) {
+    for (const CommandLine::Seed& each : seeds) {
+        const std::vector<StoredAlbum> albums = service.albums();
+        if (std::ranges::find(albums, each.title, &StoredAlbum::title) == albums.end())
+            service.addAlbum(each.title, each.count);
+    }
+}
+
+void run(const CommandLine& line, Console& console) {
+    sigset_t ends;
+    sigemptyset(&ends);
+    sigaddset(&ends, SIGINT);
+    sigaddset(&ends, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &ends, nullptr); // for the service's threads as well
+
+    GoogleEmulator service(line.options);
+    seed(service, line.seeds);
+    for (const Fault& fault : line.faults)
+        service.addFault(fault);
+    service.start();
+    if (!line.portFile.empty())
+        replaceFile(line.portFile, QByteArray::number(service.port()) + '\n', 0644);
+    console.print(service.baseURL());
+
+    int signal = 0;
+    sigwait(&ends, &signal);
+    service.stop();
+    if (!line.reportFile.empty())
+        replaceFile(line.reportFile, QJsonDocument(service.report()).toJson(), 0644);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Console console;
+    try {
+        QStringList arguments;
+        for (int i = 1; i < argc; ++i)
+            arguments.append(QString::fromLocal8Bit(argv[i]));
+        const CommandLine line = parseCommandLine(arguments);
+        if (line.wantsHelp)
+            console.result(usage());
+        else
+            run(line, console);
+        return 0;
+    } catch (const UsageError& error) {
+        console.error(describe(error));
+        console.error(usage());
+        return 2;
+    } catch (const std::exception& error) {
+        console.error(describe(error));
+        return 1;
+    }
 }

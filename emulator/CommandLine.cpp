@@ -1,0 +1,149 @@
+#include "emulator/CommandLine.h"
+
+#include "foundation/File.h"
+
+#include <algorithm>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane::emulator {
+
+namespace {
+
+constexpr std::int64_t largest = std::numeric_limits<int>::max();
+constexpr std::int64_t largestBodyFile = 256 * 1024 * 1024;
+
+std::int64_t number(const QString& text, std::int64_t least, std::int64_t most) {
+    bool isNumber = false;
+    const qint64 value = text.toLongLong(&isNumber);
+    if (!isNumber || value < least || value > most)
+        throw UsageError(u"Geçersiz sayı: "_s + text);
+    return value;
+}
+
+/// KIND:N:ACTION, N followed by "+" for every request from the N-th on.
+Fault faultFrom(const QString& text) {
+    const QString action = text.section(u':', 2);
+    const std::optional<RequestKind> kind = requestKindFrom(text.section(u':', 0, 0));
+    QString nth = text.section(u':', 1, 1);
+    if (!kind || nth.isEmpty() || action.isEmpty())
+        throw UsageError(u"Geçersiz hata tanımı: "_s + text);
+    Fault fault;
+    fault.kind = *kind;
+    if (nth.endsWith(u'+')) {
+        fault.times = 0;
+        nth.chop(1);
+    }
+    fault.nth = static_cast<int>(number(nth, 1, largest));
+
+    const QString name = action.section(u'=', 0, 0);
+    const QString value = action.section(u'=', 1);
+    if (name == u"stall"_s)
+        fault.stall = true;
+    else if (name == u"drop"_s)
+        fault.dropRequestAfter = number(value, 0, std::numeric_limits<qint64>::max());
+    else if (name == u"cut"_s)
+        fault.dropAnswerAfter = number(value, 0, std::numeric_limits<qint64>::max());
+    else if (name == u"delay"_s)
+        fault.delay = std::chrono::milliseconds(number(value, 0, largest));
+    else
+        fault.status = static_cast<int>(number(name, 200, 599));
+    if (fault.status && !value.isEmpty())
+        fault.body = readWholeFile(pathFrom(value), largestBodyFile);
+    return fault;
+}
+
+CommandLine::Seed seedFrom(const QString& text) {
+    const qsizetype colon = text.lastIndexOf(u':');
+    if (colon < 1)
+        throw UsageError(u"Geçersiz albüm tanımı: "_s + text);
+    return {.title = text.first(colon), .count = number(text.sliced(colon + 1), 0, largest)};
+}
+
+struct Option {
+    QString name;
+    QString value; ///< what follows it, for the help; empty: nothing does
+    QString help;
+    void (*apply)(CommandLine& line, const QString& value);
+};
+
+const std::vector<Option>& allOptions() {
+    using L = CommandLine;
+    static const std::vector<Option> options{
+        {u"--port"_s, u"N"_s, u"dinlenecek kapı (0: boş bir kapı)"_s,
+         [](L& l, const QString& v) { l.options.port = static_cast<int>(number(v, 0, 65535)); }},
+        {u"--port-file"_s, u"DOSYA"_s, u"kapı numarasının yazılacağı dosya"_s,
+         [](L& l, const QString& v) { l.portFile = pathFrom(v); }},
+        {u"--store"_s, u"KLASÖR"_s, u"yüklenen dosyaların saklanacağı klasör"_s,
+         [](L& l, const QString& v) { l.options.storeFolder = pathFrom(v); }},
+        {u"--state"_s, u"DOSYA"_s, u"hesabın durumunun saklanacağı dosya"_s,
+         [](L& l, const QString& v) { l.options.stateFile = pathFrom(v); }},
+        {u"--latency"_s, u"MS"_s, u"her yanıttan önceki gecikme (milisaniye)"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.latency = std::chrono::milliseconds(number(v, 0, largest));
+         }},
+        {u"--bandwidth"_s, u"BAYT"_s, u"yükleme hızı sınırı (bayt/saniye)"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.uploadBytesPerSecond =
+                 number(v, 1, std::numeric_limits<qint64>::max());
+         }},
+        {u"--token-lifetime"_s, u"SANİYE"_s, u"erişim belirtecinin ömrü (eksi olabilir)"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.tokenLifetime = std::chrono::seconds(number(v, -largest, largest));
+         }},
+        {u"--album-capacity"_s, u"N"_s, u"bir albümün alabileceği öğe sayısı"_s,
+         [](L& l, const QString& v) { l.options.behaviour.albumCapacity = number(v, 0, largest); }},
+        {u"--forbid-listing"_s,
+         {},
+         u"albüm listeleri 403 ile yanıtlanır"_s,
+         [](L& l, const QString&) { l.options.behaviour.listingForbidden = true; }},
+        {u"--fault"_s, u"TÜR:N:EYLEM"_s, u"N. istekte hata (birden çok kez verilebilir)"_s,
+         [](L& l, const QString& v) { l.faults.push_back(faultFrom(v)); }},
+        {u"--seed-album"_s, u"BAŞLIK:SAYI"_s,
+         u"baştan var olan albüm (birden çok kez verilebilir)"_s,
+         [](L& l, const QString& v) { l.seeds.push_back(seedFrom(v)); }},
+        {u"--report"_s, u"DOSYA"_s, u"kapanırken yazılacak JSON raporu"_s,
+         [](L& l, const QString& v) { l.reportFile = pathFrom(v); }},
+        {u"--help"_s, {}, u"bu metni gösterir"_s, [](L& l, const QString&) { l.wantsHelp = true; }},
+    };
+    return options;
+}
+
+} // namespace
+
+CommandLine parseCommandLine(const QStringList& arguments) {
+    CommandLine line;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const auto option = std::ranges::find(allOptions(), arguments[i], &Option::name);
+        if (option == allOptions().end())
+            throw UsageError(u"Bilinmeyen seçenek: "_s + arguments[i]);
+        QString value;
+        if (!option->value.isEmpty()) {
+            if (++i == arguments.size())
+                throw UsageError(u"Değer eksik: "_s + option->name);
+            value = arguments[i];
+        }
+        option->apply(line, value);
+    }
+    return line;
+}
+
+QString usage() {
+    QString text = u"Kullanım: quorvane-emulator [SEÇENEK]...\n"
+                   "Bu bilgisayarda çalışan bir Google Fotoğraflar hizmeti. Adresi standart "
+                   "çıktının ilk satırındadır;\ndurumu GET /_quorvane/report ile okunur.\n\n"_s;
+    for (const Option& option : allOptions())
+        text += u"  "_s + QString(option.name + u' ' + option.value).leftJustified(28) +
+                option.help + u'\n';
+    QStringList kinds;
+    for (const RequestKind kind : allRequestKinds)
+        kinds.append(nameOf(kind));
+    return text + u"\nTÜR: "_s + kinds.join(u", "_s) +
+           u"\nN: isteğin sırası; N+ o istekten sonrakilerin hepsi\n"
+           "EYLEM: DURUM (ör. 503) | DURUM=DOSYA (yanıtın gövdesi) | drop=BAYT (istek gövdesinin "
+           "ortasında kapat) |\n       cut=BAYT (yanıtın ortasında kapat) | stall (hiç yanıtlama) "
+           "| delay=MS\n"_s;
+}
+
+} // namespace quorvane::emulator

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "emulator/EmulatorTypes.h"
+#include "emulator/Fault.h"
+#include "foundation/Error.h"
+
+namespace quorvane::emulator {
+
+/// What the program was called with.
+struct CommandLine {
+    struct Seed {
+        QString title;
+        std::int64_t count = 0;
+    };
+
+    EmulatorOptions options;
+    std::vector<Fault> faults;
+    std::vector<Seed> seeds;
+    std::filesystem::path portFile;
+    std::filesystem::path reportFile;
+    bool wantsHelp = false;
+};
+
+/// The arguments are not understood.
+class UsageError : public Error {
+  public:
+    using Error::Error;
+};
+
+/// The arguments after the program's name. Throws `UsageError`.
+CommandLine parseCommandLine(const QStringList& arguments);
+
+/// The text of --help.
+QString usage();
+
+} // namespace quorvane::emulator
