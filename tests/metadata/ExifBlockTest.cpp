@@ -1,0 +1,144 @@
+#include "metadata/ExifBlock.h"
+
+#include "ImageFixtures.h"
+#include "metadata/TiffDirectory.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorvane;
+using test::viewOf;
+
+namespace {
+
+constexpr tiff::Format motorola{ByteOrder::bigEndian, false};
+constexpr tiff::Format intel{ByteOrder::littleEndian, false};
+constexpr tiff::Format intelBig{ByteOrder::littleEndian, true};
+
+exif::Stamp stampOf(const char* text, std::optional<GeoLocation> location = std::nullopt) {
+    return {text, Date(std::chrono::milliseconds(1614987000'250)), location};
+}
+
+QByteArray stamped(const QByteArray& block, const exif::Stamp& stamp) {
+    return exif::stamp(viewOf(block), stamp).apply(viewOf(block));
+}
+
+/// A block of a first directory and, when there are fields for it, an Exif directory.
+QByteArray blockOf(const tiff::Format& format, std::vector<tiff::Field> first,
+                   const std::vector<tiff::Field>& exif) {
+    const QByteArray header = headerBytes(format);
+    const auto at = static_cast<std::uint64_t>(header.size());
+    if (exif.empty())
+        return header + serialize(first, at, format);
+    first.push_back(tiff::pointerField(0x8769, 0, format));
+    const auto exifAt = at + static_cast<std::uint64_t>(serialize(first, at, format).size());
+    first.back() = tiff::pointerField(0x8769, exifAt, format);
+    return header + serialize(first, at, format) + serialize(exif, exifAt, format);
+}
+
+int differences(const QByteArray& a, const QByteArray& b) {
+    int count = 0;
+    for (qsizetype i = 0; i < std::min(a.size(), b.size()); ++i)
+        count += a[i] != b[i] ? 1 : 0;
+    return count;
+}
+
+std::string textOf(const std::optional<QByteArray>& value) {
+    return value ? value->constData() : "none";
+}
+
+} // namespace
+
+TEST(ExifBlock, ThePresentFieldOfHighestRankDecides) {
+    const tiff::Field original = tiff::asciiField(0x9003, "2001:01:01 01:01:01");
+    const tiff::Field digitized = tiff::asciiField(0x9004, "2002:02:02 02:02:02");
+    const tiff::Field modified = tiff::asciiField(0x0132, "2003:03:03 03:03:03");
+    const tiff::Field zero = tiff::asciiField(0x9003, "0000:00:00 00:00:00");
+    const tiff::Field software = tiff::asciiField(0x0131, "camera");
+    const struct {
+        std::vector<tiff::Field> first, exif;
+        const char* expected;
+    } cases[] = {
+        {{modified}, {original, digitized}, "2001:01:01 01:01:01"},
+        {{modified}, {digitized}, "2002:02:02 02:02:02"},
+        {{modified}, {}, "2003:03:03 03:03:03"},
+        {{modified}, {zero, digitized}, "0000:00:00 00:00:00"},
+        {{software}, {}, "none"},
+    };
+    for (const tiff::Format& format : {motorola, intel, intelBig})
+        for (const auto& row : cases) {
+            const QByteArray block = blockOf(format, row.first, row.exif);
+            EXPECT_EQ(textOf(exif::readDates(viewOf(block)).first()), row.expected);
+        }
+}
+
+TEST(ExifBlock, FieldsThatExistAreOverwrittenWhereTheyStand) {
+    for (const tiff::Format& format : {motorola, intel, intelBig}) {
+        const QByteArray block = blockOf(format, {tiff::asciiField(0x0132, "    :  :     :  :  ")},
+                                         {tiff::asciiField(0x9003, "0000:00:00 00:00:00"),
+                                          tiff::asciiField(0x9004, "1111:11:11 11:11:11"),
+                                          {0x927c, tiff::undefinedType, 9, "makernote"}});
+        const QByteArray result = stamped(block, stampOf("2222:22:22 22:22:22"));
+        EXPECT_EQ(result.size(), block.size());
+        EXPECT_LE(differences(block, result), 3 * 19);
+        const exif::Dates dates = exif::readDates(viewOf(result));
+        EXPECT_EQ(textOf(dates.original), "2222:22:22 22:22:22");
+        EXPECT_EQ(textOf(dates.digitized), "2222:22:22 22:22:22");
+        EXPECT_EQ(textOf(dates.modified), "2222:22:22 22:22:22");
+    }
+}
+
+TEST(ExifBlock, WhatIsMissingIsAddedBehindAndNothingElseMoves) {
+    const tiff::Field maker{0x927c, tiff::undefinedType, 9, "makernote"};
+    const tiff::Field odd = tiff::asciiField(0x9003, "2001:01:01"); // too short to be overwritten
+    const tiff::Field other = tiff::asciiField(0x9004, "last summer, in the rain");
+    const tiff::Field software = tiff::asciiField(0x0131, "camera");
+    const std::vector<tiff::Field> exifs[] = {{}, {maker}, {odd, maker}, {other, maker}};
+    for (const tiff::Format& format : {motorola, intel, intelBig})
+        for (const auto& exif : exifs) {
+            const QByteArray block = blockOf(format, {software}, exif) + "odd";
+            const QByteArray once = stamped(block, stampOf("2222:22:22 22:22:22"));
+            ASSERT_GT(once.size(), block.size());
+            // The link to the first directory, the entries of the Exif directory's dates.
+            EXPECT_LE(differences(block, once), 48);
+            EXPECT_EQ(once.indexOf("makernote"), block.indexOf("makernote"));
+            const exif::Dates dates = exif::readDates(viewOf(once));
+            EXPECT_EQ(textOf(dates.original), "2222:22:22 22:22:22");
+            EXPECT_EQ(textOf(dates.digitized), "2222:22:22 22:22:22");
+            EXPECT_EQ(textOf(dates.modified), "2222:22:22 22:22:22");
+            EXPECT_TRUE(
+                exif::stamp(viewOf(once), stampOf("2222:22:22 22:22:22")).isIdentity(viewOf(once)));
+            // Another date then finds its fields and adds nothing.
+            EXPECT_EQ(stamped(once, stampOf("3333:33:33 33:33:33")).size(), once.size());
+        }
+}
+
+TEST(ExifBlock, APlaceThatChangesAgainDoesNotMakeTheBlockGrow) {
+    const GeoLocation sydney{-33.86, 151.21, -5};
+    const QByteArray fresh = stamped({}, stampOf("2222:22:22 22:22:22", sydney));
+    const QByteArray added = stamped(stamped({}, stampOf("2222:22:22 22:22:22")),
+                                     stampOf("2222:22:22 22:22:22", sydney));
+    for (const QByteArray& block : {fresh, added}) {
+        const exif::Stamp moved =
+            stampOf("2222:22:22 22:22:22", GeoLocation{59.9999999999, -179.9999999, 8848.86});
+        const QByteArray result = stamped(block, moved);
+        EXPECT_EQ(result.size(), block.size());
+        EXPECT_NE(result, block);
+        EXPECT_EQ(stamped(result, stampOf("2222:22:22 22:22:22", sydney)), block);
+        // No place: the block keeps the one it has.
+        EXPECT_EQ(stamped(result, stampOf("2222:22:22 22:22:22")), result);
+    }
+}
+
+TEST(ExifBlock, BrokenBlocksAreRefused) {
+    const QByteArray good = blockOf(motorola, {tiff::asciiField(0x0131, "camera")},
+                                    {tiff::asciiField(0x9003, "0000:00:00 00:00:00")});
+    QByteArray cutDirectory = good.left(good.size() - 26);
+    QByteArray pastTheEnd = good;
+    pastTheEnd[7] = '\x7f';
+    QByteArray tooMany = good;
+    tooMany[8] = '\x7f';
+    for (const QByteArray& block :
+         {QByteArray("MM"), QByteArray("II\x2b\0\x08\0\0\0\x10\0\0\0", 12), QByteArray("garbage!"),
+          cutDirectory, pastTheEnd, tooMany})
+        EXPECT_THROW(exif::stamp(viewOf(block), stampOf("2222:22:22 22:22:22")), ParseError);
+}

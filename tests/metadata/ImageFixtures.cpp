@@ -1,0 +1,136 @@
+#include "ImageFixtures.h"
+
+#include "metadata/TiffDirectory.h"
+
+#include <QtEndian>
+
+#include <zlib.h>
+
+namespace quorvane::test {
+
+namespace {
+
+template <class T>
+QByteArray big(T value) {
+    const T swapped = qToBigEndian(value);
+    return {reinterpret_cast<const char*>(&swapped), sizeof swapped};
+}
+
+template <class T>
+QByteArray little(T value) {
+    const T swapped = qToLittleEndian(value);
+    return {reinterpret_cast<const char*>(&swapped), sizeof swapped};
+}
+
+quint32 checkSum(const QByteArray& bytes) {
+    return static_cast<quint32>(crc32(0, reinterpret_cast<const Bytef*>(bytes.constData()),
+                                      static_cast<uInt>(bytes.size())));
+}
+
+const QByteArray pngSignature("\x89PNG\r\n\x1a\n", 8);
+
+} // namespace
+
+ByteView viewOf(const QByteArray& bytes) {
+    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+            static_cast<size_t>(bytes.size())};
+}
+
+QByteArray jpegSegment(int marker, const QByteArray& payload) {
+    return QByteArray(1, '\xff') + static_cast<char>(marker) +
+           big(static_cast<quint16>(payload.size() + 2)) + payload;
+}
+
+QByteArray exifSegment(const QByteArray& block) {
+    return jpegSegment(0xe1, QByteArray("Exif\0\0", 6) + block);
+}
+
+QByteArray jpegOf(const QByteArray& segments) {
+    const QByteArray oneCode = QByteArray(1, 1) + QByteArray(15, 0) + QByteArray(1, 0);
+    return QByteArray("\xff\xd8") + segments +
+           jpegSegment(0xdb, QByteArray(1, 0) + QByteArray(64, 1)) +
+           jpegSegment(0xc0, QByteArray::fromHex("080008000801011100")) +
+           jpegSegment(0xc4, QByteArray(1, 0x00) + oneCode) +
+           jpegSegment(0xc4, QByteArray(1, 0x10) + oneCode) +
+           jpegSegment(0xda, QByteArray::fromHex("010100003f00")) + QByteArray("\x3f\xff\xd9");
+}
+
+QByteArray scanOf(const QByteArray& jpeg) {
+    qsizetype at = 2;
+    while (static_cast<uchar>(jpeg[at + 1]) != 0xda)
+        at += 2 + qFromBigEndian<quint16>(jpeg.constData() + at + 2);
+    return jpeg.mid(at);
+}
+
+QByteArray pngChunk(const QByteArray& type, const QByteArray& data) {
+    return big(static_cast<quint32>(data.size())) + type + data + big(checkSum(type + data));
+}
+
+QByteArray pngOf(const QByteArray& before, const QByteArray& behind) {
+    return pngSignature + pngChunk("IHDR", QByteArray::fromHex("00000001000000010800000000")) +
+           before + pngChunk("IDAT", qCompress(QByteArray(2, 0)).mid(4)) + behind +
+           pngChunk("IEND", {});
+}
+
+QByteArray pngChunkTypes(const QByteArray& png) {
+    QByteArray types;
+    for (qsizetype at = pngSignature.size(); at + 12 <= png.size();) {
+        const auto length = qFromBigEndian<quint32>(png.constData() + at);
+        const QByteArray checked = png.mid(at + 4, length + 4);
+        if (qFromBigEndian<quint32>(png.constData() + at + 8 + length) != checkSum(checked))
+            return "bad check sum";
+        types += checked.left(4) + ' ';
+        at += 12 + length;
+    }
+    return types;
+}
+
+QByteArray riffChunk(const QByteArray& type, const QByteArray& data) {
+    return type + little(static_cast<quint32>(data.size())) + data +
+           QByteArray(data.size() % 2, '\0');
+}
+
+QByteArray webpOf(const QByteArray& chunks) {
+    return "RIFF" + little(static_cast<quint32>(chunks.size() + 4)) + "WEBP" + chunks;
+}
+
+QByteArray losslessChunk(quint32 width, quint32 height, bool alpha) {
+    return riffChunk("VP8L", QByteArray(1, 0x2f) +
+                                 little((width - 1) | (height - 1) << 14 | quint32{alpha} << 28));
+}
+
+QByteArray chunkData(const QByteArray& file, const QList<QByteArray>& types) {
+    QByteArray data;
+    const bool isPng = file.startsWith(pngSignature);
+    for (qsizetype at = isPng ? 8 : 12; at + 8 <= file.size();) {
+        const char* start = file.constData() + at;
+        const qsizetype length =
+            isPng ? qFromBigEndian<quint32>(start) : qFromLittleEndian<quint32>(start + 4);
+        if (types.contains(file.mid(at + (isPng ? 4 : 0), 4)))
+            data += file.mid(at + 8, length);
+        at += isPng ? length + 12 : length + length % 2 + 8;
+    }
+    return data;
+}
+
+QByteArray tiffOf(ByteOrder order, bool bigTiff) {
+    const tiff::Format format{order, bigTiff};
+    const auto number = [&](std::uint16_t tag, std::uint64_t value) {
+        QByteArray bytes;
+        tiff::appendNumber(bytes, value, 4, order);
+        return tiff::Field{tag, tiff::longType, 1, bytes};
+    };
+    const auto fields = [&](std::uint64_t strip) {
+        return std::vector{number(0x0100, 1), number(0x0101, 1), number(0x0102, 8),
+                           number(0x0103, 1), number(0x0106, 1), number(0x0111, strip),
+                           number(0x0116, 1), number(0x0117, 1)};
+    };
+    const QByteArray header = tiff::headerBytes(format);
+    const auto length = header.size() + tiff::serialize(fields(0), header.size(), format).size();
+    return header +
+           tiff::serialize(fields(static_cast<std::uint64_t>(length)),
+                           static_cast<std::uint64_t>(header.size()), format) +
+           '\x7f';
+}
+
+} // namespace quorvane::test

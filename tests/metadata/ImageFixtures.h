@@ -1,0 +1,39 @@
+#pragma once
+
+#include "foundation/ByteReader.h"
+
+#include <QByteArray>
+#include <QList>
+
+/// Small valid pictures, made here byte by byte.
+namespace quorvane::test {
+
+ByteView viewOf(const QByteArray& bytes);
+
+/// A segment of a JPEG file; `marker` such as 0xe1.
+QByteArray jpegSegment(int marker, const QByteArray& payload);
+/// An Exif segment with this block.
+QByteArray exifSegment(const QByteArray& block);
+/// A grey JPEG picture of 8 by 8 with these segments behind SOI.
+QByteArray jpegOf(const QByteArray& segments);
+/// From the first scan on.
+QByteArray scanOf(const QByteArray& jpeg);
+
+QByteArray pngChunk(const QByteArray& type, const QByteArray& data);
+/// A grey PNG picture of one pixel with these chunks before and behind its image data.
+QByteArray pngOf(const QByteArray& before, const QByteArray& behind = {});
+/// The types of its chunks, each followed by a blank, with every check sum verified.
+QByteArray pngChunkTypes(const QByteArray& png);
+
+QByteArray riffChunk(const QByteArray& type, const QByteArray& data);
+QByteArray webpOf(const QByteArray& chunks);
+/// A lossless picture of `width` by `height`; the bits of the picture itself are not there.
+QByteArray losslessChunk(quint32 width, quint32 height, bool alpha);
+
+/// The data of every PNG or RIFF chunk whose type is one of `types`, one after the other.
+QByteArray chunkData(const QByteArray& file, const QList<QByteArray>& types);
+
+/// A TIFF of one grey pixel.
+QByteArray tiffOf(ByteOrder order, bool big);
+
+} // namespace quorvane::test

@@ -1,0 +1,78 @@
+#include "metadata/JpegContainer.h"
+
+#include "ImageFixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorvane;
+using namespace quorvane::test;
+
+namespace {
+
+const QByteArray block("MM\0*\0\0\0\x08\0\0\0\0\0\0", 14);
+
+QByteArray replaced(const QByteArray& file, const QByteArray& exif) {
+    return jpeg::replaceExif(viewOf(file), viewOf(exif)).apply(viewOf(file));
+}
+
+/// An index of two pictures: the first `size` bytes long, the second at `place`.
+QByteArray multiPictureSegment(quint32 size, quint32 place) {
+    const auto word = [](quint32 v) {
+        return QByteArray::fromHex(QByteArray::number(v, 16).rightJustified(8, '0'));
+    };
+    return jpegSegment(0xe2, QByteArray("MPF\0MM\0*\0\0\0\x08\0\x01", 14) +
+                                 QByteArray::fromHex("b0020007") + word(32) + word(26) + word(0) +
+                                 word(0x20030000) + word(size) + word(0) + word(0) + word(0) +
+                                 word(77) + word(place) + word(0));
+}
+
+} // namespace
+
+TEST(JpegContainer, TheBlockGoesWhereReadersExpectIt) {
+    const QByteArray jfif = jpegSegment(0xe0, QByteArray("JFIF\0\1\1\0\0\1\0\1\0\0", 14));
+    const QByteArray icc = jpegSegment(0xe2, QByteArray("ICC_PROFILE\0\1\1profile", 21));
+    const QByteArray xmp = jpegSegment(0xe1, QByteArray("http://ns.adobe.com/xap/1.0/\0<x/>", 33));
+    const QByteArray old = exifSegment(QByteArray("II*\0\x08\0\0\0\0\0", 10));
+    const QByteArray unreadable = exifSegment("????");
+    const QByteArray now = exifSegment(block);
+    const struct {
+        QByteArray before, after;
+    } cases[] = {
+        {{}, now},
+        {xmp, now + xmp},
+        {jfif + icc, jfif + now + icc},
+        {jfif + icc + old + xmp, jfif + icc + now + xmp},
+        {xmp + icc + unreadable, xmp + icc + now},
+        {xmp + unreadable + icc + old, xmp + unreadable + icc + now},
+        {jfif + "\xff\xff" + old, jfif + "\xff\xff" + now}, // fill bytes
+    };
+    for (const auto& row : cases) {
+        const QByteArray result = replaced(jpegOf(row.before), block);
+        EXPECT_EQ(result.toHex(), jpegOf(row.after).toHex());
+        EXPECT_EQ(jpeg::readExif(viewOf(result)), block);
+        EXPECT_TRUE(jpeg::replaceExif(viewOf(result), viewOf(block)).isIdentity(viewOf(result)));
+    }
+}
+
+TEST(JpegContainer, TheIndexOfAMultiPictureFileMovesAlong) {
+    // An index behind the growth moves with what it points at; one before it does not.
+    const auto growth = static_cast<quint32>(exifSegment(block).size());
+    EXPECT_EQ(replaced(jpegOf(multiPictureSegment(1000, 900)), block),
+              jpegOf(exifSegment(block) + multiPictureSegment(1000 + growth, 900)));
+    const QByteArray old = exifSegment("MM");
+    EXPECT_EQ(replaced(jpegOf(multiPictureSegment(1000, 900) + old), block),
+              jpegOf(multiPictureSegment(1012, 912) + exifSegment(block)));
+}
+
+TEST(JpegContainer, WhatCannotBeRewrittenWithCertaintyIsRefused) {
+    const QByteArray full = exifSegment(block + QByteArray(0xfff7 - block.size(), 'x'));
+    EXPECT_THROW(replaced(jpegOf(full + exifSegment("and so on")), block), ContainerError);
+    EXPECT_NO_THROW(replaced(jpegOf({}), QByteArray(0xfff7, 'x')));
+    EXPECT_THROW(replaced(jpegOf({}), QByteArray(0xfff8, 'x')), ContainerError);
+
+    const QByteArray good = jpegOf(exifSegment(block));
+    for (qsizetype length = 0; length < good.size() - scanOf(good).size(); ++length)
+        EXPECT_THROW(replaced(good.left(length), block), ParseError) << length;
+    EXPECT_THROW(replaced(jpegOf("stray"), block), ParseError);
+    EXPECT_THROW(jpeg::readExif(viewOf(good), {2}), ParseError);
+}

@@ -1,0 +1,87 @@
+#include "metadata/PngContainer.h"
+
+#include "ImageFixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorvane;
+using namespace quorvane::test;
+
+namespace {
+
+const QByteArray block("MM\0*\0\0\0\x08\0\0\0\0\0\0", 14);
+const QByteArray oldBlock("II*\0\x08\0\0\0\0\0", 10);
+
+QByteArray replaced(const QByteArray& file) {
+    return png::replaceExif(viewOf(file), viewOf(block)).apply(viewOf(file));
+}
+
+QByteArray profile(const QByteArray& bytes) {
+    QByteArray hex = bytes.toHex();
+    hex.insert(20, '\n');
+    return "\nexif\n      " + QByteArray::number(bytes.size()) + '\n' + hex + '\n';
+}
+
+} // namespace
+
+TEST(PngContainer, TheChunkStandsBeforeTheImageDataAndIsTheOnlyOne) {
+    const QByteArray time = pngChunk("tIME", QByteArray(7, 1));
+    const QByteArray old = pngChunk("eXIf", oldBlock);
+    const QByteArray control = pngChunk("fcTL", QByteArray(26, 0));
+    const struct {
+        QByteArray file, types;
+    } cases[] = {
+        {pngOf({}), "IHDR eXIf IDAT IEND "},
+        {pngOf(time), "IHDR tIME eXIf IDAT IEND "},
+        {pngOf(old + time), "IHDR eXIf tIME IDAT IEND "},
+        {pngOf(time, old + time), "IHDR tIME eXIf IDAT tIME IEND "},
+        {pngOf(old, old), "IHDR eXIf IDAT IEND "},
+        {pngOf(control, old), "IHDR eXIf fcTL IDAT IEND "},
+    };
+    for (const auto& row : cases) {
+        const QByteArray result = replaced(row.file + "behind");
+        EXPECT_TRUE(result.endsWith("behind"));
+        EXPECT_EQ(pngChunkTypes(result.chopped(6)), row.types);
+        EXPECT_EQ(chunkData(result, {"IDAT"}), chunkData(row.file, {"IDAT"}));
+        EXPECT_EQ(png::readExif(viewOf(result)), block);
+        EXPECT_TRUE(png::replaceExif(viewOf(result), viewOf(block)).isIdentity(viewOf(result)));
+    }
+}
+
+TEST(PngContainer, ARawProfileIsReadAndNotLeftToContradict) {
+    const QByteArray key = QByteArray("Raw profile type exif\0", 22);
+    const QByteArray app1 = QByteArray("Raw profile type APP1\0", 22);
+    const QByteArray text = profile(QByteArray("Exif\0\0", 6) + oldBlock);
+    const QByteArray packed = qCompress(text).mid(4);
+    for (const QByteArray& chunk : {
+             pngChunk("tEXt", key + text),
+             pngChunk("tEXt", app1 + profile(oldBlock)),
+             pngChunk("zTXt", key + '\0' + packed),
+             pngChunk("iTXt", app1 + QByteArray("\1\0en\0key\0", 9) + packed),
+         }) {
+        EXPECT_EQ(png::readExif(viewOf(pngOf(chunk))), oldBlock);
+        EXPECT_EQ(png::readExif(viewOf(pngOf(chunk, pngChunk("eXIf", block)))), block);
+        EXPECT_EQ(pngChunkTypes(replaced(pngOf(chunk))), "IHDR eXIf IDAT IEND ");
+        EXPECT_EQ(pngChunkTypes(replaced(pngOf({}, chunk))), "IHDR eXIf IDAT IEND ");
+    }
+    // Profiles of something else, and what no one can read, stay.
+    for (const QByteArray& chunk : {
+             pngChunk("tEXt", app1 + profile("http://ns.adobe.com/xap/1.0/")),
+             pngChunk("tEXt", QByteArray("Raw profile type icc\0", 21) + text),
+             pngChunk("zTXt", key + '\0' + packed.left(9)),
+             pngChunk("tEXt", QByteArray("Comment\0exif", 12)),
+         }) {
+        EXPECT_EQ(png::readExif(viewOf(pngOf(chunk))), std::nullopt);
+        EXPECT_EQ(replaced(pngOf(chunk)), pngOf(chunk + pngChunk("eXIf", block)));
+    }
+    const QByteArray bomb =
+        pngOf(pngChunk("zTXt", key + '\0' + qCompress(QByteArray(9999, '0')).mid(4)));
+    EXPECT_THROW(png::readExif(viewOf(bomb), {10, 9998}), ParseError);
+}
+
+TEST(PngContainer, ABrokenFileIsRefused) {
+    const QByteArray good = pngOf(pngChunk("tIME", QByteArray(7, 1)));
+    for (qsizetype length = 0; length < good.size(); ++length)
+        EXPECT_THROW(replaced(good.left(length)), ParseError) << length;
+    EXPECT_THROW(png::readExif(viewOf(good), {3, 0}), ParseError);
+}
