@@ -86,7 +86,8 @@ void ChunkOffsets::requireOwnData(const Box& dataReferences) {
 
 void ChunkOffsets::requireNoItems(const Box& box) const {
     constexpr std::array<std::uint8_t, 4> iloc{'i', 'l', 'o', 'c'};
-    if (!std::ranges::search(bytesOf(file_, box.body), iloc).empty())
+    const ByteView body = bytesOf(file_, box.body);
+    if (std::search(body.begin(), body.end(), iloc.begin(), iloc.end()) != body.end())
         throw ContainerError(QStringLiteral("Filmin kendi öğeleri var"));
 }
 

@@ -66,27 +66,27 @@ std::vector<std::uint32_t> changedItems(const QByteArray& before, const QByteArr
     return changed;
 }
 
-/// The decoder still opens it, and the metadata reader finds this date.
-void expectOthersRead(const QByteArray& file, const QString& date) {
-    const TemporaryFolder folder;
-    const QString path = pathText(folder.write("picture.heic", file));
-    const QString tags = QStringLiteral("-DateTimeOriginal");
-    EXPECT_EQ(outputOf(QStringLiteral("exiftool"), {QStringLiteral("-s3"), tags, path}),
-              date + QLatin1Char('\n'));
-    EXPECT_EQ(
+QString dateRead(const QString& path) {
+    const auto text =
         outputOf(QStringLiteral("exiftool"), {QStringLiteral("-s3"), QStringLiteral("-warning"),
-                                              QStringLiteral("-error"), path}),
-        QString());
-    const auto info = outputOf(QStringLiteral("heif-info"), {path});
-    ASSERT_TRUE(info);
-    EXPECT_TRUE(info->contains(QStringLiteral("Exif: ")));
-    EXPECT_TRUE(outputOf(QStringLiteral("heif-convert"), {path, pathText(folder / "picture.jpg")}));
+                                              QStringLiteral("-DateTimeOriginal"), path});
+    return text.value_or(QString()).trimmed();
+}
+
+/// A file that the decoder opens is one that it opens afterwards.
+void expectDecodedAsBefore(const std::filesystem::path& before, const QByteArray& after) {
+    const TemporaryFolder folder;
+    const auto decoded = [&](const std::filesystem::path& file) {
+        return outputOf(QStringLiteral("heif-convert"),
+                        {pathText(file), pathText(folder / "picture.ppm")})
+            .has_value();
+    };
+    EXPECT_EQ(decoded(folder.write("picture.heic", after)), decoded(before));
 }
 
 TEST(HeifRealFiles, NewDatesAreWrittenOverTheOldOnes) {
     QUORVANE_REQUIRE_REAL_DATA();
     REQUIRE_PROGRAM("exiftool");
-    REQUIRE_PROGRAM("heif-convert");
     for (const std::filesystem::path& path : realPictures()) {
         SCOPED_TRACE(path.filename().string());
         const QByteArray file = readFile(path);
@@ -99,7 +99,9 @@ TEST(HeifRealFiles, NewDatesAreWrittenOverTheOldOnes) {
             ASSERT_EQ(after.size(), file.size());
             EXPECT_EQ(changedItems(file, after).size(), 1U);
         }
-        expectOthersRead(after, QStringLiteral("2038:01:20 00:00:01"));
+        const TemporaryFolder folder;
+        EXPECT_EQ(dateRead(pathText(folder.write("picture.heic", after))),
+                  QStringLiteral("2038:01:20 00:00:01"));
     }
 }
 
@@ -112,12 +114,12 @@ TEST(HeifRealFiles, ABlockOfAnotherLengthLeavesAllOtherItemsAlone) {
         const QByteArray file = readFile(path);
         const QByteArray block = dated(heif::readExif(view(file)).value(), "2021:03:06 02:30:00");
         const QByteArray longer = replaced(file, block + QByteArray(5'000, '\0'));
-        EXPECT_EQ(longer.size() - file.size(),
-                  8 + (HeifContent(file).items.at(changedItems(file, longer).at(0)).size()) +
-                      5'000);
         EXPECT_EQ(changedItems(file, longer).size(), 1U);
         EXPECT_EQ(heif::readExif(view(longer)), block + QByteArray(5'000, '\0'));
-        expectOthersRead(longer, QStringLiteral("2021:03:06 02:30:00"));
+        const TemporaryFolder folder;
+        EXPECT_EQ(dateRead(pathText(folder.write("picture.heic", longer))),
+                  QStringLiteral("2021:03:06 02:30:00"));
+        expectDecodedAsBefore(path, longer);
 
         const QByteArray shorter = replaced(file, block.chopped(1));
         EXPECT_EQ(changedItems(file, shorter).size(), 1U);
