@@ -1,17 +1,14 @@
 #include "google/CurlHttpClient.h"
 
-#include "foundation/File.h"
 #include "google/GoogleEndpoints.h"
+#include "google/RequestBody.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <set>
 
 #include <curl/curl.h>
-#include <fcntl.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
+#include <sys/socket.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <linux/sockios.h>
@@ -92,64 +89,18 @@ HeaderList headerList(const HttpRequest& request) {
     return list;
 }
 
-/// The request's body, in memory or read from its file as curl asks for it.
-class BodySource {
-  public:
-    explicit BodySource(const HttpRequest& request) : request_(request) {
-        if (!request.bodyFile) {
-            size_ = request.body.size();
-            return;
-        }
-        file_ = openFile(*request.bodyFile, O_RDONLY);
-        struct stat info {};
-        if (::fstat(file_.get(), &info) != 0 || !S_ISREG(info.st_mode))
-            throw FileError(QStringLiteral("Dosya okunamadı"), *request.bodyFile,
-                            S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
-        size_ = info.st_size;
-    }
+size_t readBody(char* buffer, size_t unit, size_t count, void* body) {
+    return static_cast<RequestBody*>(body)
+        ->read(buffer, unit * count)
+        .value_or(CURL_READFUNC_ABORT);
+}
 
-    std::int64_t size() const { return size_; }
-
-    /// What went wrong with the file, 0 for nothing.
-    int errorNumber() const { return errorNumber_; }
-
-    static size_t read(char* buffer, size_t unit, size_t count, void* self) {
-        return static_cast<BodySource*>(self)->readNext(buffer, unit * count);
-    }
-
-    static int seek(void* self, curl_off_t offset, int origin) {
-        if (origin != SEEK_SET)
-            return CURL_SEEKFUNC_CANTSEEK;
-        static_cast<BodySource*>(self)->offset_ = offset;
-        return CURL_SEEKFUNC_OK;
-    }
-
-  private:
-    size_t readNext(char* buffer, size_t room) {
-        const size_t wanted = std::min(room, static_cast<size_t>(size_ - offset_));
-        if (!file_.isOpen()) {
-            std::memcpy(buffer, request_.body.constData() + offset_, wanted);
-            offset_ += static_cast<std::int64_t>(wanted);
-            return wanted;
-        }
-        ssize_t n = 0;
-        do {
-            n = ::pread(file_.get(), buffer, wanted, offset_);
-        } while (n < 0 && errno == EINTR);
-        if (n < 0 || (n == 0 && wanted > 0)) { // a file that shrank counts as damaged
-            errorNumber_ = n < 0 ? errno : EIO;
-            return CURL_READFUNC_ABORT;
-        }
-        offset_ += n;
-        return static_cast<size_t>(n);
-    }
-
-    const HttpRequest& request_;
-    FileDescriptor file_;
-    std::int64_t size_ = 0;
-    std::int64_t offset_ = 0;
-    int errorNumber_ = 0;
-};
+int seekBody(void* body, curl_off_t offset, int origin) {
+    if (origin != SEEK_SET)
+        return CURL_SEEKFUNC_CANTSEEK;
+    static_cast<RequestBody*>(body)->seek(offset);
+    return CURL_SEEKFUNC_OK;
+}
 
 /// The answer as it arrives.
 struct Answer {
@@ -192,7 +143,7 @@ class CurlHttpClient::Lane {
 
     HttpResponse send(const HttpRequest& request, std::int64_t largestResponse,
                       std::stop_token stop) {
-        BodySource body(request);
+        RequestBody body(request);
         Answer answer;
         answer.largestBody = largestResponse;
         const HeaderList headers = headerList(request);
@@ -271,15 +222,15 @@ class CurlHttpClient::Lane {
         set(CURLOPT_CLOSESOCKETDATA, this);
     }
 
-    void attachBody(const HttpRequest& request, BodySource& body) {
+    void attachBody(const HttpRequest& request, RequestBody& body) {
         if (body.size() == 0 && (request.method == "GET" || request.method == "DELETE"))
             return;
         set(CURLOPT_UPLOAD, 1L);
         set(CURLOPT_UPLOAD_BUFFERSIZE, uploadBufferBytes);
         set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(body.size()));
-        set(CURLOPT_READFUNCTION, &BodySource::read);
+        set(CURLOPT_READFUNCTION, &readBody);
         set(CURLOPT_READDATA, &body);
-        set(CURLOPT_SEEKFUNCTION, &BodySource::seek);
+        set(CURLOPT_SEEKFUNCTION, &seekBody);
         set(CURLOPT_SEEKDATA, &body);
     }
 

@@ -2,7 +2,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -33,7 +33,7 @@ bool BrowserProcess::open(const QUrl& url) {
         pid_ = -1;
         return false;
     }
-    exit_ = FileDescriptor(::pidfd_open(pid_, 0));
+    exit_ = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
     return true;
 }
 

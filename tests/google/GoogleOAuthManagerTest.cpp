@@ -1,0 +1,377 @@
+#include "google/OAuthMessages.h"
+#include "google/Pkce.h"
+
+#include "google/OAuthWorld.h"
+
+#include <QUrlQuery>
+
+#include <gmock/gmock.h>
+
+#include <future>
+#include <latch>
+#include <set>
+
+namespace quorvane::test {
+namespace {
+
+using emulator::RequestKind;
+
+std::vector<std::string> namesOf(const QByteArray& form) {
+    std::vector<std::string> names;
+    for (const QByteArray& pair : form.split('&'))
+        names.push_back(pair.left(pair.indexOf('=')).toStdString());
+    return names;
+}
+
+std::optional<OAuthError::Case> failureOf(const std::function<void()>& work) {
+    try {
+        work();
+        return std::nullopt;
+    } catch (const OAuthError& error) {
+        return error.which();
+    }
+}
+
+class GoogleOAuthManagerTest : public testing::Test, protected OAuthWorld {
+  protected:
+    QString token() { return manager.validAccessToken({}); }
+};
+
+TEST(PkceTest, MatchesTheKnownVectorAndDrawsFreshVerifiers) {
+    // RFC 7636, appendix B
+    EXPECT_EQ(codeChallenge(QStringLiteral("dBjftJeZ4CVP-mB92K27uhbUJU1p1r_wW1gFWFOEjXk")),
+              QStringLiteral("E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw-cM"));
+    const PkcePair pair = makePKCEPair();
+    EXPECT_EQ(pair.verifier.size(), 64);
+    EXPECT_EQ(pair.challenge, codeChallenge(pair.verifier));
+    EXPECT_NE(pair.verifier, makePKCEPair().verifier);
+
+    std::map<QChar, int> drawn;
+    for (const QChar c : randomString(66'000))
+        ++drawn[c];
+    EXPECT_EQ(drawn.size(), 66u);
+    for (const auto& [character, count] : drawn)
+        EXPECT_NEAR(count, 1000, 200) << character.toLatin1();
+}
+
+TEST(OAuthMessagesTest, FindsTheCodeInWhateverFormTheCallbackHas) {
+    const struct {
+        const char* callback;
+        const char* code;
+    } rows[] = {
+        {"c.b.a:/oauth2redirect?code=4%2F0Ab&state=x", "4/0Ab"},
+        {"c.b.a:/oauth2redirect?state=x&code=4/0A%2Bb%3D", "4/0A+b="},
+        {"c.b.a:/oauth2redirect?code=&code=second", "second"},
+        {"c.b.a:/oauth2redirect&code=4%2F0Ab&scope=s", "4/0Ab"},
+        {"c.b.a:/oauth2redirect#x?code=4%2F0Ab", "4/0Ab"},
+        {"c.b.a:/oauth2redirect?error=access_denied&state=x", ""},
+        {"c.b.a:/oauth2redirect?barcode=1&code=", ""},
+        {"c.b.a:/oauth2redirect", ""},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(oauth::authCode(QUrl(QString::fromUtf8(row.callback))).value_or(QString()),
+                  QString::fromUtf8(row.code))
+            << row.callback;
+}
+
+TEST(OAuthMessagesTest, EncodesAllButUnreservedCharacters) {
+    EXPECT_EQ(oauth::percentEncode(QStringLiteral("aZ9-._~ &=+/:%ç")),
+              "aZ9-._~%20%26%3D%2B%2F%3A%25%C3%A7");
+    EXPECT_EQ(oauth::reversedClientID(QStringLiteral("1-a.apps.example.com")),
+              QStringLiteral("com.example.apps.1-a"));
+}
+
+TEST_F(GoogleOAuthManagerTest, SignInAsksForEverythingInOrderAndStoresWhatComes) {
+    manager.signIn({});
+
+    EXPECT_THAT(namesOf(session.page.query(QUrl::FullyEncoded).toUtf8()),
+                testing::ElementsAre("client_id", "redirect_uri", "response_type", "scope",
+                                     "code_challenge", "code_challenge_method", "state",
+                                     "access_type", "prompt"));
+    EXPECT_EQ(session.scheme, QStringLiteral("com.googleusercontent.apps.1234-abcd"));
+    const QUrlQuery page(session.page);
+    EXPECT_EQ(page.queryItemValue(QStringLiteral("state")).size(), 16);
+    EXPECT_EQ(page.queryItemValue(QStringLiteral("prompt")), QStringLiteral("consent"));
+    EXPECT_TRUE(session.page.query(QUrl::FullyEncoded).contains(u"appendonly%20https"));
+
+    const auto exchange = google.requests(RequestKind::token).at(0);
+    EXPECT_THAT(
+        namesOf(exchange.body),
+        testing::ElementsAre("client_id", "redirect_uri", "grant_type", "code", "code_verifier"));
+    EXPECT_EQ(exchange.header("Content-Type"), "application/x-www-form-urlencoded");
+    EXPECT_TRUE(exchange.body.contains(
+        "redirect_uri=com.googleusercontent.apps.1234-abcd%3A%2Foauth2redirect&"));
+
+    EXPECT_TRUE(manager.isSignedIn());
+    EXPECT_EQ(manager.email(), QStringLiteral("kullanici@example.com"));
+    EXPECT_EQ(tokens.readToken(tokenKeys::expiry), QStringLiteral("1700003599"));
+    EXPECT_EQ(token(), tokens.readToken(tokenKeys::accessToken));
+    EXPECT_EQ(refreshes(), 1) << "the exchange alone";
+}
+
+TEST_F(GoogleOAuthManagerTest, SignInLogsItsStepsButNoToken) {
+    client.secret = QStringLiteral("gizli-anahtar");
+    manager.signIn({});
+    token();
+    clock.advance(std::chrono::hours(2));
+    token();
+    const QStringList lines = log.messages();
+    const QString all = lines.join(u'\n');
+    qsizetype at = 0;
+    for (const char* part :
+         {"🔑 signIn() başlatıldı...", "🌐 ASWebAuthSession.start() çağrıldı (isMain: true): true",
+          "📩 ASWebAuth callback tetiklendi (isMain: true)", "✅ Callback URL başarıyla alındı: com.",
+          "🔑 Callback URL alındı, kod ayrıştırılıyor...", "✅ Auth code başarıyla alındı: 4/",
+          "🔑 Kod ayrıştırıldı, token takası yapılıyor...",
+          "🚀 Token takas isteği gönderiliyor (redirect_uri: com.googleusercontent.apps.1234-abcd:"
+          "/oauth2redirect, hasSecret: true)",
+          "🔑 Refresh token kaydedildi.", "✅ Access token başarıyla alındı ve kaydedildi.",
+          "👤 Kullanıcı e-postası alındı: kullanici@example.com", "🎉 Giriş başarıyla tamamlandı!",
+          "ℹ️ Yanıtta refresh token yer almadı"}) {
+        at = all.indexOf(QStringLiteral("[OAuth] ") + QString::fromUtf8(part), at);
+        ASSERT_GE(at, 0) << part;
+    }
+    const auto verifier =
+        QUrlQuery(QString::fromUtf8(google.requests(RequestKind::token).at(0).body))
+            .queryItemValue(QStringLiteral("code_verifier"));
+    for (const QString& secret :
+         {*client.secret, verifier, tokens.readToken(tokenKeys::accessToken).value(),
+          tokens.readToken(tokenKeys::refreshToken).value()})
+        EXPECT_FALSE(all.contains(secret));
+}
+
+TEST_F(GoogleOAuthManagerTest, SendsAClientSecretOnlyWhenThereIsOne) {
+    for (const char* secret : {"", "s e&cret"}) {
+        client.secret = QString::fromUtf8(secret);
+        google.clearRequests();
+        manager.signIn({});
+        clock.advance(std::chrono::hours(2));
+        token();
+        const auto requests = google.requests(RequestKind::token);
+        ASSERT_EQ(requests.size(), 2u);
+        for (const auto& request : requests)
+            EXPECT_EQ(request.body.endsWith("&client_secret=s%20e%26cret"), *secret != '\0')
+                << request.body.constData();
+    }
+}
+
+TEST_F(GoogleOAuthManagerTest, EndsASignInThatBringsNoCode) {
+    google.change([](auto& behaviour) { behaviour.consentDenied = true; });
+    EXPECT_EQ(failureOf([&] { manager.signIn({}); }), OAuthError::Case::missingCode);
+    EXPECT_TRUE(log.contains(QStringLiteral("[OAuth] ❌ URL içinde code bulunamadı: ")));
+
+    session.answer = [] { return QUrl(); };
+    EXPECT_EQ(failureOf([&] { manager.signIn({}); }), OAuthError::Case::missingCode);
+    EXPECT_TRUE(log.contains(QStringLiteral("[OAuth] ❌ Callback URL boş geldi!")));
+
+    session.answer = []() -> QUrl { throw Error(QStringLiteral("vazgeçildi")); };
+    EXPECT_THROW(manager.signIn({}), Error);
+    EXPECT_TRUE(log.contains(QStringLiteral("[OAuth] ❌ ASWebAuthSession hatası: vazgeçildi")));
+
+    session.answer = []() -> QUrl { throw Cancelled(); };
+    EXPECT_THROW(manager.signIn({}), Cancelled);
+    EXPECT_FALSE(manager.isSignedIn());
+    EXPECT_EQ(refreshes(), 0);
+}
+
+TEST_F(GoogleOAuthManagerTest, RefusesAnswersThatAreNoTokens) {
+    const struct {
+        int status;
+        QByteArray body;
+        OAuthError::Case failure;
+        const char* logged;
+    } rows[] = {
+        {200, "<html>proxy</html>", OAuthError::Case::invalidResponse,
+         "[OAuth] ❌ Geçersiz token yanıtı: <html>proxy</html>"},
+        {200, R"({"refresh_token": "r-1"})", OAuthError::Case::invalidResponse,
+         R"([OAuth] ❌ Geçersiz token yanıtı: {"refresh_token":"***"})"},
+        {200, R"({"access_token": 7})", OAuthError::Case::invalidResponse, "yanıtı: {"},
+        {200, "\xff\xfe", OAuthError::Case::invalidResponse, "yanıtı: Bilinmeyen yanıt"},
+        {400, R"({"error":"invalid_grant"})", OAuthError::Case::tokenExchangeFailed,
+         R"([OAuth] ❌ Token takası başarısız! HTTP 400: {"error":"invalid_grant"})"},
+    };
+    for (const auto& row : rows) {
+        answerTokenRequest(row.status, row.body);
+        EXPECT_EQ(failureOf([&] { manager.signIn({}); }), row.failure) << row.body.constData();
+        EXPECT_TRUE(log.contains(QString::fromUtf8(row.logged)))
+            << log.messages().last().toStdString();
+        EXPECT_FALSE(manager.isSignedIn());
+    }
+    answerTokenRequest(503, "meşgul");
+    try {
+        manager.signIn({});
+        FAIL() << "signed in";
+    } catch (const OAuthError& error) {
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("OAuth: Token takasi basarisiz -> HTTP 503: meşgul"));
+    }
+}
+
+TEST_F(GoogleOAuthManagerTest, KeepsWhatAnAnswerLeavesOut) {
+    storeTokens(1000);
+    const auto expiry = tokens.readToken(tokenKeys::expiry);
+    answerTokenRequest(200, R"({"access_token": "new"})");
+    manager.signIn({});
+    EXPECT_EQ(tokens.readToken(tokenKeys::accessToken), QStringLiteral("new"));
+    EXPECT_EQ(tokens.readToken(tokenKeys::refreshToken), refreshToken);
+    EXPECT_EQ(tokens.readToken(tokenKeys::expiry), expiry);
+}
+
+TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
+    emulator::Fault faults[3];
+    faults[0].status = 500;
+    faults[1].body = "<html>";
+    faults[2].dropAnswerAfter = 3;
+    for (emulator::Fault& fault : faults) {
+        fault.kind = RequestKind::userinfo;
+        google.addFault(fault);
+        manager.signIn({});
+        EXPECT_TRUE(manager.isSignedIn());
+        EXPECT_EQ(manager.email(), std::nullopt);
+    }
+    EXPECT_EQ(
+        log.messages().filter(QStringLiteral("[OAuth] ⚠️ E-posta bilgisi alınamadı")).size(),
+        3);
+}
+
+TEST_F(GoogleOAuthManagerTest, RefreshesAMinuteBeforeTheExpiry) {
+    const struct {
+        const char* expiry; ///< empty: none stored
+        bool refreshes;
+    } rows[] = {{"1700000059", true},
+                {"1700000060", true},
+                {"1700000061", false},
+                {"1.700001e9", false},
+                {" 1700000999", true},
+                {"1700000999\n", true},
+                {"", true},
+                {"yarın", true}};
+    for (const auto& row : rows) {
+        storeTokens(0);
+        tokens.writeToken(tokenKeys::expiry, QString::fromUtf8(row.expiry));
+        EXPECT_EQ(token() != accessToken, row.refreshes) << row.expiry;
+    }
+    storeTokens(0);
+    token();
+    const QByteArray form = google.requests(RequestKind::token).back().body;
+    EXPECT_THAT(namesOf(form), testing::ElementsAre("client_id", "grant_type", "refresh_token"));
+    EXPECT_EQ(tokens.readToken(tokenKeys::refreshToken), refreshToken);
+}
+
+TEST_F(GoogleOAuthManagerTest, FiftyCallersShareOneRefresh) {
+    storeTokens(0);
+    delayTokenRequest(std::chrono::milliseconds(100));
+    std::latch ready(50);
+    std::vector<std::future<QString>> callers;
+    for (int i = 0; i < 50; ++i)
+        callers.push_back(std::async(std::launch::async, [&] {
+            ready.arrive_and_wait();
+            return token();
+        }));
+    std::set<QString> results;
+    for (auto& caller : callers)
+        results.insert(caller.get());
+    EXPECT_EQ(results, std::set<QString>{tokens.readToken(tokenKeys::accessToken).value()});
+    EXPECT_EQ(refreshes(), 1);
+}
+
+TEST_F(GoogleOAuthManagerTest, ACallerThatStopsLeavesTheRefreshToTheOthers) {
+    storeTokens(0);
+    delayTokenRequest(std::chrono::milliseconds(200));
+    std::stop_source stop;
+    auto first =
+        std::async(std::launch::async, [&] { return manager.validAccessToken(stop.get_token()); });
+    ASSERT_TRUE(google.waitForRequests(RequestKind::token, 1));
+    auto second = std::async(std::launch::async, [&] { return token(); });
+    stop.request_stop();
+    EXPECT_THROW(first.get(), Cancelled);
+    const QString refreshed = second.get();
+    EXPECT_EQ(refreshed, tokens.readToken(tokenKeys::accessToken));
+    EXPECT_EQ(refreshes(), 1);
+}
+
+TEST_F(GoogleOAuthManagerTest, AFailedRefreshSignsNobodyOutAndIsTriedAgain) {
+    storeTokens(0);
+    answerTokenRequest(400, R"({"error":"invalid_grant"})");
+    EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::refreshFailed);
+    EXPECT_TRUE(log.contains(
+        QStringLiteral(R"([OAuth] ❌ Token yenileme başarısız: {"error":"invalid_grant"})")));
+    EXPECT_TRUE(manager.isSignedIn());
+    EXPECT_NE(token(), accessToken);
+
+    google.stop();
+    clock.advance(std::chrono::hours(2));
+    EXPECT_THROW(token(), TransportError);
+    EXPECT_TRUE(manager.isSignedIn());
+}
+
+TEST_F(GoogleOAuthManagerTest, WithoutARefreshTokenTheOldTokenIsAllThereIs) {
+    EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::notSignedIn);
+    EXPECT_FALSE(manager.isSignedIn());
+    storeTokens(-1000);
+    tokens.deleteToken(tokenKeys::refreshToken);
+    EXPECT_EQ(token(), accessToken);
+    EXPECT_TRUE(manager.isSignedIn());
+    EXPECT_EQ(refreshes(), 0);
+}
+
+TEST_F(GoogleOAuthManagerTest, SignOutRevokesAndForgetsWhateverGoogleSays) {
+    for (const bool googleAnswers : {true, false}) {
+        storeTokens(1000);
+        tokens.writeToken(tokenKeys::email, QStringLiteral("a@example.com"));
+        if (!googleAnswers)
+            google.stop();
+        manager.signOut({});
+        EXPECT_FALSE(manager.isSignedIn());
+        EXPECT_EQ(manager.email(), std::nullopt);
+        EXPECT_TRUE(keychain.items.empty());
+        EXPECT_FALSE(readFile(folder / "preferences.json").contains("token_fallback"));
+    }
+    const auto revocations = google.requests(RequestKind::revoke);
+    ASSERT_EQ(revocations.size(), 1u);
+    EXPECT_TRUE(revocations[0].body.startsWith("token=ya29"));
+    EXPECT_EQ(revocations[0].status, 200);
+    EXPECT_TRUE(
+        log.contains(QStringLiteral("[OAuth] 🚪 Oturum kapatıldı ve tüm token'lar temizlendi.")));
+}
+
+TEST_F(GoogleOAuthManagerTest, ARefreshInFlightDoesNotUndoASignOutOrASignIn) {
+    for (const bool signsOut : {true, false}) {
+        storeTokens(0);
+        google.clearRequests();
+        delayTokenRequest(std::chrono::milliseconds(300));
+        const int before = refreshes();
+        auto caller = std::async(std::launch::async, [&] { return token(); });
+        ASSERT_TRUE(google.waitForRequests(RequestKind::token, before + 1));
+        if (signsOut) {
+            manager.signOut({});
+            EXPECT_EQ(failureOf([&] { caller.get(); }), OAuthError::Case::notSignedIn);
+            EXPECT_FALSE(manager.isSignedIn());
+        } else {
+            manager.signIn({});
+            EXPECT_EQ(caller.get(), tokens.readToken(tokenKeys::accessToken));
+            EXPECT_NE(tokens.readToken(tokenKeys::refreshToken), refreshToken);
+        }
+    }
+}
+
+TEST(GoogleOAuthManagerShutdownTest, EndsARefreshInFlightAtOnce) {
+    auto world = std::make_unique<OAuthWorld>();
+    emulator::Fault mute;
+    mute.kind = RequestKind::token;
+    mute.stall = true;
+    world->google.addFault(mute);
+    world->storeTokens(0);
+    std::stop_source stop;
+    auto caller = std::async(std::launch::async,
+                             [&] { return world->manager.validAccessToken(stop.get_token()); });
+    ASSERT_TRUE(world->google.waitForRequests(RequestKind::token, 1));
+    stop.request_stop();
+    EXPECT_THROW(caller.get(), Cancelled);
+    const auto begin = std::chrono::steady_clock::now();
+    world.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+}
+
+} // namespace
+} // namespace quorvane::test
