@@ -14,6 +14,8 @@ namespace quorvane {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 GoogleAlbum album(const char* id, const char* title, const char* count = "1") {
     return {QString::fromUtf8(id), QString::fromUtf8(title), {}, QString::fromUtf8(count)};
 }
@@ -32,8 +34,7 @@ struct Albums : testing::Test {
     Albums() {
         http.answer = [this](const HttpRequest& request, const std::stop_token&) {
             const QString page =
-                QUrlQuery(request.url)
-                    .queryItemValue(QStringLiteral("pageToken"), QUrl::FullyDecoded);
+                QUrlQuery(request.url).queryItemValue(u"pageToken"_s, QUrl::FullyDecoded);
             const auto found =
                 pages.find(page.isEmpty() ? request.url.path() : request.url.path() + u'?' + page);
             return found == pages.end() ? HttpResponse{200, "{}"} : found->second;
@@ -52,12 +53,12 @@ struct Albums : testing::Test {
 
 TEST_F(Albums, ListingMergesMemoryAndEveryPageInStableOrder) {
     remember({album("r1", "Eski", "5"), album("r2", "Kalan")});
-    pages[QStringLiteral("/v1/albums")] = {
+    pages[u"/v1/albums"_s] = {
         200, R"({"albums": [{"id":"a1","title":"A","mediaItemsCount":"1"}, {"title":"no id"}, 7],
                  "nextPageToken": "p+/= 2"})"};
-    pages[QStringLiteral("/v1/albums?p+/= 2")] = {
+    pages[u"/v1/albums?p+/= 2"_s] = {
         200, R"({"albums": [{"id":"r1","title":"Yeni","mediaItemsCount":"6"}]})"};
-    pages[QStringLiteral("/v1/sharedAlbums")] = {
+    pages[u"/v1/sharedAlbums"_s] = {
         200, R"({"sharedAlbums": [{"id":"a1","title":"A","mediaItemsCount":"1"},
                                   {"id":"s1","title":"S","mediaItemsCount":"1"}]})"};
     const std::vector<GoogleAlbum> expected{album("r1", "Yeni", "6"), album("r2", "Kalan"),
@@ -65,9 +66,8 @@ TEST_F(Albums, ListingMergesMemoryAndEveryPageInStableOrder) {
     EXPECT_EQ(manager.listAlbums({}), expected);
     EXPECT_EQ(manager.getLocalCreatedAlbums(), expected);
     EXPECT_FALSE(manager.hasInsufficientScopes());
-    EXPECT_EQ(log.messages(),
-              QStringList{QStringLiteral("[GoogleAlbumManager] Toplam 4 Google Photos albümü "
-                                         "yüklendi (scopeIssue: false)")});
+    EXPECT_EQ(log.messages(), QStringList{u"[GoogleAlbumManager] Toplam 4 Google Photos albümü "
+                                          "yüklendi (scopeIssue: false)"_s});
     const auto requests = http.requests();
     ASSERT_EQ(requests.size(), 3U);
     EXPECT_EQ(requests[1].url.toEncoded(),
@@ -77,48 +77,47 @@ TEST_F(Albums, ListingMergesMemoryAndEveryPageInStableOrder) {
 }
 
 TEST_F(Albums, AFailingEndpointShortensTheListAndIsLogged) {
-    const QString where = QStringLiteral("Endpoint http://127.0.0.1:9/v1/albums");
+    const QString where = u"Endpoint http://127.0.0.1:9/v1/albums"_s;
     for (const auto& [answer, line] : {
              std::pair<HttpResponse, QString>{
                  {403, "no scope"},
-                 where + QStringLiteral(" HTTP 403 (excludeNonAppCreatedData: true): no scope")},
-             {{401, "who?"}, where + QStringLiteral(" HTTP 401: who?")},
-             {{404, ""}, where + QStringLiteral(" HTTP 404: ")},
-             {{429, "slow"}, where + QStringLiteral(" HTTP 429: slow")},
-             {{503, "later"}, where + QStringLiteral(" HTTP 503: later")},
-             {{200, ""}, where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
-             {{200, "<html>"}, where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
-             {{200, "[1]"}, where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
+                 where + u" HTTP 403 (excludeNonAppCreatedData: true): no scope"_s},
+             {{401, "who?"}, where + u" HTTP 401: who?"_s},
+             {{404, ""}, where + u" HTTP 404: "_s},
+             {{429, "slow"}, where + u" HTTP 429: slow"_s},
+             {{503, "later"}, where + u" HTTP 503: later"_s},
+             {{200, ""}, where + u": [Album] Geçersiz API yanıtı"_s},
+             {{200, "<html>"}, where + u": [Album] Geçersiz API yanıtı"_s},
+             {{200, "[1]"}, where + u": [Album] Geçersiz API yanıtı"_s},
              {{200, QByteArray("{\"a\":").repeated(5000)},
-              where + QStringLiteral(": [Album] Geçersiz API yanıtı")},
+              where + u": [Album] Geçersiz API yanıtı"_s},
          }) {
         remember({album("r1", "Eski")});
-        pages[QStringLiteral("/v1/albums")] = answer;
-        pages[QStringLiteral("/v1/sharedAlbums")] = {
+        pages[u"/v1/albums"_s] = answer;
+        pages[u"/v1/sharedAlbums"_s] = {
             200, R"({"sharedAlbums": [{"id":"s1","title":"S","mediaItemsCount":"1"}]})"};
         EXPECT_EQ(manager.listAlbums({}), (std::vector{album("r1", "Eski"), album("s1", "S")}));
-        EXPECT_TRUE(log.contains(QStringLiteral("[GoogleAlbumManager] ⚠️ ") + line))
-            << line.toStdString();
+        EXPECT_TRUE(log.contains(u"[GoogleAlbumManager] ⚠️ "_s + line)) << line.toStdString();
         EXPECT_EQ(manager.hasInsufficientScopes(), answer.status == 403);
     }
-    EXPECT_TRUE(log.contains(
-        QStringLiteral("[GoogleAlbumManager] ⚠️ Google Photos albüm okuma kapsamı (scope) "
-                       "yetersiz. Kullanıcının oturumu yenilemesi gerekebilir.")));
+    EXPECT_TRUE(
+        log.contains(u"[GoogleAlbumManager] ⚠️ Google Photos albüm okuma kapsamı (scope) "
+                     "yetersiz. Kullanıcının oturumu yenilemesi gerekebilir."_s));
 }
 
 TEST_F(Albums, ABrokenNetworkLeavesTheMemoryAndAStopEndsTheListing) {
     remember({album("r1", "Eski")});
     http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
-        throw TransportError(QStringLiteral("koptu"));
+        throw TransportError(u"koptu"_s);
     };
     EXPECT_EQ(manager.listAlbums({}), std::vector{album("r1", "Eski")});
-    EXPECT_TRUE(log.contains(
-        QStringLiteral("[GoogleAlbumManager] Ağ hatası (http://127.0.0.1:9/v1/albums): koptu")));
+    EXPECT_TRUE(
+        log.contains(u"[GoogleAlbumManager] Ağ hatası (http://127.0.0.1:9/v1/albums): koptu"_s));
     http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
         throw Cancelled();
     };
     EXPECT_THROW(manager.listAlbums({}), Cancelled);
-    tokens.failure = QStringLiteral("OAuth: kullanici giris yapmamis");
+    tokens.failure = u"OAuth: kullanici giris yapmamis"_s;
     EXPECT_THROW(manager.listAlbums({}), Error);
 }
 
@@ -140,15 +139,15 @@ TEST_F(Albums, AnAlbumMadeDuringAListingIsNotForgotten) {
         if (request.method == "POST")
             return HttpResponse{200, R"({"id":"n1","title":"Yeni","mediaItemsCount":"1"})"};
         if (request.url.path() == u"/v1/albums")
-            manager.createAlbum(QStringLiteral("Yeni"), {});
+            manager.createAlbum(u"Yeni"_s, {});
         return HttpResponse{200, "{}"};
     };
     EXPECT_EQ(manager.listAlbums({}), std::vector{album("n1", "Yeni")});
 }
 
 TEST_F(Albums, CreatingMakesTheAlbumTheTarget) {
-    pages[QStringLiteral("/v1/albums")] = {200, R"({"id":"n1","title":"Aile \"1\""})"};
-    const GoogleAlbum made = manager.createAlbum(QStringLiteral("Aile \"1\""), {});
+    pages[u"/v1/albums"_s] = {200, R"({"id":"n1","title":"Aile \"1\""})"};
+    const GoogleAlbum made = manager.createAlbum(u"Aile \"1\""_s, {});
     EXPECT_EQ(made.id, QLatin1String("n1"));
     const HttpRequest request = http.requests().at(0);
     EXPECT_EQ(request.method, "POST");
@@ -157,8 +156,8 @@ TEST_F(Albums, CreatingMakesTheAlbumTheTarget) {
               (std::vector<std::pair<QByteArray, QByteArray>>{
                   {"Authorization", "Bearer ya29.test"}, {"Content-Type", "application/json"}}));
     EXPECT_EQ(request.body, R"({"album":{"title":"Aile \"1\""}})");
-    EXPECT_EQ(manager.targetAlbumID(), QStringLiteral("n1"));
-    manager.createAlbum(QStringLiteral("Aile \"1\""), {});
+    EXPECT_EQ(manager.targetAlbumID(), u"n1"_s);
+    manager.createAlbum(u"Aile \"1\""_s, {});
     EXPECT_EQ(manager.getLocalCreatedAlbums(), std::vector{made}) << "remembered once";
     manager.selectTargetAlbum(std::nullopt);
     EXPECT_EQ(manager.targetAlbumID(), std::nullopt);
@@ -174,16 +173,16 @@ TEST_F(Albums, ARefusedAlbumChangesNothing) {
           {{200, ""}, "[Album] Geçersiz API yanıtı"},
           {{200, "<html>"}, "[Album] Geçersiz API yanıtı"},
           {{200, R"({"id":7})"}, "[Album] Geçersiz API yanıtı"}}) {
-        pages[QStringLiteral("/v1/albums")] = answer;
+        pages[u"/v1/albums"_s] = answer;
         try {
-            manager.createAlbum(QStringLiteral("Aile"), {});
+            manager.createAlbum(u"Aile"_s, {});
             ADD_FAILURE() << text;
         } catch (const AlbumError& error) {
             EXPECT_EQ(error.localizedDescription(), QString::fromUtf8(text));
         }
     }
-    EXPECT_TRUE(log.contains(
-        QStringLiteral("[GoogleAlbumManager] Albüm oluşturma HTTP hatası: 401 - Yanıt: x")));
+    EXPECT_TRUE(
+        log.contains(u"[GoogleAlbumManager] Albüm oluşturma HTTP hatası: 401 - Yanıt: x"_s));
     EXPECT_EQ(manager.targetAlbumID(), std::nullopt);
     EXPECT_TRUE(manager.getLocalCreatedAlbums().empty());
 }
@@ -202,9 +201,9 @@ TEST_F(Albums, TheNextPartFollowsTheTargetsTitle) {
         EXPECT_EQ(GoogleAlbumManager::nextPartTitle(QString::fromUtf8(title)),
                   QString::fromUtf8(next));
 
-    pages[QStringLiteral("/v1/albums")] = {200, R"({"id":"n1"})"};
+    pages[u"/v1/albums"_s] = {200, R"({"id":"n1"})"};
     manager.createAndSelectNextPartAlbum({});
-    EXPECT_EQ(manager.createAndSelectNextPartAlbum({}).title, QStringLiteral("Yedek - Parça 3"));
+    EXPECT_EQ(manager.createAndSelectNextPartAlbum({}).title, u"Yedek - Parça 3"_s);
 }
 
 TEST_F(Albums, AnUnreadableMemoryIsEmpty) {

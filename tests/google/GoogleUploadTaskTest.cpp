@@ -12,6 +12,8 @@ namespace quorvane {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 struct Uploading : testing::Test {
     test::TemporaryFolder folder;
     test::ScriptedHttp http;
@@ -22,9 +24,9 @@ struct Uploading : testing::Test {
     SyncRecord record;
     const std::filesystem::path file = folder.write("A_L0_001_IMG_0001.JPG", "bytes");
 
-    Uploading() { record.assetLocalIdentifier = QStringLiteral("A/L0/001"); }
+    Uploading() { record.assetLocalIdentifier = u"A/L0/001"_s; }
 
-    QString upload(const QString& fileName = QStringLiteral("IMG_0001.JPG")) {
+    QString upload(const QString& fileName = u"IMG_0001.JPG"_s) {
         return task.upload(record, file, fileName, {});
     }
 };
@@ -49,13 +51,12 @@ TEST_F(Uploading, SendsTheFileWithItsHeadersInOrder) {
 
 TEST_F(Uploading, EveryFileNameFitsIntoItsHeader) {
     http.answerAlways(200, "token");
-    const QString longName = QString(251, u'ş') + QStringLiteral(".jpg");
+    const QString longName = QString(251, u'ş') + u".jpg"_s;
     for (const auto& [name, encoded] : {
-             std::pair<QString, QByteArray>{QStringLiteral("Çiçek 1.jpg"),
-                                            "%C3%87i%C3%A7ek%201.jpg"},
-             {QStringLiteral("📷.heic"), "%F0%9F%93%B7.heic"},
-             {QStringLiteral("100%\"a\"\r\nX: y.png"), "100%25%22a%22%0D%0AX:%20y.png"},
-             {QStringLiteral("a-b._~!$&'()*+,;=:@/c?#[]"), "a-b._~!$&'()*+,;=:@/c%3F%23%5B%5D"},
+             std::pair<QString, QByteArray>{u"Çiçek 1.jpg"_s, "%C3%87i%C3%A7ek%201.jpg"},
+             {u"📷.heic"_s, "%F0%9F%93%B7.heic"},
+             {u"100%\"a\"\r\nX: y.png"_s, "100%25%22a%22%0D%0AX:%20y.png"},
+             {u"a-b._~!$&'()*+,;=:@/c?#[]"_s, "a-b._~!$&'()*+,;=:@/c%3F%23%5B%5D"},
              {longName, QByteArray("%C5%9F").repeated(251) + ".jpg"},
          }) {
         upload(name);
@@ -64,7 +65,7 @@ TEST_F(Uploading, EveryFileNameFitsIntoItsHeader) {
 }
 
 TEST_F(Uploading, ProgressReachesTheTracker) {
-    tracker.add({record.assetLocalIdentifier, QStringLiteral("IMG_0001.JPG"), false, 5});
+    tracker.add({record.assetLocalIdentifier, u"IMG_0001.JPG"_s, false, 5});
     http.answer = [&](const HttpRequest& request, const std::stop_token&) {
         request.onProgress(3, 5);
         return HttpResponse{200, "token"};
@@ -83,10 +84,9 @@ TEST_F(Uploading, RefusalsBecomeUploadErrors) {
     };
     std::vector<Row> rows;
     for (const int status : {0, 201, 204, 302, 401, 403, 404, 408, 413, 429, 500, 503})
-        rows.push_back(
-            {status, "token", Case::httpError, QStringLiteral("[Upload] HTTP %1").arg(status)});
+        rows.push_back({status, "token", Case::httpError, u"[Upload] HTTP %1"_s.arg(status)});
     for (const char* body : {"", " \r\n", "\xff\xfe token", "\xe2\x80"})
-        rows.push_back({200, body, Case::emptyToken, QStringLiteral("[Upload] Bos uploadToken")});
+        rows.push_back({200, body, Case::emptyToken, u"[Upload] Bos uploadToken"_s});
     for (const Row& row : rows) {
         http.answerAlways(row.status, row.body);
         try {
@@ -102,14 +102,14 @@ TEST_F(Uploading, RefusalsBecomeUploadErrors) {
 
 TEST_F(Uploading, OtherErrorsPassUnchanged) {
     http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
-        throw TransportError(QStringLiteral("bağlantı koptu"));
+        throw TransportError(u"bağlantı koptu"_s);
     };
     EXPECT_THROW(upload(), TransportError);
     http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
         throw Cancelled();
     };
     EXPECT_THROW(upload(), Cancelled);
-    tokens.failure = QStringLiteral("OAuth: kullanici giris yapmamis");
+    tokens.failure = u"OAuth: kullanici giris yapmamis"_s;
     EXPECT_THROW(upload(), Error);
     EXPECT_EQ(http.requests().size(), 2U) << "nothing is sent without a token";
 }

@@ -10,11 +10,13 @@ namespace quorvane {
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using namespace std::chrono_literals;
 
 ActiveTransferItem item(const char* id, int startedAt) {
     return {QString::fromUtf8(id),
-            QStringLiteral("a.jpg"),
+            u"a.jpg"_s,
             false,
             1000,
             0,
@@ -48,25 +50,25 @@ TEST_F(Tracking, SpeedIsSampledEveryQuarterSecondAndNeverNegative) {
              Step{1000ms, 1536, 1024, "1.0 MB/s"},
          }) {
         clock.advance(step.advance);
-        tracker.updateProgress(QStringLiteral("a"), step.sent, 1000);
+        tracker.updateProgress(u"a"_s, step.sent, 1000);
         const TransferSnapshot snapshot = tracker.getSnapshot();
         EXPECT_DOUBLE_EQ(snapshot.currentSpeed, step.speed);
         EXPECT_EQ(snapshot.currentSpeedText, TransferActivityTracker::formatSpeed(step.speed));
         EXPECT_EQ(snapshot.peakSpeedText, QLatin1String(step.peakText));
     }
-    tracker.remove(QStringLiteral("a"));
+    tracker.remove(u"a"_s);
     clock.advance(100ms);
     EXPECT_DOUBLE_EQ(tracker.getSnapshot().currentSpeed, 1024);
 }
 
 TEST_F(Tracking, ItemsComeOldestFirstAndOnlyAddedOnesExist) {
-    tracker.updateProgress(QStringLiteral("unknown"), 5, 10);
+    tracker.updateProgress(u"unknown"_s, 5, 10);
     EXPECT_TRUE(tracker.getSnapshot().items.empty());
     for (const auto& [id, startedAt] : {std::pair{"a", 3}, {"b", 1}, {"c", 2}})
         tracker.add(item(id, startedAt));
-    tracker.updateProgress(QStringLiteral("c"), 250, 99);
-    tracker.remove(QStringLiteral("b"));
-    tracker.remove(QStringLiteral("unknown"));
+    tracker.updateProgress(u"c"_s, 250, 99);
+    tracker.remove(u"b"_s);
+    tracker.remove(u"unknown"_s);
     const auto items = tracker.getSnapshot().items;
     ASSERT_EQ(items.size(), 2U);
     EXPECT_EQ(items[0].id, QLatin1String("c"));

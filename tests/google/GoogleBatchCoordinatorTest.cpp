@@ -1,0 +1,440 @@
+#include "google/GoogleBatchCoordinator.h"
+
+#include "google/ScriptedHttp.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <QJsonArray>
+
+#include <gtest/gtest.h>
+
+#include <latch>
+#include <map>
+
+namespace quorvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+using namespace std::chrono_literals;
+
+const QString limitText = u"The maximum number of photos in an album was reached"_s;
+const char* const stopLines =
+    "[Batch] Albüm limiti aşıldı, stopAtLimit devrede. Senkronizasyon durduruluyor.\n"
+    "[Sync] 🛑 Albüm sınırı nedeniyle eşitleme otomatik durduruldu\n";
+
+QStringList tokensOf(const HttpRequest& request) {
+    QStringList tokens;
+    for (const QJsonValue& item : test::jsonOf(request.body)[u"newMediaItems"].toArray())
+        tokens.append(item[u"simpleMediaItem"][u"uploadToken"].toString());
+    return tokens;
+}
+
+QJsonObject made(const QString& token) {
+    return {{u"uploadToken"_s, token},
+            {u"status"_s, QJsonObject{{u"message"_s, u"Success"_s}}},
+            {u"mediaItem"_s, QJsonObject{{u"id"_s, u"m-"_s + token}}}};
+}
+
+QJsonObject refused(int code, const QString& message) {
+    return {{u"status"_s, QJsonObject{{u"code"_s, code}, {u"message"_s, message}}}};
+}
+
+HttpResponse resultsFor(const HttpRequest& request,
+                        const std::function<QJsonObject(const QString& token)>& resultOf) {
+    QJsonArray results;
+    for (const QString& token : tokensOf(request))
+        results.append(resultOf(token));
+    return {200, QJsonDocument(QJsonObject{{u"newMediaItemResults"_s, results}}).toJson()};
+}
+
+struct Batches : testing::Test {
+    test::TemporaryFolder folder;
+    test::ScriptedHttp http;
+    test::FixedToken tokens;
+    test::RecordingLog log;
+    test::FakeClock clock;
+    Console console;
+    Preferences preferences{folder / "preferences.json"};
+    DatabaseManager database{folder / "quorvane.sqlite", console};
+    GoogleAlbumManager albums{http, tokens, preferences, log, test::loopbackEndpoints()};
+    std::optional<GoogleBatchCoordinator> coordinator;
+    int stops = 0;
+    int notifications = 0;
+    Subscription subscription;
+
+    Batches() {
+        coordinator.emplace(http, tokens, albums, database, preferences, log, console, clock,
+                            test::loopbackEndpoints());
+        coordinator->onStopAtLimit = [this] { ++stops; };
+        subscription = coordinator->googlePhotosAlbumLimitReached.subscribe(
+            [this](const AlbumLimitReached&) { ++notifications; });
+        http.answer = [](const HttpRequest& request, const std::stop_token&) {
+            return resultsFor(request, made);
+        };
+    }
+
+    /// Records "0", "1"... with tokens "t0", "t1"... named "0.jpg", "1.jpg"...
+    void enqueue(int from, int to, const std::stop_token& stop = {}) {
+        for (int i = from; i < to; ++i) {
+            SyncRecord record;
+            record.assetLocalIdentifier = QString::number(i);
+            database.insertStagedBatch({record});
+            coordinator->enqueue(u't' + QString::number(i), record, QString::number(i) + u".jpg"_s,
+                                 stop);
+        }
+    }
+
+    /// Every record's status, with its media item or its error.
+    std::map<QString, QString> states() {
+        std::map<QString, QString> result;
+        for (const SyncRecord& record : database.fetchPendingRecords(1000))
+            result[record.assetLocalIdentifier] = rawValue(record.syncStatus);
+        for (const SyncRecord& record : database.fetchVerifiedForDeletion())
+            result[record.assetLocalIdentifier] = u"VERIFIED "_s + record.remoteMediaID.value();
+        for (const SyncRecord& record : database.fetchUnfinishedRecords(1000))
+            result[record.assetLocalIdentifier] = u"FAILED "_s + record.lastError.value();
+        return result;
+    }
+
+    int count(SyncStatus status) {
+        for (const auto& [each, number] : database.countByStatus())
+            if (each == status)
+                return number;
+        return 0;
+    }
+
+    std::string flushAndCapture() {
+        testing::internal::CaptureStdout();
+        coordinator->flush({});
+        return testing::internal::GetCapturedStdout();
+    }
+};
+
+} // namespace
+
+TEST_F(Batches, The25thEntrySendsThemAll) {
+    preferences.setString(preferenceKeys::targetAlbumID, u"album-1"_s);
+    enqueue(0, 24);
+    EXPECT_TRUE(http.requests().empty());
+    EXPECT_EQ(coordinator->bufferedCount(), 24U);
+    enqueue(24, 25);
+    EXPECT_EQ(coordinator->bufferedCount(), 0U);
+    ASSERT_EQ(http.requests().size(), 1U);
+    const HttpRequest request = http.requests()[0];
+    EXPECT_EQ(request.method, "POST");
+    EXPECT_EQ(request.url.toString(),
+              QLatin1String("http://127.0.0.1:9/v1/mediaItems:batchCreate"));
+    EXPECT_EQ(request.timeout, 60s);
+    EXPECT_EQ(request.headers,
+              (std::vector<std::pair<QByteArray, QByteArray>>{
+                  {"Authorization", "Bearer ya29.test"}, {"Content-Type", "application/json"}}));
+    QByteArray items;
+    for (int i = 0; i < 25; ++i)
+        items += u"%1{\"simpleMediaItem\":{\"fileName\":\"%2.jpg\","
+                 "\"uploadToken\":\"t%2\"}}"_s.arg(i == 0 ? QString() : u","_s)
+                     .arg(i)
+                     .toUtf8();
+    EXPECT_EQ(request.body, "{\"albumId\":\"album-1\",\"newMediaItems\":[" + items + "]}");
+    EXPECT_EQ(count(SyncStatus::verified), 25);
+    EXPECT_EQ(states().at(u"7"_s), u"VERIFIED m-t7"_s);
+    EXPECT_EQ(database.fetchVerifiedForDeletion().at(0).uploadToken, u"t0"_s);
+    EXPECT_TRUE(log.contains(u"[Batch] VERIFIED: 7.jpg -> m-t7"_s));
+}
+
+TEST_F(Batches, NothingIsSaidOfWhatIsUnknown) {
+    preferences.setString(preferenceKeys::targetAlbumID, QString());
+    coordinator->flush({});
+    EXPECT_TRUE(http.requests().empty()) << "an empty buffer sends nothing";
+    coordinator->enqueue(u"t"_s, {}, QString(), {});
+    coordinator->flush({});
+    EXPECT_EQ(http.requests().at(0).body,
+              R"({"newMediaItems":[{"simpleMediaItem":{"uploadToken":"t"}}]})");
+}
+
+TEST_F(Batches, TheOldestEntryWaitsThirtySeconds) {
+    enqueue(0, 1);
+    ASSERT_TRUE(test::waitOnMainThread([&] { return clock.sleeps().size() == 1; }));
+    clock.advance(20s);
+    enqueue(1, 24);
+    clock.advance(9'999ms);
+    EXPECT_EQ(coordinator->bufferedCount(), 24U);
+    clock.advance(1ms);
+    ASSERT_TRUE(test::waitOnMainThread([&] { return count(SyncStatus::verified) == 24; }));
+    EXPECT_EQ(http.requests().size(), 1U);
+
+    enqueue(24, 25); // the next entry starts a timer of its own, and a flush ends it
+    ASSERT_TRUE(test::waitOnMainThread([&] { return clock.sleeps().size() == 2; }));
+    coordinator->flush({});
+    enqueue(25, 26);
+    ASSERT_TRUE(test::waitOnMainThread([&] { return clock.sleeps().size() == 3; }));
+    EXPECT_EQ(clock.sleeps(), (std::vector<std::chrono::milliseconds>{30s, 30s, 30s}));
+    EXPECT_EQ(coordinator->bufferedCount(), 1U);
+    coordinator.reset();
+    EXPECT_EQ(states().at(u"25"_s), u"STAGED"_s);
+}
+
+TEST_F(Batches, EachResultDecidesItsOwnRecord) {
+    const QString kept =
+        u"FAILED Google yaniti mediaItem.id icermedi; yerel medya güvenlik için saklandı."_s;
+    const QString unanswered =
+        u"FAILED Google yanıtı bu medya için sonuç içermedi; yerel medya güvenlik için saklandı."_s;
+    struct Row {
+        const char* result;
+        QString state;
+        const char* log;
+    };
+    const std::vector<Row> rows{
+        {R"({"mediaItem":{"id":"m"}})", u"VERIFIED m"_s, "[Batch] VERIFIED: 0.jpg -> m"},
+        {R"({"status":{"code":0},"mediaItem":{"id":"m"}})", u"VERIFIED m"_s, ""},
+        {R"({"status":{"message":"Success"},"mediaItem":{"id":"m"}})", u"VERIFIED m"_s, ""},
+        {R"({"status":{"message":"bad","code":3},"mediaItem":{"id":"m"}})",
+         u"FAILED {\"code\":3,\"message\":\"bad\"}"_s,
+         "[Batch] FAILED: 0.jpg -> {\"code\":3,\"message\":\"bad\"}"},
+        {R"({"status":{"code":-1}})", u"FAILED {\"code\":-1}"_s, ""},
+        {R"({"status":{"message":"?"},"mediaItem":{"id":""}})", kept,
+         "[Batch] FAILED: 0.jpg -> {\"message\":\"?\"}"},
+        {R"({"mediaItem":{"id":7}})", kept, "[Batch] FAILED: 0.jpg -> status.code = 0"},
+        {R"({"status":"x","mediaItem":[]})", kept, "[Batch] FAILED: 0.jpg -> status.code = 0"},
+        {R"({})", kept, ""},
+        {R"(null)", unanswered, ""},
+        {R"("m")", unanswered, ""},
+        {R"({"uploadToken":"t1","mediaItem":{"id":"m"}})", unanswered, ""},
+        {R"({"status":{"code":8,"message":"The maximum number of photos in an album"},"mediaItem":{"id":"m"}})",
+         u"STAGED"_s, "Google Photos albüm sınırı (20.000 medya) doldu!"},
+        {R"({"status":{"message":"ERR_PHOTO_PER_ALBUM_LIMIT"}})", u"STAGED"_s, ""},
+    };
+    for (const Row& row : rows) {
+        SyncRecord reset;
+        reset.assetLocalIdentifier = u"0"_s;
+        reset.syncStatus = SyncStatus::staged;
+        database.upsertRecord(reset);
+        http.answerAlways(207, "{\"newMediaItemResults\":[" + QByteArray(row.result) + "]}");
+        enqueue(0, 1);
+        flushAndCapture();
+        EXPECT_EQ(states().at(u"0"_s), row.state) << row.result;
+        EXPECT_TRUE(log.contains(QString::fromUtf8(row.log))) << row.log;
+    }
+}
+
+TEST_F(Batches, TooFewOrTooManyResultsNeverMarkAnotherRecord) {
+    http.answerAlways(200, R"({"newMediaItemResults":[{"mediaItem":{"id":"m0"}}]})");
+    enqueue(0, 2);
+    coordinator->flush({});
+    EXPECT_EQ(states().at(u"0"_s), u"VERIFIED m0"_s);
+    EXPECT_TRUE(states().at(u"1"_s).startsWith(u"FAILED Google yanıtı bu medya için"));
+
+    http.answerAlways(200, R"({"newMediaItemResults":[{"mediaItem":{"id":"m2"}},
+                                                      {"mediaItem":{"id":"m3"}}]})");
+    enqueue(2, 3);
+    coordinator->flush({});
+    EXPECT_EQ(states().at(u"2"_s), u"VERIFIED m2"_s);
+    EXPECT_TRUE(log.contains(u"[Batch] ⚠️ Google yanıtı 1 medya için 2 sonuç içerdi"_s));
+}
+
+TEST_F(Batches, AFailedRequestFailsItsRecords) {
+    struct Row {
+        HttpResponse response;
+        QString text;
+    };
+    std::vector<Row> rows;
+    for (const int status : {201, 302, 401, 403, 404, 408, 413, 429, 500, 503})
+        rows.push_back({{status, "{}"}, u"[Batch] HTTP %1"_s.arg(status)});
+    for (const QByteArray& body :
+         {QByteArray(), QByteArray("<html>"), QByteArray("{}"), QByteArray("[]"),
+          QByteArray(R"({"newMediaItemResults":{}})"), QByteArray(R"({"newMediaItemResults":[)"),
+          "{\"newMediaItemResults\":" + QByteArray("[").repeated(100'000)})
+        rows.push_back({{200, body}, u"[Batch] Gecersiz yanit"_s});
+    int next = 0;
+    const auto expectFailure = [&](const QString& text) {
+        enqueue(next, next + 2);
+        coordinator->flush({});
+        for (int i = 0; i < 2; ++i, ++next)
+            EXPECT_EQ(states().at(QString::number(next)), u"FAILED "_s + text);
+        EXPECT_EQ(log.messages().back(), u"[Batch] Flush hatasi: "_s + text);
+    };
+    for (const Row& row : rows) {
+        http.answerAlways(row.response.status, row.response.body);
+        expectFailure(row.text);
+    }
+    http.answer = [](const HttpRequest&, const std::stop_token&) -> HttpResponse {
+        throw TransportError(u"koptu"_s);
+    };
+    expectFailure(u"koptu"_s);
+    tokens.failure = u"OAuth: kullanici giris yapmamis"_s;
+    expectFailure(*tokens.failure);
+}
+
+TEST_F(Batches, ACancellationLeavesTheRecordsStaged) {
+    std::stop_source stop;
+    const std::vector<std::function<HttpResponse()>> cancellations{
+        []() -> HttpResponse { throw Cancelled(); },
+        []() -> HttpResponse { throw TransportError(u"Request Cancelled"_s); },
+        [&]() -> HttpResponse {
+            stop.request_stop();
+            return {500, {}};
+        },
+    };
+    for (const auto& cancellation : cancellations) {
+        http.answer = [&](const HttpRequest&, const std::stop_token&) { return cancellation(); };
+        enqueue(0, 2);
+        coordinator->flush(stop.get_token());
+    }
+    enqueue(0, 2);
+    coordinator->flush(stop.get_token()); // stopped before it began
+    EXPECT_EQ(http.requests().size(), 3U);
+    EXPECT_EQ(count(SyncStatus::staged), 2);
+    EXPECT_EQ(coordinator->bufferedCount(), 0U);
+    EXPECT_EQ(log.messages(),
+              QStringList(4, u"[Batch] İptal algılandı, batch öğeleri STAGED olarak "
+                             "korunuyor"_s));
+}
+
+TEST_F(Batches, AStoreErrorCostsNoOtherRecord) {
+    enqueue(0, 3);
+    sqlite::Connection(folder / "quorvane.sqlite", sqlite::Connection::Mode::readWriteCreate)
+        .execute("CREATE TRIGGER refuse BEFORE UPDATE ON sync_records "
+                 "WHEN NEW.asset_local_identifier = '1' "
+                 "BEGIN SELECT RAISE(FAIL, 'disk dolu'); END;");
+    coordinator->flush({});
+    EXPECT_EQ(states(), (std::map<QString, QString>{{u"0"_s, u"VERIFIED m-t0"_s},
+                                                    {u"1"_s, u"STAGED"_s},
+                                                    {u"2"_s, u"VERIFIED m-t2"_s}}));
+    EXPECT_TRUE(log.contains(u"disk dolu"_s));
+}
+
+TEST_F(Batches, AFullAlbumStopsTheRunAsTheSettingsSay) {
+    http.answer = [](const HttpRequest& request, const std::stop_token&) {
+        return resultsFor(request, [](const QString& token) {
+            return token == u"t0" ? made(token) : refused(8, limitText);
+        });
+    };
+    for (const bool stopAtLimit : {true, false}) {
+        preferences.setBoolean(preferenceKeys::stopAtLimit, stopAtLimit);
+        enqueue(0, 3);
+        const std::string printed = flushAndCapture();
+        EXPECT_EQ(printed, stopAtLimit ? stopLines : std::strchr(stopLines, '\n') + 1);
+    }
+    EXPECT_EQ(stops, 1);
+    EXPECT_TRUE(test::waitOnMainThread([&] { return notifications == 2; }));
+    EXPECT_EQ(log.messages().filter(u"Google Photos albüm sınırı (20.000 medya) doldu!"_s).size(),
+              2);
+    EXPECT_EQ(count(SyncStatus::verified), 1);
+    EXPECT_EQ(count(SyncStatus::staged), 2);
+}
+
+TEST_F(Batches, ARollOverSendsWhatWasHeldBackOnceToTheNextAlbum) {
+    const std::string rollOverLine =
+        "[Batch] Albüm limiti aşıldı, otomatik yeni albüm oluşturuluyor...\n";
+    struct Row {
+        HttpResponse album; ///< the answer to the new album
+        bool newAlbumIsFull;
+        std::string printed;
+        int verified;
+        qsizetype requests;
+    };
+    const HttpResponse newAlbum{200, R"({"id":"new","title":"Aile - Parça 2"})"};
+    int stopped = 0;
+    for (const Row& row : {Row{newAlbum, false, rollOverLine, 3, 3},
+                           Row{newAlbum, true, rollOverLine + stopLines, 1, 3},
+                           Row{{500, ""}, false, rollOverLine + stopLines, 1, 2}}) {
+        preferences.setBoolean(preferenceKeys::autoRolloverOnLimit, true);
+        preferences.setString(preferenceKeys::targetAlbumID, u"old"_s);
+        preferences.setString(preferenceKeys::targetAlbumTitle, u"Aile"_s);
+        http.answer = [&](const HttpRequest& request, const std::stop_token&) {
+            if (request.url.path() == u"/v1/albums")
+                return row.album;
+            const bool isNew = test::jsonOf(request.body)[u"albumId"] == u"new"_s;
+            return resultsFor(request, [&](const QString& token) {
+                return (isNew && !row.newAlbumIsFull) || token == u"t1"
+                           ? made(token)
+                           : refused(8, u"ERR_PHOTO_PER_ALBUM_LIMIT"_s);
+            });
+        };
+        const auto before = static_cast<qsizetype>(http.requests().size());
+        enqueue(0, 3);
+        EXPECT_EQ(flushAndCapture(), row.printed);
+        EXPECT_EQ(count(SyncStatus::verified), row.verified);
+        EXPECT_EQ(count(SyncStatus::staged), 3 - row.verified);
+        EXPECT_EQ(coordinator->bufferedCount(), 0U);
+        const auto requests = http.requests();
+        ASSERT_EQ(static_cast<qsizetype>(requests.size()) - before, row.requests);
+        if (row.requests == 3) {
+            EXPECT_EQ(tokensOf(requests.back()), (QStringList{u"t0"_s, u"t2"_s}));
+        }
+        stopped += row.printed == rollOverLine ? 0 : 1;
+        EXPECT_EQ(stops, stopped);
+        for (int i = 0; i < 3; ++i) {
+            SyncRecord again;
+            again.assetLocalIdentifier = QString::number(i);
+            again.syncStatus = SyncStatus::staged;
+            database.upsertRecord(again);
+        }
+    }
+    EXPECT_TRUE(test::waitOnMainThread([&] { return notifications == 2; }));
+}
+
+TEST_F(Batches, EveryTokenOfTwoThreadsIsSentOnce) {
+    {
+        const std::jthread first([&] { enqueue(0, 100); });
+        const std::jthread second([&] { enqueue(100, 200); });
+    }
+    coordinator->flush({});
+    QStringList sent;
+    for (const HttpRequest& request : http.requests()) {
+        EXPECT_LE(tokensOf(request).size(), 25);
+        sent += tokensOf(request);
+    }
+    EXPECT_EQ(sent.size(), 200);
+    EXPECT_EQ(sent.removeDuplicates(), 0);
+    EXPECT_EQ(count(SyncStatus::verified), 200);
+}
+
+TEST_F(Batches, AFlushWaitsForTheOneUnderWayWhileEntriesComeIn) {
+    std::latch onTheNetwork(1);
+    std::latch mayAnswer(1);
+    http.answer = [&](const HttpRequest& request, const std::stop_token&) {
+        if (tokensOf(request).contains(u"t0"_s)) {
+            onTheNetwork.count_down();
+            mayAnswer.wait();
+        }
+        return resultsFor(request, made);
+    };
+    enqueue(0, 1);
+    const std::jthread first([&] { coordinator->flush({}); });
+    onTheNetwork.wait();
+    enqueue(1, 2); // not blocked
+    EXPECT_EQ(coordinator->bufferedCount(), 1U);
+    const std::jthread release([&] { mayAnswer.count_down(); });
+    coordinator->flush({});
+    EXPECT_EQ(count(SyncStatus::verified), 2) << "also the other thread's entry is settled";
+}
+
+TEST_F(Batches, AStopOrTheEndReachesATimedFlushUnderWay) {
+    std::stop_source run;
+    std::atomic<int> onTheNetwork = 0;
+    http.answer = [&](const HttpRequest&, const std::stop_token& stop) -> HttpResponse {
+        ++onTheNetwork;
+        SystemClock().sleep(1min, stop);
+        throw Cancelled();
+    };
+    const auto reachTheNetwork = [&](std::size_t times) {
+        enqueue(0, 1, run.get_token());
+        ASSERT_TRUE(test::waitOnMainThread([&] { return clock.sleeps().size() == times; }));
+        clock.advance(30s);
+        ASSERT_TRUE(test::waitOnMainThread([&] { return onTheNetwork == int(times); }));
+    };
+    const auto start = SystemClock().monotonic();
+    reachTheNetwork(1);
+    run.request_stop();
+    ASSERT_TRUE(test::waitOnMainThread([&] { return log.messages().size() == 1; }));
+    run = {};
+    reachTheNetwork(2);
+    coordinator.reset();
+    EXPECT_EQ(log.messages().size(), 2);
+    EXPECT_EQ(count(SyncStatus::staged), 1);
+    EXPECT_LT(SystemClock().monotonic() - start, 20s);
+}
+
+} // namespace quorvane
