@@ -20,8 +20,9 @@ class FixedToken final : public AccessTokenProvider {
     QString validAccessToken(std::stop_token /*stop*/) override {
         if (failure)
             throw Error(*failure);
-        return QStringLiteral("ya29.test");
+        return token;
     }
+    QString token = QStringLiteral("ya29.test");
     std::optional<QString> failure;
 };
 
