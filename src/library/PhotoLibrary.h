@@ -75,6 +75,7 @@ inline constexpr int albumRegular = 2;
 inline constexpr int albumSyncedAlbum = 5;
 inline constexpr int albumImported = 6;
 inline constexpr int albumCloudShared = 101;
+inline constexpr int smartAlbumRegular = 200;
 inline constexpr int smartAlbumAllHidden = 205;
 inline constexpr int smartAlbumUserLibrary = 209;
 inline constexpr int smartAlbumUnableToUpload = 216;

@@ -1,0 +1,299 @@
+#include "platform/bundle/PhotosBundleLibrary.h"
+
+#include "library/FileExport.h"
+#include "platform/bundle/BundleFiles.h"
+#include "platform/bundle/SmartAlbums.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <set>
+
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+// The tails that PhotoKit gives to identifiers of assets, albums and folders.
+const QString assetTail = QStringLiteral("/L0/001");
+const QString albumTail = QStringLiteral("/L0/040");
+const QString listTail = QStringLiteral("/L0/020");
+
+/// Empty, which is nobody's, when the identifier has another tail.
+QString uuidOf(const QString& localIdentifier, const QString& tail) {
+    return localIdentifier.endsWith(tail) ? localIdentifier.chopped(tail.size()) : QString();
+}
+
+AssetFetchResult resultOf(std::vector<PhotoAsset> assets) {
+    return std::make_shared<const std::vector<PhotoAsset>>(std::move(assets));
+}
+
+/// PhotoKit's type and subtype; none for folders and for an import session that is empty by now.
+std::optional<std::pair<CollectionType, int>> typeOf(const PhotosAlbum& album) {
+    using namespace collectionSubtype;
+    switch (album.kind) {
+    case PhotosAlbum::album:
+        return {{CollectionType::album, albumRegular}};
+    case PhotosAlbum::sharedAlbum:
+        return {{CollectionType::album, albumCloudShared}};
+    case PhotosAlbum::importSession:
+        if (album.count == 0)
+            return std::nullopt;
+        return {{CollectionType::album, albumImported}};
+    case PhotosAlbum::smartAlbum:
+        return {{CollectionType::smartAlbum, smartAlbumRegular}};
+    default:
+        return std::nullopt;
+    }
+}
+
+QString titleOf(const PhotosAlbum& album) {
+    if (album.kind != PhotosAlbum::importSession || !album.title.isEmpty())
+        return album.title;
+    return album.started ? QStringLiteral("İçe Aktarma %1").arg(describe(*album.started).left(10))
+                         : QStringLiteral("İçe Aktarma");
+}
+
+std::optional<AssetCollection> collectionOf(const PhotosAlbum& album) {
+    const auto type = typeOf(album);
+    if (!type)
+        return std::nullopt;
+    return AssetCollection{album.uuid + albumTail, titleOf(album), type->first, type->second,
+                           album.count};
+}
+
+AssetCollection collectionOf(const SmartAlbum& album, PhotosDatabase& database) {
+    return {album.localIdentifier(), QString::fromUtf8(album.title), CollectionType::smartAlbum,
+            album.subtype, database.countOfAssets(album.condition)};
+}
+
+const PhotosAlbum* find(const std::vector<PhotosAlbum>& albums, const QString& uuid) {
+    const auto found = std::ranges::find(albums, uuid, &PhotosAlbum::uuid);
+    return found == albums.end() ? nullptr : &*found;
+}
+
+const SmartAlbum* findSmart(const QString& localIdentifier) {
+    const auto found = std::ranges::find_if(smartAlbums(), [&](const SmartAlbum& album) {
+        return album.localIdentifier() == localIdentifier;
+    });
+    return found == smartAlbums().end() ? nullptr : &*found;
+}
+
+/// The albums and folders that stand directly in a folder; without a parent, at the top.
+std::vector<const PhotosAlbum*> childrenOf(const std::vector<PhotosAlbum>& albums,
+                                           const PhotosAlbum* parent) {
+    std::vector<const PhotosAlbum*> children;
+    const auto isTop = [&](const PhotosAlbum& album) {
+        return !album.parent || std::ranges::any_of(albums, [&](const PhotosAlbum& other) {
+            return other.kind == PhotosAlbum::rootFolder && other.key == *album.parent;
+        });
+    };
+    for (const PhotosAlbum& album : albums)
+        if ((album.kind == PhotosAlbum::album || album.kind == PhotosAlbum::folder) &&
+            (parent ? album.parent == parent->key : isTop(album)))
+            children.push_back(&album);
+    return children;
+}
+
+CollectionList listOf(const PhotosAlbum& folder) {
+    return {folder.uuid + listTail, folder.title, CollectionListType::folder};
+}
+
+std::vector<Collection> collectionsIn(const std::vector<PhotosAlbum>& albums,
+                                      const PhotosAlbum* parent) {
+    std::vector<Collection> collections;
+    for (const PhotosAlbum* child : childrenOf(albums, parent)) {
+        if (child->kind == PhotosAlbum::folder)
+            collections.emplace_back(listOf(*child));
+        else if (auto collection = collectionOf(*child))
+            collections.emplace_back(std::move(*collection));
+    }
+    return collections;
+}
+
+} // namespace
+
+const std::vector<PhotosAlbum>& PhotosBundleLibrary::Opened::albums() {
+    if (!albums_)
+        albums_ = database.albums();
+    return *albums_;
+}
+
+PhotosBundleLibrary::PhotosBundleLibrary(std::filesystem::path bundle,
+                                         std::filesystem::path workFolder)
+    : bundle_(std::move(bundle)), workFolder_(std::move(workFolder)) {}
+
+bool PhotosBundleLibrary::looksLikeBundle(const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error) &&
+           (path.extension() == ".photoslibrary" ||
+            std::filesystem::exists(path / "database/Photos.sqlite", error));
+}
+
+AuthorizationStatus PhotosBundleLibrary::authorizationStatus() const {
+    if (bundle_.empty())
+        return AuthorizationStatus::notDetermined;
+    std::error_code error;
+    if (!std::filesystem::is_directory(bundle_, error) ||
+        ::access(bundle_.c_str(), R_OK | X_OK) != 0)
+        return AuthorizationStatus::denied;
+    return ::access(bundle_.c_str(), W_OK) == 0 ? AuthorizationStatus::authorized
+                                                : AuthorizationStatus::limited;
+}
+
+void PhotosBundleLibrary::open(Freshness freshness) {
+    if (opened_ && (freshness == Freshness::asLastRead || opened_->snapshot.isCurrent()))
+        return;
+    opened_.reset();
+    opened_.emplace(bundle_, workFolder_);
+}
+
+template <typename Work>
+auto PhotosBundleLibrary::query(Freshness freshness, Work&& work) {
+    const std::lock_guard lock(mutex_);
+    try {
+        open(freshness);
+        return work(*opened_);
+    } catch (const sqlite::SqliteError& error) {
+        throw PhotoLibraryError(
+            QStringLiteral("Fotoğraflar arşivinin veritabanı okunamıyor: %1 (%2)")
+                .arg(pathText(bundle_), error.localizedDescription()));
+    }
+}
+
+AssetFetchResult PhotosBundleLibrary::fetchAssets() {
+    return query(Freshness::current,
+                 [](Opened& opened) { return resultOf(opened.database.assets()); });
+}
+
+AssetFetchResult PhotosBundleLibrary::fetchAssets(const AssetCollection& collection) {
+    return query(Freshness::current, [&](Opened& opened) {
+        const QString& identifier = collection.localIdentifier;
+        if (const SmartAlbum* smart = findSmart(identifier))
+            return resultOf(opened.database.assets(smart->condition));
+        const PhotosAlbum* album = find(opened.albums(), uuidOf(identifier, albumTail));
+        return resultOf(album ? opened.database.assetsOf(*album) : std::vector<PhotoAsset>());
+    });
+}
+
+AssetFetchResult PhotosBundleLibrary::fetchAssets(const QStringList& localIdentifiers) {
+    return query(Freshness::asLastRead, [&](Opened& opened) {
+        std::vector<PhotoAsset> assets;
+        for (const QString& identifier : localIdentifiers)
+            if (auto asset = opened.database.asset(uuidOf(identifier, assetTail)))
+                assets.push_back(std::move(*asset));
+        return resultOf(std::move(assets));
+    });
+}
+
+std::vector<AssetCollection>
+PhotosBundleLibrary::fetchAssetCollections(CollectionType type, std::optional<int> subtype) {
+    return query(Freshness::current, [&](Opened& opened) {
+        std::vector<AssetCollection> collections;
+        for (const PhotosAlbum& album : opened.albums())
+            if (auto collection = collectionOf(album);
+                collection && collection->type == type &&
+                subtype.value_or(collection->subtype) == collection->subtype)
+                collections.push_back(std::move(*collection));
+        for (const SmartAlbum& album : smartAlbums())
+            if (type == CollectionType::smartAlbum &&
+                subtype.value_or(album.subtype) == album.subtype)
+                collections.push_back(collectionOf(album, opened.database));
+        return collections;
+    });
+}
+
+std::optional<AssetCollection>
+PhotosBundleLibrary::fetchAssetCollection(const QString& localIdentifier) {
+    return query(Freshness::current, [&](Opened& opened) -> std::optional<AssetCollection> {
+        if (const SmartAlbum* smart = findSmart(localIdentifier))
+            return collectionOf(*smart, opened.database);
+        const PhotosAlbum* album = find(opened.albums(), uuidOf(localIdentifier, albumTail));
+        return album ? collectionOf(*album) : std::nullopt;
+    });
+}
+
+std::vector<Collection> PhotosBundleLibrary::fetchTopLevelUserCollections() {
+    return query(Freshness::current,
+                 [](Opened& opened) { return collectionsIn(opened.albums(), nullptr); });
+}
+
+std::vector<CollectionList> PhotosBundleLibrary::fetchCollectionLists(CollectionListType type) {
+    if (type != CollectionListType::folder)
+        return {};
+    return query(Freshness::asLastRead, [](Opened& opened) {
+        // From the top down, so that folders which only contain each other are never reached.
+        const std::vector<PhotosAlbum>& albums = opened.albums();
+        std::vector<const PhotosAlbum*> reached = childrenOf(albums, nullptr);
+        std::vector<CollectionList> lists;
+        for (std::size_t i = 0; i < reached.size(); ++i) {
+            if (reached[i]->kind != PhotosAlbum::folder)
+                continue;
+            lists.push_back(listOf(*reached[i]));
+            const auto children = childrenOf(albums, reached[i]);
+            reached.insert(reached.end(), children.begin(), children.end());
+        }
+        return lists;
+    });
+}
+
+std::vector<Collection> PhotosBundleLibrary::fetchCollections(const CollectionList& list) {
+    return query(Freshness::asLastRead, [&](Opened& opened) {
+        const PhotosAlbum* folder = find(opened.albums(), uuidOf(list.localIdentifier, listTail));
+        return folder ? collectionsIn(opened.albums(), folder) : std::vector<Collection>();
+    });
+}
+
+std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoAsset& asset) {
+    const auto files = query(Freshness::asLastRead, [&](Opened& opened) {
+        return opened.database.filesOf(uuidOf(asset.localIdentifier, assetTail));
+    });
+    return files ? resourcesIn(bundle_, *files) : std::vector<PhotoAssetResource>();
+}
+
+void PhotosBundleLibrary::writeData(const PhotoAssetResource& resource,
+                                    const std::filesystem::path& destination,
+                                    std::stop_token stop) {
+    const bool isReferenced = resource.location.is_absolute();
+    FileDescriptor original;
+    try {
+        original = isReferenced ? openOriginal(resource.location)
+                                : openOriginalBeneath(bundle_, resource.location);
+    } catch (const FileError& error) {
+        if (authorizationStatus() == AuthorizationStatus::denied)
+            throw PhotoLibraryError(
+                QStringLiteral("Fotoğraflar arşivine ulaşılamıyor: %1").arg(pathText(bundle_)));
+        throw PhotoLibraryError(QStringLiteral("%1 adlı özgün dosya bu makinede değil (%2)")
+                                    .arg(resource.originalFilename, error.localizedDescription()));
+    }
+    exportFile(original, isReferenced ? resource.location : bundle_ / resource.location,
+               destination, stop);
+}
+
+void PhotosBundleLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
+    if (!assets.empty())
+        throw PhotoLibraryError(
+            QStringLiteral("Fotoğraflar arşivine hiçbir zaman yazılmaz; silme işlemi yalnızca "
+                           "Fotoğraflar uygulamasında yapılabilir"));
+}
+
+void PhotosBundleLibrary::registerChangeObserver(LibraryChangeObserver& observer) {
+    const std::lock_guard lock(mutex_);
+    observer_ = &observer;
+}
+
+void PhotosBundleLibrary::unregisterChangeObserver(LibraryChangeObserver& observer) {
+    const std::lock_guard lock(mutex_);
+    if (observer_ == &observer)
+        observer_ = nullptr;
+}
+
+std::optional<AssetFacts> PhotosBundleLibrary::factsOf(const QString& localIdentifier) {
+    return query(Freshness::asLastRead, [&](Opened& opened) -> std::optional<AssetFacts> {
+        const auto asset = opened.database.asset(uuidOf(localIdentifier, assetTail));
+        return asset ? std::optional(asset->facts()) : std::nullopt;
+    });
+}
+
+} // namespace quorvane

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "library/PhotoLibrary.h"
+#include "platform/bundle/LibrarySnapshot.h"
+#include "platform/bundle/PhotosDatabase.h"
+
+#include <mutex>
+
+namespace quorvane {
+
+/// An Apple Photos library on a disk (`*.photoslibrary`, of macOS 10.15 or later) as a photo
+/// library. It is never written: its database is read from a private copy, which is made anew when
+/// a fetch finds the original changed, and deletion is refused. Any thread.
+class PhotosBundleLibrary final : public PhotoLibrary {
+  public:
+    /// `bundle` empty: no library was chosen yet. The copy of the database is kept in a private
+    /// folder below `workFolder`. Nothing is read before the first fetch.
+    PhotosBundleLibrary(std::filesystem::path bundle, std::filesystem::path workFolder);
+
+    static bool looksLikeBundle(const std::filesystem::path& path);
+
+    AuthorizationStatus authorizationStatus() const override;
+
+    AssetFetchResult fetchAssets() override;
+    AssetFetchResult fetchAssets(const AssetCollection& collection) override;
+    AssetFetchResult fetchAssets(const QStringList& localIdentifiers) override;
+
+    /// Albums, shared albums and import sessions; smart albums as far as an asset's own row decides
+    /// them, and the person's own, whose members only Photos knows, as empty.
+    std::vector<AssetCollection> fetchAssetCollections(CollectionType type,
+                                                       std::optional<int> subtype) override;
+    std::optional<AssetCollection> fetchAssetCollection(const QString& localIdentifier) override;
+    std::vector<Collection> fetchTopLevelUserCollections() override;
+    std::vector<CollectionList> fetchCollectionLists(CollectionListType type) override;
+    std::vector<Collection> fetchCollections(const CollectionList& list) override;
+
+    std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) override;
+    void writeData(const PhotoAssetResource& resource, const std::filesystem::path& destination,
+                   std::stop_token stop) override;
+    /// Always refuses.
+    void deleteAssets(const std::vector<PhotoAsset>& assets) override;
+
+    void registerChangeObserver(LibraryChangeObserver& observer) override;
+    void unregisterChangeObserver(LibraryChangeObserver& observer) override;
+
+    std::optional<AssetFacts> factsOf(const QString& localIdentifier) override;
+
+  private:
+    enum class Freshness { asLastRead, current };
+
+    struct Opened {
+        Opened(const std::filesystem::path& bundle, const std::filesystem::path& workFolder)
+            : snapshot(bundle, workFolder), database(snapshot.database()) {}
+
+        const std::vector<PhotosAlbum>& albums();
+
+        LibrarySnapshot snapshot;
+        PhotosDatabase database;
+
+      private:
+        std::optional<std::vector<PhotosAlbum>> albums_;
+    };
+
+    /// Runs `work` on the open database, one caller at a time.
+    template <typename Work>
+    auto query(Freshness freshness, Work&& work);
+    void open(Freshness freshness);
+
+    const std::filesystem::path bundle_, workFolder_;
+    /// Held while the database is copied and queried: one connection serves one thread.
+    std::mutex mutex_;
+    std::optional<Opened> opened_;
+    LibraryChangeObserver* observer_ = nullptr;
+};
+
+} // namespace quorvane

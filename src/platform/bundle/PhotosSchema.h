@@ -1,0 +1,22 @@
+#pragma once
+
+#include "store/Sqlite.h"
+
+namespace quorvane {
+
+/// The names in a Photos database that differ between its versions, read off the database itself.
+/// Core Data numbers its join tables by entity, and the numbers go up and down.
+struct PhotosSchema {
+    QString assetTable;  ///< ZASSET, or ZGENERICASSET
+    QString joinTable;   ///< which assets stand in which album
+    QString joinAlbum;   ///< its album column
+    QString joinAsset;   ///< its asset column
+    QString joinOrder;   ///< its column of the order made by hand
+    QString folderOrder; ///< the column that orders what stands in a folder
+
+    /// Throws `PhotoLibraryError` when this is no Photos database, `SqliteError` when it is none
+    /// at all.
+    static PhotosSchema of(sqlite::Connection& connection);
+};
+
+} // namespace quorvane

@@ -1,0 +1,47 @@
+#include "platform/bundle/PrivateFolder.h"
+
+#include <cerrno>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace quorvane {
+
+namespace {
+
+constexpr std::string_view prefix = "quorvane-photos-";
+
+/// An empty folder is left alone: its owner may be about to lock it.
+void removeIfLeftOver(const std::filesystem::path& folder) {
+    const FileDescriptor lock(
+        ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    std::error_code error;
+    if (lock.isOpen() && ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 &&
+        !std::filesystem::is_empty(folder, error) && !error)
+        std::filesystem::remove_all(folder, error);
+}
+
+} // namespace
+
+PrivateFolder::PrivateFolder(const std::filesystem::path& parent) {
+    std::error_code error;
+    std::filesystem::create_directories(parent, error);
+    for (const auto& entry : std::filesystem::directory_iterator(parent, error))
+        if (entry.path().filename().native().starts_with(prefix))
+            removeIfLeftOver(entry.path());
+    std::string name = (parent / prefix).native() + "XXXXXX";
+    if (!::mkdtemp(name.data()))
+        throw FileError(QStringLiteral("Geçici klasör oluşturulamadı"), parent, errno);
+    path_ = name;
+    lock_ = openFile(path_, O_RDONLY | O_DIRECTORY);
+    ::flock(lock_.get(), LOCK_EX);
+}
+
+PrivateFolder::~PrivateFolder() {
+    std::error_code error;
+    std::filesystem::remove_all(path_, error);
+}
+
+} // namespace quorvane
