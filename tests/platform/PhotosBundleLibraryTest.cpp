@@ -24,12 +24,19 @@ using testing::ElementsAre;
 constexpr const char* oldLibrary = "Test-10.15.5.photoslibrary";
 constexpr const char* newLibrary = "Test-Media-Types-15.7.2.photoslibrary";
 
-/// Every file below a folder, and what is in it.
-std::map<std::string, QByteArray> digestsOf(const std::filesystem::path& folder) {
-    std::map<std::string, QByteArray> digests;
+/// Every file below a folder, by its path inside it, and what is in it.
+std::map<std::filesystem::path, QByteArray> contentsOf(const std::filesystem::path& folder) {
+    std::map<std::filesystem::path, QByteArray> contents;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
         if (entry.is_regular_file())
-            digests[entry.path().native()] = Sha256::digest(test::readFile(entry.path()));
+            contents[entry.path().lexically_relative(folder)] = test::readFile(entry.path());
+    return contents;
+}
+
+std::map<std::filesystem::path, QByteArray> digestsOf(const std::filesystem::path& folder) {
+    auto digests = contentsOf(folder);
+    for (auto& [file, bytes] : digests)
+        bytes = Sha256::digest(bytes);
     return digests;
 }
 
@@ -48,8 +55,8 @@ class RealBundle : public testing::Test {
   protected:
     PhotosBundleLibrary& open(const char* name) {
         bundle = folder / name;
-        std::filesystem::copy(test::realDataFolder() / name, bundle,
-                              std::filesystem::copy_options::recursive);
+        for (const auto& [file, bytes] : contentsOf(test::realDataFolder() / name))
+            folder.write(name / file, bytes);
         before = digestsOf(bundle);
         return library.emplace(bundle, work);
     }
@@ -85,7 +92,7 @@ class RealBundle : public testing::Test {
 
     TemporaryFolder folder;
     std::filesystem::path work = folder / "work", bundle;
-    std::map<std::string, QByteArray> before;
+    std::map<std::filesystem::path, QByteArray> before;
     std::optional<PhotosBundleLibrary> library;
 };
 
