@@ -168,8 +168,7 @@ void AssetStagingService::exportAndRecord(const SyncRecord& record, const Source
         const HashAndSize content = computeHashAndSize(file, stop);
         console_.print(
             QStringLiteral("[Staging] Tamamlandı (Metadata Enjekte Edildi): %1 (%2 bytes)")
-                .arg(source.resource.originalFilename)
-                .arg(content.sizeBytes));
+                .arg(source.resource.originalFilename, QString::number(content.sizeBytes)));
         SyncRecord staged = record;
         staged.sha256Hash = content.sha256;
         staged.fileSizeBytes = content.sizeBytes;

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "FakePhotoLibrary.h"
+#include "library/AssetStagingService.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvane::test {
+
+/// "00000007-0000-4000-8000-000000000000/L0/001"
+inline QString assetID(int number) {
+    return QStringLiteral("%1-0000-4000-8000-000000000000/L0/001").arg(number, 8, 16, QChar(u'0'));
+}
+
+/// The console lines that `work` prints.
+template <typename Work>
+QStringList printedBy(Work&& work) {
+    testing::internal::CaptureStdout();
+    work();
+    return QString::fromStdString(testing::internal::GetCapturedStdout())
+        .split(u'\n', Qt::SkipEmptyParts);
+}
+
+/// A staging service over a real store and real folders.
+struct World {
+    TemporaryFolder folder;
+    UserFolders folders{folder.path(), folder / "Pictures", folder / "temporary/QuorvaneStaging"};
+    Console console;
+    RecordingLog log;
+    FakeClock clock;
+    DatabaseManager database{folders.database(), console};
+    FakePhotoLibrary library;
+    MediaMetadataService metadata{library, folders.pictures, log, clock};
+    AssetStagingService staging{library, database, metadata, folders, console};
+
+    /// Adds an asset to the library and its DISCOVERED record to the store.
+    void discover(const QString& identifier, const QString& filename = QStringLiteral("a.bin")) {
+        library.add(identifier, filename);
+        discoverRecord(identifier);
+    }
+    void discoverRecord(const QString& identifier) {
+        SyncRecord record;
+        record.assetLocalIdentifier = identifier;
+        database.insertIfNotExists(record);
+    }
+    void setStatus(const QString& identifier, SyncStatus status,
+                   const std::optional<QString>& remoteMediaID = {}) {
+        database.updateStatus(identifier, googlePhotosProvider, pendingAccount, status, {},
+                              remoteMediaID);
+    }
+    /// The asset's record with the standard account; none when there is none.
+    std::optional<SyncRecord> record(const QString& identifier) {
+        for (const SyncRecord& record : database.fetchRecordsOfAsset(identifier))
+            if (record.accountID == pendingAccount)
+                return record;
+        return std::nullopt;
+    }
+    std::optional<SyncStatus> status(const QString& identifier) {
+        const auto found = record(identifier);
+        return found ? std::optional(found->syncStatus) : std::nullopt;
+    }
+    /// Names in a folder, sorted.
+    static QStringList names(const std::filesystem::path& folder) {
+        QStringList names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            names.append(pathText(entry.path().filename()));
+        names.sort();
+        return names;
+    }
+    QStringList stagedNames() const { return names(folders.permanentStaging()); }
+};
+
+} // namespace quorvane::test
