@@ -3,7 +3,7 @@
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
 #include "metadata/MetadataTypes.h"
-#include "metadata/PhotosDatabase.h"
+#include "metadata/PhotosDateQuery.h"
 
 #include <filesystem>
 #include <optional>
@@ -46,7 +46,7 @@ class MediaMetadataService {
     std::optional<Date> fallbackDate(const std::filesystem::path& file, DateFallbackMode mode);
 
     AssetFactsSource& assets_;
-    PhotosDatabase photosDatabase_;
+    PhotosDateQuery photosDatabase_;
     Log& log_;
     Clock& clock_;
 };

@@ -105,8 +105,8 @@ void DatabaseManager::open(Console& console) {
         return;
     }
     connection_->setBusyTimeout(busyTimeoutMilliseconds);
-    for (const char* sql : {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;",
-                            statements::schema, statements::pendingIndex}) {
+    for (const char* sql :
+         {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::schema}) {
         try {
             connection_->execute(sql);
         } catch (const sqlite::SqliteError&) { // NOLINT(bugprone-empty-catch)

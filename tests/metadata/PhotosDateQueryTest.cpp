@@ -1,4 +1,4 @@
-#include "metadata/PhotosDatabase.h"
+#include "metadata/PhotosDateQuery.h"
 
 #include "metadata/LocalCalendar.h"
 #include "support/Fakes.h"
@@ -57,7 +57,7 @@ std::string utc(const std::optional<Date>& date) {
     return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
 }
 
-class PhotosDatabaseTest : public testing::Test {
+class PhotosDateQueryTest : public testing::Test {
   protected:
     std::string ask(const QString& identifier) {
         return utc(database.queryDateFromPhotosSQLite(identifier));
@@ -65,12 +65,12 @@ class PhotosDatabaseTest : public testing::Test {
 
     TemporaryFolder pictures;
     FakeClock clock;
-    PhotosDatabase database{pictures.path(), clock};
+    PhotosDateQuery database{pictures.path(), clock};
 };
 
 } // namespace
 
-TEST_F(PhotosDatabaseTest, PrefersTheCreationToTheAddition) {
+TEST_F(PhotosDateQueryTest, PrefersTheCreationToTheAddition) {
     const struct {
         const char* dates;
         const char* date;
@@ -93,7 +93,7 @@ TEST_F(PhotosDatabaseTest, PrefersTheCreationToTheAddition) {
         createTable(photos, table);
         for (size_t i = 0; i < std::size(rows); ++i)
             insertRow(photos, table, "'U" + QByteArray::number(i) + "', " + rows[i].dates);
-        PhotosDatabase asked(folder.path(), clock);
+        PhotosDateQuery asked(folder.path(), clock);
         for (size_t i = 0; i < std::size(rows); ++i)
             EXPECT_EQ(utc(asked.queryDateFromPhotosSQLite(QStringLiteral("U%1/L0/001").arg(i))),
                       rows[i].date)
@@ -101,7 +101,7 @@ TEST_F(PhotosDatabaseTest, PrefersTheCreationToTheAddition) {
     }
 }
 
-TEST_F(PhotosDatabaseTest, KnowsAnAssetByItsBareOrItsWholeIdentifier) {
+TEST_F(PhotosDateQueryTest, KnowsAnAssetByItsBareOrItsWholeIdentifier) {
     Connection photos = photosApplication(pictures / usualBundle);
     createTable(photos, "ZGENERICASSET");
     insertRow(photos, "ZGENERICASSET", "'A', 600000000, 0");
@@ -112,7 +112,7 @@ TEST_F(PhotosDatabaseTest, KnowsAnAssetByItsBareOrItsWholeIdentifier) {
         EXPECT_EQ(ask(QString::fromLatin1(unknown)), "none") << unknown;
 }
 
-TEST_F(PhotosDatabaseTest, SeesEveryRowOfALibraryInUseAndLeavesNoTraceInIt) {
+TEST_F(PhotosDateQueryTest, SeesEveryRowOfALibraryInUseAndLeavesNoTraceInIt) {
     const fs::path bundle = pictures / usualBundle;
     Connection photos = photosApplication(bundle);
     createTable(photos, "ZASSET");
@@ -135,7 +135,7 @@ TEST_F(PhotosDatabaseTest, SeesEveryRowOfALibraryInUseAndLeavesNoTraceInIt) {
     EXPECT_EQ(ask(QStringLiteral("B")), "2020-01-06 10:40:00");
 }
 
-TEST_F(PhotosDatabaseTest, TakesTheUsualLibraryElseAnyOtherOnceAndForAll) {
+TEST_F(PhotosDateQueryTest, TakesTheUsualLibraryElseAnyOtherOnceAndForAll) {
     EXPECT_EQ(ask(uuid), "none"); // nothing there yet, and never looked for again
     fs::create_directories(pictures / "Empty.photoslibrary");
     {
@@ -144,22 +144,22 @@ TEST_F(PhotosDatabaseTest, TakesTheUsualLibraryElseAnyOtherOnceAndForAll) {
         insertRow(photos, "ZGENERICASSET", "'A', 500000000, 0");
     }
     EXPECT_EQ(ask(QStringLiteral("A")), "none");
-    PhotosDatabase other(pictures.path(), clock);
+    PhotosDateQuery other(pictures.path(), clock);
     EXPECT_EQ(utc(other.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2016-11-05 00:53:20");
     {
         Connection photos = photosApplication(pictures / usualBundle);
         createTable(photos, "ZASSET");
         insertRow(photos, "ZASSET", "'A', 600000000, 0");
     }
-    PhotosDatabase usual(pictures.path(), clock);
+    PhotosDateQuery usual(pictures.path(), clock);
     EXPECT_EQ(utc(usual.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2020-01-06 10:40:00");
     EXPECT_EQ(utc(other.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2016-11-05 00:53:20");
 
-    PhotosDatabase nowhere({}, clock);
+    PhotosDateQuery nowhere({}, clock);
     EXPECT_EQ(nowhere.queryDateFromPhotosSQLite(QStringLiteral("A")), std::nullopt);
 }
 
-TEST_F(PhotosDatabaseTest, HasNoDateWhileTheDatabaseCannotBeRead) {
+TEST_F(PhotosDateQueryTest, HasNoDateWhileTheDatabaseCannotBeRead) {
     const fs::path file = databaseOf(usualBundle);
     pictures.write(file, QByteArray(8192, 'x'));
     EXPECT_EQ(ask(QStringLiteral("A")), "none");
@@ -180,7 +180,7 @@ TEST_F(PhotosDatabaseTest, HasNoDateWhileTheDatabaseCannotBeRead) {
     EXPECT_EQ(ask(QStringLiteral("A")), "none");
 }
 
-TEST_F(PhotosDatabaseTest, AnswersManyThreadsAtOnce) {
+TEST_F(PhotosDateQueryTest, AnswersManyThreadsAtOnce) {
     Connection photos = photosApplication(pictures / usualBundle);
     createTable(photos, "ZASSET");
     insertRow(photos, "ZASSET", "'A', 600000000, 0");
@@ -199,7 +199,7 @@ TEST_F(PhotosDatabaseTest, AnswersManyThreadsAtOnce) {
     EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
 }
 
-TEST_F(PhotosDatabaseTest, ReadsRealLibrariesWithoutTouchingThem) {
+TEST_F(PhotosDateQueryTest, ReadsRealLibrariesWithoutTouchingThem) {
     QUORVANE_REQUIRE_REAL_DATA();
     const struct {
         const char* library;
@@ -222,7 +222,7 @@ TEST_F(PhotosDatabaseTest, ReadsRealLibrariesWithoutTouchingThem) {
                  fs::copy_options::recursive);
         fs::remove(bundle / "database/Photos.sqlite-shm");
         const Listing before = listingOf(bundle);
-        PhotosDatabase asked(folder.path(), clock);
+        PhotosDateQuery asked(folder.path(), clock);
         EXPECT_EQ(utc(asked.queryDateFromPhotosSQLite(QString::fromLatin1(row.identifier))),
                   row.date);
         EXPECT_EQ(listingOf(bundle), before);

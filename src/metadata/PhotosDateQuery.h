@@ -16,10 +16,10 @@ namespace quorvane {
 /// Asks the Photos library's own database when an asset was made: it still knows assets that the
 /// library no longer hands out. Works on a private copy, so the library is never touched and never
 /// waited for. Any thread.
-class PhotosDatabase {
+class PhotosDateQuery {
   public:
     /// The database is looked for in `picturesFolder`, once, when first asked.
-    PhotosDatabase(std::filesystem::path picturesFolder, Clock& clock)
+    PhotosDateQuery(std::filesystem::path picturesFolder, Clock& clock)
         : picturesFolder_(std::move(picturesFolder)), clock_(clock) {}
 
     /// When the asset of this local identifier was made, else added. None when the row or the

@@ -1,4 +1,4 @@
-#include "metadata/PhotosDatabase.h"
+#include "metadata/PhotosDateQuery.h"
 
 #include "metadata/LocalCalendar.h"
 
@@ -59,10 +59,10 @@ std::optional<std::filesystem::path> findDatabase(const std::filesystem::path& p
 
 } // namespace
 
-PhotosDatabase::Session::Session(const std::filesystem::path& file)
+PhotosDateQuery::Session::Session(const std::filesystem::path& file)
     : connection(file, sqlite::Connection::Mode::readOnly), statement(prepare(connection)) {}
 
-std::optional<Date> PhotosDatabase::queryDateFromPhotosSQLite(const QString& identifier) noexcept {
+std::optional<Date> PhotosDateQuery::queryDateFromPhotosSQLite(const QString& identifier) noexcept {
     try {
         const std::lock_guard lock(mutex_);
         Session* const session = currentSession();
@@ -78,7 +78,7 @@ std::optional<Date> PhotosDatabase::queryDateFromPhotosSQLite(const QString& ide
     }
 }
 
-PhotosDatabase::Session* PhotosDatabase::currentSession() {
+PhotosDateQuery::Session* PhotosDateQuery::currentSession() {
     if (!cachedPhotosDatabaseURL())
         return nullptr;
     if (!copy_)
@@ -95,7 +95,7 @@ PhotosDatabase::Session* PhotosDatabase::currentSession() {
     return &*session_;
 }
 
-const std::optional<std::filesystem::path>& PhotosDatabase::cachedPhotosDatabaseURL() {
+const std::optional<std::filesystem::path>& PhotosDateQuery::cachedPhotosDatabaseURL() {
     if (!looked_)
         cachedPhotosDatabaseURL_ = findDatabase(picturesFolder_);
     looked_ = true;

@@ -1,0 +1,123 @@
+#include "app/cli/Forecast.h"
+
+#include "app/cli/SyncReport.h"
+
+#include <algorithm>
+#include <set>
+
+namespace quorvane::cli {
+
+namespace {
+
+std::set<QString> finishedIdentifiers(DatabaseManager& db) {
+    std::set<QString> finished;
+    for (const auto& [identifier, status] : db.fetchStatuses())
+        if (status == SyncStatus::verified || status == SyncStatus::deletedLocally ||
+            status == SyncStatus::excluded)
+            finished.insert(identifier);
+    return finished;
+}
+
+void countKind(Forecast& forecast, const PhotoAsset& asset) {
+    if (asset.mediaType == AssetMediaType::video)
+        ++forecast.videos;
+    else if ((asset.mediaSubtypes & mediaSubtypePhotoLive) != 0)
+        ++forecast.livePhotos;
+    else
+        ++forecast.photos;
+}
+
+void countFile(Forecast& forecast, LibraryServices& library, const PhotoAsset& asset,
+               DateFallbackMode fallbackMode) {
+    const auto resource = resourceToStage(library.library->assetResources(asset));
+    if (!resource || !resource->fileSize) {
+        ++forecast.unavailable;
+        return;
+    }
+    if (library.metadata.resolveDate(resource->location, asset.facts(), asset.localIdentifier,
+                                     fallbackMode))
+        forecast.bytes += *resource->fileSize;
+    else
+        ++forecast.undated;
+}
+
+} // namespace
+
+bool Forecast::overflowsTarget() const {
+    return targetTitle && targetCount + toUpload() > GoogleAlbum::capacity;
+}
+
+Forecast forecast(CoreServices& core, LibraryServices& library, GoogleServices* google,
+                  DateFallbackMode fallbackMode, std::stop_token stop) {
+    Forecast result;
+    const auto finished = finishedIdentifiers(core.db);
+    const auto assets = library.albums.fetchAssets(library.albums.selectedSourceAlbumID());
+    for (const PhotoAsset& asset : *assets) {
+        if (stop.stop_requested())
+            throw Cancelled();
+        if (asset.mediaType != AssetMediaType::image && asset.mediaType != AssetMediaType::video)
+            continue;
+        if (finished.contains(asset.localIdentifier)) {
+            ++result.alreadyDone;
+            continue;
+        }
+        countKind(result, asset);
+        countFile(result, library, asset, fallbackMode);
+    }
+    if (google == nullptr)
+        return result;
+    const auto target = google->albums.targetAlbumID();
+    if (!target)
+        return result;
+    const auto albums = google->albums.listAlbums(stop);
+    const auto album = std::ranges::find(albums, *target, &GoogleAlbum::id);
+    if (album != albums.end()) {
+        result.targetTitle = album->title.value_or(album->id);
+        result.targetCount = album->itemCount();
+    }
+    return result;
+}
+
+QString Forecast::table() const {
+    const auto row = [](const QString& label, const QString& value) {
+        return QStringLiteral("  %1 %2\n").arg(label.leftJustified(26), value);
+    };
+    QString text = QStringLiteral("Deneme: hiçbir şey yüklenmedi, hiçbir kayıt yazılmadı\n");
+    text += row(QStringLiteral("Fotoğraf"), QString::number(photos));
+    text += row(QStringLiteral("Video"), QString::number(videos));
+    text += row(QStringLiteral("Live Photo"), QString::number(livePhotos));
+    text += row(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
+    text += row(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
+    text += row(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
+    text += row(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
+    text += row(QStringLiteral("Boyut"), byteText(bytes));
+    if (targetTitle)
+        text += row(QStringLiteral("Hedef albüm"),
+                    QStringLiteral("%1 (%2 öğe)%3")
+                        .arg(*targetTitle)
+                        .arg(targetCount)
+                        .arg(overflowsTarget()
+                                 ? QStringLiteral(" ⚠️ 20.000 öğe sınırı aşılacak")
+                                 : QString()));
+    return text.chopped(1);
+}
+
+QJsonObject Forecast::json() const {
+    QJsonObject object{{QStringLiteral("event"), QStringLiteral("forecast")},
+                       {QStringLiteral("photos"), photos},
+                       {QStringLiteral("videos"), videos},
+                       {QStringLiteral("livePhotos"), livePhotos},
+                       {QStringLiteral("alreadyDone"), alreadyDone},
+                       {QStringLiteral("unavailable"), unavailable},
+                       {QStringLiteral("undated"), undated},
+                       {QStringLiteral("toUpload"), toUpload()},
+                       {QStringLiteral("bytes"), qint64(bytes)}};
+    if (targetTitle) {
+        object[QStringLiteral("targetAlbum")] = *targetTitle;
+        object[QStringLiteral("targetCount")] = qint64(targetCount);
+        object[QStringLiteral("overflowsTarget")] = overflowsTarget();
+    }
+    return object;
+}
+
+} // namespace quorvane::cli

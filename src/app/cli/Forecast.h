@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/Composition.h"
+
+#include <QJsonObject>
+
+namespace quorvane::cli {
+
+/// What a run would do, without doing it: nothing is written to the store, nothing is uploaded.
+struct Forecast {
+    int photos = 0;
+    int videos = 0;
+    int livePhotos = 0;
+    int alreadyDone = 0; ///< verified earlier
+    int unavailable = 0; ///< the original is not on this machine
+    int undated = 0;     ///< would be held back
+    std::int64_t bytes = 0;
+    std::optional<QString> targetTitle;
+    std::int64_t targetCount = 0; ///< items now in the target album
+
+    int toUpload() const { return photos + videos + livePhotos - undated - unavailable; }
+    bool overflowsTarget() const;
+
+    QString table() const;
+    QJsonObject json() const;
+};
+
+/// Reads the source and every file's date. `google` is absent when nobody is signed in; the target
+/// album is then not looked at. Throws `PhotoLibraryError`, `DBError` and `Cancelled`.
+Forecast forecast(CoreServices& core, LibraryServices& library, GoogleServices* google,
+                  DateFallbackMode fallbackMode, std::stop_token stop);
+
+} // namespace quorvane::cli

@@ -1,0 +1,94 @@
+#include "app/cli/LibraryChoice.h"
+
+#include "foundation/File.h"
+
+#include <algorithm>
+#include <set>
+
+namespace quorvane::cli {
+
+namespace {
+
+std::optional<std::filesystem::path> firstBundle(const std::filesystem::path& pictures) {
+    std::set<std::filesystem::path> bundles;
+    std::error_code ignored; // an unreadable Pictures folder holds no bundle for us
+    for (const auto& entry : std::filesystem::directory_iterator(pictures, ignored))
+        if (entry.path().extension() == ".photoslibrary")
+            bundles.insert(entry.path());
+    return bundles.empty() ? std::nullopt : std::optional(*bundles.begin());
+}
+
+/// The one album whose identifier or title is `wanted`.
+template <typename Album, typename Title>
+const Album& findOne(const std::vector<Album>& albums, const QString& wanted, Title&& titleOf) {
+    const auto byID = std::ranges::find(albums, wanted, &Album::id);
+    if (byID != albums.end())
+        return *byID;
+    const Album* found = nullptr;
+    for (const Album& album : albums) {
+        if (titleOf(album) != wanted)
+            continue;
+        if (found != nullptr)
+            throw Error(QStringLiteral("Bu adda birden çok albüm var, kimliğini verin: ") + wanted);
+        found = &album;
+    }
+    if (found == nullptr)
+        throw Error(QStringLiteral("Albüm bulunamadı: ") + wanted);
+    return *found;
+}
+
+} // namespace
+
+std::filesystem::path chooseLibrary(const std::optional<QString>& named, Preferences& preferences,
+                                    const UserFolders& folders) {
+    if (named) {
+        const std::filesystem::path path = std::filesystem::absolute(pathFrom(*named));
+        if (!std::filesystem::is_directory(path))
+            throw Error(QStringLiteral("Arşiv bulunamadı: ") + pathText(path));
+        preferences.setString(preferenceKeys::libraryPath, pathText(path));
+        return path;
+    }
+    if (const auto remembered = preferences.string(preferenceKeys::libraryPath)) {
+        const std::filesystem::path path = pathFrom(*remembered);
+        if (!std::filesystem::is_directory(path))
+            throw Error(QStringLiteral("Son kullanılan arşiv artık yerinde değil: ") +
+                        pathText(path));
+        return path;
+    }
+    if (const auto bundle = firstBundle(folders.pictures))
+        return *bundle;
+    throw Error(QStringLiteral("Arşiv seçilmedi: --library ile bir Fotoğraflar arşivi veya resim "
+                               "klasörü verin"));
+}
+
+void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path) {
+    switch (library.authorizationStatus()) {
+    case AuthorizationStatus::authorized:
+    case AuthorizationStatus::limited:
+        return;
+    case AuthorizationStatus::notDetermined:
+    case AuthorizationStatus::restricted:
+    case AuthorizationStatus::denied:
+        throw Error(QStringLiteral("Arşiv okunamıyor: ") + pathText(path));
+    }
+}
+
+void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums,
+                       Preferences& preferences) {
+    const std::vector<LocalAlbumItem> all = albums.performFetchLocalAlbums();
+    const LocalAlbumItem& album =
+        findOne(all, idOrTitle, [](const LocalAlbumItem& item) { return item.title; });
+    preferences.setVolatile(preferenceKeys::sourceAlbumID, album.id);
+    preferences.setVolatile(preferenceKeys::sourceAlbumTitle, album.title);
+}
+
+void chooseTargetAlbum(const QString& idOrTitle, GoogleAlbumManager& albums,
+                       Preferences& preferences, std::stop_token stop) {
+    const std::vector<GoogleAlbum> all = albums.listAlbums(stop);
+    const GoogleAlbum& album = findOne(
+        all, idOrTitle, [](const GoogleAlbum& item) { return item.title.value_or(QString()); });
+    preferences.setVolatile(preferenceKeys::targetAlbumID, album.id);
+    preferences.setVolatile(preferenceKeys::targetAlbumTitle, album.title.value_or(QString()));
+}
+
+} // namespace quorvane::cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/Composition.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace quorvane::cli {
+
+/// The library to back up: the one named, which is remembered; else the remembered one; else the
+/// first Photos bundle in the Pictures folder. Throws `Error` when there is none or it is gone.
+std::filesystem::path chooseLibrary(const std::optional<QString>& named, Preferences& preferences,
+                                    const UserFolders& folders);
+
+/// Throws `Error` with the reason when the library cannot be read.
+void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path);
+
+/// Makes the album named by identifier or title the source of this run. Throws `Error` when there
+/// is none, or several of that title.
+void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums,
+                       Preferences& preferences);
+
+/// Makes the Google Photos album named by identifier or title the target of this run.
+void chooseTargetAlbum(const QString& idOrTitle, GoogleAlbumManager& albums,
+                       Preferences& preferences, std::stop_token stop);
+
+} // namespace quorvane::cli

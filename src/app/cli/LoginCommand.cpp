@@ -1,0 +1,68 @@
+#include "app/RunLock.h"
+#include "app/cli/Command.h"
+#include "app/cli/SignIn.h"
+#include "platform/linux/BrowserAuthSession.h"
+
+#include <unistd.h>
+
+namespace quorvane::cli {
+
+namespace {
+
+/// Opens the browser where there is a desktop; the callback URL comes from its URL handler or from
+/// standard input, whichever is first.
+int login(Invocation& invocation) {
+    CoreServices core(invocation.folders, invocation.console);
+    BrowserAuthSession session(DesktopEnvironment::ofProcess(core.folders), {STDIN_FILENO},
+                               core.console, core.logger);
+    GoogleServices google(core, session);
+    google.oauth.signIn(invocation.stop);
+    core.console.result(QStringLiteral("Oturum açıldı: ") +
+                        google.oauth.email().value_or(QStringLiteral("e-posta bilinmiyor")));
+    return done;
+}
+
+int logout(Invocation& invocation) {
+    const RunLock lock(invocation.folders.runLock()); // not under the feet of a running sync
+    invocation.console.setChannel(Console::Channel::silent);
+    CoreServices core(invocation.folders, invocation.console);
+    NoAuthSession noSignIn;
+    GoogleServices google(core, noSignIn);
+    google.oauth.signOut(invocation.stop);
+    core.console.result(QStringLiteral("Oturum kapatıldı."));
+    return done;
+}
+
+/// Called by the desktop with the URL that ends a sign-in.
+int handleUrl(Invocation& invocation) {
+    const QString url = invocation.arguments.operand();
+    if (url.isEmpty())
+        throw UsageError(QStringLiteral("handle-url: bir adres bekler"));
+    if (handOverURL(DesktopEnvironment::ofProcess(invocation.folders), url))
+        return done;
+    throw Error(QStringLiteral("Bu adresi bekleyen bir giriş yok"));
+}
+
+} // namespace
+
+Command loginCommand() {
+    return {{QStringLiteral("login"), QStringLiteral("Google hesabında oturum açar"), {}}, login};
+}
+
+Command logoutCommand() {
+    return {{QStringLiteral("logout"),
+             QStringLiteral("oturumu kapatır ve saklanan tüm anahtarları siler"),
+             {}},
+            logout};
+}
+
+Command handleUrlCommand() {
+    CommandSpec spec{QStringLiteral("handle-url"),
+                     QStringLiteral("tarayıcının geri dönüş adresini bekleyen girişe iletir"),
+                     {}};
+    spec.operand = QStringLiteral("ADRES");
+    spec.hidden = true;
+    return {spec, handleUrl};
+}
+
+} // namespace quorvane::cli

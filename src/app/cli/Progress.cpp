@@ -1,0 +1,113 @@
+#include "app/cli/Progress.h"
+
+#include "app/cli/Command.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace quorvane::cli {
+
+namespace {
+
+using std::chrono::duration_cast;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr milliseconds livePeriod{250};
+constexpr milliseconds plainPeriod{5000};
+
+QString clockText(std::int64_t total) {
+    const auto twoDigits = [](std::int64_t value) {
+        return QStringLiteral("%1").arg(value, 2, 10, QLatin1Char('0'));
+    };
+    if (total >= 3600)
+        return QStringLiteral("%1:%2:%3")
+            .arg(total / 3600)
+            .arg(twoDigits(total / 60 % 60), twoDigits(total % 60));
+    return QStringLiteral("%1:%2").arg(total / 60).arg(twoDigits(total % 60));
+}
+
+int percentOf(int completed, int total) {
+    return total > 0 ? static_cast<int>(std::int64_t(completed) * 100 / total) : 100;
+}
+
+std::optional<std::int64_t> secondsLeft(int completed, int total, seconds elapsed) {
+    if (completed <= 0)
+        return std::nullopt;
+    return elapsed.count() * (total - completed) / completed;
+}
+
+} // namespace
+
+QString progressLine(int completed, int total, seconds elapsed, const TransferSnapshot& transfers) {
+    QStringList parts{
+        QStringLiteral("%1/%2 (%%3)").arg(completed).arg(total).arg(percentOf(completed, total)),
+        transfers.currentSpeedText};
+    if (const auto left = secondsLeft(completed, total, elapsed))
+        parts += QStringLiteral("kalan ") + clockText(*left);
+    QStringList names;
+    for (const ActiveTransferItem& item : transfers.items)
+        names += item.fileName;
+    if (!names.isEmpty())
+        parts += names.join(QStringLiteral(", "));
+    return parts.join(QStringLiteral(" · "));
+}
+
+Progress::Progress(Form form, Console& console, TransferActivityTracker& tracker, Clock& clock)
+    : form_(form),
+      console_(console),
+      tracker_(tracker),
+      clock_(clock),
+      started_(clock.monotonic()) {
+    if (form_ != Form::none)
+        thread_ = std::jthread([this](std::stop_token stop) { show(stop); });
+}
+
+Progress::~Progress() {
+    thread_ = {}; // ends and joins
+    console_.setLiveLine(QString());
+}
+
+void Progress::update(int completed, int total) {
+    const std::lock_guard lock(mutex_);
+    completed_ = completed;
+    total_ = total;
+}
+
+void Progress::show(std::stop_token stop) {
+    const bool onTerminal = form_ == Form::text && console_.isTerminal();
+    while (clock_.sleep(onTerminal ? livePeriod : plainPeriod, stop))
+        showOnce(onTerminal);
+}
+
+void Progress::showOnce(bool onTerminal) {
+    int completed = 0;
+    int total = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        completed = completed_;
+        total = total_;
+    }
+    const auto elapsed = duration_cast<seconds>(clock_.monotonic() - started_);
+    const TransferSnapshot transfers = tracker_.getSnapshot();
+    if (form_ == Form::json) {
+        QJsonArray names;
+        for (const ActiveTransferItem& item : transfers.items)
+            names += item.fileName;
+        QJsonObject object{{QStringLiteral("event"), QStringLiteral("progress")},
+                           {QStringLiteral("completed"), completed},
+                           {QStringLiteral("total"), total},
+                           {QStringLiteral("percent"), percentOf(completed, total)},
+                           {QStringLiteral("bytesPerSecond"), transfers.currentSpeed},
+                           {QStringLiteral("inFlight"), names}};
+        if (const auto left = secondsLeft(completed, total, elapsed))
+            object[QStringLiteral("secondsLeft")] = qint64(*left);
+        printJson(console_, object);
+    } else if (onTerminal) {
+        console_.setLiveLine(progressLine(completed, total, elapsed, transfers));
+    } else if (completed != std::exchange(lastShown_, completed)) {
+        console_.print(progressLine(completed, total, elapsed, transfers));
+    }
+}
+
+} // namespace quorvane::cli

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "foundation/Clock.h"
+#include "foundation/Console.h"
+#include "google/TransferActivityTracker.h"
+
+#include <mutex>
+#include <thread>
+
+namespace quorvane::cli {
+
+/// "12/40 (%30) · 3.2 MB/s · kalan 0:45 · IMG_0012.JPG, klip.mov". `elapsed` is since the start of
+/// the uploads; the time left follows from the pace so far and is missing before the first item.
+QString progressLine(int completed, int total, std::chrono::seconds elapsed,
+                     const TransferSnapshot& transfers);
+
+/// Shows a run while it runs: one live line on a terminal, a plain line now and then elsewhere, or
+/// JSON objects. Created and ended by the command; the progress itself comes on the main thread.
+class Progress {
+  public:
+    enum class Form { text, json, none };
+
+    Progress(Form form, Console& console, TransferActivityTracker& tracker, Clock& clock);
+    ~Progress();
+
+    void update(int completed, int total);
+
+  private:
+    void show(std::stop_token stop);
+    void showOnce(bool onTerminal);
+
+    const Form form_;
+    Console& console_;
+    TransferActivityTracker& tracker_;
+    Clock& clock_;
+    const Clock::Monotonic started_;
+    std::mutex mutex_; ///< guards the two counts
+    int completed_ = 0;
+    int total_ = 0;
+    int lastShown_ = -1; ///< the showing thread's own
+    std::jthread thread_;
+};
+
+} // namespace quorvane::cli

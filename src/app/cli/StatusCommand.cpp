@@ -1,0 +1,80 @@
+#include "app/cli/Command.h"
+#include "app/cli/SignIn.h"
+#include "app/cli/SyncReport.h"
+
+#include <QJsonObject>
+
+namespace quorvane::cli {
+
+namespace {
+
+struct Status {
+    StoreCounts counts;
+    bool signedIn = false;
+    QString email;
+    QString library;
+    QString targetAlbum;
+};
+
+QString table(const Status& status, const UserFolders& folders) {
+    const auto row = [](const QString& label, const QString& value) {
+        return QStringLiteral("%1 %2\n").arg(label.leftJustified(22), value);
+    };
+    const QString account = status.signedIn
+                                ? (status.email.isEmpty() ? QStringLiteral("açık") : status.email)
+                                : QStringLiteral("açılmamış");
+    QString text = row(QStringLiteral("Oturum"), account);
+    text += row(QStringLiteral("Arşiv"),
+                status.library.isEmpty() ? QStringLiteral("seçilmedi") : status.library);
+    text +=
+        row(QStringLiteral("Hedef albüm"),
+            status.targetAlbum.isEmpty() ? QStringLiteral("yok (ana akış)") : status.targetAlbum);
+    text += row(QStringLiteral("Doğrulanan"), QString::number(status.counts.verified));
+    text += row(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
+    text += row(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
+    text += row(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
+    text += row(QStringLiteral("Durum veritabanı"), pathText(folders.database()));
+    text += row(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
+    text += row(QStringLiteral("Hazırlanan dosyalar"), pathText(folders.permanentStaging()));
+    return text.chopped(1);
+}
+
+int status(Invocation& invocation) {
+    invocation.console.setChannel(Console::Channel::silent);
+    CoreServices core(invocation.folders, invocation.console);
+    core.db.requireUsable();
+    NoAuthSession noSignIn;
+    GoogleServices google(core, noSignIn);
+    const Status now{StoreCounts::of(core.db), google.oauth.isSignedIn(),
+                     google.oauth.email().value_or(QString()),
+                     core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
+                     core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString())};
+    if (!invocation.arguments.has(QStringLiteral("json"))) {
+        core.console.result(table(now, core.folders));
+        return done;
+    }
+    printJson(core.console,
+              {{QStringLiteral("signedIn"), now.signedIn},
+               {QStringLiteral("email"), now.email},
+               {QStringLiteral("library"), now.library},
+               {QStringLiteral("targetAlbum"), now.targetAlbum},
+               {QStringLiteral("verified"), now.counts.verified},
+               {QStringLiteral("pending"), now.counts.pending},
+               {QStringLiteral("failed"), now.counts.failed},
+               {QStringLiteral("undated"), now.counts.undated},
+               {QStringLiteral("database"), pathText(core.folders.database())},
+               {QStringLiteral("log"), pathText(core.logger.logFile())},
+               {QStringLiteral("staging"), pathText(core.folders.permanentStaging())}});
+    return done;
+}
+
+} // namespace
+
+Command statusCommand() {
+    return {{QStringLiteral("status"),
+             QStringLiteral("oturumu, sayıları ve dosyaların yerini gösterir"),
+             {{QStringLiteral("json"), {}, QStringLiteral("tek bir JSON nesnesi yazar")}}},
+            status};
+}
+
+} // namespace quorvane::cli

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "store/DatabaseManager.h"
+#include "sync/SyncCoordinator.h"
+
+#include <QJsonObject>
+
+namespace quorvane::cli {
+
+/// How many records the store holds, told apart as a person asks for them.
+struct StoreCounts {
+    int verified = 0; ///< with those deleted here since
+    int failed = 0;
+    int undated = 0;
+    int pending = 0;
+
+    /// Throws `DBError`.
+    static StoreCounts of(DatabaseManager& db);
+};
+
+/// One record that needs a look.
+struct UnfinishedItem {
+    QString name; ///< of its staged file, else its identifier
+    SyncStatus status = SyncStatus::failed;
+    QString reason;
+};
+
+/// The end of a run.
+struct SyncReport {
+    StoreCounts before;
+    StoreCounts after;
+    std::vector<FailedCategorySummary> failures;
+    std::vector<UnfinishedItem> unfinished; ///< at most `shownItems`
+    SyncCoordinator::Summary run;
+    double seconds = 0;
+    bool albumFull = false;
+
+    static constexpr int shownItems = 20;
+
+    QString table() const;
+    QJsonObject json() const;
+    int exitCode() const;
+};
+
+/// "1,2 MB"
+QString byteText(std::int64_t bytes);
+
+} // namespace quorvane::cli

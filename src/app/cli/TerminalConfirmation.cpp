@@ -1,0 +1,41 @@
+#include "app/cli/TerminalConfirmation.h"
+
+#include "foundation/File.h"
+
+#include <array>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace quorvane::cli {
+
+namespace {
+
+/// One line of standard input; empty at its end or when stopped.
+QString readLine(const std::stop_token& stop) {
+    const FileDescriptor wake(::eventfd(0, EFD_CLOEXEC));
+    const std::stop_callback onStop(stop, [&wake] { ::eventfd_write(wake.get(), 1); });
+    std::array<pollfd, 2> watched{pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{wake.get(), POLLIN, 0}};
+    if (::poll(watched.data(), watched.size(), -1) <= 0 || (watched[1].revents & POLLIN) != 0)
+        return {};
+    std::array<char, 256> line{};
+    const ssize_t length = ::read(STDIN_FILENO, line.data(), line.size());
+    return length > 0 ? QString::fromUtf8(line.data(), length).trimmed() : QString();
+}
+
+} // namespace
+
+bool TerminalConfirmation::confirmDeletion(int count) {
+    if (confirmedBeforehand_)
+        return true;
+    if (::isatty(STDIN_FILENO) == 0)
+        return false;
+    console_.error(QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı Çöp'e taşınacak. "
+                                  "Onaylıyorsanız \"evet\" yazın:")
+                       .arg(count));
+    const QString answer = readLine(stop_);
+    return answer.compare(u"evet", Qt::CaseInsensitive) == 0;
+}
+
+} // namespace quorvane::cli

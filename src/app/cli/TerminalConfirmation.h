@@ -1,0 +1,25 @@
+#pragma once
+
+#include "foundation/Console.h"
+#include "library/DeletionConfirmation.h"
+
+#include <stop_token>
+
+namespace quorvane::cli {
+
+/// Asks on the terminal before originals go to the Trash. Without a terminal, or after a stop, the
+/// answer is no, unless it was given beforehand.
+class TerminalConfirmation final : public DeletionConfirmation {
+  public:
+    TerminalConfirmation(Console& console, bool confirmedBeforehand, std::stop_token stop)
+        : console_(console), confirmedBeforehand_(confirmedBeforehand), stop_(std::move(stop)) {}
+
+    bool confirmDeletion(int count) override;
+
+  private:
+    Console& console_;
+    const bool confirmedBeforehand_;
+    const std::stop_token stop_;
+};
+
+} // namespace quorvane::cli
