@@ -37,7 +37,7 @@ mkfifo "$work/callback"
 login=$!
 exec 3>"$work/callback"
 for _ in $(seq 200); do grep -q '^http' "$work/login.txt" && break; sleep 0.05; done
-curl -s -o /dev/null -w '%{redirect_url}\n' "$(grep -m1 '^http' "$work/login.txt")" >&3
+curl -s -o /dev/null -w '%header{location}\n' "$(grep -m1 '^http' "$work/login.txt")" >&3
 wait "$login"
 exec 3>&-
 "$bin/quorvane-cli" status
