@@ -40,17 +40,15 @@ QString canonicalName(int status) {
 Answer jsonAnswer(const QJsonObject& object, int status) {
     return {.status = status,
             .contentType = "application/json; charset=UTF-8",
-            .body = QJsonDocument(object).toJson(),
-            .location = {}};
+            .body = QJsonDocument(object).toJson()};
 }
 
 Answer textAnswer(const QByteArray& text, int status) {
-    return {.status = status, .contentType = "text/plain", .body = text, .location = {}};
+    return {.status = status, .contentType = "text/plain", .body = text};
 }
 
 Answer htmlAnswer(const QByteArray& html, int status) {
-    return {
-        .status = status, .contentType = "text/html; charset=UTF-8", .body = html, .location = {}};
+    return {.status = status, .contentType = "text/html; charset=UTF-8", .body = html};
 }
 
 Answer apiError(int status, const QString& message) {

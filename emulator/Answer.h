@@ -9,9 +9,9 @@ namespace quorvane::emulator {
 /// What the service says to one request.
 struct Answer {
     int status = 200;
-    QByteArray contentType;
-    QByteArray body;
-    QByteArray location; ///< of a redirection
+    QByteArray contentType = {};
+    QByteArray body = {};
+    QByteArray location = {}; ///< of a redirection
 };
 
 Answer jsonAnswer(const QJsonObject& object, int status = 200);

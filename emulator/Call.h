@@ -9,7 +9,7 @@ namespace quorvane::emulator {
 /// One request, received whole. An upload's bytes are only summed up in it.
 struct Call {
     RecordedRequest request;
-    QByteArray uploadStart; ///< the first bytes of an upload, enough to tell its format
+    QByteArray uploadStart = {}; ///< the first bytes of an upload, enough to tell its format
 
     /// A query item, decoded; empty when absent.
     QString queryItem(const QString& name) const;

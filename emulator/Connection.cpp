@@ -45,8 +45,15 @@ void Connection::waitForEnd() const {
     stays(socket_.get(), -1);
 }
 
-void Connection::end() const {
-    ::shutdown(socket_.get(), SHUT_RDWR);
+void Connection::end() {
+    const std::lock_guard lock(closing_);
+    if (socket_.isOpen())
+        ::shutdown(socket_.get(), SHUT_RDWR);
+}
+
+void Connection::close() {
+    const std::lock_guard lock(closing_);
+    socket_ = FileDescriptor();
 }
 
 ssize_t Connection::read(char* target, size_t size) {

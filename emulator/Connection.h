@@ -5,6 +5,7 @@
 #include <httplib.h>
 
 #include <chrono>
+#include <mutex>
 
 namespace quorvane::emulator {
 
@@ -24,8 +25,12 @@ class Connection final : public httplib::Stream {
     bool pause(std::chrono::milliseconds duration) const;
     void waitForEnd() const;
 
-    /// Both directions; whoever waits for this connection wakes up.
-    void end() const;
+    /// Ends both directions; the serving thread wakes up wherever it waits. Any thread.
+    void end();
+
+    /// The serving thread's last act. Closing, unlike ending, tells a client that is still
+    /// sending.
+    void close();
 
     bool is_readable() const override { return true; }
     bool is_writable() const override { return true; }
@@ -36,6 +41,7 @@ class Connection final : public httplib::Stream {
     int socket() const override { return socket_.get(); }
 
   private:
+    std::mutex closing_; ///< so that no other thread ends a descriptor that is used anew
     FileDescriptor socket_;
     int number_;
     std::vector<char> buffer_;

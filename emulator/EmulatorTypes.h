@@ -54,9 +54,9 @@ struct Behaviour {
 
 struct EmulatorOptions {
     int port = 0; ///< 0: any free one
-    Behaviour behaviour;
-    std::filesystem::path storeFolder;             ///< keeps the uploaded files when not empty
-    std::filesystem::path stateFile;               ///< keeps the account's state when not empty
+    Behaviour behaviour = {};
+    std::filesystem::path storeFolder = {};        ///< keeps the uploaded files when not empty
+    std::filesystem::path stateFile = {};          ///< keeps the account's state when not empty
     std::int64_t recordedBytes = 64 * 1024 * 1024; ///< oldest requests are forgotten; 0: none kept
     std::int64_t keptUploadBytes = 0;              ///< of each upload's start, in its record
 };
@@ -89,7 +89,7 @@ struct StoredMediaItem {
     QByteArray sha256; ///< lower-case hexadecimal
     std::int64_t size = 0;
     QString creationTime; ///< ISO 8601, UTC, of the item's creation at the service
-    QStringList albumIds;
+    QStringList albumIds = {};
 };
 
 struct StoredAlbum {

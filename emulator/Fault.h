@@ -10,8 +10,8 @@ struct Fault {
     int nth = 1;   ///< the first request hit, counted from 1 after the fault was added
     int times = 1; ///< requests hit in a row; 0: all from the first one on
 
-    std::optional<int> status;      ///< answered instead of the true status
-    std::optional<QByteArray> body; ///< answered instead of the true body
+    std::optional<int> status = {};      ///< answered instead of the true status
+    std::optional<QByteArray> body = {}; ///< answered instead of the true body
     QByteArray contentType = "application/json";
     /// Whether a request answered with another status or body, or stalled, still has its effect:
     /// the answer alone is lost.
@@ -19,9 +19,9 @@ struct Fault {
 
     std::chrono::milliseconds delay{0}; ///< before the answer, on top of the latency
     bool stall = false;                 ///< no answer ever; the client has to leave
-    std::optional<std::int64_t>
-        dropRequestAfter;                        ///< closes after these bytes of the request's body
-    std::optional<std::int64_t> dropAnswerAfter; ///< closes after these bytes of the answer's body
+    /// Closes the connection after these bytes of the request's body, or of the answer's body.
+    std::optional<std::int64_t> dropRequestAfter = {};
+    std::optional<std::int64_t> dropAnswerAfter = {};
 };
 
 /// The faults to come. Not shared between threads.

@@ -114,7 +114,7 @@ void HttpServer::acceptClients() {
             *clients_.emplace_back(std::make_unique<Client>(std::move(socket), number));
         client.thread = std::jthread([this, &client] {
             serve(client.connection);
-            client.connection.end();
+            client.connection.close();
             client.isDone = true;
         });
     }

@@ -133,8 +133,7 @@ const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item
              .sha256 = upload.sha256,
              .size = upload.size,
              .creationTime = QDateTime::fromMSecsSinceEpoch(now.time_since_epoch().count(), Qt::UTC)
-                                 .toString(Qt::ISODate),
-             .albumIds = {}});
+                                 .toString(Qt::ISODate)});
     return items_[entry->second];
 }
 
@@ -170,8 +169,7 @@ void MediaItems::restore(const QJsonArray& array) {
                           .mimeType = object[u"mimeType"_s].toString(),
                           .sha256 = object[u"sha256"_s].toString().toLatin1(),
                           .size = object[u"size"_s].toInteger(),
-                          .creationTime = object[u"creationTime"_s].toString(),
-                          .albumIds = {}});
+                          .creationTime = object[u"creationTime"_s].toString()});
     }
 }
 

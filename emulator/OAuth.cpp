@@ -84,10 +84,7 @@ Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) 
     if (const QString state = item("state"); !state.isEmpty())
         location += "state=" + QUrl::toPercentEncoding(state) + "&";
     if (behaviour.consentDenied)
-        return {.status = 302,
-                .contentType = {},
-                .body = {},
-                .location = location + "error=access_denied"};
+        return {.status = 302, .location = location + "error=access_denied"};
 
     const QString code = u"4/0A"_s + opaqueText(36);
     const QString scope = item("scope");
@@ -100,7 +97,7 @@ Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) 
                                        .expiry = now + codeLifetime});
     location +=
         "code=" + QUrl::toPercentEncoding(code) + "&scope=" + QUrl::toPercentEncoding(scope);
-    return {.status = 302, .contentType = {}, .body = {}, .location = location};
+    return {.status = 302, .location = location};
 }
 
 Answer OAuth::exchange(const Call& call, const Behaviour& behaviour, Date now) {

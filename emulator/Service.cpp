@@ -58,7 +58,7 @@ void Service::handle(Exchange& exchange) noexcept {
 }
 
 void Service::carry(Exchange& exchange) {
-    Call call{.request = exchange.head(), .uploadStart = {}};
+    Call call{.request = exchange.head()};
     call.request.kind = kindOf(call.request.method, call.request.path);
     const Plan plan = arrive(call.request.kind);
     const Fault& fault = plan.fault;
@@ -71,6 +71,7 @@ void Service::carry(Exchange& exchange) {
     if (upload)
         upload->sumUp(call);
     if (!isWhole) {
+        upload.reset();
         record(call);
         exchange.drop();
         return;
@@ -78,6 +79,7 @@ void Service::carry(Exchange& exchange) {
     const Answer answer = answerTo(call, plan);
     if (upload && answer.status == 200)
         upload->keep(call);
+    upload.reset(); // its file is kept or gone before the client hears of it
     if (!fault.stall) {
         call.request.status = answer.status;
         call.request.answer = answer.body;
@@ -115,8 +117,7 @@ Answer Service::answerTo(const Call& call, const Plan& plan) {
     const int status = fault.status.value_or(200);
     if (!fault.body)
         return plainFailure(call.request.kind, status);
-    return {
-        .status = status, .contentType = fault.contentType, .body = *fault.body, .location = {}};
+    return {.status = status, .contentType = fault.contentType, .body = *fault.body};
 }
 
 Answer Service::carryOut(const Call& call, const Plan& plan) {

@@ -1,0 +1,101 @@
+#include "EmulatorWorld.h"
+
+#include "foundation/Crypto.h"
+
+namespace quorvane::test {
+
+namespace {
+
+struct FaultTest : EmulatorWorld {
+    int listStatus() { return statusOf(client->Get("/v1/albums", bearer())); }
+};
+
+TEST_F(FaultTest, hitsTheRequestsItIsMeantFor) {
+    emulator->addFault({.kind = RequestKind::albumsList, .nth = 2, .times = 2, .status = 503});
+    emulator->addFault({.kind = RequestKind::albumsList, .nth = 3, .times = 0, .status = 429});
+    EXPECT_EQ(statusOf(upload(jpeg)), 200);
+    std::vector<int> statuses;
+    for (int i = 0; i < 5; ++i)
+        statuses.push_back(listStatus());
+    EXPECT_EQ(statuses, (std::vector{200, 503, 503, 429, 429}));
+    emulator->clearFaults();
+    EXPECT_EQ(listStatus(), 200);
+}
+
+TEST_F(FaultTest, answersAnotherBodyWithOrWithoutTheEffect) {
+    const QString uploaded = uploadToken(jpeg);
+    const QByteArray deep(100'000, '[');
+    emulator->addFault({.kind = RequestKind::batchCreate, .body = deep});
+    const auto refused = create({uploaded});
+    EXPECT_EQ(statusOf(refused), 200);
+    EXPECT_EQ(refused->body, deep.toStdString());
+    EXPECT_TRUE(emulator->mediaItems().empty());
+
+    emulator->addFault({.kind = RequestKind::batchCreate,
+                        .status = 502,
+                        .body = "<html>",
+                        .contentType = "text/html",
+                        .carriedOut = true});
+    EXPECT_EQ(statusOf(create({uploaded})), 502);
+    EXPECT_EQ(emulator->mediaItems().size(), 1U);
+}
+
+TEST_F(FaultTest, dropsAnUploadInTheMiddleOfItsBody) {
+    const QByteArray large = jpeg + QByteArray(8 * 1024 * 1024, 'x');
+    emulator->addFault({.kind = RequestKind::upload, .dropRequestAfter = 1'000'000});
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(upload(large));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    const RecordedRequest request = emulator->requests().at(0);
+    EXPECT_EQ(request.bodySize, 1'000'000);
+    EXPECT_EQ(request.bodySha256, Sha256::digest(large.first(1'000'000)).toHex());
+    EXPECT_EQ(request.status, 0);
+    EXPECT_EQ(statusOf(upload(large)), 200);
+}
+
+TEST_F(FaultTest, cutsAnAnswerAfterTheRequestTookEffect) {
+    emulator->addFault({.kind = RequestKind::batchCreate, .dropAnswerAfter = 40});
+    const QString uploaded = uploadToken(jpeg);
+    QByteArray received;
+    httplib::Request request;
+    request.method = "POST";
+    request.path = "/v1/mediaItems:batchCreate";
+    request.headers = bearer();
+    request.set_header("Content-Type", "application/json");
+    request.body = QJsonDocument(batch({uploaded})).toJson().toStdString();
+    request.content_receiver = [&](const char* bytes, size_t size, uint64_t, uint64_t) {
+        received.append(bytes, static_cast<qsizetype>(size));
+        return true;
+    };
+    EXPECT_FALSE(client->send(request));
+    EXPECT_EQ(emulator->mediaItems().size(), 1U);
+    EXPECT_EQ(received, emulator->requests(RequestKind::batchCreate).at(0).answer.first(40));
+}
+
+TEST_F(FaultTest, stallsUntilTheClientLeaves) {
+    emulator->addFault({.kind = RequestKind::albumsList, .stall = true});
+    client->set_read_timeout(std::chrono::milliseconds(50));
+    EXPECT_FALSE(client->Get("/v1/albums", bearer()));
+    EXPECT_EQ(emulator->requests(RequestKind::albumsList).at(0).status, 0);
+    client->set_read_timeout(std::chrono::seconds(5));
+    EXPECT_EQ(listStatus(), 200);
+}
+
+TEST_F(FaultTest, takesItsTime) {
+    const auto milliseconds = [](auto&& request) {
+        const auto start = std::chrono::steady_clock::now();
+        request();
+        return (std::chrono::steady_clock::now() - start) / std::chrono::milliseconds(1);
+    };
+    emulator->change([](Behaviour& behaviour) {
+        behaviour.latency = std::chrono::milliseconds(30);
+        behaviour.uploadBytesPerSecond = 2'000'000;
+    });
+    emulator->addFault({.kind = RequestKind::albumsList, .delay = std::chrono::milliseconds(40)});
+    EXPECT_GE(milliseconds([&] { listStatus(); }), 70);
+    EXPECT_GE(milliseconds([&] { upload(jpeg + QByteArray(200'000, 'x')); }), 130);
+}
+
+} // namespace
+
+} // namespace quorvane::test

@@ -1,0 +1,56 @@
+#include "EmulatorWorld.h"
+
+#include "support/TemporaryFolder.h"
+
+#include <QProcess>
+
+namespace quorvane::test {
+
+namespace {
+
+const QString program = QStringLiteral(QUORVANE_BIN_DIR "/quorvane-emulator");
+
+TEST(ProgramTest, servesUntilItIsToldToEndAndReports) {
+    const TemporaryFolder folder;
+    QProcess process;
+    process.start(program, {u"--port-file"_s, pathText(folder / "port"), u"--report"_s,
+                            pathText(folder / "report.json"), u"--seed-album"_s, u"A:B:12"_s,
+                            u"--fault"_s, u"albumsList:1+:503"_s});
+    ASSERT_TRUE(process.waitForReadyRead(10'000));
+    const QByteArray line = process.readLine();
+    ASSERT_TRUE(line.startsWith("http://127.0.0.1:"));
+    const int port = line.mid(17).trimmed().toInt();
+    EXPECT_EQ(readFile(folder / "port").trimmed().toInt(), port);
+
+    httplib::Client client("127.0.0.1", port);
+    EXPECT_EQ(statusOf(client.Get("/v1/albums")), 503);
+    process.terminate();
+    ASSERT_TRUE(process.waitForFinished(10'000));
+    EXPECT_EQ(process.exitCode(), 0);
+    const QJsonObject report = QJsonDocument::fromJson(readFile(folder / "report.json")).object();
+    EXPECT_EQ(report[u"requests"_s][u"albumsList"_s].toInt(), 1);
+    EXPECT_EQ(report[u"albums"_s][0][u"title"_s].toString(), u"A:B"_s);
+    EXPECT_EQ(report[u"albums"_s][0][u"itemCount"_s].toInt(), 12);
+}
+
+TEST(ProgramTest, refusesBadUsage) {
+    for (const QStringList& arguments : std::vector<QStringList>{{u"--nothing"_s},
+                                                                 {u"--port"_s},
+                                                                 {u"--port"_s, u"65536"_s},
+                                                                 {u"--bandwidth"_s, u"fast"_s},
+                                                                 {u"--fault"_s, u"upload:0:500"_s},
+                                                                 {u"--fault"_s, u"uploads:1:500"_s},
+                                                                 {u"--fault"_s, u"upload:1:99"_s},
+                                                                 {u"--seed-album"_s, u"Aile"_s}}) {
+        QProcess process;
+        process.start(program, arguments);
+        ASSERT_TRUE(process.waitForFinished(10'000));
+        EXPECT_EQ(process.exitCode(), 2) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(process.readAllStandardOutput().isEmpty());
+        EXPECT_FALSE(process.readAllStandardError().isEmpty());
+    }
+}
+
+} // namespace
+
+} // namespace quorvane::test
