@@ -66,8 +66,8 @@ std::optional<QByteArray> readExif(ByteView file, const Limits& limits) {
 }
 
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
-    if (!isTiff(exif) || exif.size() > limits.exifBytes)
-        throw ContainerError(QStringLiteral("Yeni Exif bloğu yazılamaz"));
+    if (!isTiff(exif))
+        throw ContainerError(QStringLiteral("Yeni Exif bloğu TIFF başlığıyla başlamıyor"));
     const Picture picture = readPicture(file, limits);
     requireWholeItems(picture);
     const std::vector<Item> items = exifItemsOf(picture);
@@ -83,6 +83,8 @@ Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
     payload.bytes(viewOf(old ? old->payload.first(old->headerLength) : newHeader));
     payload.bytes(exif);
     QByteArray bytes = payload.take();
+    if (static_cast<std::uint64_t>(bytes.size()) > limits.exifBytes)
+        throw ContainerError(QStringLiteral("Yeni Exif bloğu çok büyük"));
     if (old && old->payload.size() == bytes.size() && canOverwrite(picture, *old))
         return overwrite(picture, *old, bytes);
     return relocate(picture, old, std::move(bytes), limits);

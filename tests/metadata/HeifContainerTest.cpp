@@ -6,6 +6,8 @@
 
 #include <functional>
 
+#include <sys/mman.h>
+
 using namespace quorvane;
 using namespace quorvane::test;
 
@@ -267,6 +269,30 @@ TEST(HeifContainer, WidensOffsetsThatNoLongerFit) {
     const QByteArray after = replaced(shape.build(), oldBlock);
     expectOnlyExifChanged(shape.build(), after, oldBlock);
     EXPECT_EQ(after[after.indexOf("iloc") + 8], 0x44);
+}
+
+TEST(HeifContainer, CrossesFourGibibytesWithWiderFieldsOrNotAtAll) {
+    constexpr std::size_t size = (1ULL << 32) + 4096;
+    void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    const ByteView file(static_cast<const std::uint8_t*>(memory), size);
+    HeifTestFile shape = picture();
+    shape.order = {"ftyp", "meta", "mdat0"};
+    for (const char* chunkTable : {"", "stco"}) {
+        shape.chunkTable = chunkTable;
+        QByteArray head = shape.build();
+        // The thumbnail lies in the last bytes that 32 bits can tell, and so does its chunk.
+        const QByteArray place = head.sliced(head.indexOf("iloc") + 12 + 16 + 8, 4);
+        head.replace(place, bigEndian(0xFFFF'FFF0, 4));
+        std::ranges::copy(head, static_cast<char*>(memory));
+        const auto rewrite = [&] { return heif::replaceExif(file, view(tiffBlock(61))); };
+        if (shape.chunkTable.isEmpty())
+            EXPECT_EQ(rewrite().size(), size + 3 * 4 + 8 + countedMarker.size() + 61);
+        else
+            EXPECT_THROW(rewrite(), ContainerError);
+    }
+    munmap(memory, size);
 }
 
 TEST(HeifContainer, RefusesWhatItCannotRewriteWithCertainty) {
