@@ -2,7 +2,7 @@
 
 #include "foundation/File.h"
 #include "foundation/MainThread.h"
-#include "library/StagedName.h"
+#include "metadata/FilenameDates.h"
 
 namespace quorvane {
 
@@ -40,7 +40,7 @@ std::optional<SyncRecord> recordOf(const PhotoAsset& asset) {
 /// the still or the movie survives, so a Live Photo comes back as a photo.
 std::optional<SyncRecord> recordOf(const std::filesystem::directory_entry& file) {
     const std::optional<QString> identifier =
-        identifierFromStagedName(pathText(file.path().filename()));
+        identifierOfStagedName(pathText(file.path().filename()));
     if (!identifier)
         return std::nullopt;
     SyncRecord record;

@@ -2,8 +2,6 @@
 
 #include "foundation/File.h"
 
-#include <QRegularExpression>
-
 namespace quorvane {
 
 namespace {
@@ -34,17 +32,6 @@ std::filesystem::path stagedFileName(const QString& localIdentifier,
     while (!name.isEmpty() && bytesOf(name) + bytesOf(extension) > longestName)
         name.chop(name.back().isLowSurrogate() ? 2 : 1);
     return pathFrom(name + extension);
-}
-
-std::optional<QString> identifierFromStagedName(const QString& fileName) {
-    static const QRegularExpression fullForm(
-        QStringLiteral("^([0-9A-Fa-f\\-]{36}_[A-Za-z0-9]+_[A-Za-z0-9]+)_(.+)$"));
-    static const QRegularExpression shortForm(QStringLiteral("^([0-9A-Fa-f\\-]{36})_(.+)$"));
-    if (const auto match = fullForm.match(fileName); match.hasMatch())
-        return match.captured(1).replace(u'_', u'/');
-    if (const auto match = shortForm.match(fileName); match.hasMatch())
-        return match.captured(1);
-    return std::nullopt;
 }
 
 } // namespace quorvane

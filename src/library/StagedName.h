@@ -3,7 +3,6 @@
 #include <QString>
 
 #include <filesystem>
-#include <optional>
 
 /// Names of staged files: "<safeId>_<resourceFilename>".
 namespace quorvane {
@@ -16,8 +15,5 @@ QString safeId(const QString& localIdentifier);
 /// needs) loses the end of its base; the extension stays.
 std::filesystem::path stagedFileName(const QString& localIdentifier,
                                      const QString& resourceFilename);
-
-/// The local identifier in the name of a staged file; none for a name of another shape.
-std::optional<QString> identifierFromStagedName(const QString& fileName);
 
 } // namespace quorvane

@@ -30,7 +30,7 @@ TEST(SafeDeletionService, RemovesVerifiedOriginalsAfterConsent) {
     world.deletion.performDeletion(true);
 
     EXPECT_EQ(
-        world.log.messages(),
+        world.log.messages().filter(prefix),
         (QStringList{
             prefix + QStringLiteral("1 silme adayı bulundu, güvenlik doğrulaması yapılıyor..."),
             prefix + QStringLiteral("1 doğrulanmış medya için Apple Photos sistem onayına "
@@ -53,7 +53,7 @@ TEST(SafeDeletionService, SwitchedOffDoesNothing) {
     DeletionWorld world;
     world.verify(1);
     world.deletion.performDeletion(false);
-    EXPECT_EQ(world.log.messages(),
+    EXPECT_EQ(world.log.messages().filter(prefix),
               QStringList{prefix + QStringLiteral("Otomatik silme kapalı, işlem atlandı.")});
     EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
     EXPECT_EQ(world.library.assets().size(), 1U);
@@ -130,7 +130,7 @@ TEST(SafeDeletionService, ABrokenStoreHasNoCandidates) {
     DatabaseManager broken(world.folder.path(), world.console);
     SafeDeletionService deletion(broken, world.staging, world.library, world.log);
     deletion.performDeletion(true);
-    EXPECT_EQ(world.log.messages(),
+    EXPECT_EQ(world.log.messages().filter(prefix),
               QStringList{prefix + QStringLiteral("Silinecek VERIFIED aday bulunamadı.")});
 }
 

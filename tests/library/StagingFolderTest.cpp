@@ -114,21 +114,4 @@ TEST(StagedName, IsSafeAndShortAndKeepsTheExtension) {
     }
 }
 
-TEST(StagedName, GivesTheIdentifierBack) {
-    const QString uuid = QStringLiteral("0a1B2c3D-0000-4000-8000-000000000000");
-    const struct {
-        QString name;
-        std::optional<QString> identifier;
-    } cases[] = {
-        {uuid + QStringLiteral("_L0_001_IMG_0001.HEIC"), uuid + QStringLiteral("/L0/001")},
-        {uuid + QStringLiteral("_clip.MOV"), uuid},
-        {QStringLiteral("notes.txt"), std::nullopt},
-        {u'.' + uuid + QStringLiteral("_L0_001_a.jpg.part"), std::nullopt},
-        {uuid, std::nullopt},
-        {uuid.mid(1) + QStringLiteral("_a.jpg"), std::nullopt},
-    };
-    for (const auto& each : cases)
-        EXPECT_EQ(identifierFromStagedName(each.name), each.identifier) << each.name.toStdString();
-}
-
 } // namespace quorvane::test
