@@ -34,7 +34,8 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& webAuthSessio
 
 LibraryServices::LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
                                  DeletionConfirmation& confirmation)
-    : library(openPhotoLibrary(libraryPath, core.folders, confirmation, core.logger)),
+    : path(libraryPath),
+      library(openPhotoLibrary(libraryPath, core.folders, confirmation, core.logger)),
       metadata(*library, core.folders.pictures, core.logger, core.clock),
       staging(*library, core.db, metadata, core.folders, core.console),
       albums(*library, core.preferences, core.logger),

@@ -64,6 +64,7 @@ struct LibraryServices {
     LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
                     DeletionConfirmation& confirmation);
 
+    std::filesystem::path path;
     std::unique_ptr<PhotoLibrary> library;
     MediaMetadataService metadata;
     AssetStagingService staging;

@@ -60,7 +60,7 @@ struct PhotoAssetResource {
     AssetResourceType type = AssetResourceType::photo;
     QString originalFilename;
     std::optional<std::int64_t> fileSize; ///< bytes; absent when the bytes are not on this machine
-    std::filesystem::path location;       ///< the adapter's own business
+    std::filesystem::path location;       ///< inside the library; absolute when it lies elsewhere
 };
 
 /// An immutable list of assets in the order of the fetch. Shared between threads.

@@ -34,8 +34,8 @@ void countFile(Forecast& forecast, LibraryServices& library, const PhotoAsset& a
         ++forecast.unavailable;
         return;
     }
-    if (library.metadata.resolveDate(resource->location, asset.facts(), asset.localIdentifier,
-                                     fallbackMode))
+    if (library.metadata.resolveDate(library.path / resource->location, asset.facts(),
+                                     asset.localIdentifier, fallbackMode))
         forecast.bytes += *resource->fileSize;
     else
         ++forecast.undated;
