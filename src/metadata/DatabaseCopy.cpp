@@ -4,8 +4,6 @@
 
 #include <QDir>
 
-#include <cerrno>
-
 #include <sys/stat.h>
 
 namespace quorvane {
@@ -14,7 +12,7 @@ namespace {
 
 constexpr const char* logSuffix = "-wal";
 constexpr const char* indexSuffix = "-shm";
-constexpr int attempts = 3;
+constexpr int attempts = 5;
 
 std::filesystem::path withSuffix(std::filesystem::path file, const char* suffix) {
     file += suffix;
@@ -30,31 +28,35 @@ DatabaseCopy::Stamp DatabaseCopy::stampOf(const std::filesystem::path& file) {
     return {info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
 }
 
-DatabaseCopy::State DatabaseCopy::currentState() const {
-    return {stampOf(original_), stampOf(withSuffix(original_, logSuffix))};
-}
-
 bool DatabaseCopy::isCurrent() const {
-    return copied_ && *copied_ == currentState();
+    return database_ == stampOf(original_) && log_ == stampOf(originalLog());
 }
 
-void DatabaseCopy::refresh() {
+bool DatabaseCopy::refresh() {
     if (!folder_)
         folder_.emplace(QDir::tempPath() + QStringLiteral("/quorvane-photos-XXXXXX"));
+    log_.reset();
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        const State before = currentState();
-        const std::optional<State> old = std::exchange(copied_, std::nullopt);
-        if (!old || old->database != before.database)
+        const Stamp database = stampOf(original_);
+        const Stamp log = stampOf(originalLog());
+        if (database_ != database) {
+            database_.reset();
             copy("");
+        }
         copy(logSuffix);
         std::error_code ignored;
-        std::filesystem::remove(withSuffix(file(), indexSuffix), ignored);
-        if (currentState() == before) {
-            copied_ = before;
-            return;
+        std::filesystem::remove(withSuffix(file(), indexSuffix), ignored); // it told of the old log
+        database_ = stampOf(original_) == database ? std::optional(database) : std::nullopt;
+        if (database_ && stampOf(originalLog()) == log) {
+            log_ = log;
+            return true;
         }
     }
-    throw FileError(QStringLiteral("Veritabanı kopyalanamadı"), original_, EBUSY);
+    return false;
+}
+
+std::filesystem::path DatabaseCopy::originalLog() const {
+    return withSuffix(original_, logSuffix);
 }
 
 std::filesystem::path DatabaseCopy::file() const {

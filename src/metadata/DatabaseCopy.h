@@ -19,9 +19,10 @@ class DatabaseCopy {
     /// True when the copy says what the original says now. Costs two looks at file attributes.
     bool isCurrent() const;
 
-    /// Copies what changed; no connection to the copy may be open. Throws `Error` when the original
-    /// cannot be read or keeps changing; there is then no copy.
-    void refresh();
+    /// Copies what changed; no connection to the copy may be open. False when the original keeps
+    /// changing under the copy, which is then not to be used. Throws `Error` when the original
+    /// cannot be read.
+    bool refresh();
 
     /// The copied database.
     std::filesystem::path file() const;
@@ -35,19 +36,14 @@ class DatabaseCopy {
         std::int64_t nanoseconds = 0;
         bool operator==(const Stamp&) const = default;
     };
-    struct State {
-        Stamp database;
-        Stamp log;
-        bool operator==(const State&) const = default;
-    };
-
     static Stamp stampOf(const std::filesystem::path& file);
-    State currentState() const;
+    std::filesystem::path originalLog() const;
     void copy(const char* suffix) const;
 
     std::filesystem::path original_;
     std::optional<QTemporaryDir> folder_;
-    std::optional<State> copied_;
+    std::optional<Stamp> database_; ///< of what the copy of the database was made
+    std::optional<Stamp> log_;      ///< of what the copy of its log was made
 };
 
 } // namespace quorvane

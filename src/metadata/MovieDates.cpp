@@ -17,17 +17,19 @@ namespace {
 constexpr std::uint32_t dayType = boxType("\xA9"
                                           "day");
 constexpr std::uint64_t smallestFile = 16;
+constexpr int yearOfMovieEpoch = 1904;
+constexpr int yearOfReencodings = 2026;
 
-/// A movie clock at zero says 1904. A date of 2026 is the stamp of a re-encoding rather than of a
-/// capture, unless the file's name agrees.
+/// A movie clock that was never set says 1904. A date of 2026 is the stamp of a re-encoding rather
+/// than of a capture, unless the file's name agrees.
 std::optional<Date> trusted(std::optional<Date> date, const std::filesystem::path& file) {
     date = writableDate(date);
     if (!date)
         return std::nullopt;
     const int year = localYear(*date);
     const bool reencoded =
-        year == 2026 && file.filename().native().find("2026") == std::string::npos;
-    return year <= 1904 || reencoded ? std::nullopt : date;
+        year == yearOfReencodings && file.filename().native().find("2026") == std::string::npos;
+    return year <= yearOfMovieEpoch || reencoded ? std::nullopt : date;
 }
 
 std::optional<Date> headerDate(MovieBoxes& boxes, const MovieBox& moov) {

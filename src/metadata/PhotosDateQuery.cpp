@@ -89,10 +89,10 @@ PhotosDateQuery::Session* PhotosDateQuery::currentSession() {
         return nullptr;
     failedAt_ = clock_.monotonic(); // until it went well
     session_.reset();
-    copy_->refresh();
-    session_.emplace(copy_->file());
+    if (copy_->refresh())
+        session_.emplace(copy_->file());
     failedAt_.reset();
-    return &*session_;
+    return session_ ? &*session_ : nullptr;
 }
 
 const std::optional<std::filesystem::path>& PhotosDateQuery::cachedPhotosDatabaseURL() {
