@@ -1,13 +1,11 @@
 #include "platform/bundle/PhotosBundleLibrary.h"
 
 #include "library/FileExport.h"
+#include "library/LocalIdentifier.h"
 #include "platform/bundle/BundleFiles.h"
 #include "platform/bundle/SmartAlbums.h"
 
-#include <QDateTime>
-
 #include <algorithm>
-#include <set>
 
 #include <unistd.h>
 
@@ -15,15 +13,7 @@ namespace quorvane {
 
 namespace {
 
-// The tails that PhotoKit gives to identifiers of assets, albums and folders.
-const QString assetTail = QStringLiteral("/L0/001");
-const QString albumTail = QStringLiteral("/L0/040");
-const QString listTail = QStringLiteral("/L0/020");
-
-/// Empty, which is nobody's, when the identifier has another tail.
-QString uuidOf(const QString& localIdentifier, const QString& tail) {
-    return localIdentifier.endsWith(tail) ? localIdentifier.chopped(tail.size()) : QString();
-}
+using namespace localIdentifier;
 
 AssetFetchResult resultOf(std::vector<PhotoAsset> assets) {
     return std::make_shared<const std::vector<PhotoAsset>>(std::move(assets));
@@ -63,9 +53,9 @@ std::optional<AssetCollection> collectionOf(const PhotosAlbum& album) {
                            album.count};
 }
 
-AssetCollection collectionOf(const SmartAlbum& album, PhotosDatabase& database) {
-    return {album.localIdentifier(), QString::fromUtf8(album.title), CollectionType::smartAlbum,
-            album.subtype, database.countOfAssets(album.condition)};
+AssetCollection collectionOf(const SmartAlbum& album, int count) {
+    return {album.identifier(), QString::fromUtf8(album.title), CollectionType::smartAlbum,
+            album.subtype, count};
 }
 
 const PhotosAlbum* find(const std::vector<PhotosAlbum>& albums, const QString& uuid) {
@@ -73,10 +63,9 @@ const PhotosAlbum* find(const std::vector<PhotosAlbum>& albums, const QString& u
     return found == albums.end() ? nullptr : &*found;
 }
 
-const SmartAlbum* findSmart(const QString& localIdentifier) {
-    const auto found = std::ranges::find_if(smartAlbums(), [&](const SmartAlbum& album) {
-        return album.localIdentifier() == localIdentifier;
-    });
+const SmartAlbum* findSmart(const QString& identifier) {
+    const auto found = std::ranges::find_if(
+        smartAlbums(), [&](const SmartAlbum& album) { return album.identifier() == identifier; });
     return found == smartAlbums().end() ? nullptr : &*found;
 }
 
@@ -97,7 +86,7 @@ std::vector<const PhotosAlbum*> childrenOf(const std::vector<PhotosAlbum>& album
 }
 
 CollectionList listOf(const PhotosAlbum& folder) {
-    return {folder.uuid + listTail, folder.title, CollectionListType::folder};
+    return {folder.uuid + folderTail, folder.title, CollectionListType::folder};
 }
 
 std::vector<Collection> collectionsIn(const std::vector<PhotosAlbum>& albums,
@@ -110,6 +99,20 @@ std::vector<Collection> collectionsIn(const std::vector<PhotosAlbum>& albums,
             collections.emplace_back(std::move(*collection));
     }
     return collections;
+}
+
+void addSmartAlbums(PhotosDatabase& database, std::optional<int> subtype,
+                    std::vector<AssetCollection>& collections) {
+    std::vector<const SmartAlbum*> albums;
+    std::vector<const char*> conditions;
+    for (const SmartAlbum& album : smartAlbums())
+        if (subtype.value_or(album.subtype) == album.subtype) {
+            albums.push_back(&album);
+            conditions.push_back(album.condition);
+        }
+    const std::vector<int> counts = database.counts(conditions);
+    for (std::size_t i = 0; i < albums.size(); ++i)
+        collections.push_back(collectionOf(*albums[i], counts[i]));
 }
 
 } // namespace
@@ -196,10 +199,8 @@ PhotosBundleLibrary::fetchAssetCollections(CollectionType type, std::optional<in
                 collection && collection->type == type &&
                 subtype.value_or(collection->subtype) == collection->subtype)
                 collections.push_back(std::move(*collection));
-        for (const SmartAlbum& album : smartAlbums())
-            if (type == CollectionType::smartAlbum &&
-                subtype.value_or(album.subtype) == album.subtype)
-                collections.push_back(collectionOf(album, opened.database));
+        if (type == CollectionType::smartAlbum)
+            addSmartAlbums(opened.database, subtype, collections);
         return collections;
     });
 }
@@ -208,7 +209,7 @@ std::optional<AssetCollection>
 PhotosBundleLibrary::fetchAssetCollection(const QString& localIdentifier) {
     return query(Freshness::current, [&](Opened& opened) -> std::optional<AssetCollection> {
         if (const SmartAlbum* smart = findSmart(localIdentifier))
-            return collectionOf(*smart, opened.database);
+            return collectionOf(*smart, opened.database.counts({smart->condition}).front());
         const PhotosAlbum* album = find(opened.albums(), uuidOf(localIdentifier, albumTail));
         return album ? collectionOf(*album) : std::nullopt;
     });
@@ -240,7 +241,7 @@ std::vector<CollectionList> PhotosBundleLibrary::fetchCollectionLists(Collection
 
 std::vector<Collection> PhotosBundleLibrary::fetchCollections(const CollectionList& list) {
     return query(Freshness::asLastRead, [&](Opened& opened) {
-        const PhotosAlbum* folder = find(opened.albums(), uuidOf(list.localIdentifier, listTail));
+        const PhotosAlbum* folder = find(opened.albums(), uuidOf(list.localIdentifier, folderTail));
         return folder ? collectionsIn(opened.albums(), folder) : std::vector<Collection>();
     });
 }
@@ -278,16 +279,9 @@ void PhotosBundleLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
                            "Fotoğraflar uygulamasında yapılabilir"));
 }
 
-void PhotosBundleLibrary::registerChangeObserver(LibraryChangeObserver& observer) {
-    const std::lock_guard lock(mutex_);
-    observer_ = &observer;
-}
+void PhotosBundleLibrary::registerChangeObserver(LibraryChangeObserver&) {}
 
-void PhotosBundleLibrary::unregisterChangeObserver(LibraryChangeObserver& observer) {
-    const std::lock_guard lock(mutex_);
-    if (observer_ == &observer)
-        observer_ = nullptr;
-}
+void PhotosBundleLibrary::unregisterChangeObserver(LibraryChangeObserver&) {}
 
 std::optional<AssetFacts> PhotosBundleLibrary::factsOf(const QString& localIdentifier) {
     return query(Freshness::asLastRead, [&](Opened& opened) -> std::optional<AssetFacts> {

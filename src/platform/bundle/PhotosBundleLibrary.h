@@ -40,6 +40,7 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     /// Always refuses.
     void deleteAssets(const std::vector<PhotoAsset>& assets) override;
 
+    /// Changes are not watched: what is new is found by the next scan.
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
 
@@ -70,7 +71,6 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     /// Held while the database is copied and queried: one connection serves one thread.
     std::mutex mutex_;
     std::optional<Opened> opened_;
-    LibraryChangeObserver* observer_ = nullptr;
 };
 
 } // namespace quorvane

@@ -1,5 +1,7 @@
 #include "platform/bundle/PhotosDatabase.h"
 
+#include "library/LocalIdentifier.h"
+
 #include <QUuid>
 
 #include <cmath>
@@ -45,7 +47,7 @@ std::optional<GeoLocation> locationAt(const Statement& row, int column) {
 
 PhotoAsset assetFrom(const Statement& row) {
     PhotoAsset asset;
-    asset.localIdentifier = row.text(0) + QStringLiteral("/L0/001");
+    asset.localIdentifier = row.text(0) + localIdentifier::assetTail;
     asset.mediaType = mediaTypeOf(row.integer(1));
     if (asset.mediaType == AssetMediaType::image && row.integer(2) == livePhoto)
         asset.mediaSubtypes |= mediaSubtypePhotoLive;
@@ -91,10 +93,17 @@ std::vector<PhotoAsset> PhotosDatabase::assets(const char* condition) {
     return collect(rows);
 }
 
-int PhotosDatabase::countOfAssets(const char* condition) {
-    Statement row = prepare(QStringLiteral("SELECT COUNT(*) FROM {asset} a WHERE {seen} AND %1")
-                                .arg(QLatin1String(condition)));
-    return row.step() ? static_cast<int>(row.integer(0)) : 0;
+std::vector<int> PhotosDatabase::counts(const std::vector<const char*>& conditions) {
+    QStringList sums{QStringLiteral("0")};
+    for (const char* condition : conditions)
+        sums.append(QStringLiteral("SUM(%1)").arg(QLatin1String(condition)));
+    Statement row =
+        prepare(QStringLiteral("SELECT %1 FROM {asset} a WHERE {seen}").arg(sums.join(u',')));
+    row.step();
+    std::vector<int> counts;
+    for (int column = 1; column < sums.size(); ++column)
+        counts.push_back(static_cast<int>(row.integer(column)));
+    return counts;
 }
 
 std::optional<PhotoAsset> PhotosDatabase::asset(const QString& uuid) {

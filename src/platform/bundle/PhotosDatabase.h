@@ -63,7 +63,8 @@ class PhotosDatabase {
     /// Not trashed and visible: hidden ones too, burst frames that were not picked not. By creation
     /// date, then age in the library. `condition` is a part of an SQL WHERE over the asset table.
     std::vector<PhotoAsset> assets(const char* condition = "1");
-    int countOfAssets(const char* condition);
+    /// How many of them meet each condition, in one pass.
+    std::vector<int> counts(const std::vector<const char*>& conditions);
 
     std::optional<PhotoAsset> asset(const QString& uuid);
 

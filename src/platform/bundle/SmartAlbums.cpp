@@ -1,17 +1,18 @@
 #include "platform/bundle/SmartAlbums.h"
 
+#include "library/LocalIdentifier.h"
 #include "library/PhotoLibrary.h"
 
 #include <QUuid>
 
 namespace quorvane {
 
-QString SmartAlbum::localIdentifier() const {
+QString SmartAlbum::identifier() const {
     static const QUuid space(QLatin1String("7f4e2a90-53bd-4d0a-8c16-e2b9074d5a63"));
     return QUuid::createUuidV5(space, QByteArray::number(subtype))
                .toString(QUuid::WithoutBraces)
                .toUpper() +
-           QStringLiteral("/L0/040");
+           localIdentifier::albumTail;
 }
 
 std::span<const SmartAlbum> smartAlbums() {

@@ -12,7 +12,7 @@ struct SmartAlbum {
     const char* title;
     const char* condition; ///< on the asset table `a`
 
-    QString localIdentifier() const;
+    QString identifier() const; ///< local identifier
 };
 
 /// In the order in which they are listed.

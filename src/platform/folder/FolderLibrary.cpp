@@ -1,6 +1,7 @@
 #include "platform/folder/FolderLibrary.h"
 
 #include "library/FileExport.h"
+#include "library/LocalIdentifier.h"
 #include "platform/folder/FolderScanner.h"
 #include "platform/folder/FolderTrash.h"
 
@@ -13,10 +14,7 @@ namespace quorvane {
 
 namespace {
 
-// The tails that PhotoKit gives to identifiers of assets, albums and folders.
-const QString assetTail = QStringLiteral("/L0/001");
-const QString albumTail = QStringLiteral("/L0/040");
-const QString listTail = QStringLiteral("/L0/020");
+using namespace localIdentifier;
 
 QString identifierText(const QUuid& identifier, const QString& tail) {
     return identifier.toString(QUuid::WithoutBraces).toUpper() + tail;
@@ -24,7 +22,7 @@ QString identifierText(const QUuid& identifier, const QString& tail) {
 
 /// Null when the text is no identifier with that tail.
 QUuid identifierFrom(const QString& text, const QString& tail) {
-    return text.endsWith(tail) ? QUuid::fromString(text.chopped(tail.size())) : QUuid();
+    return QUuid::fromString(uuidOf(text, tail));
 }
 
 PhotoAsset assetOf(const FolderFile& file) {
@@ -45,7 +43,7 @@ AssetCollection albumOf(const Folder& folder) {
 }
 
 CollectionList listOf(const Folder& folder) {
-    return {identifierText(folder.listIdentifier, listTail), titleOf(folder),
+    return {identifierText(folder.listIdentifier, folderTail), titleOf(folder),
             CollectionListType::folder};
 }
 
@@ -192,7 +190,7 @@ std::vector<CollectionList> FolderLibrary::fetchCollectionLists(CollectionListTy
 
 std::vector<Collection> FolderLibrary::fetchCollections(const CollectionList& list) {
     const Index index = lastScan();
-    const Folder* folder = index->list(identifierFrom(list.localIdentifier, listTail));
+    const Folder* folder = index->list(identifierFrom(list.localIdentifier, folderTail));
     return folder ? collectionsIn(*index, *folder) : std::vector<Collection>();
 }
 
@@ -234,16 +232,9 @@ void FolderLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
     moveToTrash(root_, files);
 }
 
-void FolderLibrary::registerChangeObserver(LibraryChangeObserver& observer) {
-    const std::lock_guard lock(mutex_);
-    observer_ = &observer;
-}
+void FolderLibrary::registerChangeObserver(LibraryChangeObserver&) {}
 
-void FolderLibrary::unregisterChangeObserver(LibraryChangeObserver& observer) {
-    const std::lock_guard lock(mutex_);
-    if (observer_ == &observer)
-        observer_ = nullptr;
-}
+void FolderLibrary::unregisterChangeObserver(LibraryChangeObserver&) {}
 
 std::optional<AssetFacts> FolderLibrary::factsOf(const QString& localIdentifier) {
     return find(localIdentifier) ? std::optional(AssetFacts()) : std::nullopt;

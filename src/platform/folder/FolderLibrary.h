@@ -39,6 +39,7 @@ class FolderLibrary final : public PhotoLibrary {
                    std::stop_token stop) override;
     void deleteAssets(const std::vector<PhotoAsset>& assets) override;
 
+    /// Changes are not watched: what is new is found by the next scan.
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
 
@@ -62,7 +63,6 @@ class FolderLibrary final : public PhotoLibrary {
     std::mutex mutex_; ///< never held while the disk is read
     Index index_;
     std::set<std::string> reported_; ///< each skipped path is logged once
-    LibraryChangeObserver* observer_ = nullptr;
 };
 
 } // namespace quorvane
