@@ -4,11 +4,10 @@
 #include "support/TemporaryFolder.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QStandardPaths>
 
 #include <gmock/gmock.h>
 #include <httplib.h>
+#include <openssl/x509.h>
 
 #include <atomic>
 #include <barrier>
@@ -256,37 +255,44 @@ TEST(CurlHttpClientTest, SendsAnUploadAgainWhenTheServerClosedTheIdleConnection)
         EXPECT_EQ(client.send(request, {}).status, 200);
 }
 
-TEST(CurlHttpClientTest, StopsWithinMillisecondsWhereverItWaits) {
-    std::atomic<bool> reads = false;
-    std::latch* arrived = nullptr;
+/// Milliseconds from the stop request to the end of a request that is being sent (a body the
+/// server does not read) or waits for its answer.
+qint64 timeToStop(bool untilAnswer) {
+    std::latch arrived(1);
     RawServer server([&](Peer& peer) {
-        if (reads)
+        if (untilAnswer)
             peer.receiveRequest();
         else
             peer.receive(1);
-        arrived->count_down();
+        arrived.count_down();
         peer.stayQuiet();
     });
     HttpRequest request = requestTo(server.url());
     request.method = "POST";
-    request.body = QByteArray(32 * MiB, 'x');
+    request.body = QByteArray(untilAnswer ? 1 : 32 * MiB, 'x');
     CurlHttpClient client;
+    std::stop_source stop;
+    QElapsedTimer timer;
+    const std::jthread stopper([&] {
+        arrived.wait();
+        ::poll(nullptr, 0, 50);
+        timer.start();
+        stop.request_stop();
+    });
+    EXPECT_THROW(client.send(request, stop.get_token()), Cancelled);
+    const qint64 elapsed = timer.elapsed();
+    EXPECT_THROW(client.send(request, stop.get_token()), Cancelled) << "stopped before";
+    EXPECT_EQ(server.connections(), 1);
+    return elapsed;
+}
+
+TEST(CurlHttpClientTest, StopsWithinMillisecondsWhereverItWaits) {
     for (const bool untilAnswer : {false, true}) {
-        SCOPED_TRACE(untilAnswer ? "waiting for the answer" : "sending");
-        std::latch here(1);
-        arrived = &here;
-        reads = untilAnswer;
-        std::stop_source stop;
-        QElapsedTimer timer;
-        const std::jthread stopper([&] {
-            here.wait();
-            ::poll(nullptr, 0, 50);
-            timer.start();
-            stop.request_stop();
-        });
-        EXPECT_THROW(client.send(request, stop.get_token()), Cancelled);
-        EXPECT_LT(timer.elapsed(), 50);
-        EXPECT_THROW(client.send(request, stop.get_token()), Cancelled) << "stopped before";
+        // The best of a few: a busy machine may delay any single one.
+        qint64 best = 1000;
+        for (int i = 0; i < 5 && best > 10; ++i)
+            best = std::min(best, timeToStop(untilAnswer));
+        EXPECT_LE(best, 10) << (untilAnswer ? "waiting for the answer" : "sending");
     }
 }
 
@@ -415,20 +421,32 @@ TEST(CurlHttpClientTest, RefusesABodyFileThatCannotBeReadWhole) {
     EXPECT_THROW(client.send(request, {}), FileError);
 }
 
+struct SelfSigned {
+    SelfSigned() {
+        ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
+        X509_gmtime_adj(X509_getm_notBefore(certificate), -60);
+        X509_gmtime_adj(X509_getm_notAfter(certificate), 3600);
+        X509_set_pubkey(certificate, key);
+        X509_NAME* name = X509_get_subject_name(certificate);
+        X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_UTF8,
+                                   reinterpret_cast<const unsigned char*>("localhost"), -1, -1, 0);
+        X509_set_issuer_name(certificate, name);
+        X509_sign(certificate, key, nullptr);
+    }
+    ~SelfSigned() {
+        X509_free(certificate);
+        EVP_PKEY_free(key);
+    }
+    SelfSigned(const SelfSigned&) = delete;
+    SelfSigned& operator=(const SelfSigned&) = delete;
+
+    EVP_PKEY* key = EVP_PKEY_Q_keygen(nullptr, nullptr, "ED25519");
+    X509* certificate = X509_new();
+};
+
 TEST(CurlHttpClientTest, RefusesACertificateNobodySigned) {
-    if (QStandardPaths::findExecutable(QStringLiteral("openssl")).isEmpty())
-        GTEST_SKIP() << "the openssl command is absent: no certificate to present";
-    const TemporaryFolder folder;
-    const QString key = pathText(folder / "key.pem");
-    const QString certificate = pathText(folder / "cert.pem");
-    ASSERT_EQ(QProcess::execute(QStringLiteral("openssl"),
-                                {QStringLiteral("req"), QStringLiteral("-x509"),
-                                 QStringLiteral("-newkey"), QStringLiteral("ed25519"),
-                                 QStringLiteral("-nodes"), QStringLiteral("-subj"),
-                                 QStringLiteral("/CN=localhost"), QStringLiteral("-keyout"), key,
-                                 QStringLiteral("-out"), certificate}),
-              0);
-    httplib::SSLServer server(certificate.toUtf8().constData(), key.toUtf8().constData());
+    const SelfSigned identity;
+    httplib::SSLServer server(identity.certificate, identity.key);
     ASSERT_TRUE(server.is_valid());
     std::atomic<int> served = 0;
     server.Get("/", [&](const httplib::Request&, httplib::Response&) { ++served; });
