@@ -122,20 +122,20 @@ void PhotoLibraryObserver::stopOnMainThread() {
 }
 
 void PhotoLibraryObserver::performInitialScan() {
-    tasks_.post([this](const std::stop_token& stop) { initialScan(stop); });
+    tasks_.post([this](const std::stop_token& stop) {
+        try {
+            initialScan(stop);
+        } catch (const Error& error) {
+            console_.print(QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: ") +
+                           error.localizedDescription());
+        }
+    });
 }
 
 void PhotoLibraryObserver::initialScan(std::stop_token stop) {
     reconcilePermanentStagingAssets();
-    AssetFetchResult assets;
-    try {
-        assets = albums_.fetchAssets(albums_.selectedSourceAlbumID());
-    } catch (const Cancelled&) {
-        throw;
-    } catch (const std::exception& error) { // the library cannot be read: the last result stays
-        console_.print(QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: ") + describe(error));
-        return;
-    }
+    // A library that cannot be read throws here: the last result stays.
+    const AssetFetchResult assets = albums_.fetchAssets(albums_.selectedSourceAlbumID());
     {
         const std::lock_guard lock(mutex_);
         fetchResult_ = assets;

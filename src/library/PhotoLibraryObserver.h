@@ -35,11 +35,12 @@ class PhotoLibraryObserver final : public LibraryChangeObserver {
     /// Unregisters. Main thread; posts itself there from any other.
     void stop();
 
-    /// Runs `initialScan` in the background and returns at once. Any thread.
+    /// Runs `initialScan` in the background and returns at once; its failure is told on the
+    /// console. Any thread.
     void performInitialScan();
 
     /// Recovers staged files, then records the source's assets and stages the first of them, on the
-    /// calling thread. Throws `Cancelled`.
+    /// calling thread. Throws `PhotoLibraryError` when the library cannot be read, or `Cancelled`.
     void initialScan(std::stop_token stop = {});
 
     /// Records the files in the permanent staging folder as STAGED, known assets excepted.

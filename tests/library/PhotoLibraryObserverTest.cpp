@@ -74,9 +74,8 @@ TEST(PhotoLibraryObserver, AnEmptyOrUnreadableSourceRecordsNothing) {
         (QStringList{QStringLiteral("[PhotoKit] İlk tarama: 0 medya (Tüm Kütüphane)"),
                      QStringLiteral("[PhotoKit] 0 medya veritabanına atomik olarak eklendi")}));
     world.library.unreadable = QStringLiteral("Disk takılı değil");
-    EXPECT_EQ(
-        printedBy([&] { world.observer.initialScan(); }),
-        QStringList{QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: Disk takılı değil")});
+    EXPECT_THROW(world.observer.initialScan(), PhotoLibraryError);
+    EXPECT_EQ(world.database.countPendingRecords(), 0);
 }
 
 TEST(PhotoLibraryObserver, ScanningAgainKeepsProgress) {

@@ -26,6 +26,7 @@ std::vector<Row> localAlbums(Invocation& invocation, CoreServices& core) {
     std::vector<Row> rows;
     for (const LocalAlbumItem& album : albums.performFetchLocalAlbums())
         rows.push_back({album.id, album.title, album.count});
+    rememberLibrary(path, core.preferences);
     return rows;
 }
 

@@ -39,13 +39,12 @@ const Album& findOne(const std::vector<Album>& albums, const QString& wanted, Ti
 
 } // namespace
 
-std::filesystem::path chooseLibrary(const std::optional<QString>& named, Preferences& preferences,
-                                    const UserFolders& folders) {
+std::filesystem::path chooseLibrary(const std::optional<QString>& named,
+                                    const Preferences& preferences, const UserFolders& folders) {
     if (named) {
         const std::filesystem::path path = std::filesystem::absolute(pathFrom(*named));
         if (!std::filesystem::is_directory(path))
             throw Error(QStringLiteral("Arşiv bulunamadı: ") + pathText(path));
-        preferences.setString(preferenceKeys::libraryPath, pathText(path));
         return path;
     }
     if (const auto remembered = preferences.string(preferenceKeys::libraryPath)) {
@@ -59,6 +58,10 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named, Prefere
         return *bundle;
     throw Error(QStringLiteral("Arşiv seçilmedi: --library ile bir Fotoğraflar arşivi veya resim "
                                "klasörü verin"));
+}
+
+void rememberLibrary(const std::filesystem::path& path, Preferences& preferences) {
+    preferences.setString(preferenceKeys::libraryPath, pathText(path));
 }
 
 void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path) {

@@ -7,10 +7,13 @@
 
 namespace quorvane::cli {
 
-/// The library to back up: the one named, which is remembered; else the remembered one; else the
-/// first Photos bundle in the Pictures folder. Throws `Error` when there is none or it is gone.
-std::filesystem::path chooseLibrary(const std::optional<QString>& named, Preferences& preferences,
-                                    const UserFolders& folders);
+/// The library to back up: the one named, else the remembered one, else the first Photos bundle in
+/// the Pictures folder. Throws `Error` when there is none or it is gone.
+std::filesystem::path chooseLibrary(const std::optional<QString>& named,
+                                    const Preferences& preferences, const UserFolders& folders);
+
+/// Makes it the library of later runs; call it once the library has proved readable.
+void rememberLibrary(const std::filesystem::path& path, Preferences& preferences);
 
 /// Throws `Error` with the reason when the library cannot be read.
 void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path);

@@ -13,15 +13,24 @@ namespace quorvane::cli {
 
 namespace {
 
+/// The name a person knows the item by: the library's, else that of the staged copy.
+QString nameOf(const SyncRecord& record, LibraryServices& library) {
+    const QString& identifier = record.assetLocalIdentifier;
+    const auto assets = library.library->fetchAssets(QStringList{identifier});
+    if (!assets->empty())
+        if (const auto resource = resourceToStage(library.library->assetResources(assets->front())))
+            return resource->originalFilename;
+    const auto file = library.staging.findStagingFile(identifier);
+    return file ? uploadName(record, *file) : identifier;
+}
+
 /// Writes down how a run went, with the names a person knows the files by.
 void describeEnd(SyncReport& report, CoreServices& core, LibraryServices& library) {
     report.after = StoreCounts::of(core.db);
     report.failures = core.db.fetchFailedCategorySummaries();
-    for (const SyncRecord& record : core.db.fetchUnfinishedRecords(SyncReport::shownItems)) {
-        const auto file = library.staging.findStagingFile(record.assetLocalIdentifier);
-        report.unfinished.push_back({file ? uploadName(record, *file) : record.assetLocalIdentifier,
-                                     record.syncStatus, record.lastError.value_or(QString())});
-    }
+    for (const SyncRecord& record : core.db.fetchUnfinishedRecords(SyncReport::shownItems))
+        report.unfinished.push_back(
+            {nameOf(record, library), record.syncStatus, record.lastError.value_or(QString())});
 }
 
 Progress::Form formOf(const Arguments& arguments) {
@@ -117,6 +126,7 @@ int sync(Invocation& invocation) {
 
     library.staging.removeLeftovers();
     library.observer.initialScan(invocation.stop);
+    rememberLibrary(path, core.preferences);
     const SyncReport report = drain(invocation, core, google, library);
     if (arguments.has(QStringLiteral("json")))
         printJson(core.console, report.json());
