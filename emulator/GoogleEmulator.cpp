@@ -13,6 +13,8 @@ using namespace emulator;
 
 namespace {
 
+/// Roomy, so that a sender far faster than the hashing does not run into closed windows.
+constexpr int receiveBuffer = 4 * 1024 * 1024;
 /// Bytes on their way in the system's buffers escape the bandwidth limit, so they are kept few.
 constexpr int throttledReceiveBuffer = 32 * 1024;
 
@@ -59,7 +61,8 @@ void GoogleEmulator::change(const std::function<void(Behaviour&)>& edit) {
         edit(state.behaviour);
         return state.behaviour;
     });
-    server_->setReceiveBuffer(behaviour.uploadBytesPerSecond > 0 ? throttledReceiveBuffer : 0);
+    server_->setReceiveBuffer(behaviour.uploadBytesPerSecond > 0 ? throttledReceiveBuffer
+                                                                 : receiveBuffer);
 }
 
 void GoogleEmulator::addFault(const Fault& fault) {

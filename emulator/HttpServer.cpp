@@ -107,8 +107,8 @@ void HttpServer::acceptClients() {
             return;
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        if (const int bytes = receiveBuffer_)
-            ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes);
+        const int bytes = receiveBuffer_;
+        ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes);
         std::erase_if(clients_, [](const auto& client) { return client->isDone.load(); });
         Client& client =
             *clients_.emplace_back(std::make_unique<Client>(std::move(socket), number));

@@ -28,7 +28,7 @@ class HttpServer : private httplib::Server {
 
     int port() const { return port_; }
 
-    /// The size of each new connection's receive buffer; 0 leaves it to the system.
+    /// The size of each new connection's receive buffer, in bytes.
     void setReceiveBuffer(int bytes) { receiveBuffer_ = bytes; }
 
   private:
@@ -46,7 +46,7 @@ class HttpServer : private httplib::Server {
 
     Handler handler_;
     int port_ = 0;
-    std::atomic<int> receiveBuffer_ = 0;
+    std::atomic<int> receiveBuffer_ = 256 * 1024;
     FileDescriptor listener_;
     std::list<std::unique_ptr<Client>> clients_; ///< the accepting thread's, until that has ended
     std::jthread acceptor_;
