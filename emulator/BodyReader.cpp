@@ -19,7 +19,7 @@ class Throttle {
             return {};
         const std::chrono::duration<double> planned(static_cast<double>(received) /
                                                     static_cast<double>(bytesPerSecond_));
-        return std::chrono::duration_cast<std::chrono::milliseconds>(
+        return std::chrono::ceil<std::chrono::milliseconds>(
             planned - (std::chrono::steady_clock::now() - start_));
     }
 
