@@ -14,4 +14,11 @@ function(quorvane_library name)
   list(FILTER sources EXCLUDE REGEX "/main(_[a-z]+)?\\.cpp$")
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC quorvane_options Qt6::Core Threads::Threads ${ARGN})
+  target_precompile_headers(${name} PRIVATE ${quorvane_common_headers})
 endfunction()
+
+# The headers that nearly every source reads, compiled once and shared by all targets.
+set(quorvane_common_headers
+  <QByteArray> <QJsonArray> <QJsonDocument> <QJsonObject> <QRegularExpression> <QString> <QStringList>
+  <algorithm> <atomic> <chrono> <condition_variable> <filesystem> <functional> <map> <memory> <mutex>
+  <optional> <set> <span> <stop_token> <thread> <utility> <vector>)

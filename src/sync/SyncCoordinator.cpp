@@ -206,6 +206,7 @@ void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
         item.fileName = name;
         item.isVideo = record.mediaType == MediaType::video;
         item.totalBytes = bytes;
+        item.startedAt = s_.clock.now();
         const ActiveTransfer transfer(s_.tracker, item);
         const QString token = s_.uploadTask.upload(record, *file, name, stop);
         s_.batchCoord.enqueue(token, record, name, stop);
