@@ -184,7 +184,7 @@ MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targe
     try {
         if (!writableDate(targetDate))
             throw ContainerError(QStringLiteral("Tarih dört haneli bir yılda değil"));
-        const MetadataResult result = enrich(file, stampOf(targetDate, asset));
+        MetadataResult result = enrich(file, stampOf(targetDate, asset));
         if (result.which == MetadataResult::Case::success)
             setFileDates(file, targetDate);
         return result;

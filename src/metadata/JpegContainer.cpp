@@ -96,7 +96,7 @@ QByteArray exifSegmentBytes(ByteView exif) {
         throw ContainerError(QStringLiteral("Exif bloğu bir JPEG bölümüne sığmıyor: %1 bayt")
                                  .arg(static_cast<qulonglong>(exif.size())));
     QByteArray bytes;
-    bytes.reserve(static_cast<qsizetype>(2 + length));
+    bytes.reserve(static_cast<qsizetype>(length) + 2);
     tiff::appendNumber(bytes, 0xff00U | app1, 2, ByteOrder::bigEndian);
     tiff::appendNumber(bytes, length, 2, ByteOrder::bigEndian);
     bytes.append(exifSignature.data(), exifSignature.size());

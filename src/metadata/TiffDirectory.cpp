@@ -167,7 +167,7 @@ Entry entryOf(const Field& field, const Format& format, std::uint64_t valueOffse
 
 QByteArray entryBytes(const std::vector<Entry>& entries, const Format& format) {
     QByteArray bytes;
-    bytes.reserve(static_cast<qsizetype>(entries.size() * format.entrySize()));
+    bytes.reserve(static_cast<qsizetype>(entries.size()) * format.entrySize());
     for (const Entry& entry : entries) {
         appendNumber(bytes, entry.tag, 2, format.order);
         appendNumber(bytes, entry.type, 2, format.order);
