@@ -5,7 +5,7 @@ set -euo pipefail
 
 declare -A groups=(
   [build]="build-essential cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev
-    libcurl4-openssl-dev libssl-dev libexiv2-dev libsecret-1-dev libcpp-httplib-dev"
+    libcurl4-openssl-dev libssl-dev zlib1g-dev libsecret-1-dev libcpp-httplib-dev"
   [test]="libgtest-dev libgmock-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
     dbus gnome-keyring libglib2.0-bin xdg-utils"
   [demo]="curl"

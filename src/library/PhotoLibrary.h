@@ -50,6 +50,7 @@ struct PhotoAsset {
     AssetMediaType mediaType = AssetMediaType::unknown;
     std::uint32_t mediaSubtypes = 0;
     std::optional<Date> creationDate;
+    std::optional<Date> modificationDate; ///< of the asset's content, where the library knows it
     std::optional<GeoLocation> location;
 
     AssetFacts facts() const { return {creationDate, location}; }

@@ -23,6 +23,16 @@ QString listed(const QStringList& identifiers) {
     return text;
 }
 
+/// What was backed up is the asset as it was when it was discovered: one that changed later, or
+/// another file under the same name, has no copy yet. The store's times are whole seconds, so one
+/// that changed in the very second of its discovery counts as changed.
+bool changedSince(const PhotoAsset& asset, const std::vector<const SyncRecord*>& records) {
+    return asset.modificationDate &&
+           std::any_of(records.begin(), records.end(), [&](const SyncRecord* record) {
+               return *asset.modificationDate >= record->createdAt;
+           });
+}
+
 } // namespace
 
 SafeDeletionService::SafeDeletionService(DatabaseManager& database, AssetStagingService& staging,
@@ -85,15 +95,29 @@ QStringList SafeDeletionService::safelyStored(const std::vector<SyncRecord>& can
 void SafeDeletionService::deleteFromPhotoLibrary(const QStringList& identifiers,
                                                  const std::vector<SyncRecord>& records,
                                                  const std::stop_token& stop) {
+    std::map<QString, std::vector<const SyncRecord*>> recordsOfAsset;
+    for (const SyncRecord& record : records)
+        recordsOfAsset[record.assetLocalIdentifier].push_back(&record);
+    QStringList changed;
     try {
-        const AssetFetchResult assets = library_.fetchAssets(identifiers);
-        if (!assets || assets->empty()) {
+        const AssetFetchResult found = library_.fetchAssets(identifiers);
+        if (!found || found->empty()) {
             log_.log(QStringLiteral("[SafeDeletion] PHAsset bulunamadı: ") + listed(identifiers));
             return;
         }
-        if (stop.stop_requested())
+        std::vector<PhotoAsset> assets;
+        for (const PhotoAsset& asset : *found)
+            if (changedSince(asset, recordsOfAsset[asset.localIdentifier]))
+                changed += asset.localIdentifier;
+            else
+                assets.push_back(asset);
+        if (!changed.isEmpty())
+            log_.log(QStringLiteral(
+                         "[SafeDeletion] ⚠️ Yedeklendikten sonra değişmiş, silinmeyecek: ") +
+                     listed(changed));
+        if (assets.empty() || stop.stop_requested())
             return;
-        library_.deleteAssets(*assets);
+        library_.deleteAssets(assets);
     } catch (const std::exception& error) {
         log_.log(
             QStringLiteral(
@@ -101,11 +125,9 @@ void SafeDeletionService::deleteFromPhotoLibrary(const QStringList& identifiers,
             describe(error));
         return;
     }
-    std::map<QString, std::vector<const SyncRecord*>> recordsOfAsset;
-    for (const SyncRecord& record : records)
-        recordsOfAsset[record.assetLocalIdentifier].push_back(&record);
     for (const QString& identifier : identifiers)
-        recordDeletion(identifier, recordsOfAsset[identifier]);
+        if (!changed.contains(identifier))
+            recordDeletion(identifier, recordsOfAsset[identifier]);
 }
 
 void SafeDeletionService::recordDeletion(const QString& identifier,

@@ -49,6 +49,21 @@ TEST(SafeDeletionService, RemovesVerifiedOriginalsAfterConsent) {
               prefix + QStringLiteral("Silinecek VERIFIED aday bulunamadı."));
 }
 
+TEST(SafeDeletionService, KeepsWhatChangedSinceItWasBackedUp) {
+    DeletionWorld world;
+    world.verify(1);
+    PhotoAsset replaced = world.library.assets().front();
+    world.library.remove(replaced.localIdentifier);
+    replaced.modificationDate = world.record(assetID(1))->createdAt;
+    world.library.add({replaced, {}, {}});
+    world.deletion.performDeletion(true);
+    EXPECT_EQ(world.log.messages().last(),
+              prefix + QStringLiteral("⚠️ Yedeklendikten sonra değişmiş, silinmeyecek: ") +
+                  assetID(1));
+    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
+    EXPECT_EQ(world.library.assets().size(), 1U);
+}
+
 TEST(SafeDeletionService, SwitchedOffDoesNothing) {
     DeletionWorld world;
     world.verify(1);

@@ -214,7 +214,7 @@ TEST_F(ImageMetadata, EveryContainerTakesTheDateWhateverItsNameSays) {
 
 TEST_F(ImageMetadata, AFileThatCannotBeRewrittenStaysAsItWas) {
     const QByteArray jpeg = jpegOf(exifSegment(QByteArray(0xfff7, 'x')));
-    const std::string longName = std::string(250, 'n') + ".jpg";
+    const std::string longName = QByteArray(250, 'n').append(".jpg").toStdString();
     const struct {
         const char* name;
         QByteArray bytes;

@@ -70,7 +70,9 @@ TEST_F(UrlSchemeHandlerTest, WritesAnEntryThatTheDesktopRuns) {
     const auto program = environment.programFolder / "quorvane-cli";
     const auto received = folder / "received";
     replaceFile(program,
-                "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + pathText(received).toUtf8() + "'\n", 0700);
+                "#!/bin/sh\ncd '" + pathText(folder.path()).toUtf8() +
+                    "'\nprintf '%s\\n' \"$@\" > part\nmv part received\n",
+                0700);
     QProcess gio;
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.insert(QStringLiteral("HOME"), pathText(folder.path()));

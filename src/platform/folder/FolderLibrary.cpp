@@ -32,6 +32,16 @@ PhotoAsset assetOf(const FolderFile& file) {
     return asset;
 }
 
+/// When the file last got its content or its name: also a file that took another's place, whatever
+/// modification time it brought along.
+std::optional<Date> lastChange(const std::filesystem::path& file) {
+    struct stat status {};
+    if (::lstat(file.c_str(), &status) != 0)
+        return std::nullopt;
+    const auto seconds = std::max(status.st_mtim.tv_sec, status.st_ctim.tv_sec);
+    return Date(std::chrono::seconds(seconds));
+}
+
 QString titleOf(const Folder& folder) {
     return pathText(std::filesystem::path(folder.path).filename());
 }
@@ -147,9 +157,13 @@ AssetFetchResult FolderLibrary::fetchAssets(const AssetCollection& collection) {
 
 AssetFetchResult FolderLibrary::fetchAssets(const QStringList& localIdentifiers) {
     auto assets = std::make_shared<std::vector<PhotoAsset>>();
-    for (const QString& identifier : localIdentifiers)
-        if (const auto path = find(identifier))
-            assets->push_back(assetOf({path->native(), folderFileIdentifier(path->native()), 0}));
+    for (const QString& identifier : localIdentifiers) {
+        const auto path = find(identifier);
+        if (!path)
+            continue;
+        assets->push_back(assetOf({path->native(), folderFileIdentifier(path->native()), 0}));
+        assets->back().modificationDate = lastChange(root_ / *path);
+    }
     return assets;
 }
 
