@@ -142,7 +142,7 @@ class CurlHttpClient::Lane {
     }
 
     HttpResponse send(const HttpRequest& request, std::int64_t largestResponse,
-                      std::stop_token stop) {
+                      const std::stop_token& stop) {
         RequestBody body(request);
         Answer answer;
         answer.largestBody = largestResponse;

@@ -29,7 +29,7 @@ std::optional<double> parseExpiry(const QString& text) {
 
 GoogleOAuthManager::GoogleOAuthManager(const Collaborators& collaborators) : with_(collaborators) {}
 
-void GoogleOAuthManager::signIn(std::stop_token stop) {
+void GoogleOAuthManager::signIn(const std::stop_token& stop) {
     const PkcePair pkce = makePKCEPair();
     const QString clientID = with_.client.googleClientID();
     const QUrl url = oauth::authorizationURL(with_.endpoints.authorization, clientID,
@@ -45,7 +45,7 @@ void GoogleOAuthManager::signIn(std::stop_token stop) {
 }
 
 QUrl GoogleOAuthManager::runAuthSession(const QUrl& url, const QString& scheme,
-                                        std::stop_token stop) {
+                                        const std::stop_token& stop) {
     bool shown = false;
     const auto started = [&](bool succeeded) {
         shown = succeeded;
@@ -87,7 +87,7 @@ QString GoogleOAuthManager::extractAuthCode(const QUrl& callback) {
 }
 
 void GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifier,
-                                      std::stop_token stop) {
+                                      const std::stop_token& stop) {
     const QString redirectURI = oauth::redirectURI(with_.client.googleClientID());
     const QString secret = with_.client.googleClientSecret().value_or(QString());
     oauth::FormFields fields = {{"client_id", with_.client.googleClientID()},
@@ -141,7 +141,8 @@ QString GoogleOAuthManager::saveTokens(const QByteArray& body) {
     return accessToken.toString();
 }
 
-void GoogleOAuthManager::fetchAndSaveUserEmail(const QString& accessToken, std::stop_token stop) {
+void GoogleOAuthManager::fetchAndSaveUserEmail(const QString& accessToken,
+                                               const std::stop_token& stop) {
     HttpRequest request;
     request.url = with_.endpoints.userInfo;
     request.headers = {{"Authorization", "Bearer " + accessToken.toUtf8()}};
@@ -191,11 +192,12 @@ QString GoogleOAuthManager::validAccessToken(std::stop_token stop) {
 /// lock for the last time when it clears `tokenRefreshTask_`.
 void GoogleOAuthManager::startRefresh() {
     const auto task = std::make_shared<RefreshTask>();
-    refreshThread_ = std::jthread([this, task](std::stop_token stop) { runRefresh(*task, stop); });
+    refreshThread_ =
+        std::jthread([this, task](const std::stop_token& stop) { runRefresh(*task, stop); });
     tokenRefreshTask_ = task;
 }
 
-void GoogleOAuthManager::runRefresh(RefreshTask& task, std::stop_token stop) {
+void GoogleOAuthManager::runRefresh(RefreshTask& task, const std::stop_token& stop) {
     std::optional<QString> token;
     std::exception_ptr error;
     try {
@@ -215,7 +217,7 @@ void GoogleOAuthManager::runRefresh(RefreshTask& task, std::stop_token stop) {
     refreshFinished_.notify_all();
 }
 
-QString GoogleOAuthManager::refreshAccessToken(std::stop_token stop) {
+QString GoogleOAuthManager::refreshAccessToken(const std::stop_token& stop) {
     const auto refreshToken = with_.tokens.readToken(tokenKeys::refreshToken);
     if (!refreshToken)
         throw OAuthError(OAuthError::Case::notSignedIn);
@@ -236,7 +238,7 @@ QString GoogleOAuthManager::refreshAccessToken(std::stop_token stop) {
 }
 
 HttpResponse GoogleOAuthManager::postForm(const QUrl& url, const QByteArray& form,
-                                          std::stop_token stop) {
+                                          const std::stop_token& stop) {
     HttpRequest request;
     request.method = "POST";
     request.url = url;
@@ -254,7 +256,7 @@ std::optional<QString> GoogleOAuthManager::email() {
     return with_.tokens.readToken(tokenKeys::email);
 }
 
-void GoogleOAuthManager::signOut(std::stop_token stop) {
+void GoogleOAuthManager::signOut(const std::stop_token& stop) {
     if (const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken)) {
         try {
             postForm(with_.endpoints.revocation, "token=" + oauth::percentEncode(*accessToken),

@@ -39,7 +39,7 @@ class GoogleOAuthManager final : public AccessTokenProvider {
 
     /// The whole interactive flow; leaves tokens and e-mail stored. Throws `OAuthError`, the web
     /// session's own error, `TransportError`, or `Cancelled`.
-    void signIn(std::stop_token stop);
+    void signIn(const std::stop_token& stop);
 
     /// The stored token while it is valid for more than 60 seconds, else a refreshed one. All
     /// concurrent callers share one refresh, and one caller's `stop` leaves it to the others.
@@ -52,7 +52,7 @@ class GoogleOAuthManager final : public AccessTokenProvider {
 
     /// Revokes the access token, as far as Google can be reached, and forgets everything. Never
     /// throws; `stop` only shortens the wait for Google.
-    void signOut(std::stop_token stop);
+    void signOut(const std::stop_token& stop);
 
   private:
     struct RefreshTask {
@@ -61,15 +61,15 @@ class GoogleOAuthManager final : public AccessTokenProvider {
         std::exception_ptr error; ///< set when there is no token
     };
 
-    QUrl runAuthSession(const QUrl& url, const QString& scheme, std::stop_token stop);
+    QUrl runAuthSession(const QUrl& url, const QString& scheme, const std::stop_token& stop);
     QString extractAuthCode(const QUrl& callback);
-    void exchangeCode(const QString& code, const QString& verifier, std::stop_token stop);
+    void exchangeCode(const QString& code, const QString& verifier, const std::stop_token& stop);
     QString saveTokens(const QByteArray& body);
-    void fetchAndSaveUserEmail(const QString& accessToken, std::stop_token stop);
+    void fetchAndSaveUserEmail(const QString& accessToken, const std::stop_token& stop);
     void startRefresh();
-    void runRefresh(RefreshTask& task, std::stop_token stop);
-    QString refreshAccessToken(std::stop_token stop);
-    HttpResponse postForm(const QUrl& url, const QByteArray& form, std::stop_token stop);
+    void runRefresh(RefreshTask& task, const std::stop_token& stop);
+    QString refreshAccessToken(const std::stop_token& stop);
+    HttpResponse postForm(const QUrl& url, const QByteArray& form, const std::stop_token& stop);
 
     const Collaborators with_;
 

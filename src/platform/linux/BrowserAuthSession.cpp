@@ -83,7 +83,7 @@ class BrowserAuthSession::Wait {
             return std::nullopt;
         if (visit->overtakes)
             throw Error(QStringLiteral("OAuth: Yeni bir giriş başlatıldı, bu giriş kapatıldı"));
-        const auto callback = accepted(visit->url);
+        auto callback = accepted(visit->url);
         visit->answer(callback.has_value());
         return callback;
     }
@@ -102,7 +102,7 @@ class BrowserAuthSession::Wait {
             typed_.remove(0, end + 1);
             if (line.isEmpty())
                 continue;
-            if (const auto callback = accepted(line))
+            if (auto callback = accepted(line))
                 return callback;
             session_.console_.print(QStringLiteral("Bu adres beklenen geri dönüş adresi değil, "
                                                    "yeniden yapıştırın:"));
