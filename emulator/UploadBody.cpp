@@ -38,10 +38,7 @@ void UploadBody::add(QByteArrayView bytes) {
     if (missing > 0)
         start_.append(bytes.first(std::min<qsizetype>(missing, bytes.size())));
     if (output_.isOpen())
-        writeAll(output_.get(),
-                 {reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                  static_cast<std::size_t>(bytes.size())},
-                 file_);
+        writeAll(output_.get(), viewOf(bytes), file_);
 }
 
 void UploadBody::sumUp(Call& call) {

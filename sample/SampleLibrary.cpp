@@ -23,10 +23,7 @@ class Writer {
         const std::filesystem::path file = folder_ / name;
         std::filesystem::create_directories(file.parent_path());
         const FileDescriptor out = openFile(file, O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        writeAll(out.get(),
-                 {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-                  static_cast<size_t>(bytes.size())},
-                 file);
+        writeAll(out.get(), viewOf(bytes), file);
         const timespec time{1'600'000'000 + 60 * count_, 0};
         const timespec times[2] = {time, time};
         ::futimens(out.get(), times);

@@ -43,10 +43,7 @@ RunLock::RunLock(const std::filesystem::path& file) {
             .toUtf8();
     if (::ftruncate(file_.get(), 0) != 0)
         throw FileError(QStringLiteral("Kilit yazılamadı"), file, errno);
-    writeAll(file_.get(),
-             {reinterpret_cast<const std::uint8_t*>(holder.constData()),
-              static_cast<size_t>(holder.size())},
-             file);
+    writeAll(file_.get(), viewOf(holder), file);
 }
 
 } // namespace quorvane

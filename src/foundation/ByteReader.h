@@ -2,12 +2,19 @@
 
 #include "foundation/Error.h"
 
+#include <QByteArrayView>
+
 #include <cstdint>
 #include <span>
 
 namespace quorvane {
 
 using ByteView = std::span<const std::uint8_t>;
+
+/// The bytes of an array; valid as long as the array is left alone.
+inline ByteView viewOf(QByteArrayView bytes) {
+    return {reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<size_t>(bytes.size())};
+}
 
 /// Foreign bytes that end too soon or contradict themselves.
 class ParseError : public Error {

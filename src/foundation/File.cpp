@@ -78,7 +78,7 @@ FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mod
     return FileDescriptor(fd);
 }
 
-void writeAll(int fd, std::span<const std::uint8_t> bytes, const std::filesystem::path& path) {
+void writeAll(int fd, ByteView bytes, const std::filesystem::path& path) {
     while (!bytes.empty()) {
         const ssize_t n = ::write(fd, bytes.data(), bytes.size());
         if (n < 0 && errno == EINTR)
@@ -122,10 +122,7 @@ void replaceFile(const std::filesystem::path& path, const QByteArray& bytes, mod
     temporary.replace_filename("." + path.filename().native() + ".tmp");
     try {
         const FileDescriptor file = openFile(temporary, O_WRONLY | O_CREAT | O_TRUNC, mode);
-        writeAll(file.get(),
-                 {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-                  static_cast<size_t>(bytes.size())},
-                 temporary);
+        writeAll(file.get(), viewOf(bytes), temporary);
         flushFile(file.get(), temporary);
         if (::rename(temporary.c_str(), path.c_str()) != 0)
             throw FileError(QStringLiteral("Dosya değiştirilemedi"), path, errno);

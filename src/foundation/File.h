@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/ByteReader.h"
 #include "foundation/Error.h"
 
 #include <QByteArray>
@@ -7,7 +8,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <span>
 
 #include <sys/types.h>
 
@@ -54,7 +54,7 @@ class FileDescriptor {
 FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mode = 0600);
 
 /// Writes all bytes at the descriptor's position. Throws `FileError` naming `path`.
-void writeAll(int fd, std::span<const std::uint8_t> bytes, const std::filesystem::path& path);
+void writeAll(int fd, ByteView bytes, const std::filesystem::path& path);
 
 /// Flushes the file's data to the disk. Throws `FileError` naming `path`.
 void flushFile(int fd, const std::filesystem::path& path);

@@ -103,9 +103,4 @@ QByteArray boxOf(std::uint32_t type, const QByteArray& body) {
     return boxHeader(type, static_cast<std::uint64_t>(body.size())) + body;
 }
 
-ByteView viewOf(const QByteArray& bytes) {
-    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-            static_cast<std::size_t>(bytes.size())};
-}
-
 } // namespace quorvane::heif

@@ -89,6 +89,4 @@ QByteArray boxHeader(std::uint32_t type, std::uint64_t bodyLength);
 
 QByteArray boxOf(std::uint32_t type, const QByteArray& body);
 
-ByteView viewOf(const QByteArray& bytes);
-
 } // namespace quorvane::heif

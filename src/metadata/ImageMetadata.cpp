@@ -30,11 +30,6 @@ MetadataResult failed(const char* message) {
     return MetadataResult::failed(QString::fromUtf8(message));
 }
 
-ByteView viewOf(const QByteArray& bytes) {
-    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-            static_cast<size_t>(bytes.size())};
-}
-
 /// Valid as long as `image` is. A TIFF is its own block.
 std::optional<QByteArray> exifOf(ByteView image, ImageFormat format) {
     switch (format) {

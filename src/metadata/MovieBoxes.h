@@ -104,10 +104,4 @@ class MovieBoxes {
     std::uint64_t counted_ = 0;
 };
 
-/// The bytes of an array, for a reader.
-inline ByteView viewOf(const QByteArray& bytes) {
-    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-            static_cast<size_t>(bytes.size())};
-}
-
 } // namespace quorvane

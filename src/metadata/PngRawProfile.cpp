@@ -92,9 +92,7 @@ std::optional<QByteArray> rawExifProfile(std::string_view chunkType, ByteView da
     QByteArray block = QByteArray::fromHex(trimmed.mid(lengthEnd + 1));
     if (block.startsWith(QByteArray("Exif\0\0", 6)))
         block.remove(0, 6);
-    const ByteView view(reinterpret_cast<const std::uint8_t*>(block.constData()),
-                        static_cast<size_t>(block.size()));
-    return tiff::readHeader(view) ? std::optional(block) : std::nullopt;
+    return tiff::readHeader(viewOf(block)) ? std::optional(block) : std::nullopt;
 }
 
 } // namespace quorvane::png

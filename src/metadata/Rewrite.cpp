@@ -8,8 +8,7 @@ namespace quorvane {
 
 ByteView Rewrite::Piece::in(ByteView source) const {
     if (bytes)
-        return {reinterpret_cast<const std::uint8_t*>(bytes->constData()),
-                static_cast<size_t>(bytes->size())};
+        return viewOf(*bytes);
     if (offset > source.size() || length > source.size() - offset)
         throw ContainerError(QStringLiteral("Parça kaynağın dışında"));
     return source.subspan(offset, length);

@@ -33,11 +33,6 @@ unsigned typeSize(std::uint16_t type) {
     }
 }
 
-ByteView viewOf(const QByteArray& bytes) {
-    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-            static_cast<size_t>(bytes.size())};
-}
-
 } // namespace
 
 std::optional<Header> readHeader(ByteView block) {

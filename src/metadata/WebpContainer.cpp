@@ -112,8 +112,7 @@ QByteArray extendedHeader(const Canvas& canvas) {
     tiff::appendNumber(data, flags, 4, ByteOrder::littleEndian);
     tiff::appendNumber(data, canvas.width - 1, 3, ByteOrder::littleEndian);
     tiff::appendNumber(data, canvas.height - 1, 3, ByteOrder::littleEndian);
-    return chunkBytes("VP8X", {reinterpret_cast<const std::uint8_t*>(data.constData()),
-                               static_cast<size_t>(data.size())});
+    return chunkBytes("VP8X", viewOf(data));
 }
 
 bool isImage(const Chunk& chunk) {

@@ -1,6 +1,7 @@
 #include "app/cli/Forecast.h"
 
 #include "app/cli/SyncReport.h"
+#include "app/cli/TextTable.h"
 
 #include <algorithm>
 #include <set>
@@ -79,26 +80,23 @@ Forecast forecast(CoreServices& core, LibraryServices& library, GoogleServices* 
 }
 
 QString Forecast::table() const {
-    const auto row = [](const QString& label, const QString& value) {
-        return QStringLiteral("  %1 %2\n").arg(label.leftJustified(26), value);
-    };
     QString text = QStringLiteral("Deneme: hiçbir şey yüklenmedi, hiçbir kayıt yazılmadı\n");
-    text += row(QStringLiteral("Fotoğraf"), QString::number(photos));
-    text += row(QStringLiteral("Video"), QString::number(videos));
-    text += row(QStringLiteral("Live Photo"), QString::number(livePhotos));
-    text += row(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
-    text += row(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
-    text += row(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
-    text += row(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
-    text += row(QStringLiteral("Boyut"), byteText(bytes));
+    text += tableRow(QStringLiteral("Fotoğraf"), QString::number(photos));
+    text += tableRow(QStringLiteral("Video"), QString::number(videos));
+    text += tableRow(QStringLiteral("Live Photo"), QString::number(livePhotos));
+    text += tableRow(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
+    text += tableRow(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
+    text += tableRow(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
+    text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
+    text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
     if (targetTitle)
-        text += row(QStringLiteral("Hedef albüm"),
-                    QStringLiteral("%1 (%2 öğe)%3")
-                        .arg(*targetTitle)
-                        .arg(targetCount)
-                        .arg(overflowsTarget()
-                                 ? QStringLiteral(" ⚠️ 20.000 öğe sınırı aşılacak")
-                                 : QString()));
+        text += tableRow(QStringLiteral("Hedef albüm"),
+                         QStringLiteral("%1 (%2 öğe)%3")
+                             .arg(*targetTitle)
+                             .arg(targetCount)
+                             .arg(overflowsTarget()
+                                      ? QStringLiteral(" ⚠️ 20.000 öğe sınırı aşılacak")
+                                      : QString()));
     return text.chopped(1);
 }
 

@@ -1,6 +1,7 @@
 #include "app/cli/Command.h"
 #include "app/cli/SignIn.h"
 #include "app/cli/SyncReport.h"
+#include "app/cli/TextTable.h"
 
 #include <QJsonObject>
 
@@ -17,25 +18,22 @@ struct Status {
 };
 
 QString table(const Status& status, const UserFolders& folders) {
-    const auto row = [](const QString& label, const QString& value) {
-        return QStringLiteral("%1 %2\n").arg(label.leftJustified(22), value);
-    };
     const QString account = status.signedIn
                                 ? (status.email.isEmpty() ? QStringLiteral("açık") : status.email)
                                 : QStringLiteral("açılmamış");
-    QString text = row(QStringLiteral("Oturum"), account);
-    text += row(QStringLiteral("Arşiv"),
-                status.library.isEmpty() ? QStringLiteral("seçilmedi") : status.library);
-    text +=
-        row(QStringLiteral("Hedef albüm"),
-            status.targetAlbum.isEmpty() ? QStringLiteral("yok (ana akış)") : status.targetAlbum);
-    text += row(QStringLiteral("Doğrulanan"), QString::number(status.counts.verified));
-    text += row(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
-    text += row(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
-    text += row(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
-    text += row(QStringLiteral("Durum veritabanı"), pathText(folders.database()));
-    text += row(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
-    text += row(QStringLiteral("Hazırlanan dosyalar"), pathText(folders.permanentStaging()));
+    QString text = tableRow(QStringLiteral("Oturum"), account);
+    text += tableRow(QStringLiteral("Arşiv"),
+                     status.library.isEmpty() ? QStringLiteral("seçilmedi") : status.library);
+    text += tableRow(QStringLiteral("Hedef albüm"), status.targetAlbum.isEmpty()
+                                                        ? QStringLiteral("yok (ana akış)")
+                                                        : status.targetAlbum);
+    text += tableRow(QStringLiteral("Doğrulanan"), QString::number(status.counts.verified));
+    text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
+    text += tableRow(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
+    text += tableRow(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
+    text += tableRow(QStringLiteral("Durum veritabanı"), pathText(folders.database()));
+    text += tableRow(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
+    text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(folders.permanentStaging()));
     return text.chopped(1);
 }
 

@@ -1,6 +1,7 @@
 #include "app/cli/SyncReport.h"
 
 #include "app/cli/Command.h"
+#include "app/cli/TextTable.h"
 
 #include <QJsonArray>
 #include <QLocale>
@@ -11,12 +12,8 @@ namespace {
 
 const QLocale turkish(QLocale::Turkish, QLocale::Turkey);
 
-QString row(const QString& label, const QString& value) {
-    return QStringLiteral("  %1 %2\n").arg(label.leftJustified(26), value);
-}
-
-QString row(const QString& label, int count) {
-    return row(label, turkish.toString(count));
+QString countRow(const QString& label, int count) {
+    return tableRow(label, turkish.toString(count));
 }
 
 QString title(const SyncReport& report) {
@@ -66,15 +63,16 @@ StoreCounts StoreCounts::of(DatabaseManager& db) {
 
 QString SyncReport::table() const {
     QString text = title(*this) + u'\n';
-    text += row(QStringLiteral("Doğrulanan (bu kez)"), after.verified - before.verified);
-    text += row(QStringLiteral("Doğrulanan (toplam)"), after.verified);
-    text += row(QStringLiteral("Başarısız"), after.failed);
+    text += countRow(QStringLiteral("Doğrulanan (bu kez)"), after.verified - before.verified);
+    text += countRow(QStringLiteral("Doğrulanan (toplam)"), after.verified);
+    text += countRow(QStringLiteral("Başarısız"), after.failed);
     for (const FailedCategorySummary& failure : failures)
-        text += row(QStringLiteral("  ") + failure.categoryName, failure.count);
-    text += row(QStringLiteral("Tarihi bilinmeyen"), after.undated);
-    text += row(QStringLiteral("Bekleyen"), after.pending);
-    text += row(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
-    text += row(QStringLiteral("Süre"), turkish.toString(seconds, 'f', 1) + QStringLiteral(" sn"));
+        text += countRow(QStringLiteral("  ") + failure.categoryName, failure.count);
+    text += countRow(QStringLiteral("Tarihi bilinmeyen"), after.undated);
+    text += countRow(QStringLiteral("Bekleyen"), after.pending);
+    text += tableRow(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
+    text +=
+        tableRow(QStringLiteral("Süre"), turkish.toString(seconds, 'f', 1) + QStringLiteral(" sn"));
     if (unfinished.empty())
         return text.chopped(1);
     text += QStringLiteral("İnceleme gereken öğeler:\n");
