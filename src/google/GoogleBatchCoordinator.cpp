@@ -132,6 +132,11 @@ std::size_t GoogleBatchCoordinator::bufferedCount() const {
     return buffer_.size();
 }
 
+std::optional<QString> GoogleBatchCoordinator::takeStoreRefusal() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(storeRefusal_, std::nullopt);
+}
+
 /// Called with `mutex_` held.
 void GoogleBatchCoordinator::startTimer(std::stop_token run) {
     flushTimer_ = {clock_.monotonic() + flushInterval, std::move(run), std::stop_source()};
@@ -307,6 +312,8 @@ bool GoogleBatchCoordinator::mark(const Entry& entry, SyncStatus status,
         log_.log(QStringLiteral("[Batch] ❌ Kayıt güncellenemedi (") + rawValue(status) +
                  QStringLiteral("): ") + record.assetLocalIdentifier + QStringLiteral(" -> ") +
                  refusal.localizedDescription());
+        const std::lock_guard lock(mutex_);
+        storeRefusal_ = refusal.localizedDescription();
         return false;
     }
 }

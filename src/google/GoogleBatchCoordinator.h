@@ -52,6 +52,9 @@ class GoogleBatchCoordinator {
 
     std::size_t bufferedCount() const;
 
+    /// Why the store refused to record a result since this was last asked; none when it did not.
+    std::optional<QString> takeStoreRefusal();
+
     /// Stops the sync run; called on the flushing thread when the album is full and
     /// `stopAtLimit` is on. Set before the first use.
     std::function<void()> onStopAtLimit = [] {};
@@ -109,6 +112,7 @@ class GoogleBatchCoordinator {
 
     mutable std::mutex mutex_; ///< guards the fields below; never held on the network
     std::vector<Entry> buffer_;
+    std::optional<QString> storeRefusal_;
     std::optional<FlushTimer> flushTimer_; ///< set while a timed flush is pending
     std::condition_variable_any timerStarted_;
     std::jthread timerThread_; ///< started with the first timer; last, so that it ends first

@@ -127,6 +127,10 @@ bool SyncCoordinator::runSyncLoop() {
     s_.console.print(QStringLiteral("[Sync] %1 kayit isleniyor").arg(records.size()));
     processAll(std::move(records));
     s_.batchCoord.flush(s_.flags.stopToken());
+    if (auto refusal = s_.batchCoord.takeStoreRefusal()) {
+        const std::lock_guard lock(mutex_);
+        summary_.storeFailure = std::move(refusal); // else the same bytes again in every pass
+    }
     return true;
 }
 
