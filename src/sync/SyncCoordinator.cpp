@@ -195,11 +195,8 @@ void SyncCoordinator::processRecord(const SyncRecord& record) noexcept {
 
 void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
     const auto file = stagedFile(record, stop);
-    if (!file) {
-        const std::lock_guard lock(mutex_);
-        unavailable_.insert(record.assetLocalIdentifier);
-        return;
-    }
+    if (!file)
+        return leaveOut(record);
     if (!passesDateGate(record, *file))
         return;
     const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(*file));
@@ -225,12 +222,26 @@ std::optional<std::filesystem::path> SyncCoordinator::stagedFile(const SyncRecor
     const std::lock_guard turn(stagingTurn_);
     if (auto file = s_.staging.findStagingFile(record.assetLocalIdentifier))
         return file;
+    // A staged file that was lost since: only DISCOVERED records are staged.
+    s_.db.ifStatusIs(SyncStatus::staged, record,
+                     [&] { setStatus(record, SyncStatus::discovered); });
     s_.staging.stageDiscoveredAssets(stop);
     if (auto file = s_.staging.findStagingFile(record.assetLocalIdentifier))
         return file;
     if (!s_.staging.isUnavailable(record.assetLocalIdentifier))
         s_.staging.stageDiscoveredAssets({record}, stop);
     return s_.staging.findStagingFile(record.assetLocalIdentifier);
+}
+
+/// No file came of the record. Unless its staging failed, it stays pending for a later run.
+void SyncCoordinator::leaveOut(const SyncRecord& record) {
+    // Written once more as it is: a store that refused the staging refuses this too, and says so.
+    const bool isPending = s_.db.ifStatusIs(SyncStatus::discovered, record,
+                                            [&] { setStatus(record, SyncStatus::discovered); });
+    if (!isPending)
+        return;
+    const std::lock_guard lock(mutex_);
+    unavailable_.insert(record.assetLocalIdentifier);
 }
 
 /// False when the file has no trustworthy date: the record is then held back. The destination would

@@ -80,6 +80,7 @@ class SyncCoordinator {
     void processRecord(const SyncRecord& record) noexcept;
     void upload(const SyncRecord& record, std::stop_token stop);
     std::optional<std::filesystem::path> stagedFile(const SyncRecord& record, std::stop_token stop);
+    void leaveOut(const SyncRecord& record);
     bool passesDateGate(const SyncRecord& record, const std::filesystem::path& file);
     void handleFailure(const SyncRecord& record, const std::exception& error);
     void endBecauseOfStore(const std::exception& error);
