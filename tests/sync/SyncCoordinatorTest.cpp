@@ -1,0 +1,430 @@
+#include "sync/SyncCoordinator.h"
+
+#include "SyncWorld.h"
+#include "foundation/MainThread.h"
+
+#include <QJsonArray>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using emulator::Fault;
+using emulator::RequestKind;
+using std::chrono::milliseconds;
+using test::SyncProgram;
+using test::SyncWorld;
+
+using Counts = std::map<SyncStatus, int>;
+
+constexpr milliseconds stopsWithin{500};
+
+struct SyncRun : testing::Test {
+    SyncWorld world;
+};
+
+int sizeOf(const emulator::RecordedRequest& batch) {
+    return static_cast<int>(test::jsonOf(batch.body)[u"newMediaItems"_s].toArray().size());
+}
+
+QStringList messagesWith(const SyncProgram& program, const QString& part) {
+    return program.log.messages().filter(part);
+}
+
+/// Every asset is VERIFIED, and the service holds the bytes of each exactly once.
+void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count) {
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::verified, count}}));
+    std::map<QString, int> contents;
+    std::map<QString, QString> contentOfItem;
+    for (const auto& item : world.google.mediaItems())
+        contentOfItem[item.id] = QString::fromLatin1(item.sha256);
+    for (const SyncRecord& record : program.database.fetchVerifiedForDeletion()) {
+        ++contents[*record.sha256Hash];
+        EXPECT_EQ(contentOfItem[*record.remoteMediaID], record.sha256Hash);
+    }
+    EXPECT_EQ(contents.size(), static_cast<std::size_t>(count));
+    EXPECT_EQ(world.storedContents(), contents);
+}
+
+Fault faultOf(RequestKind kind, int nth = 1, int times = 1) {
+    Fault fault;
+    fault.kind = kind;
+    fault.nth = nth;
+    fault.times = times;
+    return fault;
+}
+
+Fault refusal(int nth, int times) {
+    Fault fault = faultOf(RequestKind::upload, nth, times);
+    fault.status = 500;
+    return fault;
+}
+
+Fault stall(RequestKind kind) {
+    Fault fault = faultOf(kind, 1, 0);
+    fault.stall = true;
+    return fault;
+}
+
+} // namespace
+
+TEST_F(SyncRun, DrainsInPassesOfFiftyWithTwoUploadsAtOnce) {
+    world.addPictures(120);
+    world.google.change([](auto& behaviour) { behaviour.latency = milliseconds(3); });
+    SyncProgram program(world);
+    program.discover();
+    std::vector<std::pair<int, int>> progress;
+    bool alwaysOnMainThread = true;
+    program.onProgress = [&](int completed, int total) {
+        progress.emplace_back(completed, total);
+        alwaysOnMainThread = alwaysOnMainThread && isMainThread();
+    };
+    const auto summary = program.run();
+
+    EXPECT_EQ(messagesWith(program, u"[Sync]"_s),
+              (QStringList{u"[Sync] Kuyruk gecisi 1: 120 medya bekliyor"_s,
+                           u"[Sync] Kuyruk gecisi 2: 70 medya bekliyor"_s,
+                           u"[Sync] Kuyruk gecisi 3: 20 medya bekliyor"_s}));
+    EXPECT_EQ(program.linesWith(u"kayit isleniyor"_s),
+              (QStringList{u"[Sync] 50 kayit isleniyor"_s, u"[Sync] 50 kayit isleniyor"_s,
+                           u"[Sync] 20 kayit isleniyor"_s}));
+    expectAllStoredOnce(world, program, 120);
+    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 120);
+    int sent = 0;
+    std::vector<int> passEnds;
+    for (const auto& batch : world.google.requests(RequestKind::batchCreate)) {
+        EXPECT_LE(sizeOf(batch), 25);
+        sent += sizeOf(batch);
+        passEnds.push_back(sent);
+    }
+    EXPECT_THAT(passEnds, testing::IsSupersetOf({25, 50, 75, 100, 120}));
+    EXPECT_EQ(program.http.mostAtOnce(), 2);
+
+    EXPECT_TRUE(alwaysOnMainThread);
+    EXPECT_GE(progress.size(), 120U);
+    EXPECT_TRUE(std::ranges::is_sorted(progress));
+    EXPECT_EQ(progress.back(), std::pair(120, 120));
+    EXPECT_EQ(summary.completed, 120);
+    EXPECT_EQ(summary.passes, 3);
+    EXPECT_FALSE(summary.cancelled);
+    EXPECT_TRUE(program.tracker.getSnapshot().items.empty());
+    EXPECT_TRUE(program.log.contains(u"[SafeDeletion]"_s)) << "a run ends with the deletion";
+}
+
+TEST_F(SyncRun, ASecondRunHasNothingToDo) {
+    world.addPictures(3);
+    SyncProgram program(world);
+    program.discover();
+    program.run();
+    world.google.clearRequests();
+    SyncProgram next(world);
+    next.discover();
+    const auto summary = next.run();
+    EXPECT_EQ(summary.total, 0);
+    EXPECT_EQ(summary.passes, 0);
+    EXPECT_TRUE(world.google.requests().empty());
+    expectAllStoredOnce(world, next, 3);
+}
+
+TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
+    const QString heldBack = u"Tarih tespit edilemedi - Google Photos hatalı tarih koruması"_s;
+    world.addPicture(u"dated.jpg"_s);
+    world.addPicture(u"undated.jpg"_s, std::nullopt);
+    world.addPicture(u"undated.gif"_s); // no place for a date
+    SyncProgram program(world);
+    program.discover();
+    program.run();
+    EXPECT_EQ(world.google.mediaItems().size(), 1U);
+    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 1);
+    EXPECT_EQ(program.record(u"dated.jpg"_s).syncStatus, SyncStatus::verified);
+    for (const QString& name : {u"undated.jpg"_s, u"undated.gif"_s}) {
+        EXPECT_EQ(program.record(name).syncStatus, SyncStatus::dateUnresolved);
+        EXPECT_EQ(program.record(name).lastError, heldBack);
+        EXPECT_EQ(program.linesWith(u"(DATE_UNRESOLVED)"_s).filter(test::identifierOf(name)),
+                  QStringList{u"[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload "
+                              "engellendi: "_s +
+                              test::identifierOf(name)});
+    }
+
+    program.preferences.setString(preferenceKeys::dateFallbackMode, u"fileSaveDate"_s);
+    program.database.retryDateUnresolvedRecords();
+    program.run();
+    EXPECT_EQ(program.record(u"undated.jpg"_s).syncStatus, SyncStatus::verified);
+    EXPECT_EQ(program.record(u"undated.gif"_s).syncStatus, SyncStatus::dateUnresolved);
+    EXPECT_EQ(program.record(u"undated.gif"_s).lastError, heldBack);
+    EXPECT_EQ(
+        program.linesWith(u"geçerli gömülü tarih bulunamadı"_s),
+        QStringList{
+            u"[Sync] 🛑 Dosyada geçerli gömülü tarih bulunamadı, upload engellendi: "_s +
+            test::identifierOf(u"undated.gif"_s)});
+    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
+}
+
+TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
+    world.addPictures(6);
+    world.google.addFault(refusal(1, 3));
+    Fault afterASuccess = refusal(5, 1);
+    afterASuccess.delay = milliseconds(300);
+    world.google.addFault(afterASuccess);
+    SyncProgram program(world);
+    program.discover();
+    program.clock.skipSleeps(true);
+    program.run();
+
+    auto waits = program.clock.sleeps();
+    ASSERT_EQ(waits.size(), 4U);
+    std::sort(waits.begin(), waits.begin() + 2); // of two at once either may wait first
+    EXPECT_EQ(waits, (std::vector<milliseconds>{milliseconds(2000), milliseconds(4000),
+                                                milliseconds(8000), milliseconds(2000)}));
+    for (const auto& [errors, text] :
+         {std::pair{1, "2.0"}, std::pair{2, "4.0"}, std::pair{3, "8.0"}})
+        EXPECT_FALSE(
+            program
+                .linesWith(
+                    u"[Sync] Hata (%1x), %2s bekleniyor: [Upload] HTTP 500"_s.arg(errors).arg(
+                        QLatin1String(text)))
+                .isEmpty());
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::verified, 2}, {SyncStatus::failed, 4}}));
+    for (const SyncRecord& record : program.database.fetchUnfinishedRecords(10)) {
+        EXPECT_EQ(record.lastError, u"[Upload] HTTP 500"_s);
+        EXPECT_EQ(record.retryCount, 1);
+    }
+
+    program.database.retryFailedRecords(true);
+    program.run();
+    expectAllStoredOnce(world, program, 6);
+}
+
+TEST_F(SyncRun, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
+    world.addPictures(4);
+    const std::function<void()> hindrances[] = {
+        [&] { world.google.addFault(stall(RequestKind::upload)); },
+        [&] { world.google.change([](auto& all) { all.uploadBytesPerSecond = 10; }); },
+        [&] { world.google.change([](auto& all) { all.latency = std::chrono::minutes(1); }); },
+    };
+    SyncProgram program(world);
+    program.discover();
+    for (const auto& hinder : hindrances) {
+        world.google.clearRequests();
+        const int before = world.google.requestCount(RequestKind::upload);
+        hinder();
+        program.start();
+        ASSERT_TRUE(world.google.waitForRequests(RequestKind::upload, before + 2));
+        EXPECT_LT(program.stop(), stopsWithin);
+        const auto summary = program.finish();
+        EXPECT_TRUE(summary.cancelled);
+        EXPECT_EQ(summary.completed, 0);
+        for (const QString& name : {u"000.jpg"_s, u"001.jpg"_s}) {
+            EXPECT_EQ(program.record(name).syncStatus, SyncStatus::discovered);
+            EXPECT_EQ(program.record(name).lastError, std::nullopt);
+            EXPECT_EQ(program.record(name).retryCount, 0);
+            EXPECT_TRUE(std::filesystem::exists(program.stagedPath(name)));
+            EXPECT_TRUE(program.printed.contains(
+                u"[Sync] İptal bayrağı/cancellation algılandı, dosya FAILED yapılmıyor: "_s +
+                test::identifierOf(name)));
+        }
+        EXPECT_FALSE(program.log.contains(u"[SafeDeletion]"_s));
+        world.google.clearFaults();
+        world.google.change([](auto& behaviour) { behaviour = {}; });
+    }
+    EXPECT_EQ(messagesWith(program, u"batch sonlandırılıyor"_s).size(), std::ssize(hindrances))
+        << "once a run, although two noticed";
+    EXPECT_EQ(messagesWith(program, u"[Sync] İptal bayrağı algılandı, döngü"_s).size(),
+              std::ssize(hindrances));
+    EXPECT_TRUE(program.clock.sleeps().empty());
+    program.run();
+    expectAllStoredOnce(world, program, 4);
+}
+
+TEST_F(SyncRun, AStopEndsABackOffWait) {
+    world.addPictures(4);
+    world.google.addFault(refusal(1, 0));
+    SyncProgram program(world);
+    program.discover();
+    program.start();
+    ASSERT_TRUE(test::waitOnMainThread([&] { return program.clock.sleeps().size() == 2; }));
+    EXPECT_LT(program.stop(), stopsWithin);
+    program.finish();
+    EXPECT_EQ(program.counts()[SyncStatus::failed], 2);
+    EXPECT_EQ(program.database.countPendingRecords(), 2);
+    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
+}
+
+TEST(SyncRunOfItsOwn, AStopDuringABatchLeavesItsRecordsStaged) {
+    for (const int count : {3, 30}) { // sent at the end of the pass, and by its 25th picture
+        SyncWorld world;
+        world.addPictures(count);
+        world.google.addFault(stall(RequestKind::batchCreate));
+        SyncProgram program(world);
+        program.discover();
+        program.start();
+        ASSERT_TRUE(world.google.waitForRequests(RequestKind::batchCreate, 1));
+        EXPECT_LT(program.stop(), stopsWithin);
+        program.finish();
+        const Counts counts = program.counts();
+        EXPECT_GE(counts.at(SyncStatus::staged), std::min(count, 25));
+        EXPECT_EQ(counts.count(SyncStatus::failed) + counts.count(SyncStatus::verified), 0U);
+        EXPECT_TRUE(program.log.contains(
+            u"[Batch] İptal algılandı, batch öğeleri STAGED olarak korunuyor"_s));
+        EXPECT_TRUE(world.google.mediaItems().empty());
+        world.google.clearFaults();
+        program.run();
+        expectAllStoredOnce(world, program, count);
+    }
+}
+
+TEST_F(SyncRun, AStopBeforeTheFirstPassDoesNothing) {
+    world.addPictures(1);
+    SyncProgram program(world);
+    program.discover();
+    program.flags.begin();
+    program.flags.cancel();
+    EXPECT_TRUE(program.coordinator.drainPendingQueue(true).cancelled);
+    EXPECT_TRUE(program.log.messages().isEmpty());
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 1}}));
+}
+
+TEST_F(SyncRun, WhatTheLibraryCannotHandOutKeepsNobodyWaiting) {
+    world.addPictures(90);
+    SyncProgram program(world);
+    program.discover();
+    for (int i = 0; i < 60; ++i)
+        std::filesystem::remove(world.pictures / pathFrom(u"%1.jpg"_s.arg(i, 3, 10, QChar(u'0'))));
+    const auto summary = program.run();
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 60}, {SyncStatus::verified, 30}}));
+    EXPECT_EQ(program.record(u"059.jpg"_s).syncStatus, SyncStatus::discovered);
+    EXPECT_EQ(summary.unavailable, 60);
+    EXPECT_FALSE(summary.storeFailure);
+    EXPECT_EQ(
+        messagesWith(program, u"alınamıyor"_s),
+        QStringList{u"[Sync] ⚠️ 60 medya şu anda arşivden alınamıyor; sonraki eşitlemede "
+                    "yeniden denenecek."_s});
+    EXPECT_LE(program.linesWith(u"Asset bulunamadı"_s).size(), 60 * 12)
+        << "each asks for its usual ten and for itself";
+}
+
+TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {
+    world.addPictures(4);
+    SyncProgram program(world);
+    program.discover();
+    std::filesystem::create_directories(program.stagedPath(u"001.jpg"_s));
+    const auto summary = program.run();
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::verified, 3}, {SyncStatus::failed, 1}}));
+    EXPECT_TRUE(program.record(u"001.jpg"_s)
+                    .lastError.value_or(QString())
+                    .startsWith(u"Hazırlık dosyası yerinde başka bir şey var"));
+    EXPECT_EQ(summary.unavailable, 0) << "it failed, it was not out of reach";
+    EXPECT_EQ(summary.completed, 4);
+}
+
+TEST_F(SyncRun, AStagedFileThatWasLostIsStagedAgain) {
+    world.addPictures(2);
+    SyncProgram program(world);
+    program.discover();
+    program.staging.stageDiscoveredAssets();
+    ASSERT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
+    ASSERT_TRUE(std::filesystem::remove(program.stagedPath(u"000.jpg"_s)));
+    program.run();
+    expectAllStoredOnce(world, program, 2);
+}
+
+TEST(SyncRunOfItsOwn, EndsWhenTheStoreRefusesAndLosesNothing) {
+    for (const int count : {3, 15}) { // at the batch's results, and at the staging of the eleventh
+        SyncWorld world;
+        world.addPictures(count);
+        SyncProgram program(world);
+        program.discover();
+        sqlite::Connection other(world.folder / "home/Library/Application Support/Quorvane" /
+                                     "quorvane.sqlite",
+                                 sqlite::Connection::Mode::readWriteCreate);
+        other.setBusyTimeout(5000);
+        program.http.before = [&](int number) {
+            if (number == 1)
+                other.execute("CREATE TRIGGER full BEFORE UPDATE ON sync_records "
+                              "BEGIN SELECT RAISE(FAIL, 'no space left'); END;");
+        };
+        const auto summary = program.run();
+        EXPECT_TRUE(summary.storeFailure.value_or(QString()).contains(u"no space left"_s));
+        EXPECT_EQ(summary.passes, 1);
+        EXPECT_EQ(program.database.countPendingRecords(), count);
+        EXPECT_LE(world.google.requestCount(RequestKind::upload), count);
+
+        other.execute("DROP TRIGGER full;");
+        EXPECT_FALSE(program.run().storeFailure);
+        expectAllStoredOnce(world, program, count);
+    }
+}
+
+/// What a run may suffer at any of its requests.
+enum class Blow { crashBefore, crashAfter, stopBefore, stopAfter };
+
+class SyncInterrupted : public testing::TestWithParam<Blow> {};
+
+/// The home folder as it was at the request is what a crash leaves behind: the run itself ends
+/// there, and the next program works on the copy.
+TEST_P(SyncInterrupted, AtAnyRequestIsMadeGoodByTheNextRun) {
+    constexpr int pictureCount = 4;
+    constexpr int requestCount = pictureCount + 1;
+    const bool isAfter = GetParam() == Blow::crashAfter || GetParam() == Blow::stopAfter;
+    const bool isCrash = GetParam() == Blow::crashBefore || GetParam() == Blow::crashAfter;
+    for (int fatal = 1; fatal <= requestCount; ++fatal) {
+        SCOPED_TRACE(fatal);
+        SyncWorld world;
+        world.addPictures(pictureCount);
+        SyncProgram program(world);
+        program.discover();
+        program.staging.stageDiscoveredAssets(); // so that nothing is half copied below
+        std::atomic<bool> isOver = false;
+        const auto strike = [&](int number) {
+            if (number == fatal) {
+                if (isCrash)
+                    std::filesystem::copy(world.folder / "home", world.folder / "after",
+                                          std::filesystem::copy_options::recursive);
+                isOver = true;
+                program.flags.cancel();
+            }
+            if (isOver)
+                throw Cancelled();
+        };
+        (isAfter ? program.http.after : program.http.before) = strike;
+        EXPECT_TRUE(program.run().cancelled);
+        EXPECT_LT(program.counts()[SyncStatus::verified], pictureCount);
+
+        SyncProgram next(world, world.folder / (isCrash ? "after" : "home"));
+        EXPECT_EQ(next.run().total, pictureCount);
+        expectAllStoredOnce(world, next, pictureCount);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Blows, SyncInterrupted,
+                         testing::Values(Blow::crashBefore, Blow::crashAfter, Blow::stopBefore,
+                                         Blow::stopAfter));
+
+TEST_F(SyncRun, AFullAlbumEndsTheRunOnlyWhenAskedTo) {
+    world.addPictures(2);
+    world.google.change([](auto& behaviour) { behaviour.albumCapacity = 0; });
+    SyncProgram program(world);
+    program.discover();
+    program.preferences.setString(preferenceKeys::targetAlbumID, world.google.addAlbum(u"Dolu"_s));
+    program.preferences.setBoolean(preferenceKeys::stopAtLimit, true);
+    const auto stopped = program.run();
+    EXPECT_TRUE(stopped.cancelled);
+    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
+    EXPECT_FALSE(program.log.contains(u"[SafeDeletion]"_s));
+
+    program.preferences.setBoolean(preferenceKeys::stopAtLimit, false);
+    const auto drained = program.run();
+    EXPECT_EQ(drained.passes, SyncCoordinator::maximumSyncPasses);
+    EXPECT_FALSE(drained.cancelled);
+    EXPECT_EQ(messagesWith(program, u"Güvenlik"_s),
+              QStringList{u"[Sync] Güvenlik sinirina ulasildi; kuyruk sonraki esitlemede devam "
+                          "edecek."_s});
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
+}
+
+} // namespace quorvane

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "emulator/GoogleEmulator.h"
+#include "foundation/Console.h"
+#include "foundation/Preferences.h"
+#include "foundation/UserFolders.h"
+#include "google/CurlHttpClient.h"
+#include "google/GoogleAlbumManager.h"
+#include "google/ScriptedHttp.h"
+#include "library/DeletionConfirmation.h"
+#include "platform/folder/FolderLibrary.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+#include "sync/SyncCoordinator.h"
+
+#include <future>
+
+namespace quorvane::test {
+
+/// What outlives a run of the program: the person's pictures and Google's service.
+struct SyncWorld {
+    TemporaryFolder folder;
+    std::filesystem::path pictures = folder / "library";
+    GoogleEmulator google;
+    QString accessToken;
+
+    SyncWorld();
+
+    /// Writes a small picture of its own; without a date of its own when `exifDate` is none.
+    void addPicture(const QString& name,
+                    const std::optional<QByteArray>& exifDate = QByteArray("2021:03:05 18:22:10"));
+    /// "000.jpg" and so on, dated.
+    void addPictures(int count);
+
+    /// How often each content (lower-case hexadecimal SHA-256) is among the service's items.
+    std::map<QString, int> storedContents() const;
+
+  private:
+    std::uint32_t pictureCount_ = 0;
+};
+
+/// The identifier that a picture has in the library.
+QString identifierOf(const QString& name);
+
+/// HTTP over the real client that counts, and lets a test step in before or after a request.
+class WatchedHttp final : public HttpClient {
+  public:
+    using Hook = std::function<void(int number)>; ///< numbered from 1; may throw
+
+    HttpResponse send(const HttpRequest& request, std::stop_token stop) override;
+
+    Hook before = [](int) {}; ///< these two are called on the sending threads
+    Hook after = [](int) {};
+    int mostAtOnce() const { return mostAtOnce_; }
+
+  private:
+    CurlHttpClient http_;
+    std::atomic<int> number_ = 0;
+    std::atomic<int> inFlight_ = 0;
+    std::atomic<int> mostAtOnce_ = 0;
+};
+
+/// The sync engine and all it works with, over one home folder. Only the clocks are not real, and
+/// the batches' own stands still: nothing is sent before the 25th entry or the end of a pass.
+class SyncProgram {
+  public:
+    explicit SyncProgram(SyncWorld& world) : SyncProgram(world, world.folder / "home") {}
+    SyncProgram(SyncWorld& world, const std::filesystem::path& home);
+
+    /// Records every picture of the library as DISCOVERED, in its order.
+    void discover();
+
+    /// One whole run, and what it printed.
+    SyncCoordinator::Summary run();
+    QStringList printed;
+
+    /// The same in two halves. `finish` waits, then delivers what was posted to the main thread.
+    void start();
+    SyncCoordinator::Summary finish();
+    /// Stops the run that was started, and says how long it took to end.
+    std::chrono::milliseconds stop();
+
+    SyncRecord record(const QString& name);
+    /// How many records there are of each status; absent means none.
+    std::map<SyncStatus, int> counts();
+    QStringList linesWith(const QString& part) const { return printed.filter(part); }
+    std::filesystem::path stagedPath(const QString& name) const;
+
+  private:
+    struct NoConfirmation final : DeletionConfirmation {
+        bool confirmDeletion(int /*count*/) override { return false; }
+    };
+
+    UserFolders folders_;
+    NoConfirmation confirmation_;
+    FixedToken tokens_;
+
+  public:
+    Console console;
+    RecordingLog log;
+    FakeClock clock;
+    FakeClock batchClock;
+    Preferences preferences;
+    DatabaseManager database;
+    WatchedHttp http;
+    TransferActivityTracker tracker{clock};
+    FolderLibrary library;
+    MediaMetadataService metadata;
+    AssetStagingService staging;
+    SafeDeletionService deletion;
+    GoogleEndpoints endpoints;
+    GoogleUploadTask uploadTask;
+    GoogleAlbumManager albums;
+    GoogleBatchCoordinator batches;
+    RunFlags flags;
+    SyncCoordinator coordinator;
+    SyncCoordinator::ProgressHandler onProgress;
+
+  private:
+    std::future<SyncCoordinator::Summary> run_;
+};
+
+} // namespace quorvane::test
