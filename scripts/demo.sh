@@ -30,7 +30,7 @@ say "What a backup would do"
 sync --library "$folder/Resimler" --dry-run --quiet
 
 say "The backup"
-sync
+sync --library "$folder/Resimler"
 
 say "Again: nothing is left to do"
 sync --quiet

@@ -254,6 +254,8 @@ bool SyncCoordinator::passesDateGate(const SyncRecord& record, const std::filesy
                 s_.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString()))
                 .value_or(DateFallbackMode::strictNone);
         result = s_.staging.ensureMetadata(file, record.assetLocalIdentifier, mode);
+        if (result.which == MetadataResult::Case::success)
+            recordContent(record, file);
     }
     if (result.which == MetadataResult::Case::unresolvedDate)
         s_.console.print(
@@ -270,6 +272,15 @@ bool SyncCoordinator::passesDateGate(const SyncRecord& record, const std::filesy
     setStatus(record, SyncStatus::dateUnresolved,
               QStringLiteral("Tarih tespit edilemedi - Google Photos hatalı tarih koruması"));
     return false;
+}
+
+/// The file is not the one that was hashed when it was staged any more.
+void SyncCoordinator::recordContent(SyncRecord record, const std::filesystem::path& file) {
+    const HashAndSize content = AssetStagingService::computeHashAndSize(file, s_.flags.stopToken());
+    record.sha256Hash = content.sha256;
+    record.fileSizeBytes = content.sizeBytes;
+    record.syncStatus = SyncStatus::staged;
+    s_.db.upsertRecord(record);
 }
 
 void SyncCoordinator::handleFailure(const SyncRecord& record, const std::exception& error) {

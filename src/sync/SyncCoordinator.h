@@ -82,6 +82,7 @@ class SyncCoordinator {
     std::optional<std::filesystem::path> stagedFile(const SyncRecord& record, std::stop_token stop);
     void leaveOut(const SyncRecord& record);
     bool passesDateGate(const SyncRecord& record, const std::filesystem::path& file);
+    void recordContent(SyncRecord record, const std::filesystem::path& file);
     void handleFailure(const SyncRecord& record, const std::exception& error);
     void endBecauseOfStore(const std::exception& error);
     void setStatus(const SyncRecord& record, SyncStatus status,
