@@ -45,7 +45,9 @@ QString iso8601(Date date) {
 } // namespace
 
 LogLevel levelOf(const QString& message) {
-    const QString lower = message.toLower(); // QString folds without regard to the locale
+    // Without regard to the locale: "İ" becomes an i with a dot above, which is another letter.
+    const QString lower =
+        message.toLower().replace(QStringLiteral("i\u0307"), QStringLiteral("\u0130"));
     for (const LevelRule& rule : levelRules)
         if ((rule.lowerCased ? lower : message).contains(QStringView(rule.words)))
             return rule.level;
