@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-/// The Exif block of a PNG file (PNG Specification, third edition: eXIf). Any thread.
+/// The Exif block of a PNG file (PNG, third edition: eXIf). Any thread.
 namespace quorvane::png {
 
 /// What a file may ask of us; one that asks more is refused with `ParseError`.

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <optional>
 
-/// The Exif chunk of a WebP file (WebP Container Specification). Any thread.
+/// The Exif chunk of a WebP file (the RIFF container of WebP). Any thread.
 namespace quorvane::webp {
 
 /// What a file may ask of us; one that asks more is refused with `ParseError`.

@@ -7,7 +7,7 @@
 namespace quorvane {
 
 /// Makes the user's desktop hand URLs of `scheme` to "quorvane-cli handle-url": a desktop entry
-/// in the user's applications (Desktop Entry Specification) and a default in mimeapps.list
+/// in the user's applications (freedesktop.org desktop entries) and a default in mimeapps.list
 /// (Association between MIME types and applications). Writes only what is missing or outdated.
 /// Throws `FileError`.
 void installUrlSchemeHandler(const QString& scheme, const DesktopEnvironment& environment);
