@@ -117,13 +117,47 @@ SyncRecord SyncProgram::record(const QString& name) {
     return database.fetchRecordsOfAsset(identifierOf(name)).at(0);
 }
 
-std::map<SyncStatus, int> SyncProgram::counts() {
+Counts SyncProgram::counts() {
     const auto counts = database.countByStatus();
     return {counts.begin(), counts.end()};
 }
 
 std::filesystem::path SyncProgram::stagedPath(const QString& name) const {
     return staging.permanentFolder() / stagedFileName(identifierOf(name), name);
+}
+
+void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count) {
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::verified, count}}));
+    std::map<QString, int> contents;
+    std::map<QString, QString> contentOfItem;
+    for (const auto& item : world.google.mediaItems())
+        contentOfItem[item.id] = QString::fromLatin1(item.sha256);
+    for (const SyncRecord& record : program.database.fetchVerifiedForDeletion()) {
+        ++contents[*record.sha256Hash];
+        EXPECT_EQ(contentOfItem[*record.remoteMediaID], record.sha256Hash);
+    }
+    EXPECT_EQ(contents.size(), static_cast<std::size_t>(count));
+    EXPECT_EQ(world.storedContents(), contents);
+}
+
+emulator::Fault faultOf(emulator::RequestKind kind, int nth, int times) {
+    emulator::Fault fault;
+    fault.kind = kind;
+    fault.nth = nth;
+    fault.times = times;
+    return fault;
+}
+
+emulator::Fault refusal(int nth, int times) {
+    emulator::Fault fault = faultOf(emulator::RequestKind::upload, nth, times);
+    fault.status = 500;
+    return fault;
+}
+
+emulator::Fault stall(emulator::RequestKind kind) {
+    emulator::Fault fault = faultOf(kind, 1, 0);
+    fault.stall = true;
+    return fault;
 }
 
 } // namespace quorvane::test

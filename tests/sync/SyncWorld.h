@@ -17,6 +17,9 @@
 
 namespace quorvane::test {
 
+/// How many records there are of each status; absent means none.
+using Counts = std::map<SyncStatus, int>;
+
 /// What outlives a run of the program: the person's pictures and Google's service.
 struct SyncWorld {
     TemporaryFolder folder;
@@ -81,9 +84,9 @@ class SyncProgram {
     std::chrono::milliseconds stop();
 
     SyncRecord record(const QString& name);
-    /// How many records there are of each status; absent means none.
-    std::map<SyncStatus, int> counts();
+    Counts counts();
     QStringList linesWith(const QString& part) const { return printed.filter(part); }
+    QStringList messagesWith(const QString& part) const { return log.messages().filter(part); }
     std::filesystem::path stagedPath(const QString& name) const;
 
   private:
@@ -119,5 +122,15 @@ class SyncProgram {
   private:
     std::future<SyncCoordinator::Summary> run_;
 };
+
+/// Every asset is VERIFIED, and the service holds the bytes of each exactly once.
+void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count);
+
+/// A fault of the service that does nothing yet; `times` 0 means for ever.
+emulator::Fault faultOf(emulator::RequestKind kind, int nth = 1, int times = 1);
+/// Uploads answered with 500.
+emulator::Fault refusal(int nth, int times);
+/// No request of the kind is ever answered.
+emulator::Fault stall(emulator::RequestKind kind);
 
 } // namespace quorvane::test
