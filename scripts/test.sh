@@ -6,12 +6,13 @@ cd "$(dirname "$0")/.."
 jobs=$(nproc)
 passed=0 failed=0 skipped=0
 
-run() { # PRESET [ctest arguments]
-  local preset=$1 report="$PWD/build/$1/tests.xml"
+run() { # PRESET [test program...]
+  local preset=$1 report="$PWD/build/$1/tests.xml" only=()
   shift
-  scripts/build.sh "$preset" || exit 1
+  scripts/build.sh "$preset" "$@" || exit 1
   rm -f "$report"
-  ctest --preset "$preset" -j "$jobs" --output-junit "$report" --progress "$@"
+  [ $# -eq 0 ] || only=(-R "^($(IFS='|'; echo "${*#test-}"))/")
+  ctest --preset "$preset" -j "$jobs" --output-junit "$report" --progress "${only[@]}"
   [ -s "$report" ] || { echo "no test report from $preset" >&2; exit 1; }
   local counts
   counts=$(grep -m1 -A12 '<testsuite' "$report" | tr '\n' ' ')
@@ -29,7 +30,7 @@ export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktra
 export TSAN_OPTIONS="ignore_noninstrumented_modules=1 halt_on_error=1"
 run dev
 run asan
-run tsan -R '^(foundation|store|library|google|sync)/'
+run tsan test-foundation test-store test-library test-google test-sync
 
 [ "$skipped" -eq 0 ] || echo "Skipped tests say why above: search for SKIPPED."
 echo "Tests: $passed passed, $failed failed, $skipped skipped"

@@ -112,12 +112,16 @@ TEST_F(FolderLibraryTest, KeepsEveryFileApartAndItsIdentifierAcrossRunsAndPlaces
     EXPECT_EQ(identifiers.size(), names.size());
     EXPECT_THAT(locations(assets), testing::UnorderedElementsAreArray(names));
 
-    const auto elsewhere = folder / "elsewhere";
-    std::filesystem::rename(root, elsewhere);
-    FolderLibrary moved(elsewhere, confirmation, log);
-    for (const PhotoAsset& asset : all(moved))
+    std::filesystem::create_directory_symlink(root, folder / "link");
+    FolderLibrary same(folder / "link", confirmation, log);
+    for (const PhotoAsset& asset : all(same))
         EXPECT_TRUE(identifiers.contains(asset.localIdentifier));
-    std::filesystem::rename(elsewhere, root);
+
+    // A file of the same name in another library is another picture.
+    std::filesystem::copy(root, folder / "other");
+    FolderLibrary other(folder / "other", confirmation, log);
+    for (const PhotoAsset& asset : all(other))
+        EXPECT_FALSE(identifiers.contains(asset.localIdentifier));
 }
 
 TEST_F(FolderLibraryTest, ExportsAndNamesAwkwardFilesSafely) {

@@ -105,10 +105,10 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     for (const QString& name : {u"undated.jpg"_s, u"undated.gif"_s}) {
         EXPECT_EQ(program.record(name).syncStatus, SyncStatus::dateUnresolved);
         EXPECT_EQ(program.record(name).lastError, heldBack);
-        EXPECT_EQ(program.linesWith(u"(DATE_UNRESOLVED)"_s).filter(test::identifierOf(name)),
+        EXPECT_EQ(program.linesWith(u"(DATE_UNRESOLVED)"_s).filter(program.identifierOf(name)),
                   QStringList{u"[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload "
                               "engellendi: "_s +
-                              test::identifierOf(name)});
+                              program.identifierOf(name)});
     }
 
     program.preferences.setString(preferenceKeys::dateFallbackMode, u"fileSaveDate"_s);
@@ -121,7 +121,7 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
         program.linesWith(u"geçerli gömülü tarih bulunamadı"_s),
         QStringList{
             u"[Sync] 🛑 Dosyada geçerli gömülü tarih bulunamadı, upload engellendi: "_s +
-            test::identifierOf(u"undated.gif"_s)});
+            program.identifierOf(u"undated.gif"_s)});
     EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
 }
 

@@ -50,7 +50,7 @@ TEST_F(Interrupted, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
             EXPECT_TRUE(std::filesystem::exists(program.stagedPath(name)));
             EXPECT_TRUE(program.printed.contains(
                 u"[Sync] İptal bayrağı/cancellation algılandı, dosya FAILED yapılmıyor: "_s +
-                test::identifierOf(name)));
+                program.identifierOf(name)));
         }
         EXPECT_FALSE(program.log.contains(u"[SafeDeletion]"_s));
         world.google.clearFaults();

@@ -35,11 +35,6 @@ std::map<QString, int> SyncWorld::storedContents() const {
     return contents;
 }
 
-QString identifierOf(const QString& name) {
-    return folderFileIdentifier(name.toStdString()).toString(QUuid::WithoutBraces).toUpper() +
-           QStringLiteral("/L0/001");
-}
-
 HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop) {
     const int number = ++number_;
     before(number);
@@ -56,7 +51,8 @@ HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop)
 }
 
 SyncProgram::SyncProgram(SyncWorld& world, const std::filesystem::path& home)
-    : folders_{home, home / "Pictures", home / "temporary"},
+    : pictures_(world.pictures),
+      folders_{home, home / "Pictures", home / "temporary"},
       preferences(folders_.preferences()),
       database(folders_.database(), console),
       library(world.pictures, confirmation_, log),
@@ -111,6 +107,13 @@ std::chrono::milliseconds SyncProgram::stop() {
     run_.wait();
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
                                                                  begin);
+}
+
+QString SyncProgram::identifierOf(const QString& name) const {
+    return folderFileIdentifier(folderLibraryIdentifier(pictures_), name.toStdString())
+               .toString(QUuid::WithoutBraces)
+               .toUpper() +
+           QStringLiteral("/L0/001");
 }
 
 SyncRecord SyncProgram::record(const QString& name) {

@@ -42,9 +42,6 @@ struct SyncWorld {
     std::uint32_t pictureCount_ = 0;
 };
 
-/// The identifier that a picture has in the library.
-QString identifierOf(const QString& name);
-
 /// HTTP over the real client that counts, and lets a test step in before or after a request.
 class WatchedHttp final : public HttpClient {
   public:
@@ -83,6 +80,8 @@ class SyncProgram {
     /// Stops the run that was started, and says how long it took to end.
     std::chrono::milliseconds stop();
 
+    /// The identifier that a picture has in the library.
+    QString identifierOf(const QString& name) const;
     SyncRecord record(const QString& name);
     Counts counts();
     QStringList linesWith(const QString& part) const { return printed.filter(part); }
@@ -94,6 +93,7 @@ class SyncProgram {
         bool confirmDeletion(int /*count*/) override { return false; }
     };
 
+    const std::filesystem::path pictures_;
     UserFolders folders_;
     NoConfirmation confirmation_;
     FixedToken tokens_;

@@ -16,8 +16,14 @@ QUuid named(const char* space, const std::string& path) {
 
 } // namespace
 
-QUuid folderFileIdentifier(const std::string& path) {
-    return named("c1f0b6a4-7d15-4f0e-9a52-3f6c0d1e8b27", path);
+QUuid folderLibraryIdentifier(const std::filesystem::path& root) {
+    std::error_code failure;
+    const auto canonical = std::filesystem::canonical(root, failure);
+    return named("c1f0b6a4-7d15-4f0e-9a52-3f6c0d1e8b27", (failure ? root : canonical).native());
+}
+
+QUuid folderFileIdentifier(const QUuid& library, const std::string& path) {
+    return QUuid::createUuidV5(library, QByteArray::fromStdString(path));
 }
 
 QUuid folderAlbumIdentifier(const std::string& path) {

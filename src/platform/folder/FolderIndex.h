@@ -58,8 +58,12 @@ class FolderIndex {
     std::unordered_map<QUuid, std::size_t, Hash> byIdentifier_;
 };
 
+/// Tells libraries apart, so that files of the same path in two of them are two assets: follows
+/// from the canonical path of the root.
+QUuid folderLibraryIdentifier(const std::filesystem::path& root);
+
 /// The identifiers of what has this path inside the library.
-QUuid folderFileIdentifier(const std::string& path);
+QUuid folderFileIdentifier(const QUuid& library, const std::string& path);
 QUuid folderAlbumIdentifier(const std::string& path);
 QUuid folderListIdentifier(const std::string& path);
 

@@ -73,7 +73,10 @@ std::vector<Collection> collectionsIn(const FolderIndex& index, const Folder& pa
 
 FolderLibrary::FolderLibrary(std::filesystem::path root, DeletionConfirmation& confirmation,
                              Log& log)
-    : root_(std::move(root)), confirmation_(confirmation), log_(log) {}
+    : root_(std::move(root)),
+      library_(folderLibraryIdentifier(root_)),
+      confirmation_(confirmation),
+      log_(log) {}
 
 AuthorizationStatus FolderLibrary::authorizationStatus() const {
     if (root_.empty())
@@ -161,7 +164,8 @@ AssetFetchResult FolderLibrary::fetchAssets(const QStringList& localIdentifiers)
         const auto path = find(identifier);
         if (!path)
             continue;
-        assets->push_back(assetOf({path->native(), folderFileIdentifier(path->native()), 0}));
+        assets->push_back(
+            assetOf({path->native(), folderFileIdentifier(library_, path->native()), 0}));
         assets->back().modificationDate = lastChange(root_ / *path);
     }
     return assets;

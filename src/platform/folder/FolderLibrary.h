@@ -10,11 +10,11 @@
 
 namespace quorvane {
 
-/// A plain folder tree of pictures as a photo library. A picture is identified by its path inside
-/// the library (a version 5 UUID, RFC 4122), so the whole tree may move. A folder with pictures is
-/// an album of them; a folder with sub-folders is a list of albums. The library knows no dates and
-/// no places: what stands in the files decides. Originals are only read, and only the Trash takes
-/// them away. Any thread.
+/// A plain folder tree of pictures as a photo library. A picture is identified by the library and
+/// its path in it (a version 5 UUID, RFC 4122): in a tree that moved all pictures are new, and
+/// Google knows their bytes. A folder with pictures is an album of them; a folder with sub-folders
+/// is a list of albums. The library knows no dates and no places: what stands in the files decides.
+/// Originals are only read, and only the Trash takes them away. Any thread.
 class FolderLibrary final : public PhotoLibrary {
   public:
     /// `root` empty: no library was chosen yet.
@@ -58,6 +58,7 @@ class FolderLibrary final : public PhotoLibrary {
     void reportSkip(const std::string& path, const QString& reason);
 
     const std::filesystem::path root_;
+    const QUuid library_;
     DeletionConfirmation& confirmation_;
     Log& log_;
     std::mutex mutex_; ///< never held while the disk is read

@@ -30,7 +30,7 @@ using Directory = std::unique_ptr<DIR, CloseDirectory>;
 class Scanner {
   public:
     Scanner(const std::filesystem::path& root, const SkipHandler& skipped)
-        : root_(root), skipped_(skipped) {}
+        : root_(root), library_(folderLibraryIdentifier(root)), skipped_(skipped) {}
 
     FolderIndex run() {
         addFolder({});
@@ -129,12 +129,14 @@ class Scanner {
         else if (::faccessat(::dirfd(directory), name.c_str(), R_OK, 0) != 0)
             skipped_(path, errorNumberText(errno));
         else {
-            files_.push_back({path, folderFileIdentifier(path), nanoseconds(status.st_mtim)});
+            files_.push_back(
+                {path, folderFileIdentifier(library_, path), nanoseconds(status.st_mtim)});
             folderOfFile_.push_back(folder);
         }
     }
 
     const std::filesystem::path& root_;
+    const QUuid library_;
     const SkipHandler& skipped_;
     std::vector<FolderFile> files_;
     std::vector<Folder> folders_;
