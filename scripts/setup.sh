@@ -9,7 +9,7 @@ declare -A groups=(
   [test]="libgtest-dev libgmock-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
     dbus gnome-keyring libglib2.0-bin xdg-utils"
   [demo]="curl"
-  [bench]="time libimage-exiftool-perl exiv2 curl"
+  [bench]="time curl"
   [fuzz]="clang libclang-rt-14-dev"
   [lint]="clang-format clang-tidy"
 )
