@@ -6,6 +6,10 @@ cd "$(dirname "$0")/.."
 jobs=$(nproc)
 passed=0 failed=0 skipped=0
 
+count() { # ATTRIBUTE REPORT: of the report's root element, which comes first
+  grep -oE -m1 "\\b$1=\"[0-9]+\"" "$2" | head -n 1 | tr -dc 0-9
+}
+
 run() { # PRESET [test program...]
   local preset=$1 report="$PWD/build/$1/tests.xml" only=()
   shift
@@ -14,13 +18,9 @@ run() { # PRESET [test program...]
   [ $# -eq 0 ] || only=(-R "^($(IFS='|'; echo "${*#test-}"))/")
   ctest --preset "$preset" -j "$jobs" --output-junit "$report" --progress "${only[@]}"
   [ -s "$report" ] || { echo "no test report from $preset" >&2; exit 1; }
-  local counts
-  counts=$(grep -m1 -A12 '<testsuite' "$report" | tr '\n' ' ')
   local total failures disabled skips
-  total=$(sed -E 's/.* tests="([0-9]+)".*/\1/' <<<"$counts")
-  failures=$(sed -E 's/.*failures="([0-9]+)".*/\1/' <<<"$counts")
-  disabled=$(sed -E 's/.*disabled="([0-9]+)".*/\1/' <<<"$counts")
-  skips=$(sed -E 's/.*skipped="([0-9]+)".*/\1/' <<<"$counts")
+  total=$(count tests "$report") failures=$(count failures "$report")
+  disabled=$(count disabled "$report") skips=$(count skipped "$report")
   passed=$((passed + total - failures - disabled - skips))
   failed=$((failed + failures))
   skipped=$((skipped + skips + disabled))
