@@ -4,8 +4,6 @@
 
 #include <QDateTime>
 
-#include <array>
-
 #include <fcntl.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -16,43 +14,12 @@ namespace {
 
 constexpr size_t memoryBufferSize = 100;
 
-struct LevelRule {
-    const char16_t* words;
-    bool lowerCased;
-    LogLevel level;
-};
-
-constexpr std::array levelRules{
-    LevelRule{u"hata", true, LogLevel::error},
-    LevelRule{u"❌", false, LogLevel::error},
-    LevelRule{u"engellendi", true, LogLevel::error},
-    LevelRule{u"başarısız", true, LogLevel::error},
-    LevelRule{u"başarılı", true, LogLevel::success},
-    LevelRule{u"başarıyla", true, LogLevel::success},
-    LevelRule{u"tamamlandı", true, LogLevel::success},
-    LevelRule{u"[Sync]", false, LogLevel::network},
-    LevelRule{u"[Network]", false, LogLevel::network},
-    LevelRule{u"[Upload]", false, LogLevel::network},
-    LevelRule{u"uyarı", true, LogLevel::warning},
-    LevelRule{u"⚠️", false, LogLevel::warning},
-};
-
 QString iso8601(Date date) {
     return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), Qt::UTC)
         .toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
 }
 
 } // namespace
-
-LogLevel levelOf(const QString& message) {
-    // Without regard to the locale: "İ" becomes an i with a dot above, which is another letter.
-    const QString lower =
-        message.toLower().replace(QStringLiteral("i\u0307"), QStringLiteral("\u0130"));
-    for (const LevelRule& rule : levelRules)
-        if ((rule.lowerCased ? lower : message).contains(QStringView(rule.words)))
-            return rule.level;
-    return LogLevel::info;
-}
 
 AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock)
     : console_(console), clock_(clock), logFile_(folder / "quorvane.log") {

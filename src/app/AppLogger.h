@@ -4,27 +4,14 @@
 #include "foundation/Console.h"
 #include "foundation/File.h"
 #include "foundation/Log.h"
+#include "foundation/LogEntry.h"
 #include "foundation/Publisher.h"
-
-#include <QUuid>
 
 #include <deque>
 #include <filesystem>
 #include <mutex>
 
 namespace quorvane {
-
-enum class LogLevel { info, network, success, warning, error };
-
-/// The level that a message's words imply: the first matching rule wins.
-LogLevel levelOf(const QString& message);
-
-struct LogEntry {
-    QUuid id;
-    Date timestamp;
-    QString message; ///< as the caller wrote it
-    LogLevel level = LogLevel::info;
-};
 
 /// The single log of the program. Each message goes to the system log, the console, the log file
 /// and the ring of the latest entries. Any thread. Never fails: a place that cannot be written is

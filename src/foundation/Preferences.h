@@ -60,6 +60,8 @@ inline const QString autoRolloverOnLimit =
 inline const QString stopAtLimit = QStringLiteral("com.quorvane.google.stopAtLimit");
 inline const QString dateFallbackMode = QStringLiteral("com.quorvane.dateFallbackMode");
 inline const QString isAutoDeleteEnabled = QStringLiteral("Quorvane.isAutoDeleteEnabled");
+inline const QString appTheme = QStringLiteral("Quorvane.appTheme");
+inline const QString notificationsMuted = QStringLiteral("Quorvane.notificationsMuted");
 inline const QString libraryPath = QStringLiteral("com.quorvane.library_path");
 } // namespace preferenceKeys
 

@@ -101,7 +101,8 @@ std::vector<LocalAlbumItem> PhotoAlbumService::listAlbums() {
     std::vector<LocalAlbumItem> albums;
     size_t userAlbums = 0;
     for (const AssetCollection& album : AlbumCollector(library_).collect()) {
-        const LocalAlbumItem item{album.localIdentifier, titleOf(album.title), assetCount(album)};
+        const LocalAlbumItem item{album.localIdentifier, titleOf(album.title), assetCount(album),
+                                  album.type == CollectionType::smartAlbum};
         log_.log(QStringLiteral(
                      "[PhotoAlbumService] 📁 Albüm bulundu: '%1' (type: %2, subtype: %3, adet: %4)")
                      .arg(item.title, QString::number(static_cast<int>(album.type)),

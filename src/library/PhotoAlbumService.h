@@ -19,6 +19,7 @@ struct LocalAlbumItem {
     QString id;
     QString title;
     int count = 0;
+    bool isSmart = false; ///< filled by the library itself
 
     bool operator==(const LocalAlbumItem&) const = default;
 };

@@ -81,6 +81,8 @@ void SyncCoordinator::runPasses() {
             return;
         }
         catchUpProgress();
+        if (onPassEnded)
+            onPassEnded();
         {
             const std::lock_guard lock(mutex_);
             summary_.passes = pass;

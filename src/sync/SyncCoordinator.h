@@ -58,6 +58,9 @@ class SyncCoordinator {
     /// One whole run; blocks its caller until it is over. The caller has set the run flags.
     Summary drainPendingQueue(bool deletionEnabled, ProgressHandler progressHandler = {});
 
+    /// Called on the run's thread after each pass. Set while no run is active.
+    std::function<void()> onPassEnded;
+
     static constexpr int passSize = 50;
     static constexpr int maxConcurrent = 2;
     static constexpr int maximumSyncPasses = 1000;

@@ -39,8 +39,10 @@ TEST(IncludeDirectionTest, foldersIncludeOnlyWhatLiesBelowThem) {
         {u"google"_s, {u"foundation"_s, u"store"_s}},
         {u"sync"_s, {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s}},
         {u"platform"_s, {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s}},
+        {u"ui"_s,
+         {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s, u"sync"_s}},
         {u"app"_s,
-         {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s, u"sync"_s,
+         {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s, u"sync"_s, u"ui"_s,
           u"platform"_s}},
     };
     int seen = 0;

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "google/GoogleAlbum.h"
+#include "google/TransferActivityTracker.h"
+#include "library/PhotoAlbumService.h"
+#include "store/SyncRecord.h"
+
+#include <QObject>
+#include <QVariantMap>
+
+#include <array>
+#include <optional>
+
+/// The values that the state model publishes, and the forms in which QML reads them.
+namespace quorvane {
+Q_NAMESPACE
+
+/// What the status item and the window show of a sync.
+enum class SyncVisualState { idle, syncing, error };
+Q_ENUM_NS(SyncVisualState)
+
+enum class AppTheme { system, light, dark };
+Q_ENUM_NS(AppTheme)
+
+inline constexpr std::array allAppThemes{AppTheme::system, AppTheme::light, AppTheme::dark};
+
+/// The text stored in the settings.
+QString rawValue(AppTheme theme);
+/// An unknown text is `system`.
+AppTheme appThemeFrom(const QString& rawValue);
+
+/// {id, title, count, isSmart}
+QVariantMap toVariant(const LocalAlbumItem& album);
+/// {id, title, menuTitle, count}
+QVariantMap toVariant(const GoogleAlbum& album);
+/// {categoryName, count, explanation, systemImage}
+QVariantMap toVariant(const FailedCategorySummary& summary);
+/// {id, fileName, isVideo, progress}; progress is 0...1
+QVariantMap toVariant(const ActiveTransferItem& transfer);
+
+template <typename Values>
+QVariantList toVariantList(const Values& values) {
+    QVariantList list;
+    for (const auto& value : values)
+        list.append(toVariant(value));
+    return list;
+}
+
+} // namespace quorvane
