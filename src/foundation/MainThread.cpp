@@ -1,13 +1,55 @@
 #include "foundation/MainThread.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QThread>
+
+#include <deque>
+#include <mutex>
 
 namespace quorvane {
 
+namespace {
+
+/// Lives on the main thread. The work waits in a queue of our own, under a lock that the thread
+/// sanitizer can see; the event only says that there is some.
+class MainThreadQueue final : public QObject {
+  public:
+    MainThreadQueue() { moveToThread(QCoreApplication::instance()->thread()); }
+
+    void post(std::function<void()> work) {
+        {
+            const std::lock_guard lock(mutex_);
+            waiting_.push_back(std::move(work));
+        }
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        std::function<void()> work;
+        {
+            const std::lock_guard lock(mutex_);
+            work = std::move(waiting_.front());
+            waiting_.pop_front();
+        }
+        work();
+        return true;
+    }
+
+  private:
+    std::mutex mutex_;
+    std::deque<std::function<void()>> waiting_;
+};
+
+} // namespace
+
 void onMainThread(std::function<void()> work) {
-    if (auto* application = QCoreApplication::instance())
-        QMetaObject::invokeMethod(application, std::move(work), Qt::QueuedConnection);
+    if (QCoreApplication::instance() == nullptr)
+        return;
+    static MainThreadQueue queue;
+    queue.post(std::move(work));
 }
 
 bool isMainThread() {
