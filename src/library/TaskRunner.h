@@ -24,12 +24,16 @@ class TaskRunner {
     /// Returns at once. Any thread.
     void post(Work work);
 
+    /// True when nothing runs and nothing waits. Any thread.
+    bool isIdle();
+
   private:
     void run(const std::stop_token& stop);
 
     std::mutex mutex_;
     std::condition_variable_any posted_;
     std::deque<Work> waiting_;
+    bool isRunning_ = false;
     std::jthread thread_;
 };
 

@@ -1,5 +1,7 @@
 #include "ui/LogListModel.h"
 
+#include "foundation/MainThread.h"
+
 #include <QDateTime>
 #include <QTimer>
 
@@ -38,11 +40,6 @@ LogListModel::LogListModel(const std::vector<LogEntry>& earlier, Publisher<LogEn
     inbox_->owner = this;
 }
 
-LogListModel::~LogListModel() {
-    const std::lock_guard lock(inbox_->mutex);
-    inbox_->owner = nullptr;
-}
-
 int LogListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(entries_.size());
 }
@@ -75,14 +72,16 @@ void LogListModel::clear() {
 }
 
 void LogListModel::Inbox::receive(const LogEntry& entry) {
-    const std::lock_guard lock(mutex);
-    entries.push_back(entry);
-    if (owner == nullptr || entries.size() > 1)
-        return; // the take-over that the first one asked for brings this one too
-    QMetaObject::invokeMethod(
-        owner,
-        [model = owner] { QTimer::singleShot(takeOverInterval, model, &LogListModel::takeOver); },
-        Qt::QueuedConnection);
+    {
+        const std::lock_guard lock(mutex);
+        entries.push_back(entry);
+        if (entries.size() > 1)
+            return; // the take-over that the first one asked for brings this one too
+    }
+    onMainThread([model = owner] {
+        if (model)
+            QTimer::singleShot(takeOverInterval, model, &LogListModel::takeOver);
+    });
 }
 
 void LogListModel::takeOver() {

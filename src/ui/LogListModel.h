@@ -4,6 +4,7 @@
 #include "foundation/Publisher.h"
 
 #include <QAbstractListModel>
+#include <QPointer>
 
 #include <deque>
 #include <memory>
@@ -29,7 +30,6 @@ class LogListModel final : public QAbstractListModel {
 
     LogListModel(const std::vector<LogEntry>& earlier, Publisher<LogEntry>& publisher,
                  QObject* parent = nullptr);
-    ~LogListModel() override;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -43,8 +43,8 @@ class LogListModel final : public QAbstractListModel {
   private:
     /// Where entries wait; shared with the senders, which may outlive the model.
     struct Inbox {
-        std::mutex mutex;
-        LogListModel* owner = nullptr; ///< none once the model is gone
+        QPointer<LogListModel> owner; ///< none once the model is gone
+        std::mutex mutex;             ///< guards `entries`
         std::vector<LogEntry> entries;
 
         void receive(const LogEntry& entry); ///< any thread

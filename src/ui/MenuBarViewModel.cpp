@@ -49,6 +49,11 @@ void MenuBarViewModel::setLibrary(std::shared_ptr<const LibrarySession> session)
     refreshState();
 }
 
+bool MenuBarViewModel::isWorking() {
+    return !(stateTasks_.isIdle() && libraryTasks_.isIdle() && googleTasks_.isIdle() &&
+             runTasks_.isIdle());
+}
+
 void MenuBarViewModel::libraryDidChange() {
     isLibraryStale_ = true;
     refreshState();

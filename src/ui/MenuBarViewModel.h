@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/MainThread.h"
 #include "google/GoogleAlbumManager.h"
 #include "google/GoogleBatchCoordinator.h"
 #include "google/GoogleOAuthManager.h"
@@ -11,6 +12,7 @@
 #include "ui/SyncRun.h"
 #include "ui/ViewTypes.h"
 
+#include <QPointer>
 #include <QTimer>
 
 namespace quorvane {
@@ -136,6 +138,9 @@ class MenuBarViewModel final : public QObject {
     /// `dateFallbackMode` is a raw value; an unknown one is `strictNone`.
     Q_INVOKABLE void retryQuarantinedItems(const QString& dateFallbackMode);
     Q_INVOKABLE void openLogFile();
+
+    /// True while work of any command is under way.
+    bool isWorking();
 
     /// The library's content changed: its albums and total are counted anew by the next refresh.
     void libraryDidChange();
@@ -274,7 +279,10 @@ class MenuBarViewModel final : public QObject {
     /// Runs `work` on the main thread, unless the model is gone by then. Any thread.
     template <typename Work>
     void post(Work work) {
-        QMetaObject::invokeMethod(this, std::move(work), Qt::QueuedConnection);
+        onMainThread([self = self_, work = std::move(work)] {
+            if (self)
+                work();
+        });
     }
 
     void refreshThen(std::function<void()> then);
@@ -302,6 +310,7 @@ class MenuBarViewModel final : public QObject {
     void notifyPerson(const QString& title, const QString& text);
 
     const Services s_;
+    const QPointer<MenuBarViewModel> self_{this}; ///< none once the model is gone
     std::shared_ptr<const LibrarySession> session_;
 
     Account account_;

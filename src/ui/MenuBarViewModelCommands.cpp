@@ -4,7 +4,6 @@
 #include "ui/MenuBarViewModel.h"
 
 #include <QLocale>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -163,6 +162,7 @@ bool MenuBarViewModel::isReadyToRun() {
 void MenuBarViewModel::executeSyncLoop() {
     if (!isReadyToRun())
         return;
+    dismissAlbumLimitAlert();
     setRunning(true, SyncVisualState::syncing);
     publish(statusMessage_, QStringLiteral("Eşitleme başlatılıyor…"),
             &MenuBarViewModel::statusMessageChanged);
@@ -172,7 +172,7 @@ void MenuBarViewModel::executeSyncLoop() {
     transferTimer_.start();
 
     SyncRunCallbacks callbacks;
-    callbacks.progress = [model = QPointer(this), run = ++runNumber_](int completed, int total) {
+    callbacks.progress = [model = self_, run = ++runNumber_](int completed, int total) {
         if (model && model->runNumber_ == run && model->isSyncing_)
             model->publishProgress(completed, total);
     };
@@ -219,6 +219,8 @@ void MenuBarViewModel::finishRun(int run, const SyncRunOutcome& outcome) {
     Q_EMIT syncChanged();
     if (outcome.error)
         publish(errorMessage_, *outcome.error, &MenuBarViewModel::errorMessageChanged);
+    if (!route_.targetID.isEmpty())
+        loadGoogleAlbums(); // the target's count has grown, or a next part was made
     refreshThen([this, run, outcome] {
         if (run == runNumber_)
             tellOutcome(outcome);
@@ -330,6 +332,7 @@ QString MenuBarViewModel::suggestNewAlbumTitle() const {
 void MenuBarViewModel::createAlbum(const QString& title,
                                    std::function<void(const GoogleAlbum&)> created,
                                    std::function<void(const QString&)> failed) {
+    dismissError();
     googleTasks_.post([this, title, created = std::move(created),
                        failed = std::move(failed)](const std::stop_token& end) {
         try {

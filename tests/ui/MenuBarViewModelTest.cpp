@@ -1,0 +1,400 @@
+#include "store/Sqlite.h"
+#include "ui/ModelWorld.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvane::test {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A story: each step is a command, and what of the published state it changed.
+class MenuBarViewModelTest : public testing::Test, public ModelWorld {
+  protected:
+    template <typename Command>
+    void step(const QString& title, Command&& command) {
+        command();
+        ASSERT_TRUE(settle()) << title.toStdString();
+        record += u"## "_s + title + u'\n' + changes();
+    }
+
+    void expectStory(const char* expected) const { EXPECT_EQ(record.toStdString(), expected); }
+
+    QString record;
+};
+
+TEST_F(MenuBarViewModelTest, aFirstBackup) {
+    world.addPictures(30);
+    world.addPicture(u"Tatil/tarihsiz.jpg"_s, std::nullopt);
+    step(u"start"_s, [] {});
+    step(u"choose the library"_s, [&] { openLibrary(); });
+    step(u"sync without an account"_s, [&] { model->triggerSync(); });
+    step(u"sign in"_s, [&] { model->signIn(); });
+    step(u"sync"_s, [&] { model->triggerSync(); });
+    step(u"leave the undated one"_s, [&] { model->retryQuarantinedItems(u"strictNone"_s); });
+    step(u"give it the date of its file"_s,
+         [&] { model->retryQuarantinedItems(u"fileSaveDate"_s); });
+    step(u"sync it"_s, [&] { model->triggerSync(); });
+    world.addPicture(u"tarihsiz.jpg"_s, std::nullopt);
+    preferences.setString(preferenceKeys::dateFallbackMode, u"strictNone"_s);
+    step(u"another one appears"_s, [&] { scan(); });
+    step(u"sync that"_s, [&] { model->triggerSync(); });
+    step(u"give it today's date"_s, [&] { model->retryQuarantinedItems(u"today"_s); });
+    step(u"sync it, too"_s, [&] { model->triggerSync(); });
+    step(u"choose an album"_s, [&] { model->selectSourceAlbum(model->localAlbums().at(0).id); });
+    step(u"choose the whole library"_s, [&] { model->selectSourceAlbum({}); });
+    step(u"sign out"_s, [&] { model->signOut(); });
+    expectStory(R"(## start
+  statusMessage: Arşiviniz güncel ve güvende
+## choose the library
+  hasLibrary: true
+  localAlbums: [1, false, Tatil]
+  pendingCount: 31
+  selectedSourceCount: 31
+  statusMessage: 31 yeni öğe eşitlenmeyi bekliyor
+  totalPhotoCount: 31
+## sync without an account
+  errorMessage: OAuth: kullanici giris yapmamis
+  syncState: error
+## sign in
+  errorMessage: 
+  isSignedIn: true
+  userEmail: kullanici@example.com
+## sync
+  dateUnresolvedCount: 1
+  pendingCount: 0
+  statusMessage: Arşiviniz güncel ve güvende
+  syncState: idle
+  syncTotalCount: 31
+  verifiedCount: 30
+## leave the undated one
+## give it the date of its file
+  dateFallbackMode: fileSaveDate
+  dateUnresolvedCount: 0
+  pendingCount: 1
+  statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
+## sync it
+  isLastRunComplete: true
+  pendingCount: 0
+  statusMessage: Arşiviniz güncel ve güvende
+  syncTotalCount: 1
+  verifiedCount: 31
+## another one appears
+  dateFallbackMode: strictNone
+  pendingCount: 1
+  selectedSourceCount: 32
+  statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
+  totalPhotoCount: 32
+## sync that
+  dateUnresolvedCount: 1
+  isLastRunComplete: false
+  pendingCount: 0
+  statusMessage: Arşiviniz güncel ve güvende
+## give it today's date
+  dateFallbackMode: today
+  dateUnresolvedCount: 0
+  pendingCount: 1
+  statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
+## sync it, too
+  isLastRunComplete: true
+  pendingCount: 0
+  statusMessage: Arşiviniz güncel ve güvende
+  verifiedCount: 32
+## choose an album
+  selectedSourceAlbumTitle: Tatil
+  selectedSourceCount: 1
+## choose the whole library
+  selectedSourceAlbumTitle: Tüm Fotoğraflar
+  selectedSourceCount: 32
+## sign out
+  isSignedIn: false
+  userEmail: 
+)");
+    EXPECT_EQ(world.google.mediaItems().size(), 32U);
+    EXPECT_EQ(desktop.notices.join(u'\n').toStdString(),
+              "Eşitleme Tamamlandı: 30 öğe Google Photos'a aktarıldı.\n"
+              "Eşitleme Uyarısı: 1 öğe inceleme bekliyor\n"
+              "Eşitleme Tamamlandı: 1 öğe Google Photos'a aktarıldı.\n"
+              "Eşitleme Uyarısı: 1 öğe inceleme bekliyor\n"
+              "Eşitleme Tamamlandı: 1 öğe Google Photos'a aktarıldı.");
+    EXPECT_EQ(model->syncProgressFraction(), 1);
+    EXPECT_NE(model->lastSyncTimeString(), u"Henüz yok"_s);
+    EXPECT_TRUE(log.contains(u"[MenuBarViewModel] Çıkış yapıldı"_s));
+}
+
+TEST_F(MenuBarViewModelTest, theAlbumLimit) {
+    world.addPictures(30);
+    const QString near = world.google.addAlbum(u"Aile"_s, 19'990);
+    const QString full = world.google.addAlbum(u"Dolu"_s, 20'000);
+    openLibrary();
+    signIn();
+    changes();
+    step(u"choose an album with room for ten"_s, [&] { model->selectTargetAlbum(near); });
+    step(u"sync"_s, [&] { model->triggerSync(); });
+    step(u"put it off"_s, [&] { model->dismissPreSync20kAlert(); });
+    step(u"sync after all, and stop at the limit"_s, [&] {
+        model->triggerSync();
+        model->confirmPreSyncStopAtLimit();
+    });
+    step(u"roll over"_s, [&] { model->confirmPreSyncAutoRollover(); });
+    step(u"choose a full album"_s, [&] { model->selectTargetAlbum(full); });
+    step(u"sync into it"_s, [&] { model->triggerSync(); });
+    expectStory(R"(## choose an album with room for ten
+  isSelectedTargetAlbumNearLimit: true
+  selectedTargetAlbumCountString: 19.990 / 20.000
+  selectedTargetAlbumTitle: Aile
+## sync
+  preSync20kCurrentCount: 19990
+  preSync20kNextPartName: Aile - Parça 2
+  preSync20kPendingCount: 30
+  preSync20kTargetAlbumName: Aile
+  showPreSync20kAlert: true
+## put it off
+  preSync20kCurrentCount: 0
+  preSync20kNextPartName: 
+  preSync20kPendingCount: 0
+  preSync20kTargetAlbumName: 
+  showPreSync20kAlert: false
+## sync after all, and stop at the limit
+  albumLimitAlertMessage: Hedef albümünüz (Aile) maksimum 20.000 medya kapasitesine ulaştı. 'Aile - Parça 2' oluşturup aktarıma kesintisiz devam etmek ister misiniz?
+  googleAlbums: [20000, ⛔️ Aile (20.000 • Kapasite Dolu), Aile | 20000, ⛔️ Dolu (20.000 • Kapasite Dolu), Dolu]
+  isSelectedTargetAlbumFull: true
+  pendingCount: 20
+  selectedTargetAlbumCountString: 20.000 / 20.000
+  showAlbumLimitAlert: true
+  statusMessage: Albüm sınırı (20.000) doldu!
+  syncState: error
+  syncTotalCount: 30
+  verifiedCount: 10
+## roll over
+  googleAlbums: [20000, ⛔️ Aile (20.000 • Kapasite Dolu), Aile | 20000, ⛔️ Dolu (20.000 • Kapasite Dolu), Dolu | 20, Aile - Parça 2 (20), Aile - Parça 2]
+  isLastRunComplete: true
+  isSelectedTargetAlbumFull: false
+  isSelectedTargetAlbumNearLimit: false
+  pendingCount: 0
+  selectedTargetAlbumCountString: 20 / 20.000
+  selectedTargetAlbumTitle: Aile - Parça 2
+  showAlbumLimitAlert: false
+  statusMessage: Arşiviniz güncel ve güvende
+  syncState: idle
+  syncTotalCount: 20
+  verifiedCount: 30
+## choose a full album
+  isSelectedTargetAlbumFull: true
+  isSelectedTargetAlbumNearLimit: true
+  selectedTargetAlbumCountString: 20.000 / 20.000
+  selectedTargetAlbumTitle: Dolu
+## sync into it
+  albumLimitAlertMessage: Seçili Google Photos albümü (Dolu) 20.000 medya sınırına ulaştı (20000/20.000)! Lütfen yeni bir albüm oluşturun veya başka bir albüm seçin.
+  showAlbumLimitAlert: true
+  syncState: error
+)");
+}
+
+TEST_F(MenuBarViewModelTest, anAlbumThatFillsUpDuringTheRun) {
+    world.addPictures(30);
+    const QString album = world.google.addAlbum(u"Aile"_s, 19'900);
+    openLibrary();
+    signIn();
+    model->selectTargetAlbum(album);
+    changes();
+    // As when other items came into the album after it was listed.
+    world.google.change([](emulator::Behaviour& google) { google.albumCapacity = 19'910; });
+    step(u"sync"_s, [&] { model->triggerSync(); });
+    step(u"go on in the next part"_s, [&] { model->createNextPartAlbumAndResume(); });
+    expectStory(R"(## sync
+  albumLimitAlertMessage: Hedef albümünüz (Aile) maksimum 20.000 medya kapasitesine ulaştı. 'Aile - Parça 2' oluşturup aktarıma kesintisiz devam etmek ister misiniz?
+  googleAlbums: [19910, ⚠️ Aile (19.910 / 20.000 • Sınıra Yakın), Aile]
+  pendingCount: 20
+  selectedTargetAlbumCountString: 19.910 / 20.000
+  showAlbumLimitAlert: true
+  statusMessage: Albüm sınırı (20.000) doldu!
+  syncState: error
+  syncTotalCount: 30
+  verifiedCount: 10
+## go on in the next part
+  googleAlbums: [19910, ⚠️ Aile (19.910 / 20.000 • Sınıra Yakın), Aile | 20, Aile - Parça 2 (20), Aile - Parça 2]
+  isLastRunComplete: true
+  isSelectedTargetAlbumNearLimit: false
+  pendingCount: 0
+  selectedTargetAlbumCountString: 20 / 20.000
+  selectedTargetAlbumTitle: Aile - Parça 2
+  showAlbumLimitAlert: false
+  statusMessage: Arşiviniz güncel ve güvende
+  syncState: idle
+  syncTotalCount: 20
+  verifiedCount: 30
+)");
+}
+
+TEST_F(MenuBarViewModelTest, stopAndResume) {
+    world.addPictures(30);
+    openLibrary();
+    signIn();
+    changes();
+    world.google.addFault(stall(emulator::RequestKind::upload));
+    step(u"stop while an upload hangs"_s, [&] {
+        model->triggerSync();
+        model->triggerSync(); // does nothing
+        EXPECT_TRUE(world.google.waitForRequests(emulator::RequestKind::upload, 1));
+        model->stopSync();
+        EXPECT_FALSE(model->isSyncing());
+    });
+    world.google.clearFaults();
+    step(u"resume"_s, [&] { model->triggerSync(); });
+    step(u"the access was withdrawn"_s, [&] {
+        world.google.revokeTokens();
+        world.addPicture(u"yeni.jpg"_s);
+        scan();
+        model->triggerSync();
+    });
+    expectStory(R"(## stop while an upload hangs
+  statusMessage: Eşitleme kullanıcı tarafından durduruldu
+  syncTotalCount: 30
+## resume
+  isLastRunComplete: true
+  pendingCount: 0
+  statusMessage: Arşiviniz güncel ve güvende
+  verifiedCount: 30
+## the access was withdrawn
+  failedCategorySummaries: [Geçici Ağ / Sunucu Hatası, 1, İnternet kesintisi veya Google sunucu yoğunluğu, wifi.exclamationmark]
+  failedCount: 1
+  isLastRunComplete: false
+  selectedSourceCount: 31
+  statusMessage: 1 öğe aktarılamadı (tekrar denenecek)
+  syncState: error
+  syncTotalCount: 1
+  totalPhotoCount: 31
+)");
+}
+
+TEST_F(MenuBarViewModelTest, foreseesTheLimitOfAnAlbum) {
+    struct Row {
+        std::int64_t items;
+        int pending;
+        bool isNear, isFull, isAsked, isRefused;
+    };
+    for (const Row row :
+         {Row{19'499, 500, false, false, false, false}, Row{19'499, 502, false, false, true, false},
+          Row{19'500, 500, true, false, false, false}, Row{19'500, 501, true, false, true, false},
+          Row{19'999, 1, true, false, false, false}, Row{20'000, 0, true, true, false, true},
+          Row{20'000, 1, true, true, true, false},
+          Row{std::numeric_limits<std::int64_t>::max(), 1, true, true, true, false}}) {
+        SCOPED_TRACE(testing::Message() << row.items << " + " << row.pending);
+        ModelWorld fresh;
+        const QString id = fresh.world.google.addAlbum(u"Aile"_s, row.items);
+        std::vector<SyncRecord> records(static_cast<std::size_t>(row.pending));
+        for (std::size_t i = 0; i < records.size(); ++i)
+            records[i].assetLocalIdentifier = QString::number(i);
+        fresh.database.insertDiscoveredBatch(records);
+        fresh.signIn();
+        fresh.model->selectTargetAlbum(id);
+        EXPECT_EQ(fresh.model->isSelectedTargetAlbumNearLimit(), row.isNear);
+        EXPECT_EQ(fresh.model->isSelectedTargetAlbumFull(), row.isFull);
+        fresh.model->triggerSync(); // without a library it stops short of a run
+        EXPECT_EQ(fresh.model->showPreSync20kAlert(), row.isAsked);
+        EXPECT_EQ(fresh.model->showAlbumLimitAlert(), row.isRefused);
+        EXPECT_EQ(fresh.model->albumLimitAlertMessage().contains(u"20.000 medya sınırına ulaştı"_s),
+                  row.isRefused);
+
+        // An album that is no more, and the library stream, have no limit.
+        fresh.preferences.setString(preferenceKeys::targetAlbumID, u"gone"_s);
+        fresh.model->dismissPreSync20kAlert();
+        fresh.model->refreshState();
+        fresh.model->triggerSync();
+        EXPECT_FALSE(fresh.model->showPreSync20kAlert());
+    }
+}
+
+TEST_F(MenuBarViewModelTest, keepsItsSettings) {
+    EXPECT_EQ(model->appTheme(), AppTheme::system);
+    model->setAppTheme(AppTheme::dark);
+    model->setAutoDeleteEnabled(true);
+    model->setNotificationsEnabled(false);
+    model->setStartsAtLogin(true);
+    EXPECT_TRUE(log.contains(u"🎨 Tema tercihi güncellendi: dark"_s));
+    EXPECT_TRUE(log.contains(u"🗑️ Otomatik temizlik tercihi güncellendi: true"_s));
+    EXPECT_TRUE(desktop.isAutostarted);
+    const auto restarted = [this] {
+        restart();
+        return std::tuple(model->appTheme(), model->isAutoDeleteEnabled(),
+                          model->areNotificationsEnabled());
+    };
+    EXPECT_EQ(restarted(), std::tuple(AppTheme::dark, true, false));
+    preferences.setString(preferenceKeys::appTheme, u"sepia"_s);
+    preferences.setString(preferenceKeys::isAutoDeleteEnabled, u"yes"_s);
+    preferences.setString(preferenceKeys::dateFallbackMode, u"yesterday"_s);
+    EXPECT_EQ(restarted(), std::tuple(AppTheme::system, false, false));
+    EXPECT_EQ(model->dateFallbackMode(), u"strictNone"_s);
+}
+
+TEST_F(MenuBarViewModelTest, refreshingHardlyTouchesTheMainThread) {
+    std::vector<SyncRecord> records(200'000);
+    for (std::size_t i = 0; i < records.size(); ++i)
+        records[i].assetLocalIdentifier = QString::number(i);
+    database.insertDiscoveredBatch(records);
+    openLibrary();
+    std::chrono::duration<double, std::milli> longest{0};
+    for (int i = 0; i < 20; ++i) {
+        const auto begin = std::chrono::steady_clock::now();
+        model->refreshState();
+        longest = std::max<decltype(longest)>(longest, std::chrono::steady_clock::now() - begin);
+        settle();
+    }
+    EXPECT_LT(longest.count(), 5);
+    EXPECT_EQ(model->pendingCount(), 200'000);
+}
+
+TEST_F(MenuBarViewModelTest, aBrokenStoreReadsAsNothing) {
+    world.addPictures(3);
+    openLibrary();
+    EXPECT_EQ(model->pendingCount(), 3);
+    sqlite::Connection(world.folder / "home/Library/Application Support/Quorvane/quorvane.sqlite",
+                       sqlite::Connection::Mode::readWriteCreate)
+        .execute("DROP TABLE sync_records");
+    model->refreshState();
+    settle();
+    EXPECT_EQ(model->pendingCount(), 0);
+}
+
+TEST_F(MenuBarViewModelTest, aRefusedAccountAndAlbumAreTold) {
+    browser.answer = [] {
+        return QUrl(u"com.googleusercontent.apps.1234-abcd:/oauth2redirect?error=access_denied"_s);
+    };
+    step(u"sign-in denied"_s, [&] { model->signIn(); });
+    step(u"renewal denied"_s, [&] { model->reauthorizeGoogle(); });
+    browser.answer = nullptr;
+    step(u"sign in"_s, [&] { model->signIn(); });
+    world.google.change([](emulator::Behaviour& google) { google.listingForbidden = true; });
+    step(u"listing forbidden"_s, [&] { model->loadGoogleAlbums(); });
+    emulator::Fault fault = faultOf(emulator::RequestKind::albumsCreate);
+    fault.status = 500;
+    world.google.addFault(fault);
+    step(u"creation fails"_s, [&] { model->createGoogleAlbum(u"Aile"_s); });
+    step(u"creation works"_s, [&] { model->createGoogleAlbum(u" Aile "_s); });
+    EXPECT_EQ(model->suggestNewAlbumTitle(), u"Aile - Parça 2"_s);
+    expectStory(R"(## sign-in denied
+  errorMessage: Giriş başarısız: OAuth: auth code alinamadi
+  statusMessage: Arşiviniz güncel ve güvende
+## renewal denied
+  errorMessage: Yetkilendirme başarısız: OAuth: auth code alinamadi
+## sign in
+  errorMessage: 
+  isSignedIn: true
+  userEmail: kullanici@example.com
+## listing forbidden
+  hasInsufficientAlbumScopes: true
+## creation fails
+  errorMessage: Albüm oluşturulamadı: [Album] HTTP 500
+## creation works
+  errorMessage: 
+  googleAlbums: [0, Aile (0), Aile]
+  selectedTargetAlbumCountString: 0 / 20.000
+  selectedTargetAlbumTitle: Aile
+)");
+}
+
+} // namespace
+
+} // namespace quorvane::test
