@@ -1,0 +1,248 @@
+#include "ui/Dashboard.h"
+
+#include <QLocale>
+
+#include <array>
+#include <cmath>
+
+namespace quorvane {
+
+namespace {
+
+const QString upToDateMessage = QStringLiteral("Arşiviniz güncel ve güvende");
+const QString laterTitle = QStringLiteral("Vazgeç / Daha Sonra");
+
+struct Choice {
+    DateFallbackMode mode;
+    const char16_t* title;
+};
+
+constexpr std::array choices{
+    Choice{DateFallbackMode::fileSaveDate,
+           u"Mac'e Kayıt Tarihini Kullan (Önerilen - Kronoloji Korunur)"},
+    Choice{DateFallbackMode::today, u"Bugünün Tarihini Kullan"},
+    Choice{DateFallbackMode::strictNone, u"Karantinada Bırak (Yükleme)"},
+};
+
+QString grouped(qint64 number) {
+    return QLocale().toString(number);
+}
+
+/// The number that `nextPartTitle` put at the end: "Aile - Parça 2" is part 2.
+QString partOf(const QString& nextPartTitle) {
+    return QStringLiteral("Parça ") + nextPartTitle.section(QLatin1Char(' '), -1);
+}
+
+} // namespace
+
+Dashboard::Dashboard(MenuBarViewModel& model) : model_(model) {
+    using Model = MenuBarViewModel;
+    using Self = Dashboard;
+    relay(&Model::accountChanged,
+          {&Self::accountChanged, &Self::routeChanged, &Self::heroChanged, &Self::menusChanged});
+    relay(&Model::syncChanged, {&Self::heroChanged, &Self::inspectorChanged, &Self::menusChanged});
+    relay(&Model::statusMessageChanged, {&Self::heroChanged});
+    relay(&Model::progressChanged, {&Self::heroChanged});
+    relay(&Model::errorMessageChanged, {&Self::errorMessageChanged});
+    relay(&Model::countsChanged,
+          {&Self::heroChanged, &Self::quarantineChanged, &Self::inspectorChanged});
+    relay(&Model::settingsChanged, {&Self::settingsChanged, &Self::quarantineChanged,
+                                    &Self::menusChanged});
+    relay(&Model::sheetsChanged, {&Self::sheetsChanged});
+    relay(&Model::routeChanged,
+          {&Self::routeChanged, &Self::inspectorChanged, &Self::menusChanged});
+    relay(&Model::localAlbumsChanged, {&Self::routeChanged, &Self::menusChanged});
+    relay(&Model::googleAlbumsChanged, {&Self::routeChanged, &Self::menusChanged});
+    relay(&Model::inspectorToggled, {&Self::inspectorToggled});
+    relay(&Model::transfersChanged, {&Self::inspectorChanged, &Self::heroChanged});
+    connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
+    connect(&model_, &Model::sheetsChanged, this, [this] {
+        if (!model_.showQuarantineSheet())
+            chosenFallback_.clear();
+    });
+}
+
+void Dashboard::relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed) {
+    connect(&model_, cause, this, [this, signalled = std::vector<Signal>(changed)] {
+        for (const Signal signal : signalled)
+            if (isLive_)
+                Q_EMIT(this->*signal)();
+    });
+}
+
+void Dashboard::setLive(bool live) {
+    if (live == isLive_)
+        return;
+    isLive_ = live;
+    Q_EMIT liveChanged();
+    if (!live)
+        return;
+    updateTransfers();
+    for (const Signal signal :
+         {&Dashboard::accountChanged, &Dashboard::routeChanged, &Dashboard::heroChanged,
+          &Dashboard::errorMessageChanged, &Dashboard::settingsChanged,
+          &Dashboard::quarantineChanged, &Dashboard::sheetsChanged, &Dashboard::inspectorToggled,
+          &Dashboard::inspectorChanged, &Dashboard::menusChanged})
+        Q_EMIT(this->*signal)();
+}
+
+void Dashboard::updateTransfers() {
+    if (isLive_)
+        transfers_.setItems(model_.activeTransfers());
+}
+
+AccountView Dashboard::account() const {
+    return {model_.isSignedIn(), model_.isSigningIn(), model_.userEmail()};
+}
+
+RouteView Dashboard::route() const {
+    RouteView view;
+    const bool isWholeLibrary = model_.selectedSourceAlbumID().isEmpty();
+    view.source = (isWholeLibrary ? QStringLiteral("Fotoğraf & Video Arşivi")
+                                  : model_.selectedSourceAlbumTitle()) +
+                  QStringLiteral(" (%1)").arg(grouped(model_.selectedSourceCount()));
+    if (!model_.hasLibrary())
+        view.source = QStringLiteral("Fotoğraf Kitaplığını Seç...");
+    const bool isStream = model_.selectedTargetAlbumID().isEmpty();
+    view.target = isStream ? QStringLiteral("Google Fotoğraflar (Ana Akış / Kitaplık)")
+                           : model_.selectedTargetAlbumTitle();
+    view.targetSymbol = isStream ? QStringLiteral("icloud.and.arrow.up.fill")
+                                 : QStringLiteral("photo.on.rectangle.angled");
+    view.lacksAlbumScopes = model_.isSignedIn() && model_.hasInsufficientAlbumScopes();
+    view.isLoadingAlbums = model_.isLoadingGoogleAlbums();
+    if (!model_.isSignedIn())
+        return view;
+    view.targetCount = model_.selectedTargetAlbumCountString();
+    view.isTargetFull = model_.isSelectedTargetAlbumFull();
+    if (view.isTargetFull) {
+        view.limitTitle = QStringLiteral("Google Photos Albüm Sınırı Doldu (20.000 / 20.000)");
+        view.limitText = QStringLiteral(
+            "Google Photos bir albümde en fazla 20.000 medyaya izin verir. Bu albüme yeni fotoğraf "
+            "aktarılamaz. Lütfen başka bir albüm seçin veya yeni bir albüm oluşturun.");
+    } else if (model_.isSelectedTargetAlbumNearLimit()) {
+        view.limitTitle = QStringLiteral("Albüm Sınırına Yaklaşıldı (%1)").arg(view.targetCount);
+        view.limitText =
+            QStringLiteral("Google Photos albüm sınırı 20.000 medyadır. Kalan kapasite dolmadan "
+                           "önce yeni bir albüm oluşturmanız önerilir.");
+    }
+    return view;
+}
+
+HeroView Dashboard::hero() const {
+    HeroView view;
+    view.startTitle = QStringLiteral("Şimdi Eşitle");
+    view.note = model_.statusMessage() == upToDateMessage || model_.statusMessage().isEmpty()
+                    ? QStringLiteral("Son eşitleme: ") + model_.lastSyncTimeString()
+                    : model_.statusMessage();
+    if (model_.isSyncing()) {
+        const int percent = static_cast<int>(std::floor(model_.syncProgressFraction() * 100));
+        view.kind = QStringLiteral("syncing");
+        view.title = QStringLiteral("Eşitleme Devam Ediyor");
+        view.subtitle = QStringLiteral("Dosyalar Google Photos'a güvenle yükleniyor");
+        view.note = grouped(model_.syncCompletedCount()) + QStringLiteral(" / ") +
+                    grouped(model_.syncTotalCount());
+        view.speed = model_.currentUploadSpeedString();
+        view.fraction = model_.syncProgressFraction();
+        view.percent = QStringLiteral("%%1").arg(percent);
+        view.ringName = QStringLiteral("Eşitleme ilerlemesi yüzde %1").arg(percent);
+    } else if (model_.syncState() == SyncVisualState::error) {
+        view.kind = QStringLiteral("warning");
+        view.title = QStringLiteral("Eşitleme Uyarısı");
+        view.subtitle = QStringLiteral("Lütfen bağlantıyı ve ayarları kontrol edin");
+        view.symbol = QStringLiteral("exclamationmark.circle.fill");
+        view.ringName = view.title;
+        view.startTitle = QStringLiteral("Tekrar Dene");
+    } else if (model_.isLastRunComplete()) {
+        view.kind = QStringLiteral("done");
+        view.title = QStringLiteral("Eşitleme Tamamlandı");
+        view.subtitle = QStringLiteral("Tüm anılarınız bulutta güncel");
+        view.symbol = QStringLiteral("checkmark.circle.fill");
+        view.fraction = 1;
+        view.ringName = QStringLiteral("Eşitleme tamamlandı");
+    } else {
+        view.kind = QStringLiteral("idle");
+        view.title = QStringLiteral("Arşiviniz Güncel ve Güvende");
+        view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
+        view.symbol = QStringLiteral("shield.checkmark.fill");
+        view.ringName = view.title;
+    }
+    if (const int held = model_.failedCount() + model_.dateUnresolvedCount(); held > 0)
+        view.quarantine = grouped(held) + QStringLiteral(" öğe inceleme bekliyor");
+    return view;
+}
+
+QString Dashboard::dateFallback() const {
+    return chosenFallback_.isEmpty() ? model_.dateFallbackMode() : chosenFallback_;
+}
+
+int Dashboard::retryCount() const {
+    const bool leavesUndated = dateFallback() == rawValue(DateFallbackMode::strictNone);
+    return model_.failedCount() + (leavesUndated ? 0 : model_.dateUnresolvedCount());
+}
+
+QuarantineView Dashboard::quarantine() const {
+    QuarantineView view;
+    const auto row = [](const QString& title, const QString& text, const QString& symbol, int count,
+                        bool isUndated) {
+        return QVariantMap{{QStringLiteral("title"), title},
+                           {QStringLiteral("text"), text},
+                           {QStringLiteral("symbol"), symbol},
+                           {QStringLiteral("count"), grouped(count)},
+                           {QStringLiteral("isUndated"), isUndated}};
+    };
+    for (const FailedCategorySummary& summary : model_.failedCategorySummaries())
+        view.rows.append(row(summary.categoryName, summary.explanation, summary.systemImage,
+                             summary.count, false));
+    if (model_.dateUnresolvedCount() > 0) {
+        view.rows.append(row(QStringLiteral("Tarih Eksik"),
+                             QStringLiteral("Çekim tarihi tespit edilemeyen öğeler"),
+                             QStringLiteral("calendar.badge.exclamationmark"),
+                             model_.dateUnresolvedCount(), true));
+        for (const Choice& choice : choices)
+            view.choices.append(
+                QVariantMap{{QStringLiteral("value"), rawValue(choice.mode)},
+                            {QStringLiteral("title"), QString::fromUtf16(choice.title)}});
+    }
+    view.chosen = dateFallback();
+    view.retryTitle = QStringLiteral("Yeniden Sıraya Ekle (%1)").arg(grouped(retryCount()));
+    view.canRetry = retryCount() > 0;
+    return view;
+}
+
+InspectorView Dashboard::inspector() const {
+    return {model_.isSyncing(),
+            model_.currentUploadSpeedString(),
+            model_.peakUploadSpeedString(),
+            QStringLiteral("%1 ms").arg(model_.latencyMs()),
+            model_.selectedTargetAlbumTitle(),
+            grouped(model_.pendingCount()),
+            model_.isSyncing() ? QStringLiteral("Aktif") : QStringLiteral("Boşta")};
+}
+
+AlertView Dashboard::alert() const {
+    if (!questions_.empty())
+        return questions_.front().alert;
+    if (model_.showPreSync20kAlert())
+        return {true,
+                QStringLiteral("Albüm Sınırı (20.000) Aşılacak"),
+                QStringLiteral("Seçili albümünüz (") + model_.preSync20kTargetAlbumName() +
+                    QStringLiteral(") ") + grouped(model_.preSync20kCurrentCount()) +
+                    QStringLiteral(" öğe içeriyor. Eklenecek ") +
+                    grouped(model_.preSync20kPendingCount()) +
+                    QStringLiteral(" öğe ile 20.000 kapasitesi aşılacaktır."),
+                QStringLiteral("warning"),
+                {QStringLiteral("Yeni Albüm (") + model_.preSync20kNextPartName() +
+                     QStringLiteral(") Oluştur ve Devam Et"),
+                 QStringLiteral("20.000'de Güvenle Durdur"), laterTitle}};
+    if (model_.showAlbumLimitAlert())
+        return {true,
+                QStringLiteral("Google Photos Albüm Sınırı (20.000) Doldu!"),
+                model_.albumLimitAlertMessage(),
+                QStringLiteral("danger"),
+                {partOf(model_.nextPartTitle(model_.selectedTargetAlbumTitle())) +
+                     QStringLiteral(" Oluştur ve Devam Et"),
+                 laterTitle}};
+    return {};
+}
+
+} // namespace quorvane

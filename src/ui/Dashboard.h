@@ -1,0 +1,119 @@
+#pragma once
+
+#include "ui/DashboardTypes.h"
+#include "ui/MenuBarViewModel.h"
+#include "ui/TransferListModel.h"
+
+#include <functional>
+
+namespace quorvane {
+
+/// The state model in the words of the window: whatever is drawn is decided and worded here, QML
+/// only places it. Main thread. Tells of no change while nobody looks (`isLive`), so a hidden
+/// window costs nothing.
+class Dashboard final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(quorvane::MenuBarViewModel* model READ model CONSTANT)
+    Q_PROPERTY(bool isLive READ isLive NOTIFY liveChanged)
+    Q_PROPERTY(quorvane::AccountView account READ account NOTIFY accountChanged)
+    Q_PROPERTY(quorvane::RouteView route READ route NOTIFY routeChanged)
+    Q_PROPERTY(quorvane::HeroView hero READ hero NOTIFY heroChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
+    Q_PROPERTY(bool isAutoDeleteEnabled READ isAutoDeleteEnabled NOTIFY settingsChanged)
+    Q_PROPERTY(quorvane::QuarantineView quarantine READ quarantine NOTIFY quarantineChanged)
+    Q_PROPERTY(bool isQuarantineShown READ isQuarantineShown NOTIFY sheetsChanged)
+    Q_PROPERTY(quorvane::AlertView alert READ alert NOTIFY sheetsChanged)
+    Q_PROPERTY(bool isInspectorOpen READ isInspectorOpen NOTIFY inspectorToggled)
+    Q_PROPERTY(quorvane::InspectorView inspector READ inspector NOTIFY inspectorChanged)
+    Q_PROPERTY(quorvane::TransferListModel* transfers READ transfers CONSTANT)
+    Q_PROPERTY(quorvane::LogListModel* log READ log NOTIFY liveChanged)
+    Q_PROPERTY(QVariantList sourceMenu READ sourceMenu NOTIFY menusChanged)
+    Q_PROPERTY(QVariantList targetMenu READ targetMenu NOTIFY menusChanged)
+    Q_PROPERTY(QVariantList themeMenu READ themeMenu NOTIFY settingsChanged)
+    Q_PROPERTY(QVariantList settingsMenu READ settingsMenu NOTIFY menusChanged)
+    Q_PROPERTY(QString hint READ hint NOTIFY hintChanged)
+
+  public:
+    explicit Dashboard(MenuBarViewModel& model);
+
+    MenuBarViewModel* model() { return &model_; }
+    bool isLive() const { return isLive_; }
+    /// Whether somebody can see the window.
+    void setLive(bool live);
+
+    AccountView account() const;
+    RouteView route() const;
+    HeroView hero() const;
+    QString errorMessage() const { return model_.errorMessage(); }
+    bool isAutoDeleteEnabled() const { return model_.isAutoDeleteEnabled(); }
+    QuarantineView quarantine() const;
+    bool isQuarantineShown() const { return model_.showQuarantineSheet(); }
+    AlertView alert() const;
+    bool isInspectorOpen() const { return model_.isInspectorOpen(); }
+    InspectorView inspector() const;
+    TransferListModel* transfers() { return &transfers_; }
+    /// None while nobody looks.
+    LogListModel* log() const { return isLive_ ? model_.recentLogs() : nullptr; }
+
+    /// Rows of {kind, title, symbol, command, value, isChecked, isEnabled}; the kinds are "entry",
+    /// "header" and "line".
+    QVariantList sourceMenu() const;
+    QVariantList targetMenu() const;
+    QVariantList themeMenu() const;
+    QVariantList settingsMenu() const;
+
+    /// A line above the footer; empty for none.
+    const QString& hint() const { return hint_; }
+    void setHint(const QString& hint);
+
+    /// Asks over the window; `answered` gets the index of the button. A question that is still open
+    /// comes first.
+    void ask(const AlertView& alert, std::function<void(int)> answered);
+
+    /// What a menu row or an alert's button does.
+    Q_INVOKABLE void choose(const QString& command, const QString& value = {});
+    Q_INVOKABLE void answerAlert(int button);
+    Q_INVOKABLE void chooseDateFallback(const QString& value);
+    Q_INVOKABLE void retryQuarantined();
+    Q_INVOKABLE void clearLog();
+
+  Q_SIGNALS:
+    void liveChanged();
+    void accountChanged();
+    void routeChanged();
+    void heroChanged();
+    void errorMessageChanged();
+    void settingsChanged();
+    void quarantineChanged();
+    void sheetsChanged();
+    void inspectorToggled();
+    void inspectorChanged();
+    void menusChanged();
+    void hintChanged();
+
+    void createAlbumRequested();
+    void chooseLibraryRequested();
+    void quitRequested();
+
+  private:
+    using Signal = void (Dashboard::*)();
+    struct Question {
+        AlertView alert;
+        std::function<void(int)> answered;
+    };
+
+    /// `changed` follows the model's `cause`, for as long as somebody looks.
+    void relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed);
+    void updateTransfers();
+    QString dateFallback() const;
+    int retryCount() const;
+
+    MenuBarViewModel& model_;
+    TransferListModel transfers_;
+    bool isLive_ = false;
+    QString chosenFallback_; ///< in the open sheet; empty: what is stored
+    QString hint_;
+    std::vector<Question> questions_;
+};
+
+} // namespace quorvane

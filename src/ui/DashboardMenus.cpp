@@ -1,0 +1,180 @@
+#include "ui/Dashboard.h"
+
+#include <QLocale>
+
+namespace quorvane {
+
+namespace {
+
+/// A row of a menu, begun as a plain entry.
+QVariantMap entry(const QString& title, const QString& symbol, const QString& command,
+                  const QString& value = {}, bool isChecked = false, bool isEnabled = true) {
+    return {{QStringLiteral("kind"), QStringLiteral("entry")},
+            {QStringLiteral("title"), title},
+            {QStringLiteral("symbol"), symbol},
+            {QStringLiteral("command"), command},
+            {QStringLiteral("value"), value},
+            {QStringLiteral("isChecked"), isChecked},
+            {QStringLiteral("isEnabled"), isEnabled}};
+}
+
+QVariantMap special(const QString& kind, const QString& title = {}) {
+    QVariantMap row = entry(title, {}, {}, {}, false, false);
+    row[QStringLiteral("kind")] = kind;
+    return row;
+}
+
+const QString line = QStringLiteral("line");
+const QString header = QStringLiteral("header");
+const QString chooseLibraryTitle = QStringLiteral("Fotoğraf Kitaplığını Seç...");
+
+} // namespace
+
+QVariantList Dashboard::sourceMenu() const {
+    if (!model_.hasLibrary())
+        return {
+            entry(chooseLibraryTitle, QStringLiteral("photo.stack.fill"),
+                  QStringLiteral("chooseLibrary"))};
+    const QString symbol = QStringLiteral("photo.stack.fill");
+    const QString source = QStringLiteral("source");
+    const QString& selected = model_.selectedSourceAlbumID();
+    const bool canChange = !model_.isSyncing();
+    const auto counted = [](const QString& title, int count) {
+        return title + QStringLiteral(" (%1)").arg(QLocale().toString(count));
+    };
+    QVariantList rows{
+        entry(counted(QStringLiteral("Fotoğraf & Video Arşivi"), model_.totalPhotoCount()), symbol,
+              source, {}, selected.isEmpty(), canChange)};
+    for (const bool isSmart : {false, true}) {
+        QVariantList group;
+        for (const LocalAlbumItem& album : model_.localAlbums())
+            if (album.isSmart == isSmart)
+                group.append(entry(counted(album.title, album.count), symbol, source, album.id,
+                                   album.id == selected, canChange));
+        if (group.isEmpty())
+            continue;
+        rows << special(line)
+             << special(header, isSmart ? QStringLiteral("Akıllı Albümler")
+                                        : QStringLiteral("Özel Albümlerim"))
+             << group;
+    }
+    return rows;
+}
+
+QVariantList Dashboard::targetMenu() const {
+    const QString target = QStringLiteral("target");
+    const QString& selected = model_.selectedTargetAlbumID();
+    const bool canChange = !model_.isSyncing();
+    QVariantList rows{entry(QStringLiteral("Google Fotoğraflar (Ana Akış / Kitaplık)"),
+                            QStringLiteral("icloud.and.arrow.up.fill"), target, {},
+                            selected.isEmpty(), canChange),
+                      special(line)};
+    rows << special(header, QStringLiteral("Google Albümlerim (%1)")
+                                .arg(QLocale().toString(qint64(model_.googleAlbums().size()))));
+    for (const GoogleAlbum& album : model_.googleAlbums())
+        rows << entry(album.menuDisplayTitle(), QStringLiteral("photo.on.rectangle.angled"), target,
+                      album.id, album.id == selected, canChange);
+    rows << special(line)
+         << entry(QStringLiteral("Özel Albüm Yarat..."), QStringLiteral("folder.badge.plus"),
+                  QStringLiteral("createAlbum"), {}, false, canChange)
+         << entry(QStringLiteral("Google Albümlerini Yenile"),
+                  QStringLiteral("arrow.clockwise.circle.fill"), QStringLiteral("loadAlbums"), {},
+                  false, !model_.isLoadingGoogleAlbums());
+    return rows;
+}
+
+QVariantList Dashboard::themeMenu() const {
+    QVariantList rows;
+    const auto add = [&](AppTheme theme, const QString& title, const QString& symbol) {
+        rows << entry(title, symbol, QStringLiteral("theme"), rawValue(theme),
+                      theme == model_.appTheme());
+    };
+    add(AppTheme::system, QStringLiteral("Sistem"), QStringLiteral("circle.lefthalf.filled"));
+    add(AppTheme::light, QStringLiteral("Açık"), QStringLiteral("sun.max.fill"));
+    add(AppTheme::dark, QStringLiteral("Koyu"), QStringLiteral("moon.fill"));
+    return rows;
+}
+
+QVariantList Dashboard::settingsMenu() const {
+    QVariantList rows{entry(chooseLibraryTitle, QStringLiteral("photo.on.rectangle"),
+                            QStringLiteral("chooseLibrary"))};
+    rows << special(line)
+         << entry(QStringLiteral("Bildirimler"), QStringLiteral("exclamationmark.circle.fill"),
+                  QStringLiteral("notifications"), {}, model_.areNotificationsEnabled())
+         << entry(QStringLiteral("Oturum açılışında başlat"), QStringLiteral("power"),
+                  QStringLiteral("startAtLogin"), {}, model_.startsAtLogin());
+    if (model_.isSignedIn())
+        rows << special(line)
+             << entry(QStringLiteral("Oturumu Kapat"), QStringLiteral("person.crop.circle.fill"),
+                      QStringLiteral("signOut"));
+    return rows;
+}
+
+void Dashboard::choose(const QString& command, const QString& value) {
+    const std::map<QString, std::function<void()>> commands{
+        {QStringLiteral("source"), [&] { model_.selectSourceAlbum(value); }},
+        {QStringLiteral("target"), [&] { model_.selectTargetAlbum(value); }},
+        {QStringLiteral("createAlbum"), [&] { Q_EMIT createAlbumRequested(); }},
+        {QStringLiteral("loadAlbums"), [&] { model_.loadGoogleAlbums(); }},
+        {QStringLiteral("theme"), [&] { model_.setAppTheme(appThemeFrom(value)); }},
+        {QStringLiteral("chooseLibrary"), [&] { Q_EMIT chooseLibraryRequested(); }},
+        {QStringLiteral("notifications"),
+         [&] { model_.setNotificationsEnabled(!model_.areNotificationsEnabled()); }},
+        {QStringLiteral("startAtLogin"), [&] { model_.setStartsAtLogin(!model_.startsAtLogin()); }},
+        {QStringLiteral("signOut"), [&] { model_.signOut(); }},
+        {QStringLiteral("quit"), [&] { Q_EMIT quitRequested(); }},
+    };
+    if (const auto found = commands.find(command); found != commands.end())
+        found->second();
+}
+
+void Dashboard::ask(const AlertView& alert, std::function<void(int)> answered) {
+    questions_.push_back({alert, std::move(answered)});
+    questions_.back().alert.isShown = true;
+    Q_EMIT sheetsChanged();
+}
+
+void Dashboard::answerAlert(int button) {
+    if (!questions_.empty()) {
+        const auto answered = std::move(questions_.front().answered);
+        questions_.erase(questions_.begin());
+        Q_EMIT sheetsChanged();
+        if (answered)
+            answered(button);
+    } else if (model_.showPreSync20kAlert()) {
+        if (button == 0)
+            model_.confirmPreSyncAutoRollover();
+        else if (button == 1)
+            model_.confirmPreSyncStopAtLimit();
+        else
+            model_.dismissPreSync20kAlert();
+    } else if (model_.showAlbumLimitAlert()) {
+        if (button == 0)
+            model_.createNextPartAlbumAndResume();
+        else
+            model_.dismissAlbumLimitAlert();
+    }
+}
+
+void Dashboard::chooseDateFallback(const QString& value) {
+    chosenFallback_ = value;
+    Q_EMIT quarantineChanged();
+}
+
+void Dashboard::retryQuarantined() {
+    model_.retryQuarantinedItems(dateFallback());
+    model_.setShowQuarantineSheet(false);
+}
+
+void Dashboard::clearLog() {
+    model_.recentLogs()->clear();
+}
+
+void Dashboard::setHint(const QString& hint) {
+    if (hint == hint_)
+        return;
+    hint_ = hint;
+    Q_EMIT hintChanged();
+}
+
+} // namespace quorvane

@@ -1,0 +1,91 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// Names a new album of Google Photos.
+Sheet {
+    id: sheet
+
+    required property Dashboard dashboard
+    readonly property bool canCreate: field.text.trim().length > 0
+
+    function begin() {
+        field.text = dashboard.model.suggestNewAlbumTitle();
+        field.selectAll();
+        shown = true;
+    }
+    function create() {
+        if (!canCreate)
+            return;
+        shown = false;
+        dashboard.model.createGoogleAlbum(field.text);
+    }
+
+    width: 360
+    firstFocus: field
+    onCancelled: shown = false
+
+    contentItem: Column {
+        Accessible.role: Accessible.Dialog
+        Accessible.name: "Yeni Google Photos Albümü Oluştur"
+
+        Row {
+            spacing: 12
+            Tile { symbol: "folder.badge.plus" }
+            Words {
+                role: Theme.sheetTitle
+                text: "Yeni Google Photos Albümü"
+                anchors.verticalCenter: parent.verticalCenter
+                Accessible.role: Accessible.Heading
+            }
+        }
+        Item { width: 1; height: 16 }
+        TextField {
+            id: field
+            objectName: "albumName"
+            width: parent.width
+            implicitHeight: 40
+            leftPadding: 13
+            rightPadding: 13
+            font.pixelSize: Theme.body.size
+            color: Theme.textPrimary
+            selectionColor: Theme.accent
+            selectedTextColor: Theme.inkOnAccent
+            placeholderText: "Albüm Adı (Örn: Tatil 2025, Aile)"
+            placeholderTextColor: Theme.textTertiary
+            maximumLength: 500
+            Accessible.name: placeholderText
+            onAccepted: sheet.create()
+            background: Rectangle {
+                radius: Theme.controlRadius
+                color: Theme.surface
+                border.width: field.activeFocus ? 2 : 1
+                border.color: field.activeFocus ? Theme.focus : Theme.borderControl
+            }
+        }
+        Item { width: 1; height: 8 }
+        Words {
+            width: parent.width
+            role: Theme.caption
+            text: "Eşitlenen fotoğraflar bu albüme eklenecektir."
+            color: Theme.textSecondary
+            wrapMode: Text.Wrap
+        }
+        Item { width: 1; height: 20 }
+        Row {
+            anchors.right: parent.right
+            spacing: 8
+            ActionButton {
+                objectName: "albumCancel"
+                text: "Vazgeç"
+                onClicked: sheet.cancelled()
+            }
+            ActionButton {
+                objectName: "albumCreate"
+                kind: "filled"
+                text: "Oluştur ve Seç"
+                enabled: sheet.canCreate
+                onClicked: sheet.create()
+            }
+        }
+    }
+}

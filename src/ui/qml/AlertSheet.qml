@@ -1,0 +1,97 @@
+import QtQuick
+
+/// A question with its answers one below the other: the first is what Return presses, the last what
+/// Escape presses.
+Sheet {
+    id: sheet
+
+    required property Dashboard dashboard
+    /// Kept while the box fades out.
+    property alertView alert
+    readonly property var tones: ({
+        info: { tint: Theme.accentTint, ink: Theme.accentText, symbol: "checkmark.shield.fill" },
+        warning: { tint: Theme.warningTint, ink: Theme.warningIcon, symbol: "exclamationmark.circle.fill" },
+        danger: { tint: Theme.dangerTint, ink: Theme.danger, symbol: "exclamationmark.circle.fill" }
+    })
+    readonly property var tone: tones[alert.tone] ?? tones.info
+
+    Binding on alert {
+        when: sheet.dashboard.alert.isShown
+        value: sheet.dashboard.alert
+        restoreMode: Binding.RestoreNone
+    }
+    shown: dashboard.alert.isShown
+    name: alert.title
+    width: 360
+    topPadding: 25
+    bottomPadding: 13
+    firstFocus: buttons.count > 0 ? buttons.itemAt(0) : null
+    onCancelled: dashboard.answerAlert(alert.buttons.length - 1)
+
+    contentItem: Column {
+        Accessible.role: Accessible.Dialog
+        Accessible.name: sheet.alert.title
+        Accessible.description: sheet.alert.text
+
+        Rectangle {
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: 48
+            height: 48
+            radius: 24
+            color: sheet.tone.tint
+            Symbol {
+                anchors.centerIn: parent
+                size: 26
+                name: sheet.tone.symbol
+                color: sheet.tone.ink
+            }
+        }
+        Item { width: 1; height: 14 }
+        Words {
+            objectName: "alertTitle"
+            width: parent.width
+            role: Theme.sheetTitle
+            text: sheet.alert.title
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.Heading
+        }
+        Item { width: 1; height: 8 }
+        Words {
+            objectName: "alertText"
+            width: parent.width
+            text: sheet.alert.text
+            color: Theme.textSecondary
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+        }
+        Item { width: 1; height: 20 }
+        Repeater {
+            id: buttons
+            model: sheet.alert.buttons
+
+            Item {
+                id: place
+
+                required property int index
+                required property string modelData
+
+                width: parent.width
+                height: button.implicitHeight + 8
+                activeFocusOnTab: false
+                onActiveFocusChanged: if (activeFocus) button.forceActiveFocus(Qt.PopupFocusReason)
+
+                ActionButton {
+                    id: button
+                    objectName: "alertButton" + place.index
+                    width: parent.width
+                    wraps: true
+                    kind: place.index === 0 ? "filled"
+                        : place.index === buttons.count - 1 ? "link" : "outline"
+                    text: place.modelData
+                    onClicked: sheet.dashboard.answerAlert(place.index)
+                }
+            }
+        }
+    }
+}

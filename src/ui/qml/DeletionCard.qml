@@ -1,0 +1,71 @@
+import QtQuick
+
+/// The switch that lets the program offer backed up originals for deletion. Only the switch itself
+/// toggles: this one must not be hit by accident.
+Card {
+    id: card
+
+    required property Dashboard dashboard
+
+    implicitHeight: words.implicitHeight + note.implicitHeight + 36
+
+    Tile {
+        x: 17
+        y: words.y + Math.round((words.implicitHeight - height) / 2)
+        muted: true
+        symbol: "externaldrive.badge.checkmark"
+    }
+    Column {
+        id: words
+        x: 61
+        y: 13
+        width: toggle.x - x - 10
+
+        Words {
+            id: title
+            width: parent.width
+            role: Theme.cardTitle
+            text: "Yedeklenenleri Mac'ten Temizle"
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.Heading
+        }
+        Words {
+            id: subtitle
+            width: parent.width
+            role: Theme.caption
+            text: "Google Photos'a yüklenen orijinalleri kaldırarak yer açın"
+            color: Theme.textSecondary
+            wrapMode: Text.Wrap
+        }
+    }
+    Toggle {
+        id: toggle
+        objectName: "deletion"
+        x: parent.width - 17 - 42
+        y: words.y + Math.round((words.implicitHeight - height) / 2)
+        checked: card.dashboard.isAutoDeleteEnabled
+        Accessible.name: title.text
+        Accessible.description: subtitle.text
+        onToggled: {
+            card.dashboard.model.isAutoDeleteEnabled = checked;
+            checked = Qt.binding(() => card.dashboard.isAutoDeleteEnabled);
+        }
+    }
+    Symbol {
+        x: 25
+        y: note.y
+        size: 16
+        name: "shield.checkmark.fill"
+        color: Theme.textSecondary
+    }
+    Words {
+        id: note
+        x: 61
+        y: words.y + words.implicitHeight + 10
+        width: parent.width - x - 17
+        role: Theme.note
+        text: "Öğeleriniz yalnızca bulutta doğrulandıktan sonra silinmek üzere Apple Fotoğraflar sistem onayına sunulur. Silinenler 30 gün boyunca 'Son Silinenler' albümünde kalır."
+        color: Theme.textSecondary
+        wrapMode: Text.Wrap
+    }
+}

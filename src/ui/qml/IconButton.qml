@@ -1,0 +1,42 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// A button with a symbol alone; its name is spoken, and shown when the pointer rests on it.
+AbstractButton {
+    id: control
+
+    property string symbol
+    property string name
+    property bool active: false
+
+    implicitWidth: 36
+    implicitHeight: 36
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    Accessible.role: Accessible.Button
+    Accessible.name: name
+    Accessible.checkable: checkable
+    Accessible.checked: active
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        radius: Theme.controlRadius
+        color: control.down ? Theme.surfacePressed : control.hovered ? Theme.surfaceHover
+            : control.active ? Theme.accentTint : "transparent"
+        FocusRing { shown: control.visualFocus; inside: control.active }
+    }
+    contentItem: Item {
+        Symbol {
+            anchors.centerIn: parent
+            name: control.symbol
+            color: !control.enabled ? Theme.textDisabled
+                : control.active ? Theme.accentText : Theme.textSecondary
+        }
+    }
+
+    Loader {
+        active: control.hovered
+        sourceComponent: Tip { text: control.name; shown: control.hovered && !control.down }
+    }
+}

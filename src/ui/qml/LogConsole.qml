@@ -1,0 +1,59 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// The latest lines of the log, the newest at the bottom. Follows the tail, unless the person has
+/// scrolled away from it.
+Rectangle {
+    id: frame
+
+    required property LogListModel log
+
+    radius: Theme.tileRadius
+    color: Theme.console
+    border.width: 1
+    border.color: list.visualFocus ? Theme.focus : Theme.border
+
+    ListView {
+        id: list
+
+        property bool followsTail: true
+        property bool visualFocus: false
+
+        function scrollBy(distance: real) {
+            const last = Math.max(originY, originY + contentHeight - height + bottomMargin);
+            contentY = Math.max(originY - topMargin, Math.min(last, contentY + distance));
+            followsTail = atYEnd;
+        }
+
+        objectName: "console"
+        anchors.fill: parent
+        anchors.margins: 1
+        topMargin: 3
+        bottomMargin: 3
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: true
+        keyNavigationEnabled: false
+        reuseItems: true
+        model: frame.log
+        onMovementEnded: followsTail = atYEnd
+        onCountChanged: if (followsTail) Qt.callLater(positionViewAtEnd)
+        onContentHeightChanged: if (followsTail) Qt.callLater(positionViewAtEnd)
+        onActiveFocusChanged: visualFocus = activeFocus
+        Accessible.role: Accessible.List
+        Accessible.name: "Canlı Akış Konsolu"
+        Keys.onUpPressed: scrollBy(-16)
+        Keys.onDownPressed: scrollBy(16)
+        Keys.onPressed: event => {
+            const distance = { [Qt.Key_PageUp]: -height, [Qt.Key_PageDown]: height,
+                               [Qt.Key_Home]: -contentHeight, [Qt.Key_End]: contentHeight }[event.key];
+            event.accepted = distance !== undefined;
+            if (event.accepted)
+                scrollBy(distance);
+        }
+        delegate: LogLine { width: list.width }
+        ScrollBar.vertical: ScrollThumb {
+            onPressedChanged: if (!pressed) list.followsTail = list.atYEnd
+        }
+    }
+}

@@ -1,0 +1,48 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// How many items wait for a review; opens the sheet.
+AbstractButton {
+    id: control
+
+    implicitHeight: 36
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        radius: Theme.controlRadius
+        color: Theme.warningTint
+        border.width: 1
+        border.color: control.hovered || control.down ? Theme.warningIcon : Theme.warningBorder
+        FocusRing { shown: control.visualFocus }
+    }
+    contentItem: Item {
+        Symbol {
+            x: 13
+            name: "exclamationmark.circle.fill"
+            color: Theme.warningIcon
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        Words {
+            x: 39
+            width: parent.width - 78
+            role: Theme.strong
+            text: control.text
+            color: Theme.warning
+            elide: Text.ElideRight
+            Accessible.ignored: true
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        Symbol {
+            x: parent.width - 28
+            size: 18
+            name: "x.chevron.right"
+            color: Theme.warning
+            anchors.verticalCenter: parent.verticalCenter
+        }
+    }
+}

@@ -1,0 +1,76 @@
+import QtQuick
+
+/// From where to where, and a warning when the target is full or nearly so.
+Column {
+    id: column
+
+    required property Dashboard dashboard
+    readonly property routeView route: dashboard.route
+
+    spacing: 8
+
+    Words {
+        x: 2
+        role: Theme.overline
+        text: "SENKRONİZASYON ROTASI"
+        color: Theme.textSecondary
+        Accessible.role: Accessible.Heading
+    }
+    Card {
+        width: parent.width
+        height: 115 + (banner.visible ? banner.height + 12 : 0)
+
+        Picker {
+            id: source
+            objectName: "source"
+            x: 1
+            y: 5
+            width: parent.width - 2
+            symbol: "photo.stack.fill"
+            caption: "Kaynak (Apple Photos)"
+            value: column.route.source
+            rows: column.dashboard.sourceMenu
+            onChosen: (command, value) => column.dashboard.choose(command, value)
+        }
+        Rectangle {
+            x: 61
+            y: 57
+            width: parent.width - x - 1
+            height: 1
+            color: Theme.divider
+        }
+        Symbol {
+            x: 25
+            y: 49
+            size: 16
+            stroke: 2
+            name: "x.arrow.down"
+            color: Theme.textSecondary
+        }
+        Picker {
+            objectName: "target"
+            x: 1
+            y: 58
+            width: parent.width - 2
+            enabled: column.dashboard.account.isSignedIn
+            symbol: column.route.targetSymbol
+            caption: "Hedef (Google Photos)"
+            value: column.route.target
+            detail: column.route.targetCount
+            rows: column.dashboard.targetMenu
+            menuGap: 8
+            onChosen: (command, value) => column.dashboard.choose(command, value)
+        }
+        LimitBanner {
+            id: banner
+            objectName: "limitBanner"
+            x: 13
+            y: 114
+            width: parent.width - 26
+            visible: column.route.limitTitle.length > 0
+            danger: column.route.isTargetFull
+            title: column.route.limitTitle
+            text: column.route.limitText
+        }
+    }
+}

@@ -1,0 +1,40 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+/// A box over the dimmed window that keeps the keyboard until it is answered. Escape cancels.
+Popup {
+    id: sheet
+
+    property bool shown: false
+    property Item firstFocus
+    property string name
+    signal cancelled
+
+    onShownChanged: if (shown) open(); else close()
+    onOpened: if (firstFocus) firstFocus.forceActiveFocus(Qt.PopupFocusReason)
+    Component.onCompleted: if (shown) open()
+
+    anchors.centerIn: Overlay.overlay
+    modal: true
+    focus: true
+    closePolicy: Popup.NoAutoClose
+    padding: 21
+    height: Math.min(implicitHeight, (parent ? parent.height : 650) - 32)
+    enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.sheetInTime; easing.type: Easing.OutCubic } }
+    exit: Transition { NumberAnimation { property: "opacity"; to: 0; duration: Theme.sheetOutTime } }
+    background: Rectangle {
+        color: Theme.surface
+        radius: Theme.sheetRadius
+        border.width: 1
+        border.color: Theme.border
+    }
+    Overlay.modal: Rectangle {
+        color: Theme.scrim
+        Behavior on opacity { NumberAnimation { duration: Theme.fadeTime } }
+    }
+    Shortcut {
+        sequences: [StandardKey.Cancel]
+        enabled: sheet.opened
+        onActivated: sheet.cancelled()
+    }
+}

@@ -1,0 +1,200 @@
+#include "ui/window/MainWindowController.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QScreen>
+
+void qml_register_types_Quorvane();
+
+/// What a static library holds is linked only when somebody names it, from outside any namespace.
+static void registerQml() {
+    Q_INIT_RESOURCE(qmlcache_quorvane_window);
+    qml_register_types_Quorvane();
+}
+
+namespace quorvane {
+
+namespace {
+
+constexpr int resizeTime = 220; // milliseconds
+const QString frameKey = QStringLiteral("QuorvaneMainWindow");
+
+void useWindowFont() {
+    const QString family = QStringLiteral("Inter");
+    if (!QFontDatabase::hasFamily(family))
+        return;
+    QFont font = QGuiApplication::font();
+    font.setFamilies({family, font.family()});
+    QGuiApplication::setFont(font);
+}
+
+} // namespace
+
+MainWindowController::MainWindowController(MenuBarViewModel& model, Preferences& preferences)
+    : model_(model), preferences_(preferences), dashboard_(model), theme_(model.appTheme()) {
+    connect(&dashboard_, &Dashboard::chooseLibraryRequested, this,
+            &MainWindowController::chooseLibraryRequested);
+    connect(&dashboard_, &Dashboard::quitRequested, this, &MainWindowController::quitRequested);
+    connect(&model_, &MenuBarViewModel::inspectorToggled, this,
+            [this] { setInspectorExpanded(model_.isInspectorOpen(), true); });
+    connect(&model_, &MenuBarViewModel::settingsChanged, this,
+            [this] { applyTheme(model_.appTheme()); });
+    resizing_.setDuration(resizeTime);
+    resizing_.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&resizing_, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& frame) { resizeTo(frame.toRect()); });
+    qApp->installEventFilter(this);
+}
+
+MainWindowController::~MainWindowController() {
+    qApp->removeEventFilter(this);
+}
+
+void MainWindowController::prepare() {
+    if (view_)
+        return;
+    registerQml();
+    useWindowFont();
+    view_ = std::make_unique<QQuickView>();
+    view_->engine()->addImportPath(QStringLiteral(":/"));
+    view_->setTitle(QStringLiteral("Quorvane"));
+    view_->setResizeMode(QQuickView::SizeRootObjectToView);
+    view_->setFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                    Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint);
+    view_->setInitialProperties({{QStringLiteral("dashboard"), QVariant::fromValue(&dashboard_)},
+                                 {QStringLiteral("dark"), isDark()},
+                                 {QStringLiteral("motion"), reducesMotion_ ? 0 : 1}});
+    view_->setSource(QUrl(QStringLiteral("qrc:/Quorvane/Main.qml")));
+    connect(view_.get(), &QWindow::visibilityChanged, this, [this](QWindow::Visibility visibility) {
+        dashboard_.setLive(visibility != QWindow::Hidden && visibility != QWindow::Minimized);
+    });
+    updateLook();
+    resizeTo(QRect(view_->position(), QSize(wantedWidth(), height)));
+}
+
+int MainWindowController::wantedWidth() const {
+    return model_.isInspectorOpen() ? wideWidth : narrowWidth;
+}
+
+/// Of the screen that the window is on, or was on when it was last hidden.
+QRect MainWindowController::availableGeometry() const {
+    const QScreen* screen = view_->isVisible() ? view_->screen() : nullptr;
+    const QStringList stored =
+        preferences_.string(frameKey).value_or(QString()).split(QLatin1Char(' '));
+    if (screen == nullptr && stored.size() == 4)
+        screen = QGuiApplication::screenAt(QRect(stored[0].toInt(), stored[1].toInt(),
+                                                 stored[2].toInt(), stored[3].toInt())
+                                               .center());
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    return screen == nullptr ? QRect(0, 0, wideWidth, height) : screen->availableGeometry();
+}
+
+void MainWindowController::showWindowAndCenter() {
+    prepare();
+    resizing_.stop();
+    const QRect available = availableGeometry();
+    QRect frame(0, 0, wantedWidth(), std::min(height, available.height()));
+    frame.moveCenter(available.center());
+    resizeTo(frame);
+    view_->show();
+    view_->raise();
+    view_->requestActivate();
+}
+
+void MainWindowController::toggleWindow() {
+    if (view_ && view_->isVisible() && view_->isActive()) {
+        saveFrame();
+        view_->hide();
+    } else {
+        showWindowAndCenter();
+    }
+}
+
+void MainWindowController::setInspectorExpanded(bool expanded, bool animate) {
+    if (!view_)
+        return;
+    const QRect available = availableGeometry();
+    QRect frame = view_->geometry();
+    frame.setWidth(expanded ? wideWidth : narrowWidth);
+    frame.moveLeft(std::max(available.left(),
+                            std::min(frame.left(), available.right() + 1 - frame.width())));
+    resizing_.stop();
+    if (!animate || reducesMotion_ || !view_->isVisible()) {
+        resizeTo(frame);
+        return;
+    }
+    resizing_.setStartValue(view_->geometry());
+    resizing_.setEndValue(frame);
+    resizing_.start();
+}
+
+/// The window has a title and a close button, and only the program changes its size.
+void MainWindowController::resizeTo(QRect frame) {
+    view_->setMinimumSize(frame.size());
+    view_->setMaximumSize(frame.size());
+    view_->setGeometry(frame);
+}
+
+void MainWindowController::saveFrame() {
+    const QRect frame = view_->geometry();
+    try {
+        preferences_.setString(frameKey, QStringLiteral("%1 %2 %3 %4")
+                                             .arg(frame.x())
+                                             .arg(frame.y())
+                                             .arg(frame.width())
+                                             .arg(frame.height()));
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch)
+        // Where the window was is a convenience: the next one opens on the first screen.
+    }
+}
+
+void MainWindowController::ask(const AlertView& alert, std::function<void(int)> answered) {
+    dashboard_.ask(alert, std::move(answered));
+    showWindowAndCenter();
+}
+
+// The look.
+
+void MainWindowController::applyTheme(AppTheme theme) {
+    theme_ = theme;
+    updateLook();
+}
+
+void MainWindowController::setReducesMotion(bool reduces) {
+    reducesMotion_ = reduces;
+    updateLook();
+}
+
+bool MainWindowController::isDark() const {
+    if (theme_ != AppTheme::system)
+        return theme_ == AppTheme::dark;
+    const QPalette palette = QGuiApplication::palette();
+    return palette.color(QPalette::Window).lightness() <
+           palette.color(QPalette::WindowText).lightness();
+}
+
+void MainWindowController::updateLook() {
+    if (!view_ || view_->rootObject() == nullptr)
+        return;
+    view_->rootObject()->setProperty("dark", isDark());
+    view_->rootObject()->setProperty("motion", reducesMotion_ ? 0.0 : 1.0);
+    view_->setColor(isDark() ? QColor(0x15, 0x18, 0x1D) : QColor(0xF3, 0xF5, 0xF8));
+}
+
+bool MainWindowController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange)
+        updateLook();
+    if (view_ && watched == view_.get() && event->type() == QEvent::Close) {
+        saveFrame();
+        view_->hide();
+        event->ignore();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace quorvane

@@ -1,0 +1,124 @@
+#include "ui/window/MenuBarController.h"
+
+#include "ui/window/StatusBadge.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <cmath>
+
+namespace quorvane {
+
+namespace {
+
+// At the start of a session the panel may come up later than this program.
+constexpr int trayLookInterval = 500; // milliseconds
+constexpr int maxTrayLooks = 6;
+constexpr int usualSide = 22; // points; panels that tell no size use about this much
+
+} // namespace
+
+MenuBarController::MenuBarController(MenuBarViewModel& model, MainWindowController& window)
+    : model_(model),
+      window_(window),
+      animator_([this](const QIcon& frame) { item_.setIcon(frame); }) {}
+
+void MenuBarController::setupStatusItem() {
+    buildMenu();
+    item_.setContextMenu(&menu_);
+    connect(&item_, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger)
+                    statusItemClicked();
+            });
+    observeViewModel();
+    item_.show();
+    connect(&trayTimer_, &QTimer::timeout, this, &MenuBarController::awaitTray);
+    trayTimer_.start(trayLookInterval);
+    awaitTray();
+}
+
+void MenuBarController::awaitTray() {
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        trayTimer_.stop();
+        updateStatusItemIcon(model_.syncState()); // at the size it now has
+        return;
+    }
+    if (++trayLooks_ <= maxTrayLooks)
+        return;
+    trayTimer_.stop();
+    window_.dashboard().setHint(QStringLiteral(
+        "Bu masaüstünde durum çubuğu yok: pencereyi kapatınca Quorvane çalışmayı sürdürür, "
+        "çıkmak için güç simgesine basın."));
+    window_.showWindowAndCenter();
+}
+
+void MenuBarController::observeViewModel() {
+    connect(&model_, &MenuBarViewModel::syncChanged, this, [this] {
+        if (shownState_ != model_.syncState())
+            updateStatusItemIcon(model_.syncState());
+        updateMenu();
+    });
+    connect(&model_, &MenuBarViewModel::accountChanged, this, &MenuBarController::updateMenu);
+    updateStatusItemIcon(model_.syncState());
+    updateMenu();
+}
+
+/// The side of the item on the screen.
+int MenuBarController::itemPixels() const {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const double scale = screen == nullptr ? 1 : screen->devicePixelRatio();
+    const QSize shown = item_.geometry().size();
+    const int points = shown.isValid() && !shown.isEmpty()
+                           ? std::min(shown.width(), shown.height())
+                           : usualSide;
+    return static_cast<int>(std::lround(points * scale));
+}
+
+void MenuBarController::updateStatusItemIcon(SyncVisualState state) {
+    shownState_ = state;
+    const int pixels = itemPixels();
+    if (state == SyncVisualState::syncing) {
+        item_.setToolTip(QStringLiteral("Eşitleme devam ediyor..."));
+        animator_.start(pixels);
+        return;
+    }
+    animator_.stop();
+    const bool isError = state == SyncVisualState::error;
+    item_.setToolTip(isError ? QStringLiteral("Eşitleme Uyarısı") : QStringLiteral("Quorvane"));
+    item_.setIcon(QIcon(QPixmap::fromImage(drawSymbolBadge(
+        isError ? QStringLiteral("exclamationmark.circle.fill")
+                : QStringLiteral("photo.on.rectangle"),
+        MenuBarIconAnimator::side, pixels / MenuBarIconAnimator::side,
+        isError ? badgeRed : badgeBlue))));
+}
+
+void MenuBarController::statusItemClicked() {
+    window_.toggleWindow();
+}
+
+void MenuBarController::buildMenu() {
+    connect(menu_.addAction(QStringLiteral("Quorvane'i Aç")), &QAction::triggered, &window_,
+            &MainWindowController::showWindowAndCenter);
+    syncAction_ = menu_.addAction(QString());
+    connect(syncAction_, &QAction::triggered, this, [this] {
+        if (model_.isSyncing()) {
+            model_.stopSync();
+            return;
+        }
+        model_.triggerSync();
+        if (!model_.isSyncing())
+            window_.showWindowAndCenter(); // it has a question, or says why not
+    });
+    menu_.addSeparator();
+    connect(menu_.addAction(QStringLiteral("Çıkış")), &QAction::triggered, &window_,
+            &MainWindowController::quitRequested);
+}
+
+void MenuBarController::updateMenu() {
+    syncAction_->setText(model_.isSyncing() ? QStringLiteral("Eşitlemeyi Durdur")
+                                            : QStringLiteral("Şimdi Eşitle"));
+    syncAction_->setEnabled(model_.isSyncing() || model_.isSignedIn());
+}
+
+} // namespace quorvane

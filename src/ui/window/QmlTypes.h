@@ -1,0 +1,74 @@
+#pragma once
+
+#include "ui/Dashboard.h"
+
+#include <qqmlintegration.h>
+
+/// Makes the types below the window known to QML, which cannot name them itself.
+namespace quorvane {
+
+struct MenuBarViewModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::MenuBarViewModel)
+    QML_NAMED_ELEMENT(MenuBarViewModel)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct DashboardForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::Dashboard)
+    QML_NAMED_ELEMENT(Dashboard)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct TransferListModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::TransferListModel)
+    QML_NAMED_ELEMENT(TransferListModel)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct LogListModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::LogListModel)
+    QML_NAMED_ELEMENT(LogListModel)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct AccountViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::AccountView)
+    QML_VALUE_TYPE(accountView)
+};
+
+struct RouteViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::RouteView)
+    QML_VALUE_TYPE(routeView)
+};
+
+struct HeroViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::HeroView)
+    QML_VALUE_TYPE(heroView)
+};
+
+struct QuarantineViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::QuarantineView)
+    QML_VALUE_TYPE(quarantineView)
+};
+
+struct InspectorViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::InspectorView)
+    QML_VALUE_TYPE(inspectorView)
+};
+
+struct AlertViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::AlertView)
+    QML_VALUE_TYPE(alertView)
+};
+
+} // namespace quorvane
