@@ -1,8 +1,10 @@
 # The front door: every target works from a clean clone on Debian 12.
-.PHONY: help build demo test bench fuzz format lint setup clean
+.PHONY: help build demo demo-ui run test bench fuzz format lint setup clean
 
 help:
 	@echo 'make demo    build, then back up a sample library to a local Google Photos service'
+	@echo 'make run     build, then start the status item and its window'
+	@echo 'make demo-ui the window over the sample library and the local service, signed in'
 	@echo 'make test    build and run every test (development, address and thread sanitizer)'
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure'
@@ -10,7 +12,7 @@ help:
 	@echo 'make format  format the sources; make lint: check them'
 
 setup:
-	@scripts/setup.sh build test
+	@scripts/setup.sh build test run
 
 build:
 	@scripts/setup.sh build
@@ -20,8 +22,16 @@ demo: build
 	@scripts/setup.sh demo
 	@scripts/demo.sh
 
+run: build
+	@scripts/setup.sh run
+	@build/bin/quorvane
+
+demo-ui: build
+	@scripts/setup.sh demo run
+	@scripts/demo-ui.sh
+
 test:
-	@scripts/setup.sh build test
+	@scripts/setup.sh build test run
 	@scripts/test.sh
 
 bench: build

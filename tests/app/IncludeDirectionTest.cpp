@@ -38,7 +38,9 @@ TEST(IncludeDirectionTest, foldersIncludeOnlyWhatLiesBelowThem) {
         {u"library"_s, {u"foundation"_s, u"store"_s, u"metadata"_s}},
         {u"google"_s, {u"foundation"_s, u"store"_s}},
         {u"sync"_s, {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s}},
-        {u"platform"_s, {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s}},
+        {u"platform"_s,
+         {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s, u"sync"_s,
+          u"ui"_s}},
         {u"ui"_s,
          {u"foundation"_s, u"store"_s, u"metadata"_s, u"library"_s, u"google"_s, u"sync"_s}},
         {u"app"_s,
@@ -64,7 +66,9 @@ TEST(IncludeDirectionTest, onlyTheUserInterfaceKnowsWindows) {
         "Q(Gui|Qml|Quick|Widget|Window|Application|Image|Pixmap|Painter|Icon|Color|Font|Menu|"
         "Action|SystemTray|Desktop|Clipboard))"_s);
     forEachInclude([](const QString& file, bool, const QString& name) {
-        EXPECT_TRUE(file.startsWith(u"app/ui/"_s) || !graphical.match(name).hasMatch())
+        const bool mayDraw = file.startsWith(u"ui/window/"_s) || file.startsWith(u"app/gui/"_s) ||
+                             file.startsWith(u"platform/linux/desktop/"_s);
+        EXPECT_TRUE(mayDraw || !graphical.match(name).hasMatch())
             << file.toStdString() << " includes " << name.toStdString();
     });
 }

@@ -1,6 +1,7 @@
 #include "platform/linux/UrlSchemeHandler.h"
 
 #include "foundation/File.h"
+#include "platform/linux/DesktopEntry.h"
 
 #include <QByteArrayList>
 
@@ -13,30 +14,6 @@ namespace {
 constexpr std::int64_t largestFile = 1 << 20;
 const QByteArray entryName = "quorvane-url-handler.desktop";
 
-/// A path as an argument of an Exec line: quoted, and escaped once as an argument, once as a text.
-QByteArray execArgument(const std::filesystem::path& path) {
-    QByteArray argument = "\"";
-    for (const char c : path.native()) {
-        switch (c) {
-        case '"':
-        case '`':
-        case '$':
-            argument += "\\\\";
-            break;
-        case '\\':
-            argument += "\\\\\\";
-            break;
-        case '%':
-            argument += '%';
-            break;
-        default:
-            break;
-        }
-        argument += c;
-    }
-    return argument + '"';
-}
-
 QByteArray desktopEntry(const QByteArray& type, const DesktopEnvironment& environment) {
     return "[Desktop Entry]\n"
            "Type=Application\n"
@@ -45,7 +22,7 @@ QByteArray desktopEntry(const QByteArray& type, const DesktopEnvironment& enviro
            "Terminal=false\n"
            "StartupNotify=false\n"
            "Exec=" +
-           execArgument(environment.programFolder / "quorvane-cli") +
+           desktopExecArgument(environment.programFolder / "quorvane-cli") +
            " handle-url %u\n"
            "MimeType=" +
            type + ";\n";

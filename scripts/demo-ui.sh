@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Starts the window over a sample library and a local Google Photos service, signed in. Everything
+# lives in a folder of its own, which goes away when the window is quit.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+export PATH="$PWD/build/bin:$PATH"
+. scripts/private-world.sh
+show=$(env | grep -E '^(DISPLAY|WAYLAND_DISPLAY|XAUTHORITY)=' || true)
+[ -n "$show" ] || { echo 'No display: make demo shows the same without one.' >&2; exit 1; }
+
+place=$(mktemp -d)
+trap 'stop_service; rm -rf "$place"' EXIT
+private_world "$place"
+start_service
+sign_in
+quorvane-sample-library "$place/pictures" >/dev/null
+mkdir -p "$HOME/Library/Application Support/Quorvane"
+# The library counts as chosen: a dry run remembers it without uploading anything.
+quorvane-cli sync --library "$place/pictures" --dry-run --quiet >/dev/null || true
+export $show
+echo 'Quorvane waits in the status bar (or opens its window); quit it to end the demonstration.'
+quorvane

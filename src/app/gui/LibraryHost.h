@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/Composition.h"
+#include "library/TaskRunner.h"
+#include "ui/LibrarySession.h"
+
+#include <functional>
+#include <optional>
+
+namespace quorvane {
+
+/// The library that the window works with: chosen once, remembered, opened at each start, replaced
+/// when another one is chosen. Main thread; looking at a disk happens elsewhere.
+class LibraryHost {
+  public:
+    using Answer = std::function<void(AuthorizationStatus)>;
+
+    LibraryHost(CoreServices& core, GoogleServices& google, DeletionConfirmation& confirmation);
+
+    /// Called with each library that proved readable, and with the session that works on it.
+    std::function<void(std::shared_ptr<const LibrarySession>)> onOpened;
+
+    /// The status of the remembered library, which is opened when it is readable; not determined
+    /// before any was chosen.
+    void openRemembered(Answer answer);
+
+    /// Opens the library at `path` and remembers it if it is readable; else the earlier one stays.
+    void open(const std::filesystem::path& path, Answer answer);
+
+    /// Starts and stops the discovery in the library that is open. None is open: nothing happens.
+    void startObserver();
+    void stopObserver();
+
+  private:
+    struct OpenLibrary;
+
+    void adopt(const std::shared_ptr<OpenLibrary>& library, AuthorizationStatus status,
+               const Answer& answer);
+
+    CoreServices& core_;
+    GoogleServices& google_;
+    DeletionConfirmation& confirmation_;
+    std::shared_ptr<OpenLibrary> open_;
+    TaskRunner tasks_; ///< last: its work uses the rest
+};
+
+} // namespace quorvane

@@ -1,0 +1,83 @@
+#include "app/gui/SystemDialogs.h"
+
+#include "foundation/File.h"
+#include "foundation/MainThread.h"
+
+#include <QFileDialog>
+#include <QIcon>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <future>
+
+namespace quorvane {
+
+SystemDialogs::~SystemDialogs() {
+    for (const auto& dialog : open_)
+        delete dialog.data();
+}
+
+void SystemDialogs::show(QWidget* dialog) {
+    std::erase_if(open_, [](const QPointer<QWidget>& gone) { return gone.isNull(); });
+    open_.emplace(dialog);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(QStringLiteral("Quorvane"));
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
+}
+
+void SystemDialogs::showAlert(const AlertText& text, std::function<void(bool)> answer) {
+    auto* box = new QMessageBox(text.isWarning ? QMessageBox::Warning : QMessageBox::Information,
+                                QStringLiteral("Quorvane"), text.message);
+    if (!text.isWarning)
+        box->setIconPixmap(QIcon(QStringLiteral(":/quorvane/AppIcon.svg")).pixmap(64, 64));
+    box->setInformativeText(text.information);
+    auto* primary = box->addButton(text.primaryButton, QMessageBox::AcceptRole);
+    auto* secondary = box->addButton(text.secondaryButton, QMessageBox::RejectRole);
+    box->setDefaultButton(primary);
+    box->setEscapeButton(secondary);
+    QObject::connect(box, &QMessageBox::finished, box, [box, primary, answer = std::move(answer)] {
+        answer(box->clickedButton() == primary);
+    });
+    show(box);
+}
+
+void SystemDialogs::chooseLibrary(
+    const std::filesystem::path& startAt,
+    std::function<void(std::optional<std::filesystem::path>)> answer) {
+    auto* dialog = new QFileDialog(nullptr, QString(), pathText(startAt));
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    QObject::connect(dialog, &QFileDialog::finished, dialog,
+                     [dialog, answer = std::move(answer)](int result) {
+                         const QStringList chosen = dialog->selectedFiles();
+                         if (result == QDialog::Accepted && !chosen.isEmpty())
+                             answer(pathFrom(chosen.first()));
+                         else
+                             answer(std::nullopt);
+                     });
+    show(dialog);
+    dialog->setWindowTitle(QStringLiteral("Fotoğraf Kitaplığını Seç"));
+}
+
+bool DialogConfirmation::confirmDeletion(int count) {
+    const auto answer = std::make_shared<std::promise<bool>>();
+    std::future<bool> answered = answer->get_future();
+    const AlertText text{
+        QStringLiteral("%1 öğe Çöp'e taşınsın mı?").arg(QLocale().toString(count)),
+        QStringLiteral("Bu öğelerin Google Photos'a yüklendiği doğrulandı. Asılları Çöp'e taşınır; "
+                       "Çöp boşaltılana kadar geri alınabilir."),
+        QStringLiteral("Çöp'e Taşı"), QStringLiteral("Vazgeç"), true};
+    onMainThread([dialogs = &dialogs_, text, answer] {
+        dialogs->showAlert(text, [answer](bool agreed) { answer->set_value(agreed); });
+    });
+    try {
+        return answered.get();
+    } catch (const std::future_error&) {
+        return false; // the dialog went away with the program
+    }
+}
+
+} // namespace quorvane

@@ -1,0 +1,69 @@
+#include "platform/linux/desktop/LinuxDesktop.h"
+
+#include "foundation/File.h"
+#include "platform/linux/DesktopEntry.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QUrl>
+#include <QVariantMap>
+
+namespace quorvane {
+
+LinuxDesktop::LinuxDesktop(DesktopEnvironment environment, Log& log)
+    : environment_(std::move(environment)), log_(log) {}
+
+void LinuxDesktop::notify(const QString& title, const QString& text) {
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        return; // no session: asking for its bus would start one
+    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.Notifications"),
+                                               QStringLiteral("/org/freedesktop/Notifications"),
+                                               QStringLiteral("org.freedesktop.Notifications"),
+                                               QStringLiteral("Notify"));
+    const uint replacesNone = 0;
+    const int serversOwnTime = -1;
+    call.setArguments({QStringLiteral("Quorvane"), replacesNone, QStringLiteral("quorvane"), title,
+                       text.toHtmlEscaped(), QStringList(),
+                       QVariantMap{{QStringLiteral("desktop-entry"), QStringLiteral("quorvane")}},
+                       serversOwnTime});
+    QDBusConnection::sessionBus().send(call);
+}
+
+void LinuxDesktop::open(const std::filesystem::path& file) {
+    if (!opener_.open(QUrl::fromLocalFile(pathText(file))))
+        log_.log(QStringLiteral("[Desktop] ⚠️ Dosya açılamadı: ") + pathText(file));
+}
+
+std::filesystem::path LinuxDesktop::autostartEntry() const {
+    return environment_.configHome / "autostart/quorvane.desktop";
+}
+
+bool LinuxDesktop::startsAtLogin() const {
+    std::error_code ignored;
+    return std::filesystem::exists(autostartEntry(), ignored);
+}
+
+void LinuxDesktop::setStartsAtLogin(bool starts) {
+    const std::filesystem::path entry = autostartEntry();
+    std::error_code failure;
+    if (!starts) {
+        std::filesystem::remove(entry, failure);
+    } else {
+        std::filesystem::create_directories(entry.parent_path(), failure);
+        try {
+            replaceFile(entry,
+                        "[Desktop Entry]\n"
+                        "Type=Application\n"
+                        "Name=Quorvane\n"
+                        "Icon=quorvane\n"
+                        "Terminal=false\n"
+                        "Exec=" +
+                            desktopExecArgument(environment_.programFolder / "quorvane") + '\n',
+                        0644);
+        } catch (const FileError& error) {
+            log_.log(QStringLiteral("[Desktop] ⚠️ ") + error.localizedDescription());
+        }
+    }
+}
+
+} // namespace quorvane

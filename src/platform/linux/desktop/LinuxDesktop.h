@@ -1,0 +1,30 @@
+#pragma once
+
+#include "foundation/Log.h"
+#include "platform/linux/BrowserProcess.h"
+#include "platform/linux/DesktopEnvironment.h"
+#include "ui/Desktop.h"
+
+namespace quorvane {
+
+/// The freedesktop.org desktop: its notification service, its autostart folder, and xdg-open. Main
+/// thread.
+class LinuxDesktop final : public Desktop {
+  public:
+    LinuxDesktop(DesktopEnvironment environment, Log& log);
+
+    /// Nothing is waited for: a session without a notification service shows nothing.
+    void notify(const QString& title, const QString& text) override;
+    void open(const std::filesystem::path& file) override;
+    bool startsAtLogin() const override;
+    void setStartsAtLogin(bool starts) override;
+
+  private:
+    std::filesystem::path autostartEntry() const;
+
+    const DesktopEnvironment environment_;
+    Log& log_;
+    BrowserProcess opener_;
+};
+
+} // namespace quorvane
