@@ -123,13 +123,17 @@ void GoogleBatchCoordinator::enqueue(const QString& token, const SyncRecord& rec
                 startTimer(std::move(stop));
             return;
         }
+        // Taken at once: an entry of the other upload would otherwise make it a batch of 25 and 1.
+        std::ranges::move(buffer_, std::back_inserter(fullBatches_));
+        buffer_.clear();
+        stopTimer();
     }
-    flush(std::move(stop));
+    sendBuffered(Part::fullBatches, stop);
 }
 
 std::size_t GoogleBatchCoordinator::bufferedCount() const {
     const std::lock_guard lock(mutex_);
-    return buffer_.size();
+    return fullBatches_.size() + buffer_.size();
 }
 
 std::optional<QString> GoogleBatchCoordinator::takeStoreRefusal() {
@@ -161,24 +165,31 @@ void GoogleBatchCoordinator::runTimer(std::stop_token end) noexcept {
     }
 }
 
-/// The whole buffer, which is left empty and without a timer.
-std::vector<GoogleBatchCoordinator::Entry> GoogleBatchCoordinator::takeBuffer() {
-    std::optional<FlushTimer> timer;
-    std::vector<Entry> entries;
-    {
-        const std::lock_guard lock(mutex_);
-        timer.swap(flushTimer_);
-        entries.swap(buffer_);
-    }
-    if (timer)
+/// Called with `mutex_` held.
+void GoogleBatchCoordinator::stopTimer() {
+    if (const auto timer = std::exchange(flushTimer_, std::nullopt))
         timer->cancel.request_stop();
+}
+
+std::vector<GoogleBatchCoordinator::Entry> GoogleBatchCoordinator::takeBuffered(Part part) {
+    const std::lock_guard lock(mutex_);
+    std::vector<Entry> entries = std::exchange(fullBatches_, {});
+    if (part == Part::everything) {
+        std::ranges::move(buffer_, std::back_inserter(entries));
+        buffer_.clear();
+        stopTimer();
+    }
     return entries;
 }
 
 void GoogleBatchCoordinator::flush(std::stop_token stop) {
+    sendBuffered(Part::everything, stop);
+}
+
+void GoogleBatchCoordinator::sendBuffered(Part part, const std::stop_token& stop) {
     const std::lock_guard sending(sending_);
     try {
-        sendAll(takeBuffer(), stop);
+        sendAll(takeBuffered(part), stop);
     } catch (const Cancelled&) {
         log_.log(QStringLiteral("[Batch] İptal algılandı, batch öğeleri STAGED olarak korunuyor"));
     }

@@ -76,9 +76,13 @@ class GoogleBatchCoordinator {
         std::stop_source cancel;
     };
 
+    enum class Part { fullBatches, everything };
+
     void startTimer(std::stop_token run);
+    void stopTimer();
     void runTimer(std::stop_token end) noexcept;
-    std::vector<Entry> takeBuffer();
+    std::vector<Entry> takeBuffered(Part part);
+    void sendBuffered(Part part, const std::stop_token& stop);
 
     void sendAll(std::vector<Entry> entries, const std::stop_token& stop);
     std::vector<Entry> sendBatch(const std::vector<Entry>& batch, const std::stop_token& stop);
@@ -110,8 +114,9 @@ class GoogleBatchCoordinator {
     /// request after the other, and a roll-over must happen once. Taken before `mutex_`.
     std::mutex sending_;
 
-    mutable std::mutex mutex_; ///< guards the fields below; never held on the network
-    std::vector<Entry> buffer_;
+    mutable std::mutex mutex_;       ///< guards the fields below; never held on the network
+    std::vector<Entry> buffer_;      ///< fewer than `batchSize`
+    std::vector<Entry> fullBatches_; ///< wait for their turn to be sent
     std::optional<QString> storeRefusal_;
     std::optional<FlushTimer> flushTimer_; ///< set while a timed flush is pending
     std::condition_variable_any timerStarted_;
