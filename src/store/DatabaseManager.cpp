@@ -106,12 +106,29 @@ void DatabaseManager::open(Console& console) {
     }
     connection_->setBusyTimeout(busyTimeoutMilliseconds);
     for (const char* sql :
-         {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::schema}) {
-        try {
-            connection_->execute(sql);
-        } catch (const sqlite::SqliteError&) { // NOLINT(bugprone-empty-catch)
-            // A file that is no database fails again, with its reason, at the first real statement.
-        }
+         {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::synchronous,
+          statements::schema, statements::partialIndexes})
+        tryToExecute(sql);
+    if (!hasPlanStatistics() && !tryToExecute(statements::planStatistics))
+        tryToExecute(statements::rollback); // they are a matter of speed only
+}
+
+/// A file that is no database fails again, with its reason, at the first real statement.
+bool DatabaseManager::tryToExecute(const char* sql) {
+    try {
+        connection_->execute(sql);
+        return true;
+    } catch (const sqlite::SqliteError&) {
+        return false;
+    }
+}
+
+/// They are part of the file: its first program writes them, the others read them on opening.
+bool DatabaseManager::hasPlanStatistics() {
+    try {
+        return sqlite::Statement(*connection_, statements::hasPlanStatistics).step();
+    } catch (const sqlite::SqliteError&) { // the table of statistics is not there yet
+        return false;
     }
 }
 

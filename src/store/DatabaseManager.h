@@ -96,6 +96,8 @@ class DatabaseManager {
     }
 
     void open(Console& console);
+    bool tryToExecute(const char* sql);
+    bool hasPlanStatistics();
     sqlite::Connection& connection();
     void write(const char* sql, const Bind& bind = {});
     int count(const char* sql);

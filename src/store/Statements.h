@@ -23,6 +23,42 @@ inline constexpr const char* schema =
 CREATE INDEX IF NOT EXISTS idx_sync_status ON sync_records(sync_status);
 CREATE INDEX IF NOT EXISTS idx_updated_at  ON sync_records(updated_at);)sql";
 
+/// A commit is safe from a crash of the program at once, and from a power cut at the next
+/// checkpoint. What a power cut takes back is made good by the next run: an asset is discovered,
+/// staged (its file is reused) or uploaded (the service knows the same bytes) once more. A flush of
+/// the disk per record would buy nothing for several milliseconds each.
+inline constexpr const char* synchronous = "PRAGMA synchronous=NORMAL;";
+
+/// Serve the queries that are asked again and again over a few of very many records.
+inline constexpr const char* partialIndexes =
+    R"sql(CREATE INDEX IF NOT EXISTS idx_pending ON sync_records(created_at)
+    WHERE sync_status IN ('DISCOVERED', 'STAGED');
+CREATE INDEX IF NOT EXISTS idx_failed ON sync_records(sync_status, last_error)
+    WHERE sync_status = 'FAILED';
+CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
+    WHERE sync_status IN ('FAILED', 'DATE_UNRESOLVED');)sql";
+
+inline constexpr const char* hasPlanStatistics =
+    R"sql(SELECT 1 FROM sqlite_stat1 WHERE idx = 'idx_unfinished')sql";
+
+/// Without numbers SQLite takes a status for rare and sorts all records that have it. These say
+/// what a full store looks like, so that the plans are the same from the first record to the last;
+/// an ANALYZE of a young store would say otherwise. Each number: rows in the index, then rows per
+/// value of its first column, of its first two, and so on.
+inline constexpr const char* planStatistics =
+    R"sql(BEGIN IMMEDIATE;
+ANALYZE sqlite_schema;
+DELETE FROM sqlite_stat1 WHERE tbl = 'sync_records';
+INSERT INTO sqlite_stat1(tbl, idx, stat) VALUES
+    ('sync_records', 'sqlite_autoindex_sync_records_1', '200000 1 1 1'),
+    ('sync_records', 'idx_sync_status', '200000 50000'),
+    ('sync_records', 'idx_updated_at', '200000 20'),
+    ('sync_records', 'idx_pending', '100000 1000'),
+    ('sync_records', 'idx_failed', '10000 10000 1000'),
+    ('sync_records', 'idx_unfinished', '10000 10');
+COMMIT;
+ANALYZE sqlite_schema;)sql";
+
 inline constexpr const char* insertDiscovered =
     R"sql(INSERT OR IGNORE INTO sync_records
     (asset_local_identifier, provider_id, account_id, media_type,

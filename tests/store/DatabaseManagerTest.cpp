@@ -1,5 +1,6 @@
 #include "store/DatabaseManager.h"
 
+#include "store/Statements.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -196,6 +197,38 @@ TEST_F(DatabaseManagerTest, waitsForAnotherProcessThatWrites) {
     other.execute("COMMIT");
     writer.join();
     EXPECT_EQ(db.countPendingRecords(), 1);
+}
+
+TEST_F(DatabaseManagerTest, asksForAFewOfVeryManyRecordsWithoutSortingThemAll) {
+    const struct {
+        const char* sql;
+        const char* plan;
+    } cases[] = {
+        {statements::fetchPending, "SCAN sync_records USING INDEX idx_pending"},
+        {statements::fetchUnfinished, "SCAN sync_records USING INDEX idx_unfinished"},
+        {statements::fetchVerified, "SCAN sync_records USING INDEX idx_updated_at"},
+        {statements::failuresByError,
+         "SEARCH sync_records USING COVERING INDEX idx_failed (sync_status=?)"},
+        {statements::countPending,
+         "SEARCH sync_records USING COVERING INDEX idx_sync_status (sync_status=?)"},
+        {statements::countFailed,
+         "SEARCH sync_records USING COVERING INDEX idx_failed (sync_status=?)"},
+        {statements::countDateUnresolved,
+         "SEARCH sync_records USING COVERING INDEX idx_sync_status (sync_status=?)"},
+        {statements::countByStatus, "SCAN sync_records USING COVERING INDEX idx_sync_status"},
+        {statements::updateStatus,
+         "SEARCH sync_records USING INDEX sqlite_autoindex_sync_records_1 "
+         "(asset_local_identifier=? AND provider_id=? AND account_id=?)"},
+    };
+    for (const auto& each : cases) {
+        sqlite::Connection other(file, sqlite::Connection::Mode::readOnly);
+        sqlite::Statement plan(other,
+                               QStringLiteral("EXPLAIN QUERY PLAN ") + QLatin1String(each.sql));
+        QStringList steps;
+        while (plan.step())
+            steps.append(plan.text(3));
+        EXPECT_EQ(steps, QStringList{QString::fromLatin1(each.plan)}) << each.sql;
+    }
 }
 
 TEST(DatabaseManagerOnForeignFiles, leavesThemAsTheyAreAndSaysSo) {
