@@ -35,7 +35,8 @@ class ActiveTransfer {
 
 } // namespace
 
-SyncCoordinator::SyncCoordinator(Services services) : s_(services) {}
+SyncCoordinator::SyncCoordinator(Services services, StageAhead::Limits stagingLimits)
+    : s_(services), stagingLimits_(stagingLimits) {}
 
 SyncCoordinator::Summary SyncCoordinator::drainPendingQueue(bool deletionEnabled,
                                                             ProgressHandler progressHandler) {
@@ -48,8 +49,11 @@ SyncCoordinator::Summary SyncCoordinator::drainPendingQueue(bool deletionEnabled
         unavailable_.clear();
         currentProgressHandler_ = std::move(progressHandler);
     }
-    if (!s_.flags.isCancelled())
+    if (!s_.flags.isCancelled()) {
+        stageAhead_.emplace(s_.staging, s_.db, s_.flags.stopToken(), stagingLimits_);
         runPasses();
+        stageAhead_.reset(); // nothing is staged any more while originals are deleted
+    }
     if (!s_.flags.isCancelled())
         s_.deletion.performDeletion(deletionEnabled, s_.flags.stopToken());
 
@@ -69,10 +73,8 @@ int SyncCoordinator::pendingOrZero() {
 }
 
 void SyncCoordinator::runPasses() {
-    for (int pass = 1;; ++pass) {
-        const int pending = pendingOrZero();
-        if (pending == 0)
-            return;
+    int pending = pendingOrZero();
+    for (int pass = 1; pending > 0; ++pass) {
         s_.log.log(
             QStringLiteral("[Sync] Kuyruk gecisi %1: %2 medya bekliyor").arg(pass).arg(pending));
         const bool triedAny = runSyncLoop();
@@ -80,7 +82,8 @@ void SyncCoordinator::runPasses() {
             s_.log.log(QStringLiteral("[Sync] İptal bayrağı algılandı, döngü sonlandırılıyor"));
             return;
         }
-        catchUpProgress();
+        pending = pendingOrZero();
+        catchUpProgress(pending);
         if (onPassEnded)
             onPassEnded();
         {
@@ -97,7 +100,7 @@ void SyncCoordinator::runPasses() {
             return;
         }
         if (pass >= maximumSyncPasses) {
-            if (pendingOrZero() > 0)
+            if (pending > 0)
                 s_.log.log(QStringLiteral("[Sync] Güvenlik sinirina ulasildi; kuyruk sonraki "
                                           "esitlemede devam edecek."));
             return;
@@ -126,6 +129,9 @@ bool SyncCoordinator::runSyncLoop() {
         s_.console.print(QStringLiteral("[Sync] Bekleyen kayit yok"));
         return false;
     }
+    stageAhead_->expect(records);
+    if (records.size() > passSize)
+        records.resize(passSize);
     s_.console.print(QStringLiteral("[Sync] %1 kayit isleniyor").arg(records.size()));
     processAll(std::move(records));
     s_.batchCoord.flush(s_.flags.stopToken());
@@ -136,20 +142,17 @@ bool SyncCoordinator::runSyncLoop() {
     return true;
 }
 
-/// The oldest pending records without those found unavailable. They stay pending at the head of the
-/// queue, so the window is widened by their number.
+/// The oldest pending records without those found unavailable: this pass, and the next one for the
+/// staging to go on with. The unavailable stay pending at the head of the queue, so the window is
+/// widened by their number. Called between two passes, when no worker runs.
 std::vector<SyncRecord> SyncCoordinator::nextRecords() {
-    std::set<QString> unavailable;
-    {
-        const std::lock_guard lock(mutex_);
-        unavailable = unavailable_;
-    }
-    auto records = s_.db.fetchPendingRecords(passSize + static_cast<int>(unavailable.size()));
+    constexpr std::size_t window = 2 * passSize;
+    auto records = s_.db.fetchPendingRecords(static_cast<int>(window + unavailable_.size()));
     std::erase_if(records, [&](const SyncRecord& record) {
-        return unavailable.contains(record.assetLocalIdentifier);
+        return unavailable_.contains(record.assetLocalIdentifier);
     });
-    if (records.size() > passSize)
-        records.resize(passSize);
+    if (records.size() > window)
+        records.resize(window);
     return records;
 }
 
@@ -196,7 +199,7 @@ void SyncCoordinator::processRecord(const SyncRecord& record) noexcept {
 }
 
 void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
-    const auto file = stagedFile(record, stop);
+    const auto file = stageAhead_->take(record, stop);
     if (!file)
         return leaveOut(record);
     if (!passesDateGate(record, *file))
@@ -215,24 +218,6 @@ void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
         s_.batchCoord.enqueue(token, record, name, stop);
     }
     finishRecord(bytes);
-}
-
-/// The record's staged file; staging is asked first for its usual ten, then, because those may all
-/// be waiting for their batch, once more for this very record.
-std::optional<std::filesystem::path> SyncCoordinator::stagedFile(const SyncRecord& record,
-                                                                 std::stop_token stop) {
-    const std::lock_guard turn(stagingTurn_);
-    if (auto file = s_.staging.findStagingFile(record.assetLocalIdentifier))
-        return file;
-    // A staged file that was lost since: only DISCOVERED records are staged.
-    s_.db.ifStatusIs(SyncStatus::staged, record,
-                     [&] { setStatus(record, SyncStatus::discovered); });
-    s_.staging.stageDiscoveredAssets(stop);
-    if (auto file = s_.staging.findStagingFile(record.assetLocalIdentifier))
-        return file;
-    if (!s_.staging.isUnavailable(record.assetLocalIdentifier))
-        s_.staging.stageDiscoveredAssets({record}, stop);
-    return s_.staging.findStagingFile(record.assetLocalIdentifier);
 }
 
 /// No file came of the record. Unless its staging failed, it stays pending for a later run.
@@ -334,8 +319,7 @@ void SyncCoordinator::finishRecord(std::int64_t bytes) {
 }
 
 /// Counts what left the queue in another way (failed, held back), never running backwards.
-void SyncCoordinator::catchUpProgress() {
-    const int pending = pendingOrZero();
+void SyncCoordinator::catchUpProgress(int pending) {
     {
         const std::lock_guard lock(mutex_);
         summary_.completed = std::max(summary_.completed, summary_.total - pending);

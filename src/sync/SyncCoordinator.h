@@ -8,6 +8,7 @@
 #include "metadata/MediaMetadataService.h"
 #include "store/DatabaseManager.h"
 #include "sync/RunFlags.h"
+#include "sync/StageAhead.h"
 
 #include <functional>
 #include <mutex>
@@ -20,7 +21,8 @@ QString uploadName(const SyncRecord& record, const std::filesystem::path& staged
 
 /// Drives a sync run: drains the pending records in passes of at most 50, at most two in flight,
 /// each through staging, date gate, upload and batch creation; backs off after failures; at the end
-/// lets safe deletion do its work. One run at a time (`RunFlags`).
+/// lets safe deletion do its work. While records upload, the next ones are staged ahead. One run at
+/// a time (`RunFlags`).
 class SyncCoordinator {
   public:
     /// (completed, total); called on the main thread.
@@ -53,7 +55,7 @@ class SyncCoordinator {
         std::optional<QString> storeFailure; ///< the run ended because the store refused a write
     };
 
-    explicit SyncCoordinator(Services services);
+    explicit SyncCoordinator(Services services, StageAhead::Limits stagingLimits = {});
 
     /// One whole run; blocks its caller until it is over. The caller has set the run flags.
     Summary drainPendingQueue(bool deletionEnabled, ProgressHandler progressHandler = {});
@@ -82,7 +84,6 @@ class SyncCoordinator {
 
     void processRecord(const SyncRecord& record) noexcept;
     void upload(const SyncRecord& record, std::stop_token stop);
-    std::optional<std::filesystem::path> stagedFile(const SyncRecord& record, std::stop_token stop);
     void leaveOut(const SyncRecord& record);
     bool passesDateGate(const SyncRecord& record, const std::filesystem::path& file);
     void recordContent(SyncRecord record, const std::filesystem::path& file);
@@ -91,18 +92,19 @@ class SyncCoordinator {
     void setStatus(const SyncRecord& record, SyncStatus status,
                    const std::optional<QString>& error = {});
     void finishRecord(std::int64_t bytes);
-    void catchUpProgress();
+    void catchUpProgress(int pending);
     void reportProgress();
 
     Services s_;
-
-    std::mutex stagingTurn_; ///< one worker at a time looks for, then asks for, a staged file
+    StageAhead::Limits stagingLimits_;
 
     std::mutex mutex_; ///< guards everything below; never held over network or disk
     ProgressHandler currentProgressHandler_;
     Summary summary_;
     int consecutiveErrors_ = 0;
     std::set<QString> unavailable_; ///< found without a file in this run; not tried again in it
+
+    std::optional<StageAhead> stageAhead_; ///< while the passes of a run last; not guarded
 };
 
 } // namespace quorvane

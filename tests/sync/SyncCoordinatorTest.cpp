@@ -5,7 +5,6 @@
 
 #include <QJsonArray>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace quorvane {
@@ -62,7 +61,8 @@ TEST_F(SyncRun, DrainsInPassesOfFiftyWithTwoUploadsAtOnce) {
         sent += sizeOf(batch);
         passEnds.push_back(sent);
     }
-    EXPECT_THAT(passEnds, testing::IsSupersetOf({25, 50, 75, 100, 120}));
+    EXPECT_EQ(passEnds, (std::vector{25, 50, 75, 100, 120}))
+        << "no batch of one by the other upload";
     EXPECT_EQ(program.http.mostAtOnce(), 2);
 
     EXPECT_TRUE(alwaysOnMainThread);
@@ -178,8 +178,48 @@ TEST_F(SyncRun, WhatTheLibraryCannotHandOutKeepsNobodyWaiting) {
         program.messagesWith(u"alınamıyor"_s),
         QStringList{u"[Sync] ⚠️ 60 medya şu anda arşivden alınamıyor; sonraki eşitlemede "
                     "yeniden denenecek."_s});
-    EXPECT_LE(program.linesWith(u"Asset bulunamadı"_s).size(), 60 * 12)
-        << "each asks for its usual ten and for itself";
+    EXPECT_EQ(program.linesWith(u"Asset bulunamadı"_s).size(), 60) << "each says so once a run";
+}
+
+TEST_F(SyncRun, StagesTheNextRecordsWhileTheFirstOnesUpload) {
+    constexpr int inFlight = SyncCoordinator::maxConcurrent;
+    const std::pair<StageAhead::Limits, int> cases[] = {
+        {{}, 50}, {{.records = 3}, 3}, {{.bytes = 1}, 1}, {{.freeBytes = UINTMAX_MAX}, 0}};
+    world.addPictures(70); // more than a pass
+    world.google.change([](auto& behaviour) { behaviour.latency = std::chrono::minutes(1); });
+    for (const auto& [limits, ahead] : cases) {
+        SCOPED_TRACE(ahead);
+        std::filesystem::remove_all(world.folder / "home");
+        SyncProgram program(world, limits);
+        program.discover();
+        program.start();
+        EXPECT_TRUE(test::waitOnMainThread(
+            [&, all = inFlight + ahead] { return program.counts()[SyncStatus::staged] >= all; }));
+        program.stop();
+        program.finish();
+        EXPECT_EQ(program.stagedFiles(), inFlight + ahead);
+        EXPECT_EQ(program.counts()[SyncStatus::staged], ahead);
+    }
+}
+
+TEST_F(SyncRun, AServiceThatIsDownForAnHourCostsEachPictureOneTry) {
+    world.addPictures(70);
+    world.google.addFault(refusal(1, 0));
+    SyncProgram program(world);
+    program.discover();
+    program.clock.skipSleeps(true);
+    program.run();
+    milliseconds waited(0);
+    for (const milliseconds wait : program.clock.sleeps())
+        waited += wait;
+    EXPECT_GT(waited, std::chrono::hours(1));
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::failed, 70}}));
+    EXPECT_EQ(world.google.requests().size(), 70U);
+    EXPECT_EQ(program.printed.size(), 2 * 70 + 2) << "staged, failed; and one line a pass";
+    world.google.clearFaults();
+    program.database.retryFailedRecords(true);
+    program.run();
+    expectAllStoredOnce(world, program, 70);
 }
 
 TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 namespace quorvane {
 
 namespace {
@@ -20,6 +22,7 @@ constexpr milliseconds stopsWithin{500};
 
 struct Interrupted : testing::Test {
     SyncWorld world;
+    std::mt19937 random{std::random_device()()};
 };
 
 } // namespace
@@ -100,6 +103,27 @@ TEST(InterruptedOnItsOwn, AStopDuringABatchLeavesItsRecordsStaged) {
         program.run();
         expectAllStoredOnce(world, program, count);
     }
+}
+
+TEST_F(Interrupted, AStopAtARandomInstantIsFeltAtOnce) {
+    constexpr int stops = 20;
+    world.addPictures(100);
+    world.google.change([](auto& behaviour) { behaviour.latency = milliseconds(30); });
+    std::vector<milliseconds> latencies;
+    for (int i = 0; i < stops; ++i) {
+        SyncProgram program(world, world.folder / "homes" / std::to_string(i));
+        program.discover();
+        std::uniform_int_distribution<int> instant(0, 400);
+        const auto deadline = std::chrono::steady_clock::now() + milliseconds(instant(random));
+        program.start();
+        test::waitOnMainThread([&] { return std::chrono::steady_clock::now() >= deadline; });
+        latencies.push_back(program.stop());
+        EXPECT_TRUE(program.finish().cancelled);
+        EXPECT_EQ(program.counts().count(SyncStatus::failed), 0U);
+    }
+    std::ranges::sort(latencies);
+    EXPECT_LT(latencies[stops / 2], milliseconds(100));
+    EXPECT_LT(latencies.back(), stopsWithin);
 }
 
 TEST_F(Interrupted, AStopBeforeTheFirstPassDoesNothing) {

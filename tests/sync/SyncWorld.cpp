@@ -50,7 +50,8 @@ HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop)
     return response;
 }
 
-SyncProgram::SyncProgram(SyncWorld& world, const std::filesystem::path& home)
+SyncProgram::SyncProgram(SyncWorld& world, const std::filesystem::path& home,
+                         StageAhead::Limits stagingLimits)
     : pictures_(world.pictures),
       folders_{home, home / "Pictures", home / "temporary"},
       preferences(folders_.preferences()),
@@ -64,7 +65,8 @@ SyncProgram::SyncProgram(SyncWorld& world, const std::filesystem::path& home)
       albums(http, tokens_, preferences, log, endpoints),
       batches(http, tokens_, albums, database, preferences, log, console, batchClock, endpoints),
       coordinator({database, staging, metadata, uploadTask, batches, tracker, deletion, preferences,
-                   flags, log, console, clock}) {
+                   flags, log, console, clock},
+                  stagingLimits) {
     tokens_.token = world.accessToken;
     batches.onStopAtLimit = [this] { flags.cancel(); };
 }
@@ -127,6 +129,13 @@ Counts SyncProgram::counts() {
 
 std::filesystem::path SyncProgram::stagedPath(const QString& name) const {
     return staging.permanentFolder() / stagedFileName(identifierOf(name), name);
+}
+
+int SyncProgram::stagedFiles() const {
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(staging.permanentFolder()))
+        files += entry.path().extension() == ".jpg" ? 1 : 0;
+    return files;
 }
 
 void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count) {

@@ -64,8 +64,10 @@ class WatchedHttp final : public HttpClient {
 /// the batches' own stands still: nothing is sent before the 25th entry or the end of a pass.
 class SyncProgram {
   public:
-    explicit SyncProgram(SyncWorld& world) : SyncProgram(world, world.folder / "home") {}
-    SyncProgram(SyncWorld& world, const std::filesystem::path& home);
+    explicit SyncProgram(SyncWorld& world, StageAhead::Limits stagingLimits = {})
+        : SyncProgram(world, world.folder / "home", stagingLimits) {}
+    SyncProgram(SyncWorld& world, const std::filesystem::path& home,
+                StageAhead::Limits stagingLimits = {});
 
     /// Records every picture of the library as DISCOVERED, in its order.
     void discover();
@@ -87,6 +89,7 @@ class SyncProgram {
     QStringList linesWith(const QString& part) const { return printed.filter(part); }
     QStringList messagesWith(const QString& part) const { return log.messages().filter(part); }
     std::filesystem::path stagedPath(const QString& name) const;
+    int stagedFiles() const;
 
   private:
     struct NoConfirmation final : DeletionConfirmation {

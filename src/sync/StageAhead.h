@@ -1,0 +1,80 @@
+#pragma once
+
+#include "library/AssetStagingService.h"
+#include "store/DatabaseManager.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <map>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <tuple>
+
+namespace quorvane {
+
+/// Stages the records of a sync run ahead of its uploads, on one thread of its own and in their
+/// order, so that an upload never waits for staging that could have been done before it. What is
+/// staged and not yet taken is bounded; a record that is waited for is staged whatever the bounds.
+/// The thread ends with the object; a stop of the run ends it as well.
+class StageAhead {
+  public:
+    struct Limits {
+        std::size_t records = 50;                            ///< one pass
+        std::int64_t bytes = std::int64_t{2} << 30;          ///< staged and not taken
+        std::uintmax_t freeBytes = std::uintmax_t{1} << 30U; ///< left on the disk
+    };
+
+    StageAhead(AssetStagingService& staging, DatabaseManager& database, const std::stop_token& run,
+               Limits limits);
+    ~StageAhead();
+    StageAhead(const StageAhead&) = delete;
+    StageAhead& operator=(const StageAhead&) = delete;
+
+    /// The pending records from now on, in the order in which they will be taken. What is staged of
+    /// them already stays so.
+    void expect(const std::vector<SyncRecord>& records);
+
+    /// Waits for the staged file of an expected record, each of which is taken once. None when no
+    /// file came of it. Throws `Cancelled`, and `DBError` when the store refused. Any thread.
+    std::optional<std::filesystem::path> take(const SyncRecord& record,
+                                              const std::stop_token& stop);
+
+  private:
+    using Key = std::tuple<QString, QString, QString>; ///< asset, provider, account
+    struct Staged {
+        std::optional<std::filesystem::path> file;
+        std::int64_t bytes = 0;
+        std::exception_ptr error; ///< why it is not known whether there is a file
+    };
+
+    static Key keyOf(const SyncRecord& record);
+    void run(const std::stop_token& stop) noexcept;
+    std::optional<SyncRecord> next(const std::stop_token& stop);
+    Staged stage(const SyncRecord& record, const std::stop_token& stop) noexcept;
+    std::optional<std::filesystem::path> stagedFile(const SyncRecord& record,
+                                                    const std::stop_token& stop);
+    bool hasRoom() const;
+    bool isDiskLow() const;
+
+    AssetStagingService& staging_;
+    DatabaseManager& database_;
+    const Limits limits_;
+
+    std::mutex mutex_; ///< guards the fields below; never held over the disk
+    std::condition_variable_any changed_;
+    std::deque<SyncRecord> queue_;
+    std::optional<Key> inHand_;
+    std::map<Key, Staged> staged_; ///< not taken yet
+    std::int64_t stagedBytes_ = 0;
+    bool diskIsLow_ = false;
+    std::set<Key> awaited_; ///< not staged yet, and an upload waits for it
+
+    std::jthread thread_;
+    /// Stops the thread with the run. After it, so that it goes first.
+    std::stop_callback<std::function<void()>> onStop_;
+};
+
+} // namespace quorvane
