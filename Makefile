@@ -1,5 +1,5 @@
 # The front door: every target works from a clean clone on Debian 12.
-.PHONY: help build demo demo-ui run test bench fuzz format lint setup clean
+.PHONY: help build demo demo-ui run test bench soak fuzz format lint setup clean
 
 help:
 	@echo 'make demo    build, then back up a sample library to a local Google Photos service'
@@ -8,6 +8,7 @@ help:
 	@echo 'make test    build and run every test (development, address and thread sanitizer)'
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure'
+	@echo 'make soak    kill the program at random instants for 20 minutes (MINUTES=n: for n)'
 	@echo 'make setup   install the Debian packages that are missing (the others call it)'
 	@echo 'make format  format the sources; make lint: check them'
 
@@ -37,6 +38,10 @@ test:
 bench: build
 	@scripts/setup.sh build bench
 	@scripts/bench.sh
+
+soak: build
+	@scripts/setup.sh build test bench
+	@scripts/soak.sh $(MINUTES)
 
 fuzz:
 	@scripts/setup.sh build fuzz
