@@ -98,12 +98,13 @@ class PartFile {
     int fd() const { return file_.get(); }
     const std::filesystem::path& path() const { return path_; }
 
+    /// The content is flushed first, so that a whole name never stands for half a file. The folder
+    /// is not: a name that a power cut takes back is exported again.
     void publish(const std::filesystem::path& destination) {
         flushFile(file_.get(), path_);
         if (::rename(path_.c_str(), destination.c_str()) != 0)
             throw FileError(QStringLiteral("Dosya yerine konamadı"), destination, errno);
         file_ = FileDescriptor();
-        flushFolder(destination.parent_path());
     }
 
   private:
