@@ -86,7 +86,7 @@ class TemporaryFile {
 
     /// Throws `FileError`.
     void write(const Rewrite& rewrite, const MappedFile& source) {
-        rewrite.writeTo(descriptor_.get(), source.bytes(), path_);
+        rewrite.writeTo(descriptor_.get(), source, path_);
         // As far as the system lets us: a foreign owner is no reason to fail.
         const struct stat& like = source.information();
         const bool owned = ::fchown(descriptor_.get(), like.st_uid, like.st_gid) == 0;

@@ -20,9 +20,11 @@ class MappedFile {
     ~MappedFile();
 
     ByteView bytes() const noexcept { return bytes_; }
+    int descriptor() const noexcept { return file_.get(); }
     const struct stat& information() const noexcept { return information_; }
 
   private:
+    FileDescriptor file_;
     struct stat information_ {};
     ByteView bytes_;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/ByteReader.h"
+#include "metadata/MappedFile.h"
 
 #include <QByteArray>
 
@@ -34,7 +35,7 @@ class Rewrite {
     bool isIdentity(ByteView source) const;
 
     /// Writes the new file at the descriptor's position. Throws `FileError` naming `path`.
-    void writeTo(int fd, ByteView source, const std::filesystem::path& path) const;
+    void writeTo(int fd, const MappedFile& source, const std::filesystem::path& path) const;
 
     /// The new file in memory.
     QByteArray apply(ByteView source) const;
