@@ -11,10 +11,6 @@ namespace quorvane::fuzz {
 template <class Read, class Replace>
 void checkReplacedExif(ByteView file, Read read, Replace replace) {
     const QByteArray exif("MM\0*\0\0\0\x08\0\0\0\0\0\0\0", 15);
-    const auto viewOf = [](const QByteArray& bytes) {
-        return ByteView(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-                        static_cast<size_t>(bytes.size()));
-    };
     QByteArray once;
     try {
         read(file);

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 using namespace quorvane;
-using test::viewOf;
 
 namespace {
 

@@ -37,7 +37,7 @@ HeifTestFile pictureWithoutExif() {
 }
 
 QByteArray replaced(const QByteArray& file, const QByteArray& block) {
-    return heif::replaceExif(view(file), view(block)).apply(view(file));
+    return heif::replaceExif(viewOf(file), viewOf(block)).apply(viewOf(file));
 }
 
 /// The Exif item of the primary image in a file that the product wrote.
@@ -60,7 +60,7 @@ void expectOnlyExifChanged(const QByteArray& before, const QByteArray& after,
     const std::uint32_t exif = exifItem(is);
     EXPECT_EQ(is.types.at(exif), "Exif");
     EXPECT_TRUE(is.items.at(exif).endsWith(block));
-    EXPECT_EQ(heif::readExif(view(after)), block);
+    EXPECT_EQ(heif::readExif(viewOf(after)), block);
     for (const auto& [id, bytes] : was.items) {
         EXPECT_TRUE(id == exif || is.items.at(id) == bytes) << "item " << id;
     }
@@ -165,7 +165,7 @@ TEST_P(HeifLayoutTest, ExifIsReplacedAndEverythingElseStays) {
     HeifTestFile shape = picture();
     GetParam().shape(shape);
     const QByteArray file = shape.build();
-    ASSERT_EQ(heif::readExif(view(file)), oldBlock);
+    ASSERT_EQ(heif::readExif(viewOf(file)), oldBlock);
 
     const QByteArray same = replaced(file, tiffBlock(60, 'n'));
     EXPECT_EQ(same.size(), file.size());
@@ -186,7 +186,7 @@ TEST_P(HeifLayoutTest, ExifIsAddedAndEverythingElseStays) {
     std::erase_if(shape.items, [](const auto& item) { return item.id == 3; });
     std::erase_if(shape.references, [](const auto& reference) { return reference.from == 3; });
     const QByteArray file = shape.build();
-    ASSERT_FALSE(heif::readExif(view(file)));
+    ASSERT_FALSE(heif::readExif(viewOf(file)));
 
     const QByteArray added = replaced(file, tiffBlock(100));
     expectOnlyExifChanged(file, added, tiffBlock(100));
@@ -225,20 +225,20 @@ TEST(HeifContainer, WritesOverAnExifOfTheSameLengthAndNothingElse) {
     for (qsizetype i = 0; i < file.size(); ++i)
         changed += file[i] != after[i];
     EXPECT_EQ(changed, 2);
-    EXPECT_TRUE(heif::replaceExif(view(file), view(oldBlock)).isIdentity(view(file)));
+    EXPECT_TRUE(heif::replaceExif(viewOf(file), viewOf(oldBlock)).isIdentity(viewOf(file)));
 }
 
 TEST(HeifContainer, TakesALoneExifThatDescribesNothingForThePrimaryImages) {
     HeifTestFile shape = picture();
     shape.references = {{"thmb", 2, {1}}};
-    EXPECT_EQ(heif::readExif(view(shape.build())), oldBlock);
+    EXPECT_EQ(heif::readExif(viewOf(shape.build())), oldBlock);
     expectOnlyExifChanged(shape.build(), replaced(shape.build(), tiffBlock(61)), tiffBlock(61));
 
     shape.references = {{"cdsc", 3, {2}}};
-    EXPECT_FALSE(heif::readExif(view(shape.build())));
+    EXPECT_FALSE(heif::readExif(viewOf(shape.build())));
     shape.references = {};
     shape.items.push_back({4, "Exif", noMarker + oldBlock});
-    EXPECT_FALSE(heif::readExif(view(shape.build())));
+    EXPECT_FALSE(heif::readExif(viewOf(shape.build())));
 }
 
 TEST(HeifContainer, DoesNotWriteOverBytesThatAnotherItemUses) {
@@ -286,7 +286,7 @@ TEST(HeifContainer, CrossesFourGibibytesWithWiderFieldsOrNotAtAll) {
         const QByteArray place = head.sliced(head.indexOf("iloc") + 12 + 16 + 8, 4);
         head.replace(place, bigEndian(0xFFFF'FFF0, 4));
         std::ranges::copy(head, static_cast<char*>(memory));
-        const auto rewrite = [&] { return heif::replaceExif(file, view(tiffBlock(61))); };
+        const auto rewrite = [&] { return heif::replaceExif(file, viewOf(tiffBlock(61))); };
         if (shape.chunkTable.isEmpty())
             EXPECT_EQ(rewrite().size(), size + 3 * 4 + 8 + countedMarker.size() + 61);
         else
@@ -346,11 +346,11 @@ TEST(HeifContainer, RefusesMoreThanItsLimits) {
                              &heif::Limits::references}) {
         heif::Limits limits;
         limits.*limit = 1;
-        EXPECT_THROW(heif::readExif(view(file), limits), ParseError);
+        EXPECT_THROW(heif::readExif(viewOf(file), limits), ParseError);
     }
     heif::Limits limits;
     limits.exifBytes = 50;
-    EXPECT_THROW(heif::readExif(view(file), limits), ParseError);
+    EXPECT_THROW(heif::readExif(viewOf(file), limits), ParseError);
 
     HeifTestFile shape = picture();
     shape.chunkTable = "stco";
@@ -358,36 +358,8 @@ TEST(HeifContainer, RefusesMoreThanItsLimits) {
     for (const auto limit : {&heif::Limits::chunks, &heif::Limits::depth}) {
         limits = {};
         limits.*limit = 2;
-        EXPECT_THROW(heif::replaceExif(view(movie), view(tiffBlock(61)), limits), ParseError);
+        EXPECT_THROW(heif::replaceExif(viewOf(movie), viewOf(tiffBlock(61)), limits), ParseError);
     }
-}
-
-/// An error, or a file that says what it was asked to say.
-bool isRewrittenOrRefused(const QByteArray& file) {
-    try {
-        const QByteArray after = replaced(file, tiffBlock(61));
-        return heif::readExif(view(after)) == tiffBlock(61) &&
-               replaced(after, tiffBlock(61)) == after;
-    } catch (const Error&) {
-        return true;
-    }
-}
-
-TEST(HeifContainer, SurvivesTruncationAndDamageAtEveryByte) {
-    HeifTestFile shape = picture();
-    shape.baseSize = 4;
-    shape.items[1].method = 1;
-    shape.items[2].extents = 2;
-    shape.order = {"ftyp", "mdat", "meta", "mdat", "sefd"};
-    const QByteArray file = shape.build();
-    for (qsizetype length = 0; length < file.size(); ++length)
-        EXPECT_TRUE(isRewrittenOrRefused(file.first(length))) << "prefix of " << length;
-    for (qsizetype at = 0; at < file.size(); ++at)
-        for (const char damage : {'\0', '\1', '\x7F', '\xFF'}) {
-            QByteArray damaged = file;
-            damaged[at] = damage;
-            EXPECT_TRUE(isRewrittenOrRefused(damaged)) << "byte " << at;
-        }
 }
 
 } // namespace

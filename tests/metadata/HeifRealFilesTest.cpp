@@ -37,7 +37,7 @@ std::vector<std::filesystem::path> realPictures() {
 }
 
 QByteArray replaced(const QByteArray& file, const QByteArray& block) {
-    return heif::replaceExif(view(file), view(block)).apply(view(file));
+    return heif::replaceExif(viewOf(file), viewOf(block)).apply(viewOf(file));
 }
 
 /// The block with another date in each of its date fields.
@@ -84,27 +84,6 @@ void expectDecodedAsBefore(const std::filesystem::path& before, const QByteArray
     EXPECT_EQ(decoded(folder.write("picture.heic", after)), decoded(before));
 }
 
-TEST(HeifRealFiles, NewDatesAreWrittenOverTheOldOnes) {
-    QUORVANE_REQUIRE_REAL_DATA();
-    REQUIRE_PROGRAM("exiftool");
-    for (const std::filesystem::path& path : realPictures()) {
-        SCOPED_TRACE(path.filename().string());
-        const QByteArray file = readFile(path);
-        const QByteArray block = heif::readExif(view(file)).value();
-        EXPECT_TRUE(heif::replaceExif(view(file), view(block)).isIdentity(view(file)));
-        QByteArray after = file;
-        for (const char* date :
-             {"1985:12:31 23:59:59", "2021:03:06 02:30:00", "2038:01:20 00:00:01"}) {
-            after = replaced(after, dated(block, date));
-            ASSERT_EQ(after.size(), file.size());
-            EXPECT_EQ(changedItems(file, after).size(), 1U);
-        }
-        const TemporaryFolder folder;
-        EXPECT_EQ(dateRead(pathText(folder.write("picture.heic", after))),
-                  QStringLiteral("2038:01:20 00:00:01"));
-    }
-}
-
 TEST(HeifRealFiles, ABlockOfAnotherLengthLeavesAllOtherItemsAlone) {
     QUORVANE_REQUIRE_REAL_DATA();
     REQUIRE_PROGRAM("exiftool");
@@ -112,10 +91,12 @@ TEST(HeifRealFiles, ABlockOfAnotherLengthLeavesAllOtherItemsAlone) {
     for (const std::filesystem::path& path : realPictures()) {
         SCOPED_TRACE(path.filename().string());
         const QByteArray file = readFile(path);
-        const QByteArray block = dated(heif::readExif(view(file)).value(), "2021:03:06 02:30:00");
+        const QByteArray old = heif::readExif(viewOf(file)).value();
+        EXPECT_TRUE(heif::replaceExif(viewOf(file), viewOf(old)).isIdentity(viewOf(file)));
+        const QByteArray block = dated(old, "2021:03:06 02:30:00");
         const QByteArray longer = replaced(file, block + QByteArray(5'000, '\0'));
         EXPECT_EQ(changedItems(file, longer).size(), 1U);
-        EXPECT_EQ(heif::readExif(view(longer)), block + QByteArray(5'000, '\0'));
+        EXPECT_EQ(heif::readExif(viewOf(longer)), block + QByteArray(5'000, '\0'));
         const TemporaryFolder folder;
         EXPECT_EQ(dateRead(pathText(folder.write("picture.heic", longer))),
                   QStringLiteral("2021:03:06 02:30:00"));
@@ -123,7 +104,7 @@ TEST(HeifRealFiles, ABlockOfAnotherLengthLeavesAllOtherItemsAlone) {
 
         const QByteArray shorter = replaced(file, block.chopped(1));
         EXPECT_EQ(changedItems(file, shorter).size(), 1U);
-        EXPECT_EQ(heif::readExif(view(shorter)), block.chopped(1));
+        EXPECT_EQ(heif::readExif(viewOf(shorter)), block.chopped(1));
         EXPECT_EQ(replaced(longer, block.chopped(1)), shorter);
     }
 }
@@ -131,7 +112,7 @@ TEST(HeifRealFiles, ABlockOfAnotherLengthLeavesAllOtherItemsAlone) {
 TEST(HeifRealFiles, BrokenBoxesAreRefused) {
     QUORVANE_REQUIRE_REAL_DATA();
     const QByteArray file = readFile(realDataFolder() / "media/corrupt_boxes.heif");
-    EXPECT_THROW(heif::readExif(view(file)), ParseError);
+    EXPECT_THROW(heif::readExif(viewOf(file)), ParseError);
     EXPECT_THROW(replaced(file, tiffBlock(20)), ParseError);
 }
 

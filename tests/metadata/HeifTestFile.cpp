@@ -11,11 +11,6 @@ QByteArray bigEndian(std::uint64_t value, int width) {
     return bytes;
 }
 
-ByteView view(const QByteArray& bytes) {
-    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-            static_cast<std::size_t>(bytes.size())};
-}
-
 QByteArray heifBox(const QByteArray& type, const QByteArray& body) {
     return bigEndian(8 + body.size(), 4) + type + body;
 }

@@ -70,7 +70,6 @@ struct HeifContent {
 
 QByteArray heifBox(const QByteArray& type, const QByteArray& body);
 QByteArray bigEndian(std::uint64_t value, int width);
-ByteView view(const QByteArray& bytes);
 
 /// A little-endian TIFF block without entries, filled up to `length`.
 QByteArray tiffBlock(qsizetype length, char filling = 'x');

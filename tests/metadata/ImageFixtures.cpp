@@ -31,11 +31,6 @@ const QByteArray pngSignature("\x89PNG\r\n\x1a\n", 8);
 
 } // namespace
 
-ByteView viewOf(const QByteArray& bytes) {
-    return {reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-            static_cast<size_t>(bytes.size())};
-}
-
 QByteArray jpegSegment(int marker, const QByteArray& payload) {
     return QByteArray(1, '\xff') + static_cast<char>(marker) +
            big(static_cast<quint16>(payload.size() + 2)) + payload;

@@ -8,8 +8,6 @@
 /// Small valid pictures, made here byte by byte.
 namespace quorvane::test {
 
-ByteView viewOf(const QByteArray& bytes);
-
 /// A segment of a JPEG file; `marker` such as 0xe1.
 QByteArray jpegSegment(int marker, const QByteArray& payload);
 /// An Exif segment with this block.
