@@ -195,6 +195,10 @@ TEST(MoviePatch, SatisfiesOtherReadersOfRealMovies) {
         SCOPED_TRACE(name);
         const QByteArray before = readFile(realDataFolder() / "media" / name);
         const auto file = folder.write(name, before);
+        EXPECT_EQ(failureOf(file, utc(2049, 12, 31)).code, static_cast<int>(Code::beyondTimeField));
+        EXPECT_EQ(readFile(file), before);
+        patchMP4CreationDate(file, utc(1970, 6, 1));
+        EXPECT_EQ(readMP4CreationDate(file), utc(1970, 6, 1));
         patchMP4CreationDate(file, target);
         const QByteArray after = readFile(file);
         ASSERT_EQ(after.size(), before.size());
