@@ -3,7 +3,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-600}
-scripts/build.sh fuzz
+mapfile -t targets < <(basename -s .cpp fuzz/*Fuzz.cpp)
+scripts/build.sh fuzz "${targets[@]}"
 one() {
   local target=$1 seconds=$2 name corpus
   name=$(basename "$target" Fuzz | tr '[:upper:]' '[:lower:]')
@@ -15,4 +16,4 @@ one() {
     { echo "$name: failed, see build/fuzz/$name.log"; return 1; }
 }
 export -f one
-printf '%s\n' build/fuzz/bin/*Fuzz | xargs -P 2 -I{} bash -c 'one {} '"$seconds"
+printf 'build/fuzz/bin/%s\n' "${targets[@]}" | xargs -P 2 -I{} bash -c 'one {} '"$seconds"
