@@ -38,6 +38,8 @@ test:
 bench: build
 	@scripts/setup.sh build bench
 	@scripts/bench.sh
+	@scripts/bench-metadata.sh
+	@scripts/bench-upload.sh
 
 soak: build
 	@scripts/setup.sh build test bench
