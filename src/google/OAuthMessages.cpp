@@ -98,8 +98,9 @@ QString loggable(const QByteArray& body) {
     QString text = decode(body);
     if (decode.hasError())
         return QStringLiteral("Bilinmeyen yanıt");
+    // The closing quote is missing from an answer that was cut.
     static const QRegularExpression token(
-        QStringLiteral(R"re("((?:access|refresh|id)_token)"\s*:\s*"[^"]*")re"));
+        QStringLiteral(R"re("((?:access|refresh|id)_token)"\s*:\s*"(?:[^"\\]|\\.)*"?)re"));
     return text.replace(token, QStringLiteral(R"("\1":"***")"));
 }
 

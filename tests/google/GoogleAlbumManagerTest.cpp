@@ -77,29 +77,28 @@ TEST_F(Albums, ListingMergesMemoryAndEveryPageInStableOrder) {
 }
 
 TEST_F(Albums, AFailingEndpointShortensTheListAndIsLogged) {
-    const QString where = u"Endpoint http://127.0.0.1:9/v1/albums"_s;
-    for (const auto& [answer, line] : {
-             std::pair<HttpResponse, QString>{
-                 {403, "no scope"},
-                 where + u" HTTP 403 (excludeNonAppCreatedData: true): no scope"_s},
-             {{401, "who?"}, where + u" HTTP 401: who?"_s},
-             {{404, ""}, where + u" HTTP 404: "_s},
-             {{429, "slow"}, where + u" HTTP 429: slow"_s},
-             {{503, "later"}, where + u" HTTP 503: later"_s},
-             {{200, ""}, where + u": [Album] Geçersiz API yanıtı"_s},
-             {{200, "<html>"}, where + u": [Album] Geçersiz API yanıtı"_s},
-             {{200, "[1]"}, where + u": [Album] Geçersiz API yanıtı"_s},
-             {{200, QByteArray("{\"a\":").repeated(5000)},
-              where + u": [Album] Geçersiz API yanıtı"_s},
-         }) {
-        remember({album("r1", "Eski")});
-        pages[u"/v1/albums"_s] = answer;
-        pages[u"/v1/sharedAlbums"_s] = {
-            200, R"({"sharedAlbums": [{"id":"s1","title":"S","mediaItemsCount":"1"}]})"};
-        EXPECT_EQ(manager.listAlbums({}), (std::vector{album("r1", "Eski"), album("s1", "S")}));
-        EXPECT_TRUE(log.contains(u"[GoogleAlbumManager] ⚠️ "_s + line)) << line.toStdString();
-        EXPECT_EQ(manager.hasInsufficientScopes(), answer.status == 403);
-    }
+    const QString flag = u" (excludeNonAppCreatedData: true)"_s;
+    std::vector<std::pair<HttpResponse, QString>> rows;
+    for (const int status : test::refusals)
+        rows.push_back({{status, "why?"},
+                        u" HTTP %1%2: why?"_s.arg(status).arg(status == 403 ? flag : QString())});
+    for (const QByteArray& body : {QByteArray(), QByteArray("<html>"), QByteArray("[1]"),
+                                   QByteArray("{\"a\":").repeated(5000)})
+        rows.push_back({{200, body}, u": [Album] Geçersiz API yanıtı"_s});
+    const QByteArray listing = R"([{"id":"s1","title":"S","mediaItemsCount":"1"}])";
+    for (const bool ownFails : {true, false})
+        for (const auto& [answer, line] : rows) {
+            remember({album("r1", "Eski")});
+            const QString failing = ownFails ? u"/v1/albums"_s : u"/v1/sharedAlbums"_s;
+            pages[ownFails ? u"/v1/sharedAlbums"_s : u"/v1/albums"_s] = {
+                200, (ownFails ? "{\"sharedAlbums\":" : "{\"albums\":") + listing + '}'};
+            pages[failing] = answer;
+            EXPECT_EQ(manager.listAlbums({}), (std::vector{album("r1", "Eski"), album("s1", "S")}));
+            EXPECT_TRUE(log.contains(u"[GoogleAlbumManager] ⚠️ Endpoint http://127.0.0.1:9"_s +
+                                     failing + line))
+                << line.toStdString();
+            EXPECT_EQ(manager.hasInsufficientScopes(), answer.status == 403);
+        }
     EXPECT_TRUE(
         log.contains(u"[GoogleAlbumManager] ⚠️ Google Photos albüm okuma kapsamı (scope) "
                      "yetersiz. Kullanıcının oturumu yenilemesi gerekebilir."_s));
@@ -125,10 +124,8 @@ TEST_F(Albums, AListingWithoutAnEndIsBounded) {
     http.answerAlways(200, R"({"nextPageToken": "again"})");
     manager.listAlbums({});
     EXPECT_EQ(http.requests().size(), 4U) << "a repeated page token ends each endpoint";
-    http.answer = [this](const HttpRequest&, const std::stop_token&) {
-        return HttpResponse{200, "{\"nextPageToken\": \"" +
-                                     QByteArray::number(qulonglong(http.requests().size())) +
-                                     "\"}"};
+    http.answer = [page = 0](const HttpRequest&, const std::stop_token&) mutable {
+        return HttpResponse{200, "{\"nextPageToken\": \"" + QByteArray::number(++page) + "\"}"};
     };
     manager.listAlbums({});
     EXPECT_EQ(http.requests().size(), 2004U);
@@ -164,21 +161,19 @@ TEST_F(Albums, CreatingMakesTheAlbumTheTarget) {
 }
 
 TEST_F(Albums, ARefusedAlbumChangesNothing) {
-    for (const auto& [answer, text] :
-         {std::pair<HttpResponse, const char*>{{401, "x"}, "[Album] HTTP 401"},
-          {{403, "x"}, "[Album] HTTP 403"},
-          {{413, "x"}, "[Album] HTTP 413"},
-          {{500, "x"}, "[Album] HTTP 500"},
-          {{201, R"({"id":"n"})"}, "[Album] HTTP 201"},
-          {{200, ""}, "[Album] Geçersiz API yanıtı"},
-          {{200, "<html>"}, "[Album] Geçersiz API yanıtı"},
-          {{200, R"({"id":7})"}, "[Album] Geçersiz API yanıtı"}}) {
+    std::vector<std::pair<HttpResponse, QString>> rows{{{201, R"({"id":"n"})"}, u"HTTP 201"_s}};
+    for (const int status : test::refusals)
+        rows.push_back({{status, "x"}, u"HTTP %1"_s.arg(status)});
+    for (const QByteArray& body : {QByteArray(), QByteArray("<html>"), QByteArray(R"({"id":7})"),
+                                   QByteArray("{\"id\":").repeated(5000)})
+        rows.push_back({{200, body}, u"Geçersiz API yanıtı"_s});
+    for (const auto& [answer, text] : rows) {
         pages[u"/v1/albums"_s] = answer;
         try {
             manager.createAlbum(u"Aile"_s, {});
-            ADD_FAILURE() << text;
+            ADD_FAILURE() << text.toStdString();
         } catch (const AlbumError& error) {
-            EXPECT_EQ(error.localizedDescription(), QString::fromUtf8(text));
+            EXPECT_EQ(error.localizedDescription(), u"[Album] "_s + text);
         }
     }
     EXPECT_TRUE(

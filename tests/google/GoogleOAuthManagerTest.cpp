@@ -2,6 +2,7 @@
 #include "google/Pkce.h"
 
 #include "google/OAuthWorld.h"
+#include "google/ScriptedHttp.h"
 
 #include <QUrlQuery>
 
@@ -185,6 +186,8 @@ TEST_F(GoogleOAuthManagerTest, RefusesAnswersThatAreNoTokens) {
          "[OAuth] ❌ Geçersiz token yanıtı: <html>proxy</html>"},
         {200, R"({"refresh_token": "r-1"})", OAuthError::Case::invalidResponse,
          R"([OAuth] ❌ Geçersiz token yanıtı: {"refresh_token":"***"})"},
+        {200, R"({"access_token": "ya29.\"cut)", OAuthError::Case::invalidResponse,
+         R"(yanıtı: {"access_token":"***")"},
         {200, R"({"access_token": 7})", OAuthError::Case::invalidResponse, "yanıtı: {"},
         {200, "\xff\xfe", OAuthError::Case::invalidResponse, "yanıtı: Bilinmeyen yanıt"},
         {400, R"({"error":"invalid_grant"})", OAuthError::Case::tokenExchangeFailed,
@@ -197,13 +200,16 @@ TEST_F(GoogleOAuthManagerTest, RefusesAnswersThatAreNoTokens) {
             << log.messages().last().toStdString();
         EXPECT_FALSE(manager.isSignedIn());
     }
-    answerTokenRequest(503, "meşgul");
-    try {
-        manager.signIn({});
-        FAIL() << "signed in";
-    } catch (const OAuthError& error) {
-        EXPECT_EQ(error.localizedDescription(),
-                  QStringLiteral("OAuth: Token takasi basarisiz -> HTTP 503: meşgul"));
+    for (const int status : refusals) {
+        answerTokenRequest(status, "meşgul");
+        try {
+            manager.signIn({});
+            FAIL() << "signed in";
+        } catch (const OAuthError& error) {
+            EXPECT_EQ(
+                error.localizedDescription(),
+                QStringLiteral("OAuth: Token takasi basarisiz -> HTTP %1: meşgul").arg(status));
+        }
     }
 }
 
@@ -218,10 +224,13 @@ TEST_F(GoogleOAuthManagerTest, KeepsWhatAnAnswerLeavesOut) {
 }
 
 TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
-    emulator::Fault faults[3];
-    faults[0].status = 500;
-    faults[1].body = "<html>";
-    faults[2].dropAnswerAfter = 3;
+    std::vector<emulator::Fault> faults(4);
+    faults[0].body = "<html>";
+    faults[1].body = "";
+    faults[2].body = R"({"email":7})";
+    faults[3].dropAnswerAfter = 3;
+    for (const int status : refusals)
+        faults.emplace_back().status = status;
     for (emulator::Fault& fault : faults) {
         fault.kind = RequestKind::userinfo;
         google.addFault(fault);
@@ -231,7 +240,7 @@ TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
     }
     EXPECT_EQ(
         log.messages().filter(QStringLiteral("[OAuth] ⚠️ E-posta bilgisi alınamadı")).size(),
-        3);
+        faults.size());
 }
 
 TEST_F(GoogleOAuthManagerTest, RefreshesAMinuteBeforeTheExpiry) {
@@ -292,10 +301,17 @@ TEST_F(GoogleOAuthManagerTest, ACallerThatStopsLeavesTheRefreshToTheOthers) {
 
 TEST_F(GoogleOAuthManagerTest, AFailedRefreshSignsNobodyOutAndIsTriedAgain) {
     storeTokens(0);
-    answerTokenRequest(400, R"({"error":"invalid_grant"})");
-    EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::refreshFailed);
+    for (const int status : {400, 401, 403, 404, 408, 413, 429, 500, 503}) {
+        answerTokenRequest(status, R"({"error":"invalid_grant"})");
+        EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::refreshFailed) << status;
+    }
     EXPECT_TRUE(log.contains(
         QStringLiteral(R"([OAuth] ❌ Token yenileme başarısız: {"error":"invalid_grant"})")));
+    for (const char* body : {"", "<html>", "{}"}) {
+        answerTokenRequest(200, body);
+        EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::invalidResponse) << body;
+    }
+    EXPECT_EQ(tokens.readToken(tokenKeys::refreshToken), refreshToken);
     EXPECT_TRUE(manager.isSignedIn());
     EXPECT_NE(token(), accessToken);
 

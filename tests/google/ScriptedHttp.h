@@ -11,6 +11,9 @@
 
 namespace quorvane::test {
 
+/// The statuses by which Google refuses.
+inline constexpr int refusals[] = {401, 403, 404, 408, 413, 429, 500, 503};
+
 inline GoogleEndpoints loopbackEndpoints() {
     return GoogleEndpoints::resolve(QStringLiteral("http://127.0.0.1:9"));
 }

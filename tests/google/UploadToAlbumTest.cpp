@@ -93,7 +93,7 @@ TEST_F(UploadToAlbum, AfterEveryFaultTheNextTryLeavesOneMediaItem) {
         faults.back().carriedOut = true;
     };
     for (const RequestKind kind : {RequestKind::upload, RequestKind::batchCreate}) {
-        for (const int status : {401, 403, 404, 408, 413, 429, 500, 503})
+        for (const int status : test::refusals)
             addFault(kind, [&](Fault& fault) { fault.status = status; });
         for (const char* body : {"", "<html></html>"})
             addFault(kind, [&](Fault& fault) { fault.body = body; });
