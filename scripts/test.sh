@@ -30,7 +30,7 @@ export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktra
 export TSAN_OPTIONS="ignore_noninstrumented_modules=1 halt_on_error=1"
 run dev
 run asan
-run tsan test-foundation test-store test-library test-sync
+run tsan test-foundation test-store test-library test-google test-sync
 
 [ "$skipped" -eq 0 ] || echo "Skipped tests say why above: search for SKIPPED."
 echo "Tests: $passed passed, $failed failed, $skipped skipped"
