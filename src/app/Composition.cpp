@@ -53,7 +53,7 @@ std::unique_ptr<PhotoLibrary> openPhotoLibrary(const std::filesystem::path& path
                                                const UserFolders& folders,
                                                DeletionConfirmation& confirmation, Log& log) {
     if (PhotosBundleLibrary::looksLikeBundle(path))
-        return std::make_unique<PhotosBundleLibrary>(path, folders.applicationSupport());
+        return std::make_unique<PhotosBundleLibrary>(path, folders.applicationSupport(), log);
     return std::make_unique<FolderLibrary>(path, confirmation, log);
 }
 

@@ -53,6 +53,7 @@ struct PhotoAsset {
     std::optional<Date> modificationDate; ///< of the asset's content, where the library knows it
     std::optional<GeoLocation> location;
 
+    bool operator==(const PhotoAsset&) const = default;
     AssetFacts facts() const { return {creationDate, location}; }
 };
 
@@ -103,6 +104,7 @@ struct FetchResultChangeDetails {
     AssetFetchResult fetchResultAfterChanges;
     std::vector<PhotoAsset> insertedObjects;
     std::vector<PhotoAsset> removedObjects;
+    std::vector<PhotoAsset> changedObjects; ///< as they are now
 };
 
 /// One notification of a changed library.
@@ -162,7 +164,8 @@ class PhotoLibrary : public AssetFactsSource {
     /// person or the system refused.
     virtual void deleteAssets(const std::vector<PhotoAsset>& assets) = 0;
 
-    /// At most one observer at a time; must outlive its registration.
+    /// At most one observer at a time, another one takes its place; it must outlive its
+    /// registration. After `unregister` it is not called any more.
     virtual void registerChangeObserver(LibraryChangeObserver& observer) = 0;
     virtual void unregisterChangeObserver(LibraryChangeObserver& observer) = 0;
 };

@@ -21,6 +21,7 @@ struct GeoLocation {
     double latitude = 0;
     double longitude = 0;
     double altitude = 0;
+    bool operator==(const GeoLocation&) const = default;
 };
 
 /// What a photo library knows of an asset that belongs inside its file.

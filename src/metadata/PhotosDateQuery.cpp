@@ -82,7 +82,7 @@ PhotosDateQuery::Session* PhotosDateQuery::currentSession() {
     if (!cachedPhotosDatabaseURL())
         return nullptr;
     if (!copy_)
-        copy_.emplace(*cachedPhotosDatabaseURL());
+        copy_.emplace(*cachedPhotosDatabaseURL(), std::filesystem::temp_directory_path());
     if (session_ && copy_->isCurrent())
         return &*session_;
     if (failedAt_ && clock_.monotonic() - *failedAt_ < retryDelay)

@@ -2,7 +2,7 @@
 
 #include "foundation/Clock.h"
 #include "foundation/Date.h"
-#include "metadata/DatabaseCopy.h"
+#include "store/DatabaseSnapshot.h"
 #include "store/Sqlite.h"
 
 #include <QString>
@@ -43,7 +43,7 @@ class PhotosDateQuery {
     std::mutex mutex_; ///< guards what follows; held during a copy and a query, both short
     bool looked_ = false;
     std::optional<std::filesystem::path> cachedPhotosDatabaseURL_;
-    std::optional<DatabaseCopy> copy_;
+    std::optional<DatabaseSnapshot> copy_;
     std::optional<Session> session_;
     std::optional<Clock::Monotonic> failedAt_;
 };

@@ -59,7 +59,7 @@ std::vector<PhotoAsset> FakePhotoLibrary::assets() const {
 void FakePhotoLibrary::announce(const std::vector<PhotoAsset>& inserted,
                                 const std::vector<PhotoAsset>& removed) {
     if (auto* observer = observer_.load())
-        observer->photoLibraryDidChange(FakeChange({resultOf(assets()), inserted, removed}));
+        observer->photoLibraryDidChange(FakeChange({resultOf(assets()), inserted, removed, {}}));
 }
 
 QStringList FakePhotoLibrary::exported() const {

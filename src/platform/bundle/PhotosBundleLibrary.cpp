@@ -15,8 +15,27 @@ namespace {
 
 using namespace localIdentifier;
 
+constexpr const char* databaseInside = "database/Photos.sqlite";
+
 AssetFetchResult resultOf(std::vector<PhotoAsset> assets) {
     return std::make_shared<const std::vector<PhotoAsset>>(std::move(assets));
+}
+
+void requireSupported(const std::filesystem::path& bundle) {
+    std::error_code error;
+    if (!std::filesystem::exists(bundle, error))
+        throw PhotoLibraryError(
+            QStringLiteral("Fotoğraflar arşivine ulaşılamıyor: %1").arg(pathText(bundle)));
+    if (std::filesystem::exists(bundle / databaseInside, error))
+        return;
+    if (std::filesystem::exists(bundle / "database/photos.db", error))
+        throw PhotoLibraryError(
+            QStringLiteral("Bu Fotoğraflar arşivi çok eski: macOS 10.15 veya sonrasının "
+                           "Fotoğraflar arşivi gerekir (%1)")
+                .arg(pathText(bundle)));
+    throw PhotoLibraryError(
+        QStringLiteral("Bu bir Fotoğraflar arşivi değil: veritabanı bulunamadı (%1)")
+            .arg(pathText(bundle)));
 }
 
 /// PhotoKit's type and subtype; none for folders and for an import session that is empty by now.
@@ -124,14 +143,19 @@ const std::vector<PhotosAlbum>& PhotosBundleLibrary::Opened::albums() {
 }
 
 PhotosBundleLibrary::PhotosBundleLibrary(std::filesystem::path bundle,
-                                         std::filesystem::path workFolder)
-    : bundle_(std::move(bundle)), workFolder_(std::move(workFolder)) {}
+                                         std::filesystem::path workFolder, Log& log,
+                                         const WatchTimes& times)
+    : bundle_(std::move(bundle)),
+      snapshot_(bundle_ / databaseInside, std::move(workFolder)),
+      watch_(
+          QStringLiteral("[PhotosBundle]"), FolderNotifier::Events::contents,
+          [this](bool, const std::stop_token&) { return look(); }, fetches_, log, times) {}
 
 bool PhotosBundleLibrary::looksLikeBundle(const std::filesystem::path& path) {
     std::error_code error;
     return std::filesystem::is_directory(path, error) &&
            (path.extension() == ".photoslibrary" ||
-            std::filesystem::exists(path / "database/Photos.sqlite", error));
+            std::filesystem::exists(path / databaseInside, error));
 }
 
 AuthorizationStatus PhotosBundleLibrary::authorizationStatus() const {
@@ -146,10 +170,17 @@ AuthorizationStatus PhotosBundleLibrary::authorizationStatus() const {
 }
 
 void PhotosBundleLibrary::open(Freshness freshness) {
-    if (opened_ && (freshness == Freshness::asLastRead || opened_->snapshot.isCurrent()))
+    if (opened_ && (freshness == Freshness::asLastRead || snapshot_.isCurrent()))
         return;
     opened_.reset();
-    opened_.emplace(bundle_, workFolder_);
+    requireSupported(bundle_);
+    if (!snapshot_.refresh())
+        throw PhotoLibraryError(
+            QStringLiteral("Fotoğraflar arşivi şu anda sürekli değişiyor, sonra yeniden deneyin: "
+                           "%1")
+                .arg(pathText(bundle_)));
+    opened_.emplace(snapshot_.file());
+    ++version_;
 }
 
 template <typename Work>
@@ -165,18 +196,29 @@ auto PhotosBundleLibrary::query(Freshness freshness, Work&& work) {
     }
 }
 
-AssetFetchResult PhotosBundleLibrary::fetchAssets() {
-    return query(Freshness::current,
-                 [](Opened& opened) { return resultOf(opened.database.assets()); });
+AssetFetchResult PhotosBundleLibrary::assets(Freshness freshness) {
+    return query(freshness, [](Opened& opened) { return resultOf(opened.database.assets()); });
 }
 
-AssetFetchResult PhotosBundleLibrary::fetchAssets(const AssetCollection& collection) {
-    return query(Freshness::current, [&](Opened& opened) {
-        const QString& identifier = collection.localIdentifier;
+AssetFetchResult PhotosBundleLibrary::assetsOfAlbum(const QString& identifier,
+                                                    Freshness freshness) {
+    return query(freshness, [&](Opened& opened) {
         if (const SmartAlbum* smart = findSmart(identifier))
             return resultOf(opened.database.assets(smart->condition));
         const PhotosAlbum* album = find(opened.albums(), uuidOf(identifier, albumTail));
         return resultOf(album ? opened.database.assetsOf(*album) : std::vector<PhotoAsset>());
+    });
+}
+
+AssetFetchResult PhotosBundleLibrary::fetchAssets() {
+    return fetches_.remember(assets(Freshness::current),
+                             [this] { return assets(Freshness::asLastRead); });
+}
+
+AssetFetchResult PhotosBundleLibrary::fetchAssets(const AssetCollection& collection) {
+    const QString identifier = collection.localIdentifier;
+    return fetches_.remember(assetsOfAlbum(identifier, Freshness::current), [this, identifier] {
+        return assetsOfAlbum(identifier, Freshness::asLastRead);
     });
 }
 
@@ -279,9 +321,19 @@ void PhotosBundleLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
                            "Fotoğraflar uygulamasında yapılabilir"));
 }
 
-void PhotosBundleLibrary::registerChangeObserver(LibraryChangeObserver&) {}
+void PhotosBundleLibrary::registerChangeObserver(LibraryChangeObserver& observer) {
+    watch_.observe(observer);
+}
 
-void PhotosBundleLibrary::unregisterChangeObserver(LibraryChangeObserver&) {}
+void PhotosBundleLibrary::unregisterChangeObserver(LibraryChangeObserver& observer) {
+    watch_.unobserve(observer);
+}
+
+ChangeWatch::Found PhotosBundleLibrary::look() {
+    const int version = query(Freshness::current, [this](Opened&) { return version_; });
+    const bool changed = version != std::exchange(announced_, version);
+    return {changed, false, {(bundle_ / databaseInside).parent_path()}};
+}
 
 std::optional<AssetFacts> PhotosBundleLibrary::factsOf(const QString& localIdentifier) {
     return query(Freshness::asLastRead, [&](Opened& opened) -> std::optional<AssetFacts> {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "library/PhotoLibrary.h"
-#include "platform/bundle/LibrarySnapshot.h"
+#include "library/LiveFetches.h"
 #include "platform/bundle/PhotosDatabase.h"
+#include "platform/watch/ChangeWatch.h"
+#include "store/DatabaseSnapshot.h"
 
 #include <mutex>
 
@@ -10,12 +11,13 @@ namespace quorvane {
 
 /// An Apple Photos library on a disk (`*.photoslibrary`, of macOS 10.15 or later) as a photo
 /// library. It is never written: its database is read from a private copy, which is made anew when
-/// a fetch finds the original changed, and deletion is refused. Any thread.
+/// the original was changed, and deletion is refused. Any thread.
 class PhotosBundleLibrary final : public PhotoLibrary {
   public:
     /// `bundle` empty: no library was chosen yet. The copy of the database is kept in a private
     /// folder below `workFolder`. Nothing is read before the first fetch.
-    PhotosBundleLibrary(std::filesystem::path bundle, std::filesystem::path workFolder);
+    PhotosBundleLibrary(std::filesystem::path bundle, std::filesystem::path workFolder, Log& log,
+                        const WatchTimes& times = {});
 
     static bool looksLikeBundle(const std::filesystem::path& path);
 
@@ -40,7 +42,6 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     /// Always refuses.
     void deleteAssets(const std::vector<PhotoAsset>& assets) override;
 
-    /// Changes are not watched: what is new is found by the next scan.
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
 
@@ -50,12 +51,10 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     enum class Freshness { asLastRead, current };
 
     struct Opened {
-        Opened(const std::filesystem::path& bundle, const std::filesystem::path& workFolder)
-            : snapshot(bundle, workFolder), database(snapshot.database()) {}
+        explicit Opened(const std::filesystem::path& copy) : database(copy) {}
 
         const std::vector<PhotosAlbum>& albums();
 
-        LibrarySnapshot snapshot;
         PhotosDatabase database;
 
       private:
@@ -66,11 +65,19 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     template <typename Work>
     auto query(Freshness freshness, Work&& work);
     void open(Freshness freshness);
+    AssetFetchResult assets(Freshness freshness);
+    AssetFetchResult assetsOfAlbum(const QString& identifier, Freshness freshness);
+    ChangeWatch::Found look();
 
-    const std::filesystem::path bundle_, workFolder_;
+    const std::filesystem::path bundle_;
     /// Held while the database is copied and queried: one connection serves one thread.
     std::mutex mutex_;
+    DatabaseSnapshot snapshot_;
     std::optional<Opened> opened_;
+    int version_ = 0; ///< how often it was opened
+    LiveFetches fetches_;
+    int announced_ = 0; ///< the watching thread's: the version the observer was told of
+    ChangeWatch watch_; ///< last: its thread uses the rest
 };
 
 } // namespace quorvane

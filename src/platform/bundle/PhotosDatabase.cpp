@@ -15,7 +15,8 @@ using sqlite::Statement;
 
 // The columns that `assetFrom` reads, in its order.
 const QString assetColumns =
-    QStringLiteral("a.ZUUID, a.ZKIND, a.ZKINDSUBTYPE, a.ZDATECREATED, a.ZLATITUDE, a.ZLONGITUDE");
+    QStringLiteral("a.ZUUID, a.ZKIND, a.ZKINDSUBTYPE, a.ZDATECREATED, a.ZLATITUDE, a.ZLONGITUDE, "
+                   "{modified}");
 const QString seen = QStringLiteral("a.ZTRASHEDSTATE = 0 AND a.ZVISIBILITYSTATE = 0");
 constexpr std::int64_t livePhoto = 2;
 
@@ -53,6 +54,7 @@ PhotoAsset assetFrom(const Statement& row) {
         asset.mediaSubtypes |= mediaSubtypePhotoLive;
     asset.creationDate = dateAt(row, 3);
     asset.location = locationAt(row, 4);
+    asset.modificationDate = dateAt(row, 6);
     return asset;
 }
 
@@ -74,6 +76,7 @@ Statement PhotosDatabase::prepare(const QString& sql) {
         .replace(QLatin1String("{joinOrder}"), schema_.joinOrder)
         .replace(QLatin1String("{folderOrder}"), schema_.folderOrder)
         .replace(QLatin1String("{assetColumns}"), assetColumns)
+        .replace(QLatin1String("{modified}"), schema_.modified)
         .replace(QLatin1String("{seen}"), seen);
     return Statement(connection_, text);
 }

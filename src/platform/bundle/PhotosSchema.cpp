@@ -57,6 +57,10 @@ PhotosSchema PhotosSchema::of(sqlite::Connection& connection) {
         if (!hasColumn(connection, schema.joinTable, column))
             throwUnknown(schema.joinTable + u'.' + column);
 
+    const QString modified = QStringLiteral("ZMODIFICATIONDATE");
+    schema.modified = hasColumn(connection, schema.assetTable, modified)
+                          ? QStringLiteral("a.") + modified
+                          : QStringLiteral("NULL");
     const QString byHand = QStringLiteral("Z_FOK_PARENTFOLDER");
     schema.folderOrder = hasColumn(connection, QStringLiteral("ZGENERICALBUM"), byHand)
                              ? byHand

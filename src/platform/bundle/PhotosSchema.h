@@ -12,6 +12,7 @@ struct PhotosSchema {
     QString joinAlbum;   ///< its album column
     QString joinAsset;   ///< its asset column
     QString joinOrder;   ///< its column of the order made by hand
+    QString modified;    ///< when the asset `a` was last changed; NULL where that is not known
     QString folderOrder; ///< the column that orders what stands in a folder
 
     /// Throws `PhotoLibraryError` when this is no Photos database, `SqliteError` when it is none

@@ -35,8 +35,8 @@ QUuid folderListIdentifier(const std::string& path) {
 }
 
 FolderIndex::FolderIndex(std::vector<FolderFile> files, std::vector<Folder> folders,
-                         std::vector<std::size_t> folderOfFile)
-    : folders_(std::move(folders)) {
+                         std::vector<std::size_t> folderOfFile, bool hasUnfinished)
+    : folders_(std::move(folders)), hasUnfinished_(hasUnfinished) {
     std::vector<std::size_t> order(files.size());
     std::iota(order.begin(), order.end(), std::size_t(0));
     std::sort(order.begin(), order.end(), [&files](std::size_t a, std::size_t b) {

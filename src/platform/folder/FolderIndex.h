@@ -35,7 +35,7 @@ class FolderIndex {
   public:
     /// `folders` lists every folder before its sub-folders, the library itself first.
     FolderIndex(std::vector<FolderFile> files, std::vector<Folder> folders,
-                std::vector<std::size_t> folderOfFile);
+                std::vector<std::size_t> folderOfFile, bool hasUnfinished);
 
     /// By modification time, then path.
     const std::vector<FolderFile>& files() const { return files_; }
@@ -49,9 +49,13 @@ class FolderIndex {
     /// True when a folder gained, lost or renamed an entry since the scan.
     bool isOutdated(const std::filesystem::path& root) const;
 
+    /// True when a file was left out because it was being written.
+    bool hasUnfinished() const { return hasUnfinished_; }
+
   private:
     std::vector<FolderFile> files_;
     std::vector<Folder> folders_;
+    bool hasUnfinished_;
     struct Hash {
         std::size_t operator()(const QUuid& id) const noexcept { return qHash(id); }
     };

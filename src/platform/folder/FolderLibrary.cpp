@@ -29,7 +29,24 @@ PhotoAsset assetOf(const FolderFile& file) {
     PhotoAsset asset;
     asset.localIdentifier = identifierText(file.identifier, assetTail);
     asset.mediaType = mediaTypeOfName(file.path);
+    asset.modificationDate =
+        Date(std::chrono::duration_cast<Date::duration>(std::chrono::nanoseconds(file.modified)));
     return asset;
+}
+
+AssetFetchResult assetsOf(const FolderIndex& index) {
+    auto assets = std::make_shared<std::vector<PhotoAsset>>();
+    assets->reserve(index.files().size());
+    std::ranges::transform(index.files(), std::back_inserter(*assets), assetOf);
+    return assets;
+}
+
+AssetFetchResult assetsOf(const FolderIndex& index, const QUuid& album) {
+    auto assets = std::make_shared<std::vector<PhotoAsset>>();
+    if (const Folder* folder = index.album(album))
+        for (const std::size_t position : folder->files)
+            assets->push_back(assetOf(index.files()[position]));
+    return assets;
 }
 
 /// When the file last got its content or its name: also a file that took another's place, whatever
@@ -72,11 +89,15 @@ std::vector<Collection> collectionsIn(const FolderIndex& index, const Folder& pa
 } // namespace
 
 FolderLibrary::FolderLibrary(std::filesystem::path root, DeletionConfirmation& confirmation,
-                             Log& log)
+                             Log& log, const WatchTimes& times)
     : root_(std::move(root)),
       library_(folderLibraryIdentifier(root_)),
       confirmation_(confirmation),
-      log_(log) {}
+      log_(log),
+      watch_(
+          QStringLiteral("[FolderLibrary]"), FolderNotifier::Events::entries,
+          [this](bool told, const std::stop_token& stop) { return look(told, stop); }, fetches_,
+          log, times) {}
 
 AuthorizationStatus FolderLibrary::authorizationStatus() const {
     if (root_.empty())
@@ -88,11 +109,11 @@ AuthorizationStatus FolderLibrary::authorizationStatus() const {
                                               : AuthorizationStatus::limited;
 }
 
-FolderLibrary::Index FolderLibrary::scan() {
+FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
     const auto report = [this](const std::string& path, const QString& reason) {
         reportSkip(path, reason);
     };
-    const Index index = std::make_shared<const FolderIndex>(scanFolder(root_, report));
+    const Index index = std::make_shared<const FolderIndex>(scanFolder(root_, report, stop));
     const std::lock_guard lock(mutex_);
     return index_ = index;
 }
@@ -142,20 +163,13 @@ void FolderLibrary::reportSkip(const std::string& path, const QString& reason) {
 }
 
 AssetFetchResult FolderLibrary::fetchAssets() {
-    const Index index = scan();
-    auto assets = std::make_shared<std::vector<PhotoAsset>>();
-    assets->reserve(index->files().size());
-    std::ranges::transform(index->files(), std::back_inserter(*assets), assetOf);
-    return assets;
+    return fetches_.remember(assetsOf(*scan()), [this] { return assetsOf(*lastScan()); });
 }
 
 AssetFetchResult FolderLibrary::fetchAssets(const AssetCollection& collection) {
-    auto assets = std::make_shared<std::vector<PhotoAsset>>();
-    const Index index = current();
-    if (const Folder* folder = index->album(identifierFrom(collection.localIdentifier, albumTail)))
-        for (const std::size_t position : folder->files)
-            assets->push_back(assetOf(index->files()[position]));
-    return assets;
+    const QUuid album = identifierFrom(collection.localIdentifier, albumTail);
+    return fetches_.remember(assetsOf(*current(), album),
+                             [this, album] { return assetsOf(*lastScan(), album); });
 }
 
 AssetFetchResult FolderLibrary::fetchAssets(const QStringList& localIdentifiers) {
@@ -250,9 +264,27 @@ void FolderLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
     moveToTrash(root_, files);
 }
 
-void FolderLibrary::registerChangeObserver(LibraryChangeObserver&) {}
+void FolderLibrary::registerChangeObserver(LibraryChangeObserver& observer) {
+    watch_.observe(observer);
+}
 
-void FolderLibrary::unregisterChangeObserver(LibraryChangeObserver&) {}
+void FolderLibrary::unregisterChangeObserver(LibraryChangeObserver& observer) {
+    watch_.unobserve(observer);
+}
+
+ChangeWatch::Found FolderLibrary::look(bool told, const std::stop_token& stop) {
+    Index index = told ? scan(stop) : lastScan();
+    if (!told && (index->hasUnfinished() || index->isOutdated(root_)))
+        index = scan(stop);
+    ChangeWatch::Found found;
+    found.changed = announced_.lock() != index;
+    found.unfinished = index->hasUnfinished();
+    found.folders.reserve(index->folders().size());
+    for (const Folder& folder : index->folders())
+        found.folders.push_back(root_ / folder.path);
+    announced_ = index;
+    return found;
+}
 
 std::optional<AssetFacts> FolderLibrary::factsOf(const QString& localIdentifier) {
     return find(localIdentifier) ? std::optional(AssetFacts()) : std::nullopt;

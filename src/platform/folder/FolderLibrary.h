@@ -2,8 +2,9 @@
 
 #include "foundation/Log.h"
 #include "library/DeletionConfirmation.h"
-#include "library/PhotoLibrary.h"
+#include "library/LiveFetches.h"
 #include "platform/folder/FolderIndex.h"
+#include "platform/watch/ChangeWatch.h"
 
 #include <mutex>
 #include <set>
@@ -14,11 +15,13 @@ namespace quorvane {
 /// its path in it (a version 5 UUID, RFC 4122): in a tree that moved all pictures are new, and
 /// Google knows their bytes. A folder with pictures is an album of them; a folder with sub-folders
 /// is a list of albums. The library knows no dates and no places: what stands in the files decides.
-/// Originals are only read, and only the Trash takes them away. Any thread.
+/// A file that is being written is not there before it was closed. Originals are only read, and
+/// only the Trash takes them away. Any thread.
 class FolderLibrary final : public PhotoLibrary {
   public:
     /// `root` empty: no library was chosen yet.
-    FolderLibrary(std::filesystem::path root, DeletionConfirmation& confirmation, Log& log);
+    FolderLibrary(std::filesystem::path root, DeletionConfirmation& confirmation, Log& log,
+                  const WatchTimes& times = {});
 
     AuthorizationStatus authorizationStatus() const override;
 
@@ -39,7 +42,6 @@ class FolderLibrary final : public PhotoLibrary {
                    std::stop_token stop) override;
     void deleteAssets(const std::vector<PhotoAsset>& assets) override;
 
-    /// Changes are not watched: what is new is found by the next scan.
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
 
@@ -48,13 +50,14 @@ class FolderLibrary final : public PhotoLibrary {
   private:
     using Index = std::shared_ptr<const FolderIndex>;
 
-    Index scan();
+    Index scan(const std::stop_token& stop = {});
     /// The last scan; a new one when there is none.
     Index lastScan();
     /// The same, but a new one also when a folder changed since.
     Index current();
     /// The file's path inside the library; none when no such file is there (any more).
     std::optional<std::filesystem::path> find(const QString& localIdentifier);
+    ChangeWatch::Found look(bool told, const std::stop_token& stop);
     void reportSkip(const std::string& path, const QString& reason);
 
     const std::filesystem::path root_;
@@ -64,6 +67,9 @@ class FolderLibrary final : public PhotoLibrary {
     std::mutex mutex_; ///< never held while the disk is read
     Index index_;
     std::set<std::string> reported_; ///< each skipped path is logged once
+    LiveFetches fetches_;
+    std::weak_ptr<const FolderIndex> announced_; ///< the watching thread's: told to the observer
+    ChangeWatch watch_;                          ///< last: its thread uses the rest
 };
 
 } // namespace quorvane

@@ -1,6 +1,7 @@
 #include "platform/folder/FolderScanner.h"
 
 #include "foundation/File.h"
+#include "platform/folder/OpenForWriting.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,14 +30,15 @@ using Directory = std::unique_ptr<DIR, CloseDirectory>;
 
 class Scanner {
   public:
-    Scanner(const std::filesystem::path& root, const SkipHandler& skipped)
-        : root_(root), library_(folderLibraryIdentifier(root)), skipped_(skipped) {}
+    Scanner(const std::filesystem::path& root, const SkipHandler& skipped,
+            const std::stop_token& stop)
+        : root_(root), library_(folderLibraryIdentifier(root)), skipped_(skipped), stop_(stop) {}
 
     FolderIndex run() {
         addFolder({});
         for (std::size_t position = 0; position < folders_.size(); ++position)
             scan(position);
-        return {std::move(files_), std::move(folders_), std::move(folderOfFile_)};
+        return {std::move(files_), std::move(folders_), std::move(folderOfFile_), hasUnfinished_};
     }
 
   private:
@@ -83,6 +85,8 @@ class Scanner {
 
     void visit(DIR* directory, const dirent& entry, std::size_t folder,
                std::vector<std::string>& subfolders) {
+        if (stop_.stop_requested())
+            throw Cancelled();
         const std::string name = entry.d_name;
         if (name == "." || name == ".." || name == stagingFolderName || name.starts_with("._"))
             return; // "._" is the resource fork of a file, not a file of its own
@@ -128,7 +132,10 @@ class Scanner {
             skipped_(path, QStringLiteral("sıradan bir dosya değil"));
         else if (::faccessat(::dirfd(directory), name.c_str(), R_OK, 0) != 0)
             skipped_(path, errorNumberText(errno));
-        else {
+        else if (isOpenForWriting(::dirfd(directory), name.c_str(), status)) {
+            hasUnfinished_ = true;
+            skipped_(path, QStringLiteral("henüz yazılıyor"));
+        } else {
             files_.push_back(
                 {path, folderFileIdentifier(library_, path), nanoseconds(status.st_mtim)});
             folderOfFile_.push_back(folder);
@@ -138,6 +145,8 @@ class Scanner {
     const std::filesystem::path& root_;
     const QUuid library_;
     const SkipHandler& skipped_;
+    const std::stop_token& stop_;
+    bool hasUnfinished_ = false;
     std::vector<FolderFile> files_;
     std::vector<Folder> folders_;
     std::vector<std::size_t> folderOfFile_;
@@ -161,8 +170,9 @@ AssetMediaType mediaTypeOfName(const std::filesystem::path& name) {
                                                                     : AssetMediaType::unknown;
 }
 
-FolderIndex scanFolder(const std::filesystem::path& root, const SkipHandler& skipped) {
-    return Scanner(root, skipped).run();
+FolderIndex scanFolder(const std::filesystem::path& root, const SkipHandler& skipped,
+                       const std::stop_token& stop) {
+    return Scanner(root, skipped, stop).run();
 }
 
 } // namespace quorvane

@@ -4,6 +4,7 @@
 #include "platform/folder/FolderIndex.h"
 
 #include <functional>
+#include <stop_token>
 
 namespace quorvane {
 
@@ -14,8 +15,10 @@ using SkipHandler = std::function<void(const std::string& path, const QString& r
 AssetMediaType mediaTypeOfName(const std::filesystem::path& name);
 
 /// Walks the tree below `root`. Left out: what is hidden, symbolic links (what they show inside the
-/// library is found on its own), Photos bundles, what may not be read, and the product's own
-/// staging folder. Throws `PhotoLibraryError` when `root` itself cannot be read.
-FolderIndex scanFolder(const std::filesystem::path& root, const SkipHandler& skipped);
+/// library is found on its own), Photos bundles, what may not be read, what is being written, and
+/// the product's own staging folder. Throws `PhotoLibraryError` when `root` itself cannot be read,
+/// or `Cancelled`.
+FolderIndex scanFolder(const std::filesystem::path& root, const SkipHandler& skipped,
+                       const std::stop_token& stop = {});
 
 } // namespace quorvane

@@ -1,4 +1,4 @@
-#include "platform/bundle/PrivateFolder.h"
+#include "store/PrivateFolder.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace quorvane {
 
@@ -13,13 +14,15 @@ namespace {
 
 constexpr std::string_view prefix = "quorvane-photos-";
 
-/// An empty folder is left alone: its owner may be about to lock it.
+/// An empty folder is left alone: its owner may be about to lock it. So is another user's.
 void removeIfLeftOver(const std::filesystem::path& folder) {
     const FileDescriptor lock(
         ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status {};
     std::error_code error;
-    if (lock.isOpen() && ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 &&
-        !std::filesystem::is_empty(folder, error) && !error)
+    if (lock.isOpen() && ::fstat(lock.get(), &status) == 0 && status.st_uid == ::geteuid() &&
+        ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 && !std::filesystem::is_empty(folder, error) &&
+        !error)
         std::filesystem::remove_all(folder, error);
 }
 

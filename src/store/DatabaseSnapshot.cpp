@@ -1,8 +1,4 @@
-#include "metadata/DatabaseCopy.h"
-
-#include "foundation/File.h"
-
-#include <QDir>
+#include "store/DatabaseSnapshot.h"
 
 #include <sys/stat.h>
 
@@ -21,20 +17,20 @@ std::filesystem::path withSuffix(std::filesystem::path file, const char* suffix)
 
 } // namespace
 
-DatabaseCopy::Stamp DatabaseCopy::stampOf(const std::filesystem::path& file) {
+DatabaseSnapshot::Stamp DatabaseSnapshot::stampOf(const std::filesystem::path& file) {
     struct stat info {};
     if (::stat(file.c_str(), &info) != 0)
         return {};
     return {info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
 }
 
-bool DatabaseCopy::isCurrent() const {
+bool DatabaseSnapshot::isCurrent() const {
     return database_ == stampOf(original_) && log_ == stampOf(originalLog());
 }
 
-bool DatabaseCopy::refresh() {
+bool DatabaseSnapshot::refresh() {
     if (!folder_)
-        folder_.emplace(QDir::tempPath() + QStringLiteral("/quorvane-photos-XXXXXX"));
+        folder_.emplace(workFolder_);
     log_.reset();
     for (int attempt = 0; attempt < attempts; ++attempt) {
         const Stamp database = stampOf(original_);
@@ -55,15 +51,15 @@ bool DatabaseCopy::refresh() {
     return false;
 }
 
-std::filesystem::path DatabaseCopy::originalLog() const {
+std::filesystem::path DatabaseSnapshot::originalLog() const {
     return withSuffix(original_, logSuffix);
 }
 
-std::filesystem::path DatabaseCopy::file() const {
-    return pathFrom(folder_->path()) / "copy.sqlite";
+std::filesystem::path DatabaseSnapshot::file() const {
+    return folder_->path() / "copy.sqlite";
 }
 
-void DatabaseCopy::copy(const char* suffix) const {
+void DatabaseSnapshot::copy(const char* suffix) const {
     const std::filesystem::path source = withSuffix(original_, suffix);
     const std::filesystem::path target = withSuffix(file(), suffix);
     std::error_code error;

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QTemporaryDir>
+#include "store/PrivateFolder.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 
 namespace quorvane {
@@ -12,16 +11,18 @@ namespace quorvane {
 /// log: opening the original, even read-only, would create files beside it, and without the log
 /// rows would be missed. What did not change is not copied again. The copy goes with the object.
 /// One thread at a time.
-class DatabaseCopy {
+class DatabaseSnapshot {
   public:
-    explicit DatabaseCopy(std::filesystem::path original) : original_(std::move(original)) {}
+    /// The copy is kept in a private folder below `workFolder`, made by the first `refresh`.
+    DatabaseSnapshot(std::filesystem::path original, std::filesystem::path workFolder)
+        : original_(std::move(original)), workFolder_(std::move(workFolder)) {}
 
     /// True when the copy says what the original says now. Costs two looks at file attributes.
     bool isCurrent() const;
 
     /// Copies what changed; no connection to the copy may be open. False when the original keeps
-    /// changing under the copy, which is then not to be used. Throws `Error` when the original
-    /// cannot be read.
+    /// changing under the copy, which is then not to be used. Throws `FileError` when the original
+    /// cannot be read or the copy not be written.
     bool refresh();
 
     /// The copied database.
@@ -40,8 +41,8 @@ class DatabaseCopy {
     std::filesystem::path originalLog() const;
     void copy(const char* suffix) const;
 
-    std::filesystem::path original_;
-    std::optional<QTemporaryDir> folder_;
+    std::filesystem::path original_, workFolder_;
+    std::optional<PrivateFolder> folder_;
     std::optional<Stamp> database_; ///< of what the copy of the database was made
     std::optional<Stamp> log_;      ///< of what the copy of its log was made
 };

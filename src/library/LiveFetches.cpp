@@ -1,0 +1,63 @@
+#include "library/LiveFetches.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace quorvane {
+
+namespace {
+
+FetchResultChangeDetails difference(const std::vector<PhotoAsset>& before,
+                                    const AssetFetchResult& after) {
+    std::unordered_map<QString, const PhotoAsset*> gone;
+    gone.reserve(before.size());
+    for (const PhotoAsset& asset : before)
+        gone.emplace(asset.localIdentifier, &asset);
+    FetchResultChangeDetails details;
+    details.fetchResultAfterChanges = after;
+    for (const PhotoAsset& asset : *after) {
+        const auto known = gone.find(asset.localIdentifier);
+        if (known == gone.end()) {
+            details.insertedObjects.push_back(asset);
+            continue;
+        }
+        if (*known->second != asset)
+            details.changedObjects.push_back(asset);
+        gone.erase(known);
+    }
+    for (const PhotoAsset& asset : before)
+        if (gone.contains(asset.localIdentifier))
+            details.removedObjects.push_back(asset);
+    return details;
+}
+
+} // namespace
+
+AssetFetchResult LiveFetches::remember(AssetFetchResult result, Fetch again) {
+    const std::lock_guard lock(mutex_);
+    std::erase_if(entries_, [](const Entry& entry) { return entry.result.expired(); });
+    entries_.push_back({result, std::move(again)});
+    return result;
+}
+
+std::optional<FetchResultChangeDetails>
+LiveFetches::changeDetails(const AssetFetchResult& before) const {
+    Fetch again;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto entry = std::ranges::find_if(
+            entries_, [&](const Entry& e) { return e.result.lock() == before; });
+        if (!before || entry == entries_.end())
+            return std::nullopt;
+        again = entry->again;
+    }
+    FetchResultChangeDetails details = difference(*before, again());
+    if (details.insertedObjects.empty() && details.removedObjects.empty() &&
+        details.changedObjects.empty())
+        return std::nullopt;
+    const std::lock_guard lock(mutex_);
+    entries_.push_back({details.fetchResultAfterChanges, std::move(again)});
+    return details;
+}
+
+} // namespace quorvane

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "library/PhotoLibrary.h"
+
+#include <functional>
+#include <mutex>
+
+namespace quorvane {
+
+/// The fetch results that a library handed out and that somebody still holds, each with the way to
+/// fetch it again. So a change can be told against the very result that the observer has. Any
+/// thread.
+class LiveFetches final : public LibraryChange {
+  public:
+    using Fetch = std::function<AssetFetchResult()>;
+
+    /// Returns `result`. `again` fetches what there is now, cheaply and without `remember`.
+    AssetFetchResult remember(AssetFetchResult result, Fetch again);
+
+    /// In linear time. None when the same assets are there as before, in whatever order, or when
+    /// `before` is nobody's. Throws what the fetch throws.
+    std::optional<FetchResultChangeDetails>
+    changeDetails(const AssetFetchResult& before) const override;
+
+  private:
+    struct Entry {
+        std::weak_ptr<const std::vector<PhotoAsset>> result;
+        Fetch again;
+    };
+
+    mutable std::mutex mutex_; ///< not held while a result is fetched again
+    mutable std::vector<Entry> entries_;
+};
+
+} // namespace quorvane
