@@ -12,14 +12,20 @@ std::optional<QString> configuredBaseURL() {
     return value.isEmpty() ? std::nullopt : std::optional(value);
 }
 
+std::filesystem::path storeFile(const std::filesystem::path& file, CoreServices::Store store) {
+    std::error_code unreachable; // shows when it is opened
+    const bool isAbsent = !std::filesystem::exists(file, unreachable) && !unreachable;
+    return isAbsent && store == CoreServices::Store::leaveAbsent ? ":memory:" : file;
+}
+
 } // namespace
 
-CoreServices::CoreServices(UserFolders userFolders, Console& consoleToUse)
+CoreServices::CoreServices(UserFolders userFolders, Console& consoleToUse, Store store)
     : folders(std::move(userFolders)),
       console(consoleToUse),
       logger(folders.logs(), console, clock),
       preferences(folders.preferences()),
-      db(folders.database(), console) {}
+      db(storeFile(folders.database(), store), console) {}
 
 GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& webAuthSession)
     : config(AppConfig::standardCandidates(core.folders.home), core.logger),
@@ -32,13 +38,17 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& webAuthSessio
       batchCoord(http, oauth, albums, core.db, core.preferences, core.logger, core.console,
                  core.clock, endpoints) {}
 
-LibraryServices::LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
-                                 DeletionConfirmation& confirmation)
+SourceServices::SourceServices(CoreServices& core, const std::filesystem::path& libraryPath,
+                               DeletionConfirmation& confirmation)
     : path(libraryPath),
       library(openPhotoLibrary(libraryPath, core.folders, confirmation, core.logger)),
       metadata(*library, core.folders.pictures, core.logger, core.clock),
+      albums(*library, core.preferences, core.logger) {}
+
+LibraryServices::LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
+                                 DeletionConfirmation& confirmation)
+    : SourceServices(core, libraryPath, confirmation),
       staging(*library, core.db, metadata, core.folders, core.console),
-      albums(*library, core.preferences, core.logger),
       observer(*library, core.db, staging, albums, core.preferences, core.console),
       deletion(core.db, staging, *library, core.logger) {}
 

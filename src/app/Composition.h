@@ -32,7 +32,12 @@ namespace quorvane {
 
 /// What every command needs.
 struct CoreServices {
-    CoreServices(UserFolders userFolders, Console& consoleToUse);
+    enum class Store {
+        createWhenAbsent,
+        leaveAbsent, ///< an empty one in memory takes its place
+    };
+    CoreServices(UserFolders userFolders, Console& consoleToUse,
+                 Store store = Store::createWhenAbsent);
 
     UserFolders folders;
     Console& console;
@@ -59,16 +64,23 @@ struct GoogleServices {
     GoogleBatchCoordinator batchCoord;
 };
 
-/// One photo library and what works on it.
-struct LibraryServices {
-    LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
-                    DeletionConfirmation& confirmation);
+/// One photo library, only read.
+struct SourceServices {
+    SourceServices(CoreServices& core, const std::filesystem::path& libraryPath,
+                   DeletionConfirmation& confirmation);
 
     std::filesystem::path path;
     std::unique_ptr<PhotoLibrary> library;
     MediaMetadataService metadata;
-    AssetStagingService staging;
     PhotoAlbumService albums;
+};
+
+/// And what works on it. Creates the staging folders.
+struct LibraryServices : SourceServices {
+    LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
+                    DeletionConfirmation& confirmation);
+
+    AssetStagingService staging;
     PhotoLibraryObserver observer;
     SafeDeletionService deletion;
 };

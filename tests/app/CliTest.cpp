@@ -60,6 +60,12 @@ TEST_F(CliTest, withoutASignInNothingIsUploaded) {
         EXPECT_TRUE(outcome.err.contains(u"OAuth: kullanici giris yapmamis"))
             << outcome.err.toStdString();
     }
+    std::filesystem::remove_all(folders.database().parent_path());
+    std::filesystem::remove_all(folders.permanentStaging());
+    EXPECT_EQ(run(sync({u"--dry-run"_s})).code, 0);
+    EXPECT_EQ(run({u"staging"_s}).code, 0);
+    EXPECT_FALSE(std::filesystem::exists(folders.permanentStaging())) << "a trial leaves no trace";
+    EXPECT_FALSE(std::filesystem::exists(folders.database()));
     EXPECT_EQ(emulator.requestCount(RequestKind::upload), 0);
 }
 
@@ -75,7 +81,6 @@ TEST_F(CliTest, aLibraryIsBackedUpAndWhatIsHeldBackIsNamed) {
     ASSERT_EQ(forecast.size(), 1U);
     EXPECT_EQ(stored(), Stored{});
     EXPECT_EQ(emulator.requestCount(RequestKind::upload), 0);
-    EXPECT_TRUE(std::filesystem::is_empty(folders.permanentStaging()));
 
     const Outcome first = run(sync({u"--quiet"_s}));
     EXPECT_EQ(first.code, 4) << first.out.toStdString() << first.err.toStdString();
@@ -101,6 +106,35 @@ TEST_F(CliTest, aLibraryIsBackedUpAndWhatIsHeldBackIsNamed) {
     left.sort();
     EXPECT_EQ(left, (QStringList{u"bozuk.jpg"_s, u"hareketli.gif"_s})) << "no place for a date";
     EXPECT_TRUE(second.err.contains(u"[Sync]")) << "the log goes to standard error";
+}
+
+TEST_F(CliTest, stagedCopiesAreShownAndOnlySafeOnesRemoved) {
+    ASSERT_EQ(signIn().code, 0);
+    sample::writeManyPictures(library, 3);
+    ASSERT_EQ(run(sync()).code, 0);
+    const auto contents = [this]() -> QJsonValue {
+        const auto listed = objectsIn(run({u"staging"_s, u"--json"_s}).out).at(0);
+        return listed[u"folders"_s][0]; // the other one is the computer's
+    };
+    {
+        Console silent(Console::Channel::silent);
+        DatabaseManager db(folders.database(), silent);
+        const QString identifier = db.fetchStatuses().front().first;
+        db.updateStatus(identifier, googlePhotosProvider, pendingAccount, SyncStatus::failed);
+    }
+    replaceFile(folders.permanentStaging() / "mine.jpg", "a person's own");
+    EXPECT_EQ(contents()[u"files"_s].toInt(), 4);
+    EXPECT_EQ(contents()[u"statuses"_s][u"VERIFIED"_s][u"files"_s].toInt(), 2);
+    EXPECT_GT(contents()[u"statuses"_s][u"FAILED"_s][u"bytes"_s].toInt(), 0);
+    EXPECT_TRUE(run({u"staging"_s}).out.contains(u"Kaydı olmayan"));
+
+    EXPECT_EQ(run({u"staging"_s, u"--prune"_s}).code, 1) << "nobody was asked";
+    EXPECT_EQ(contents()[u"files"_s].toInt(), 4);
+    const auto pruned = objectsIn(run({u"staging"_s, u"--prune"_s, u"--yes"_s, u"--json"_s}).out);
+    EXPECT_EQ(pruned.at(0)[u"removed"_s][u"files"_s].toInt(), 2);
+    EXPECT_EQ(contents()[u"files"_s].toInt(), 2);
+    EXPECT_EQ(contents()[u"statuses"_s][u"FAILED"_s][u"files"_s].toInt(), 1);
+    EXPECT_EQ(contents()[u"unknown"_s][u"files"_s].toInt(), 1);
 }
 
 TEST_F(CliTest, whatIsDoneIsNotDoneAgain) {

@@ -28,7 +28,7 @@ void countKind(Forecast& forecast, const PhotoAsset& asset) {
         ++forecast.photos;
 }
 
-void countFile(Forecast& forecast, LibraryServices& library, const PhotoAsset& asset,
+void countFile(Forecast& forecast, SourceServices& library, const PhotoAsset& asset,
                DateFallbackMode fallbackMode) {
     const auto resource = resourceToStage(library.library->assetResources(asset));
     if (!resource || !resource->fileSize) {
@@ -48,7 +48,7 @@ bool Forecast::overflowsTarget() const {
     return targetTitle && targetCount + toUpload() > GoogleAlbum::capacity;
 }
 
-Forecast forecast(CoreServices& core, LibraryServices& library, GoogleServices* google,
+Forecast forecast(CoreServices& core, SourceServices& library, GoogleServices* google,
                   DateFallbackMode fallbackMode, std::stop_token stop) {
     Forecast result;
     const auto finished = finishedIdentifiers(core.db);

@@ -27,7 +27,7 @@ struct Forecast {
 
 /// Reads the source and every file's date. `google` is absent when nobody is signed in; the target
 /// album is then not looked at. Throws `PhotoLibraryError`, `DBError` and `Cancelled`.
-Forecast forecast(CoreServices& core, LibraryServices& library, GoogleServices* google,
+Forecast forecast(CoreServices& core, SourceServices& library, GoogleServices* google,
                   DateFallbackMode fallbackMode, std::stop_token stop);
 
 } // namespace quorvane::cli

@@ -80,8 +80,19 @@ SyncReport drain(Invocation& invocation, CoreServices& core, GoogleServices& goo
     return report;
 }
 
+/// Settles where this run reads and where it puts things.
+void choose(Invocation& invocation, CoreServices& core, GoogleServices& google,
+            SourceServices& source) {
+    requireReadable(*source.library, source.path);
+    if (const auto album = invocation.arguments.value(QStringLiteral("album")))
+        chooseSourceAlbum(*album, source.albums, core.preferences);
+    if (const auto album = invocation.arguments.value(QStringLiteral("target-album")))
+        chooseTargetAlbum(*album, google.albums, core.preferences, invocation.stop);
+}
+
+/// Leaves no trace but log lines: neither a store nor a staging folder is created.
 int dryRun(Invocation& invocation, CoreServices& core, GoogleServices& google,
-           LibraryServices& library) {
+           SourceServices& library) {
     const QString mode =
         core.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString());
     const Forecast result = forecast(
@@ -102,12 +113,14 @@ int sync(Invocation& invocation) {
         invocation.console.setChannel(Console::Channel::silent);
 
     const RunLock lock(invocation.folders.runLock());
-    CoreServices core(invocation.folders, invocation.console);
+    const bool isDryRun = arguments.has(QStringLiteral("dry-run"));
+    CoreServices core(invocation.folders, invocation.console,
+                      isDryRun ? CoreServices::Store::leaveAbsent
+                               : CoreServices::Store::createWhenAbsent);
     core.db.requireUsable();
     applyOptions(arguments, core.preferences);
     NoAuthSession noSignIn;
     GoogleServices google(core, noSignIn);
-    const bool isDryRun = arguments.has(QStringLiteral("dry-run"));
     if (!isDryRun)
         requireSignedIn(google.oauth);
 
@@ -115,14 +128,13 @@ int sync(Invocation& invocation) {
         chooseLibrary(arguments.value(QStringLiteral("library")), core.preferences, core.folders);
     TerminalConfirmation confirmation(invocation.console, arguments.has(QStringLiteral("yes")),
                                       invocation.stop);
+    if (isDryRun) {
+        SourceServices source(core, path, confirmation);
+        choose(invocation, core, google, source);
+        return dryRun(invocation, core, google, source);
+    }
     LibraryServices library(core, path, confirmation);
-    requireReadable(*library.library, path);
-    if (const auto album = arguments.value(QStringLiteral("album")))
-        chooseSourceAlbum(*album, library.albums, core.preferences);
-    if (const auto album = arguments.value(QStringLiteral("target-album")))
-        chooseTargetAlbum(*album, google.albums, core.preferences, invocation.stop);
-    if (isDryRun)
-        return dryRun(invocation, core, google, library);
+    choose(invocation, core, google, library);
 
     library.staging.removeLeftovers();
     library.observer.initialScan(invocation.stop);

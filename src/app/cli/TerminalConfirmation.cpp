@@ -27,15 +27,17 @@ QString readLine(const std::stop_token& stop) {
 } // namespace
 
 bool TerminalConfirmation::confirmDeletion(int count) {
+    return confirm(
+        QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı Çöp'e taşınacak.").arg(count));
+}
+
+bool TerminalConfirmation::confirm(const QString& question) {
     if (confirmedBeforehand_)
         return true;
     if (::isatty(STDIN_FILENO) == 0)
         return false;
-    console_.error(QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı Çöp'e taşınacak. "
-                                  "Onaylıyorsanız \"evet\" yazın:")
-                       .arg(count));
-    const QString answer = readLine(stop_);
-    return answer.compare(u"evet", Qt::CaseInsensitive) == 0;
+    console_.error(question + QStringLiteral(" Onaylıyorsanız \"evet\" yazın:"));
+    return readLine(stop_).compare(u"evet", Qt::CaseInsensitive) == 0;
 }
 
 } // namespace quorvane::cli

@@ -7,14 +7,18 @@
 
 namespace quorvane::cli {
 
-/// Asks on the terminal before originals go to the Trash. Without a terminal, or after a stop, the
-/// answer is no, unless it was given beforehand.
+/// Asks on the terminal before files go. Without a terminal, or after a stop, the answer is no,
+/// unless it was given beforehand.
 class TerminalConfirmation final : public DeletionConfirmation {
   public:
     TerminalConfirmation(Console& console, bool confirmedBeforehand, std::stop_token stop)
         : console_(console), confirmedBeforehand_(confirmedBeforehand), stop_(std::move(stop)) {}
 
+    /// Of originals.
     bool confirmDeletion(int count) override;
+
+    /// True when the person wrote "evet" below `question`.
+    bool confirm(const QString& question);
 
   private:
     Console& console_;

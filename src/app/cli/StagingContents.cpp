@@ -1,0 +1,91 @@
+#include "app/cli/StagingContents.h"
+
+#include "foundation/File.h"
+#include "library/StagingFolder.h"
+#include "metadata/FilenameDates.h"
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace quorvane::cli {
+
+namespace {
+
+using StatusesOfAsset = std::map<QString, std::vector<SyncStatus>>;
+
+bool isDone(SyncStatus status) {
+    return status == SyncStatus::verified || status == SyncStatus::deletedLocally;
+}
+
+bool isSafe(const SyncRecord& record) {
+    return record.syncStatus == SyncStatus::deletedLocally ||
+           (record.syncStatus == SyncStatus::verified && record.remoteMediaID &&
+            !record.remoteMediaID->isEmpty());
+}
+
+StagingContents contentsOf(const std::filesystem::path& folder, const StatusesOfAsset& statuses) {
+    StagingContents contents;
+    contents.folder = folder;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        std::error_code vanished;
+        if (entry.symlink_status(vanished).type() != std::filesystem::file_type::regular)
+            continue;
+        const auto size = static_cast<std::int64_t>(entry.file_size(vanished));
+        if (vanished)
+            continue;
+        const auto identifier = identifierOfStagedName(pathText(entry.path().filename()));
+        const auto found = identifier ? statuses.find(*identifier) : statuses.end();
+        if (found == statuses.end()) {
+            contents.unknown.add(size);
+            continue;
+        }
+        // Of several records the one that still has work to do counts.
+        const std::vector<SyncStatus>& all = found->second;
+        const auto undone = std::ranges::find_if_not(all, isDone);
+        contents.byStatus[undone == all.end() ? all.front() : *undone].add(size);
+        if (undone == all.end())
+            contents.removable.push_back({entry.path(), size, *identifier});
+    }
+    return contents;
+}
+
+} // namespace
+
+FilesAndBytes StagingContents::total() const {
+    FilesAndBytes total = unknown;
+    for (const auto& [status, count] : byStatus) {
+        total.files += count.files;
+        total.bytes += count.bytes;
+    }
+    return total;
+}
+
+std::vector<StagingContents> stagingContents(const UserFolders& folders, DatabaseManager& db) {
+    StatusesOfAsset statuses;
+    for (const auto& [identifier, status] : db.fetchStatuses())
+        statuses[identifier].push_back(status);
+    const StagingFolder all[] = {
+        {folders.permanentStaging(), StagingFolder::Access::any},
+        {folders.temporaryStaging, StagingFolder::Access::privateOnly},
+    };
+    std::vector<StagingContents> contents;
+    for (const StagingFolder& folder : all)
+        if (folder.isUsable())
+            contents.push_back(contentsOf(folder.path(), statuses));
+    return contents;
+}
+
+FilesAndBytes removeSafeCopies(const StagingContents& contents, DatabaseManager& db) {
+    FilesAndBytes removed;
+    for (const StagingContents::File& file : contents.removable) {
+        const std::vector<SyncRecord> records = db.fetchRecordsOfAsset(file.identifier);
+        if (!records.empty() && std::ranges::all_of(records, isSafe) &&
+            ::unlink(file.path.c_str()) == 0)
+            removed.add(file.bytes);
+    }
+    return removed;
+}
+
+} // namespace quorvane::cli
