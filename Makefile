@@ -38,6 +38,7 @@ test:
 bench: build
 	@scripts/setup.sh build bench
 	@scripts/bench.sh
+	@scripts/bench-library.sh
 	@scripts/bench-metadata.sh
 	@scripts/bench-upload.sh
 

@@ -49,6 +49,20 @@ void applyOptions(const Arguments& arguments, Preferences& preferences) {
     }
 }
 
+/// What is added to the library meanwhile belongs to the run.
+class Watching {
+  public:
+    explicit Watching(LibraryServices& services) : services_(services) {
+        services_.library->registerChangeObserver(services_.observer);
+    }
+    ~Watching() { services_.library->unregisterChangeObserver(services_.observer); }
+    Watching(const Watching&) = delete;
+    Watching& operator=(const Watching&) = delete;
+
+  private:
+    LibraryServices& services_;
+};
+
 SyncReport drain(Invocation& invocation, CoreServices& core, GoogleServices& google,
                  LibraryServices& library) {
     SyncServices sync(core, google, library);
@@ -139,6 +153,7 @@ int sync(Invocation& invocation) {
     library.staging.removeLeftovers();
     library.observer.initialScan(invocation.stop);
     rememberLibrary(path, core.preferences);
+    const Watching watching(library);
     const SyncReport report = drain(invocation, core, google, library);
     if (arguments.has(QStringLiteral("json")))
         printJson(core.console, report.json());

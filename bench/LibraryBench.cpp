@@ -1,0 +1,148 @@
+#include "bench/MadeLibraries.h"
+#include "foundation/Clock.h"
+#include "library/PhotoLibraryObserver.h"
+#include "platform/bundle/PhotosBundleLibrary.h"
+#include "platform/folder/FolderLibrary.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+#include <sys/resource.h>
+
+/// Measures discovery in a big made-up library: into an empty store, again, and of what changes
+/// while it is watched.
+namespace quorvane::bench {
+
+namespace {
+
+constexpr int dropped = 1000;
+constexpr std::chrono::minutes patience{5};
+
+class NoLog final : public Log {
+  public:
+    void log(const QString&) override {}
+};
+
+class NoConsent final : public DeletionConfirmation {
+  public:
+    bool confirmDeletion(int) override { return false; }
+};
+
+/// Passes on what the product's own observer gets, and counts what that ignores.
+class Counter final : public LibraryChangeObserver {
+  public:
+    Counter(LibraryChangeObserver& next, AssetFetchResult result)
+        : next_(next), result_(std::move(result)) {}
+    void photoLibraryDidChange(const LibraryChange& change) override {
+        next_.photoLibraryDidChange(change);
+        if (const auto details = change.changeDetails(result_)) {
+            result_ = details->fetchResultAfterChanges;
+            changed += details->changedObjects.size();
+        }
+    }
+    std::atomic<std::size_t> changed = 0;
+
+  private:
+    LibraryChangeObserver& next_;
+    AssetFetchResult result_;
+};
+
+struct World {
+    explicit World(const std::filesystem::path& home)
+        : folders{home, home / "Pictures", home / "temporary"},
+          preferences(folders.preferences()) {}
+
+    UserFolders folders;
+    Console console{Console::Channel::silent};
+    NoLog log;
+    NoConsent consent;
+    SystemClock clock;
+    Preferences preferences;
+    DatabaseManager db{folders.database(), console};
+
+    int stored() {
+        int count = 0;
+        for (const auto& [status, number] : db.countByStatus())
+            count += number;
+        return count;
+    }
+};
+
+void report(const char* what, const SystemClock& clock, Clock::Monotonic began) {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    std::printf("%-34s %8.2f s   peak memory %5ld MiB\n", what,
+                std::chrono::duration<double>(clock.monotonic() - began).count(),
+                usage.ru_maxrss / 1024);
+}
+
+bool waitFor(SystemClock& clock, const std::function<bool()>& condition) {
+    const auto end = clock.monotonic() + patience;
+    while (!condition()) {
+        if (clock.monotonic() > end)
+            return false;
+        clock.sleep(std::chrono::milliseconds(20), {});
+    }
+    return true;
+}
+
+/// `change` adds `added` pictures and changes `changed`.
+int measure(World& world, PhotoLibrary& library, int count, int added, std::size_t changed,
+            const std::function<void()>& change) {
+    MediaMetadataService metadata(library, world.folders.pictures, world.log, world.clock);
+    AssetStagingService staging(library, world.db, metadata, world.folders, world.console);
+    PhotoAlbumService albums(library, world.preferences, world.log);
+    PhotoLibraryObserver observer(library, world.db, staging, albums, world.preferences,
+                                  world.console);
+    for (const char* scan : {"first scan into the store", "second scan"}) {
+        const auto began = world.clock.monotonic();
+        observer.initialScan();
+        report(scan, world.clock, began);
+    }
+    Counter counter(observer, library.fetchAssets());
+    library.registerChangeObserver(counter);
+    auto began = world.clock.monotonic();
+    change();
+    report("making the changes", world.clock, began);
+    began = world.clock.monotonic();
+    const bool noticed = waitFor(
+        world.clock, [&] { return world.stored() == count + added && counter.changed >= changed; });
+    report("noticed and recorded after", world.clock, began);
+    library.unregisterChangeObserver(counter);
+    std::printf("%d recorded, %d expected; %zu changed\n", world.stored(), count + added,
+                counter.changed.load());
+    return noticed && world.stored() == count + added ? 0 : 1;
+}
+
+int run(const QString& kind, int count) {
+    const QTemporaryDir folder;
+    const std::filesystem::path root = pathFrom(folder.path());
+    World world(root / "home");
+    if (kind == u"bundle") {
+        const auto path = root / "Made.photoslibrary";
+        MadeBundle made(path, count);
+        PhotosBundleLibrary library(path, root / "work", world.log);
+        return measure(world, library, count, 1, 1, [&] { made.change(); });
+    }
+    makeFiles(root / "pictures", "a", count);
+    FolderLibrary library(root / "pictures", world.consent, world.log);
+    return measure(world, library, count, dropped, 0,
+                   [&] { makeFiles(root / "pictures", "b", dropped); });
+}
+
+} // namespace
+
+} // namespace quorvane::bench
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments();
+    const int count = words.value(2).toInt();
+    if (words.size() != 3 || (words[1] != u"bundle" && words[1] != u"folder") || count <= 0) {
+        std::fputs("usage: quorvane-bench-library bundle|folder COUNT\n", stderr);
+        return 2;
+    }
+    return quorvane::bench::run(words[1], count);
+}
