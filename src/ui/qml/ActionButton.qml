@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 
 /// A button with words: "filled", "outline" or "link"; 40 high, or 32 when small.
-Button {
+AbstractButton {
     id: control
 
     property string kind: "outline"
@@ -21,9 +21,12 @@ Button {
     rightPadding: leftPadding
     topPadding: 0
     bottomPadding: 0
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
 
     background: Rectangle {
         radius: Theme.controlRadius
@@ -44,7 +47,9 @@ Button {
         FocusRing { shown: control.visualFocus }
     }
 
-    contentItem: Item {
+    Item {
+        anchors.fill: parent
+
         Row {
             id: row
             anchors.centerIn: parent

@@ -21,10 +21,11 @@ Sheet {
     }
 
     width: 360
-    firstFocus: field
+    onOpened: field.forceActiveFocus(Qt.PopupFocusReason)
     onCancelled: shown = false
 
-    contentItem: Column {
+    Column {
+        width: sheet.availableWidth
         Accessible.role: Accessible.Dialog
         Accessible.name: "Yeni Google Photos Albümü Oluştur"
 

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 
 /// A question with its answers one below the other: the first is what Return presses, the last what
@@ -25,10 +26,11 @@ Sheet {
     width: 360
     topPadding: 25
     bottomPadding: 13
-    firstFocus: buttons.count > 0 ? buttons.itemAt(0) : null
+    onOpened: buttons.itemAt(0).forceActiveFocus(Qt.PopupFocusReason)
     onCancelled: dashboard.answerAlert(alert.buttons.length - 1)
 
-    contentItem: Column {
+    Column {
+        width: sheet.availableWidth
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.alert.title
         Accessible.description: sheet.alert.text

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -37,7 +38,7 @@ Popup {
         border.color: Theme.borderControl
     }
 
-    contentItem: ListView {
+    ListView {
         id: list
 
         function focusCurrent(byKeyboard: bool) {
@@ -59,7 +60,8 @@ Popup {
             menu.chosen(row.command, row.value);
         }
 
-        implicitHeight: contentHeight
+        width: menu.availableWidth
+        height: menu.availableHeight
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         highlightMoveDuration: 0

@@ -5,7 +5,7 @@ import QtQuick.Controls.Basic
 RadioButton {
     id: control
 
-    implicitHeight: Math.max(32, label.implicitHeight + 14)
+    implicitHeight: Math.max(32, contentItem.implicitHeight + 14)
     padding: 0
     leftPadding: 28
     Accessible.name: text
@@ -30,7 +30,6 @@ RadioButton {
         FocusRing { shown: control.visualFocus; controlRadius: 9 }
     }
     contentItem: Words {
-        id: label
         text: control.text
         wrapMode: Text.Wrap
         Accessible.ignored: true

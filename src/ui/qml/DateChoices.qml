@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 
 /// What to do with items whose capture date nobody knows.
@@ -8,11 +9,11 @@ Column {
     readonly property alias count: answers.count
     signal chosen(string value)
 
-    function focusTarget(): Item {
-        for (let i = 0; i < answers.count; ++i)
-            if (view.choices[i].value === view.chosen)
-                return answers.itemAt(i);
-        return answers.itemAt(0);
+    onActiveFocusChanged: {
+        if (!activeFocus)
+            return;
+        const chosen = view.choices.findIndex(choice => choice.value === view.chosen);
+        answers.itemAt(Math.max(0, chosen)).forceActiveFocus(Qt.PopupFocusReason);
     }
 
     Words {
@@ -39,9 +40,9 @@ Column {
                 required property int index
 
                 function moveTo(step: int) {
-                    const next = answers.itemAt((index + step + answers.count) % answers.count);
-                    next.forceActiveFocus(Qt.TabFocusReason);
-                    next.click();
+                    const next = (index + step + answers.count) % answers.count;
+                    answers.itemAt(next).forceActiveFocus(Qt.TabFocusReason);
+                    group.chosen(group.view.choices[next].value);
                 }
 
                 objectName: "choice" + index

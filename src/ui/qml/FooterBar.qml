@@ -19,22 +19,23 @@ Item {
         objectName: "logFile"
         x: 8
         y: 7
+        width: label.x + label.implicitWidth + 8
         height: 36
         focusPolicy: Qt.StrongFocus
         hoverEnabled: true
         onClicked: footer.dashboard.model.openLogFile()
         Accessible.role: Accessible.Button
         Accessible.name: label.text
-        Keys.onReturnPressed: click()
-        Keys.onEnterPressed: click()
+        Keys.onReturnPressed: logFile.clicked()
+        Keys.onEnterPressed: logFile.clicked()
         background: Rectangle {
             radius: Theme.controlRadius
             color: logFile.down ? Theme.surfacePressed : logFile.hovered ? Theme.surfaceHover
                 : "transparent"
             FocusRing { shown: logFile.visualFocus; inside: true }
         }
-        contentItem: Item {
-            implicitWidth: label.x + label.implicitWidth + 8
+        Item {
+            anchors.fill: parent
 
             Symbol {
                 x: 8

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -17,8 +18,8 @@ AbstractButton {
     Accessible.name: name
     Accessible.checkable: checkable
     Accessible.checked: active
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
 
     background: Rectangle {
         radius: Theme.controlRadius
@@ -26,13 +27,11 @@ AbstractButton {
             : control.active ? Theme.accentTint : "transparent"
         FocusRing { shown: control.visualFocus; inside: control.active }
     }
-    contentItem: Item {
-        Symbol {
-            anchors.centerIn: parent
-            name: control.symbol
-            color: !control.enabled ? Theme.textDisabled
-                : control.active ? Theme.accentText : Theme.textSecondary
-        }
+    Symbol {
+        anchors.centerIn: parent
+        name: control.symbol
+        color: !control.enabled ? Theme.textDisabled
+            : control.active ? Theme.accentText : Theme.textSecondary
     }
 
     Loader {

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -37,8 +38,8 @@ Rectangle {
         reuseItems: true
         model: frame.log
         onMovementEnded: followsTail = atYEnd
-        onCountChanged: if (followsTail) Qt.callLater(positionViewAtEnd)
-        onContentHeightChanged: if (followsTail) Qt.callLater(positionViewAtEnd)
+        onCountChanged: if (followsTail) positionViewAtEnd()
+        onContentHeightChanged: if (followsTail) positionViewAtEnd()
         onActiveFocusChanged: visualFocus = activeFocus
         Accessible.role: Accessible.List
         Accessible.name: "Canlı Akış Konsolu"

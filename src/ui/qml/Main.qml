@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 
 /// The content of the window: the dashboard, the inspector beside it, and the boxes over both.

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 
 /// A row of a menu: an entry to choose, the header of a group, or a line between two.
-ItemDelegate {
+AbstractButton {
     id: control
 
     required property var modelData
@@ -10,7 +10,8 @@ ItemDelegate {
 
     height: isEntry ? 32 : modelData.kind === "header" ? 26 : 9
     enabled: modelData.isEnabled
-    padding: 0
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
     Accessible.role: isEntry ? Accessible.MenuItem : Accessible.StaticText
     Accessible.name: modelData.title
     Accessible.ignored: modelData.kind === "line"
@@ -24,8 +25,8 @@ ItemDelegate {
             : control.hovered || control.activeFocus ? Theme.accentTint : "transparent"
         FocusRing { shown: control.visualFocus; inside: true }
     }
-    contentItem: Item {
-        implicitWidth: label.x + label.implicitWidth + 16
+    Item {
+        anchors.fill: parent
 
         Rectangle {
             visible: control.modelData.kind === "line"
@@ -52,7 +53,6 @@ ItemDelegate {
             anchors.verticalCenter: parent.verticalCenter
         }
         Words {
-            id: label
             x: control.isEntry ? 58 : 8
             width: Math.min(implicitWidth, parent.width - x - 8)
             role: control.isEntry ? Theme.body : Theme.menuHeader

@@ -19,9 +19,9 @@ AbstractButton {
     onClicked: menu.openByKeyboard(visualFocus)
     Accessible.role: Accessible.ComboBox
     Accessible.name: caption + ": " + value + (detail ? ", " + detail : "")
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
-    Keys.onDownPressed: click()
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
+    Keys.onDownPressed: control.clicked()
 
     background: Rectangle {
         anchors.fill: parent
@@ -31,7 +31,9 @@ AbstractButton {
         color: control.down ? Theme.surfacePressed : control.hovered ? Theme.surfaceHover : "transparent"
         FocusRing { shown: control.visualFocus; inside: true }
     }
-    contentItem: Item {
+    Item {
+        anchors.fill: parent
+
         Tile {
             x: 16
             anchors.verticalCenter: parent.verticalCenter

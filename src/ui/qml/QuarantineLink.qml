@@ -10,8 +10,8 @@ AbstractButton {
     hoverEnabled: true
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
 
     background: Rectangle {
         radius: Theme.controlRadius
@@ -20,7 +20,9 @@ AbstractButton {
         border.color: control.hovered || control.down ? Theme.warningIcon : Theme.warningBorder
         FocusRing { shown: control.visualFocus }
     }
-    contentItem: Item {
+    Item {
+        anchors.fill: parent
+
         Symbol {
             x: 13
             name: "exclamationmark.circle.fill"

@@ -10,10 +10,17 @@ Sheet {
 
     shown: dashboard.isQuarantineShown
     width: 408
-    firstFocus: choices.count > 0 ? choices.focusTarget() : retry
+    onOpened: {
+        if (choices.count > 0)
+            choices.forceActiveFocus(Qt.PopupFocusReason);
+        else
+            retry.forceActiveFocus(Qt.PopupFocusReason);
+    }
     onCancelled: dashboard.model.showQuarantineSheet = false
 
-    contentItem: Item {
+    Item {
+        width: sheet.availableWidth
+        height: sheet.availableHeight
         implicitHeight: heading.height + 15 + details.height + 14 + 40
         Accessible.role: Accessible.Dialog
         Accessible.name: title.text

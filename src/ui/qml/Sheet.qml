@@ -1,20 +1,19 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 /// A box over the dimmed window that keeps the keyboard until it is answered. Escape cancels.
 Popup {
     id: sheet
 
     property bool shown: false
-    property Item firstFocus
     property string name
     signal cancelled
 
-    onShownChanged: if (shown) open(); else close()
-    onOpened: if (firstFocus) firstFocus.forceActiveFocus(Qt.PopupFocusReason)
-    Component.onCompleted: if (shown) open()
+    onShownChanged: if (sheet.shown) sheet.open(); else sheet.close()
+    Component.onCompleted: if (sheet.shown) sheet.open()
 
-    anchors.centerIn: Overlay.overlay
+    anchors.centerIn: T.Overlay.overlay
     modal: true
     focus: true
     closePolicy: Popup.NoAutoClose
@@ -28,12 +27,12 @@ Popup {
         border.width: 1
         border.color: Theme.border
     }
-    Overlay.modal: Rectangle {
+    T.Overlay.modal: Rectangle {
         color: Theme.scrim
         Behavior on opacity { NumberAnimation { duration: Theme.fadeTime } }
     }
     Shortcut {
-        sequences: [StandardKey.Cancel]
+        sequence: "Escape"
         enabled: sheet.opened
         onActivated: sheet.cancelled()
     }

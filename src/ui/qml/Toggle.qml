@@ -8,8 +8,13 @@ Switch {
     implicitWidth: 44
     implicitHeight: 36
     padding: 0
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+
+    function press() {
+        control.toggle();
+        control.toggled();
+    }
 
     indicator: Rectangle {
         x: 2

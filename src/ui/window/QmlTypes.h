@@ -2,7 +2,7 @@
 
 #include "ui/Dashboard.h"
 
-#include <qqmlintegration.h>
+#include <qqml.h>
 
 /// Makes the types below the window known to QML, which cannot name them itself.
 namespace quorvane {
