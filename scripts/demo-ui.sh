@@ -14,9 +14,9 @@ private_world "$place"
 start_service
 sign_in
 quorvane-sample-library "$place/pictures" >/dev/null
-mkdir -p "$HOME/Library/Application Support/Quorvane"
-# The library counts as chosen: a dry run remembers it without uploading anything.
-quorvane-cli sync --library "$place/pictures" --dry-run --quiet >/dev/null || true
+# The library counts as chosen.
+sed -i "1s|{|{\"com.quorvane.library_path\": \"$place/pictures\",|" \
+  "$HOME/Library/Application Support/Quorvane/preferences.json"
 export $show
 echo 'Quorvane waits in the status bar (or opens its window); quit it to end the demonstration.'
 quorvane

@@ -180,6 +180,7 @@ void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& a
         console_.print(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
                        error.localizedDescription());
     }
+    assetsRecorded.send(records.size());
     staging_.stageDiscoveredAssets(stop);
 }
 
@@ -196,6 +197,7 @@ void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& asset
                            QStringLiteral(": ") + error.localizedDescription());
         }
     }
+    assetsRecorded.send(assets.size());
     staging_.stageDiscoveredAssets(stop);
 }
 
@@ -211,8 +213,10 @@ void PhotoLibraryObserver::photoLibraryDidChange(const LibraryChange& change) {
         fetchResult_ = std::move(details->fetchResultAfterChanges);
         inserted = std::move(details->insertedObjects);
     }
-    if (inserted.empty())
+    if (inserted.empty()) {
+        assetsRecorded.send(0);
         return;
+    }
     console_.print(QStringLiteral("[PhotoKit] %1 yeni medya algılandı").arg(inserted.size()));
     tasks_.post([this, inserted = std::move(inserted)](const std::stop_token& stop) {
         processNewAssets(inserted, stop);

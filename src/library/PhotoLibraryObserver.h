@@ -2,6 +2,7 @@
 
 #include "foundation/Console.h"
 #include "foundation/Preferences.h"
+#include "foundation/Publisher.h"
 #include "library/AssetStagingService.h"
 #include "library/PhotoAlbumService.h"
 #include "library/PhotoLibrary.h"
@@ -51,6 +52,10 @@ class PhotoLibraryObserver final : public LibraryChangeObserver {
 
     /// One asset after another, then staging. Throws `Cancelled` from the staging.
     void processNewAssets(const std::vector<PhotoAsset>& assets, std::stop_token stop = {});
+
+    /// Sent on a background thread once the assets of a scan or a change are in the store: how many
+    /// there were; 0 after a change that only took some away.
+    Publisher<std::size_t> assetsRecorded;
 
     /// Any thread. Insertions are processed in the background; nothing else is of interest.
     void photoLibraryDidChange(const LibraryChange& change) override;

@@ -49,6 +49,7 @@ Command albumsCommand();
 Command retryCommand();
 Command stagingCommand();
 Command logCommand();
+Command watchCommand();
 Command handleUrlCommand();
 
 } // namespace quorvane::cli

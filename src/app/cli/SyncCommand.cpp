@@ -6,6 +6,7 @@
 #include "app/cli/SignIn.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TerminalConfirmation.h"
+#include "app/cli/Watching.h"
 
 #include <atomic>
 
@@ -48,20 +49,6 @@ void applyOptions(const Arguments& arguments, Preferences& preferences) {
         preferences.setVolatile(preferenceKeys::stopAtLimit, *choice == u"stop");
     }
 }
-
-/// What is added to the library meanwhile belongs to the run.
-class Watching {
-  public:
-    explicit Watching(LibraryServices& services) : services_(services) {
-        services_.library->registerChangeObserver(services_.observer);
-    }
-    ~Watching() { services_.library->unregisterChangeObserver(services_.observer); }
-    Watching(const Watching&) = delete;
-    Watching& operator=(const Watching&) = delete;
-
-  private:
-    LibraryServices& services_;
-};
 
 SyncReport drain(Invocation& invocation, CoreServices& core, GoogleServices& google,
                  LibraryServices& library) {

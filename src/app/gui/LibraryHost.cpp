@@ -58,6 +58,12 @@ void LibraryHost::adopt(const std::shared_ptr<OpenLibrary>& library, Authorizati
             core_.logger.log(QStringLiteral("[LibraryHost] ⚠️ ") +
                              error.localizedDescription());
         }
+        changes_ = library->services.observer.assetsRecorded.subscribe([this](std::size_t) {
+            onMainThread([this] {
+                if (onChanged)
+                    onChanged();
+            });
+        });
         if (onOpened)
             onOpened(std::shared_ptr<const LibrarySession>(library, &library->session));
     }

@@ -19,6 +19,8 @@ class LibraryHost {
 
     /// Called with each library that proved readable, and with the session that works on it.
     std::function<void(std::shared_ptr<const LibrarySession>)> onOpened;
+    /// Called when the open library's assets were recorded anew.
+    std::function<void()> onChanged;
 
     /// The status of the remembered library, which is opened when it is readable; not determined
     /// before any was chosen.
@@ -41,6 +43,7 @@ class LibraryHost {
     GoogleServices& google_;
     DeletionConfirmation& confirmation_;
     std::shared_ptr<OpenLibrary> open_;
+    Subscription changes_;
     TaskRunner tasks_; ///< last: its work uses the rest
 };
 

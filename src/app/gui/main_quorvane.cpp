@@ -57,6 +57,7 @@ QuorvaneApp::QuorvaneApp(const DesktopEnvironment& environment) : environment_(e
     library_.onOpened = [this](std::shared_ptr<const LibrarySession> session) {
         model_.setLibrary(std::move(session));
     };
+    library_.onChanged = [this] { model_.libraryDidChange(); };
     QObject::connect(&window_, &MainWindowController::chooseLibraryRequested, &model_, [this] {
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
     });
