@@ -70,20 +70,44 @@ struct World {
     }
 };
 
-void report(const char* what, const SystemClock& clock, Clock::Monotonic began) {
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    std::printf("%-34s %8.2f s   peak memory %5ld MiB\n", what,
-                std::chrono::duration<double>(clock.monotonic() - began).count(),
-                usage.ru_maxrss / 1024);
+double seconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
+
+/// Wall time, processor time and peak memory of a step.
+class Step {
+  public:
+    Step(const char* name, const SystemClock& clock)
+        : name_(name), clock_(clock), began_(clock.monotonic()), used_(processor()) {}
+    ~Step() {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        std::printf("%-28s %8.2f s   processor %7.2f s   peak memory %5ld MiB\n", name_,
+                    std::chrono::duration<double>(clock_.monotonic() - began_).count(),
+                    processor() - used_, usage.ru_maxrss / 1024);
+    }
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+
+  private:
+    static double processor() {
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    }
+
+    const char* name_;
+    const SystemClock& clock_;
+    const Clock::Monotonic began_;
+    const double used_;
+};
 
 bool waitFor(SystemClock& clock, const std::function<bool()>& condition) {
     const auto end = clock.monotonic() + patience;
     while (!condition()) {
         if (clock.monotonic() > end)
             return false;
-        clock.sleep(std::chrono::milliseconds(20), {});
+        clock.sleep(std::chrono::milliseconds(200), {}); // counting takes a while itself
     }
     return true;
 }
@@ -97,19 +121,19 @@ int measure(World& world, PhotoLibrary& library, int count, int added, std::size
     PhotoLibraryObserver observer(library, world.db, staging, albums, world.preferences,
                                   world.console);
     for (const char* scan : {"first scan into the store", "second scan"}) {
-        const auto began = world.clock.monotonic();
+        const Step step(scan, world.clock);
         observer.initialScan();
-        report(scan, world.clock, began);
     }
     Counter counter(observer, library.fetchAssets());
     library.registerChangeObserver(counter);
-    auto began = world.clock.monotonic();
     change();
-    report("making the changes", world.clock, began);
-    began = world.clock.monotonic();
-    const bool noticed = waitFor(
-        world.clock, [&] { return world.stored() == count + added && counter.changed >= changed; });
-    report("noticed and recorded after", world.clock, began);
+    bool noticed = false;
+    {
+        const Step step("changes noticed, recorded", world.clock);
+        noticed = waitFor(world.clock, [&] {
+            return world.stored() == count + added && counter.changed >= changed;
+        });
+    }
     library.unregisterChangeObserver(counter);
     std::printf("%d recorded, %d expected; %zu changed\n", world.stored(), count + added,
                 counter.changed.load());

@@ -7,7 +7,7 @@ namespace {
 using Time = std::chrono::steady_clock::time_point;
 using Wake = FolderNotifier::Wake;
 
-constexpr int lookShare = 10; ///< a look that took a second is followed by ten without one
+constexpr int restAfterLook = 4; ///< a look that took a second is followed by four without one
 
 Time now() {
     return std::chrono::steady_clock::now();
@@ -38,7 +38,7 @@ class ChangeWatch::Loop {
             told_ = watched.gained; // what came into a folder before it was watched was not told
             if (watched.refused > 0)
                 trouble = textOfRefusal(watched.refused);
-            nextLook_ = now() + (now() - began) * lookShare;
+            nextLook_ = now() + (now() - began) * restAfterLook;
             if (stop_.stop_requested())
                 return;
             // What the observer holds may be older than its registration.

@@ -21,7 +21,7 @@ struct WatchTimes {
 /// A library's registered observer and the thread that serves it. The library is asked to look at
 /// itself at the beginning, once after each burst of changes in its folders, and now and then
 /// without being told, because a kernel says nothing of changes on the other side of a network and
-/// may have no room for another watch. Looking takes at most about a tenth of the time. Any thread.
+/// may have no room for another watch. Looking takes at most a fifth of the time. Any thread.
 class ChangeWatch {
   public:
     struct Found {
