@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// Who is signed in.
 Item {

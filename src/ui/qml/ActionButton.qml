@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// A button with words: "filled", "outline" or "link"; 40 high, or 32 when small.
 AbstractButton {

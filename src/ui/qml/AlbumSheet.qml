@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// Names a new album of Google Photos.
 Sheet {

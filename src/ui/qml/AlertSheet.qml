@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Quorvane
 
 /// A question with its answers one below the other: the first is what Return presses, the last what
 /// Escape presses.

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// A menu of rows (see Dashboard) under the control that opens it, or above where there is no room.
 Popup {

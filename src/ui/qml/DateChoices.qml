@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Quorvane
 
 /// What to do with items whose capture date nobody knows.
 Column {

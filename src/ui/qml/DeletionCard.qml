@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// The switch that lets the program offer backed up originals for deletion. Only the switch itself
 /// toggles: this one must not be hit by accident.

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// The log file, the theme, the inspector, the settings and the way out.
 Item {

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Quorvane
 
 /// One row for each reason, with its count.
 Rectangle {

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// The state of the archive in one look, and the one thing to do about it.
 Card {

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// How far a sync is, or how the last one ended.
 Ring {

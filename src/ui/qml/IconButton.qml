@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// A button with a symbol alone; its name is spoken, and shown when the pointer rests on it.
 AbstractButton {

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// The network beside the dashboard: what moves, how fast, and what the program says of it.
 Rectangle {

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// The latest lines of the log, the newest at the bottom. Follows the tail, unless the person has
 /// scrolled away from it.

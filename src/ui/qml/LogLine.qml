@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// When, and what, in the colour of its level. The message can be selected and copied.
 Item {

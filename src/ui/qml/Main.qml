@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Quorvane
 
 /// The content of the window: the dashboard, the inspector beside it, and the boxes over both.
 Rectangle {

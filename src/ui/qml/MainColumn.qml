@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Quorvane
 
 /// The dashboard: cards that scroll when they do not fit, above a footer that never moves.
 Item {

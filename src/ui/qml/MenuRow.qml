@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// A row of a menu: an entry to choose, the header of a group, or a line between two.
 AbstractButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// A row of the route: what it is, what is chosen, and a menu of what else there is.
 AbstractButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// How many items wait for a review; opens the sheet.
 AbstractButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// What was held back and why, what to do with items without a date, and a second try for all.
 Sheet {

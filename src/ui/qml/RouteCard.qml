@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// From where to where, and a warning when the target is full or nearly so.
 Column {

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// Nothing of what was held back is lost.
 Rectangle {

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// The albums cannot be listed with what was granted.
 Card {

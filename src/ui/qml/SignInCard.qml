@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// In place of account and hero while nobody is signed in.
 Card {

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// The small square with the symbol of a card.
 Rectangle {

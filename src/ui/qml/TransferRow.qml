@@ -1,4 +1,5 @@
 import QtQuick
+import Quorvane
 
 /// One upload: its name, how far it is, and a bar that glides.
 Item {

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
+import Quorvane
 
 /// The uploads in flight; a fixed height, so that nothing jumps.
 Card {

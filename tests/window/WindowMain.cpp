@@ -1,0 +1,27 @@
+#include <QApplication>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Whatever Qt and QML complain of is a fault of ours.
+void failOnComplaint(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    const bool isOfTheTest = message.startsWith(QStringLiteral("This plugin does not support"));
+    if (type != QtDebugMsg && type != QtInfoMsg && !isOfTheTest)
+        ADD_FAILURE() << (context.category == nullptr ? "" : context.category) << ": "
+                      << message.toStdString();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM",
+            "offscreen:configfile=" QUORVANE_SOURCE_DIR "/tests/window/screen.json");
+    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR"))
+        qputenv("XDG_RUNTIME_DIR", "/tmp");
+    qInstallMessageHandler(failOnComplaint);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,99 @@
+#include "window/WindowWorld.h"
+
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace quorvane::test {
+
+void forEachVisible(QQuickItem* item, const std::function<void(QQuickItem*)>& visit) {
+    if (item == nullptr || !item->isVisible() || item->opacity() <= 0)
+        return;
+    visit(item);
+    for (QQuickItem* child : item->childItems())
+        forEachVisible(child, visit);
+}
+
+WindowWorld::WindowWorld() {
+    window.setReducesMotion(true);
+}
+
+QQuickItem* WindowWorld::find(const QString& objectName) {
+    QQuickItem* found = nullptr;
+    forEachVisible(window.window()->contentItem(), [&](QQuickItem* item) {
+        if (item->objectName() == objectName)
+            found = item;
+    });
+    return found;
+}
+
+void WindowWorld::click(const QString& objectName) {
+    settleView();
+    QQuickItem* item = find(objectName);
+    ASSERT_NE(item, nullptr) << objectName.toStdString();
+    const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(window.window(), Qt::LeftButton, Qt::NoModifier, middle.toPoint());
+    settleView();
+}
+
+void WindowWorld::key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(window.window(), key, modifiers);
+    settleView();
+}
+
+void WindowWorld::type(const QString& text) {
+    for (const QChar character : text)
+        QTest::sendKeyEvent(QTest::Click, window.window(), Qt::Key_unknown, QString(character),
+                            Qt::NoModifier);
+    settleView();
+}
+
+void WindowWorld::choose(const QString& opener, const QString& title) {
+    click(opener);
+    QString row;
+    forEachVisible(window.window()->contentItem(), [&](QQuickItem* item) {
+        if (item->objectName().startsWith(QStringLiteral("menuRow")) &&
+            item->property("modelData").toMap().value(QStringLiteral("title")) == title)
+            row = item->objectName();
+    });
+    ASSERT_FALSE(row.isEmpty()) << title.toStdString();
+    click(row);
+}
+
+QStringList WindowWorld::texts() {
+    QStringList texts;
+    forEachVisible(window.window()->contentItem(), [&](QQuickItem* item) {
+        if (const QVariant text = item->property("text"); item->inherits("QQuickText"))
+            texts += text.toString();
+    });
+    return texts;
+}
+
+QString WindowWorld::focus() {
+    const QQuickItem* item = window.window()->activeFocusItem();
+    return item == nullptr ? QString() : item->objectName();
+}
+
+bool WindowWorld::awaitView(const std::function<bool()>& condition) {
+    const bool holds = waitOnMainThread(condition);
+    window.window()->grabWindow();
+    return holds;
+}
+
+void WindowWorld::settleView() {
+    ASSERT_TRUE(model->isSyncing() || settle());
+    QCoreApplication::processEvents();
+    window.window()->grabWindow(); // polishes and draws
+    QCoreApplication::processEvents();
+}
+
+void WindowWorld::shot(const QString& name) {
+    settleView();
+    const QString folder = qEnvironmentVariable("QUORVANE_WINDOW_SHOTS");
+    if (folder.isEmpty())
+        return;
+    std::filesystem::create_directories(folder.toStdString());
+    EXPECT_TRUE(window.window()->grabWindow().save(folder + u'/' + name + QStringLiteral(".png")));
+}
+
+} // namespace quorvane::test
