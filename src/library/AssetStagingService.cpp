@@ -242,10 +242,10 @@ MetadataResult AssetStagingService::ensureMetadata(const std::filesystem::path& 
     return metadata_.ensureMetadata(stagedFile, std::nullopt, identifier, fallbackMode);
 }
 
-void AssetStagingService::removeLeftovers() {
+void AssetStagingService::removeLeftovers(const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
-    permanent_.removeLeftovers();
-    temporary_.removeLeftovers();
+    permanent_.removeLeftovers(stop);
+    temporary_.removeLeftovers(stop);
 }
 
 HashAndSize AssetStagingService::computeHashAndSize(const std::filesystem::path& file,

@@ -58,8 +58,9 @@ class AssetStagingService {
     MetadataResult ensureMetadata(const std::filesystem::path& stagedFile,
                                   const QString& identifier, DateFallbackMode fallbackMode);
 
-    /// Removes the temporary files of runs that died. Call once, when no other process stages.
-    void removeLeftovers();
+    /// Removes the temporary files of runs that died or were stopped. Call once, when no other
+    /// process stages.
+    void removeLeftovers(const std::stop_token& stop = {});
 
     const std::filesystem::path& permanentFolder() const { return permanent_.path(); }
 

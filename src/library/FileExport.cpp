@@ -21,7 +21,9 @@ namespace {
 
 constexpr std::int64_t chunkSize = 1 << 20;
 /// Dirty pages are written out this often, so that a stop never waits for gigabytes of them.
-constexpr std::int64_t flushInterval = 64 << 20;
+constexpr std::int64_t flushInterval = 8 << 20;
+/// So much of a file is freed within some tens of milliseconds.
+constexpr off_t removalStep = 32 << 20;
 // O_NONBLOCK: a FIFO that took a file's place must not hang the reader.
 constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
@@ -83,17 +85,24 @@ void requireRoom(std::int64_t bytes, const std::filesystem::path& destination) {
 /// A hidden sibling of the destination; removed unless it was published.
 class PartFile {
   public:
-    explicit PartFile(const std::filesystem::path& destination)
+    PartFile(const std::filesystem::path& destination, const std::stop_token& stop)
         : path_(destination.parent_path() / ("." + destination.filename().native() + ".part")) {
-        ::unlink(path_.c_str());
+        if (!removeInSteps(path_, stop) && stop.stop_requested())
+            throw Cancelled();
         file_ = openFile(path_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
     }
     ~PartFile() {
-        if (file_.isOpen())
+        if (file_.isOpen() && !isLeft_)
             ::unlink(path_.c_str());
     }
     PartFile(const PartFile&) = delete;
     PartFile& operator=(const PartFile&) = delete;
+
+    /// To be called on a stop, which must not wait for the removal.
+    void leaveIfLarge() {
+        struct stat status {};
+        isLeft_ = ::fstat(file_.get(), &status) == 0 && status.st_size > removalStep;
+    }
 
     int fd() const { return file_.get(); }
     const std::filesystem::path& path() const { return path_; }
@@ -110,6 +119,7 @@ class PartFile {
   private:
     std::filesystem::path path_;
     FileDescriptor file_;
+    bool isLeft_ = false;
 };
 
 class Copy {
@@ -187,10 +197,15 @@ void exportFile(const FileDescriptor& original, const std::filesystem::path& ori
     if (::lstat(destination.c_str(), &there) == 0)
         throw FileError(QStringLiteral("Dosya kopyalanamadı"), destination, EEXIST);
     const struct stat before = statusOf(original, originalPath);
-    PartFile part(destination);
+    PartFile part(destination, stop);
     if (!cloneWhole(original.get(), part.fd())) {
         requireRoom(before.st_size, destination);
-        Copy(original.get(), originalPath, part).run(before.st_size, stop);
+        try {
+            Copy(original.get(), originalPath, part).run(before.st_size, stop);
+        } catch (const Cancelled&) {
+            part.leaveIfLarge();
+            throw;
+        }
     }
     const struct stat after = statusOf(original, originalPath);
     if (after.st_size != before.st_size || after.st_mtim.tv_sec != before.st_mtim.tv_sec ||
@@ -200,6 +215,16 @@ void exportFile(const FileDescriptor& original, const std::filesystem::path& ori
     if (::futimens(part.fd(), times) != 0)
         throw FileError(QStringLiteral("Dosyanın tarihi yazılamadı"), part.path(), errno);
     part.publish(destination);
+}
+
+bool removeInSteps(const std::filesystem::path& file, const std::stop_token& stop) noexcept {
+    struct stat status {};
+    if (::lstat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1) {
+        for (off_t size = status.st_size; size > removalStep; size -= removalStep)
+            if (stop.stop_requested() || ::truncate(file.c_str(), size - removalStep) != 0)
+                return false;
+    }
+    return ::unlink(file.c_str()) == 0 || errno == ENOENT;
 }
 
 QString resourceFilename(const QString& name, const QString& fallback) {

@@ -1,5 +1,7 @@
 #include "library/StagingFolder.h"
 
+#include "library/FileExport.h"
+
 #include <cerrno>
 
 #include <sys/stat.h>
@@ -113,7 +115,7 @@ void StagingFolder::removeAll(const QString& prefix) {
         listedAt_ = stamp();
 }
 
-void StagingFolder::removeLeftovers() {
+void StagingFolder::removeLeftovers(const std::stop_token& stop) {
     if (!isUsable())
         return;
     std::set<std::filesystem::path> leftovers;
@@ -122,7 +124,7 @@ void StagingFolder::removeLeftovers() {
             leftovers.insert(name);
     });
     for (const std::filesystem::path& name : leftovers)
-        ::unlink((path_ / name).c_str());
+        removeInSteps(path_ / name, stop);
 }
 
 void StagingFolder::settle(const std::string& name, bool wasCurrent) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <set>
+#include <stop_token>
 #include <string>
 
 #include <sys/types.h>
@@ -37,8 +38,8 @@ class StagingFolder {
     void removeAll(const QString& prefix);
 
     /// Deletes the hidden temporary files that a run which died has left. Only for the one process
-    /// that stages.
-    void removeLeftovers();
+    /// that stages. A stop leaves the rest to the next call.
+    void removeLeftovers(const std::stop_token& stop = {});
 
     /// What the owner does to the file `name` while this lives needs no new listing.
     class OwnChange {

@@ -137,7 +137,7 @@ int sync(Invocation& invocation) {
     LibraryServices library(core, path, confirmation);
     choose(invocation, core, google, library);
 
-    library.staging.removeLeftovers();
+    library.staging.removeLeftovers(invocation.stop);
     library.observer.initialScan(invocation.stop);
     rememberLibrary(path, core.preferences);
     const Watching watching(library);
