@@ -5,7 +5,8 @@ cd "$(dirname "$0")/.."
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 # A compilation database without precompiled headers: clang cannot read GCC's.
 mkdir -p build
-cmake -S . -B build/lint -G Ninja -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >build/configure-lint.log
+cmake -S . -B build/lint -G Ninja -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON \
+  -DBUILD_TESTING=OFF >build/configure-lint.log
 sources=("$@")
 [ $# -gt 0 ] || mapfile -t sources < <(git ls-files 'src/*.cpp' 'emulator/*.cpp' 'sample/*.cpp' 'bench/*.cpp')
 printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p build/lint --quiet
