@@ -56,6 +56,7 @@ bool MenuBarViewModel::isWorking() {
 
 void MenuBarViewModel::libraryDidChange() {
     isLibraryStale_ = true;
+    hasLibraryChanged_ = true;
     refreshState();
 }
 
@@ -150,10 +151,11 @@ void MenuBarViewModel::countLibrary() {
     if (!session_ || !isLibraryStale_)
         return;
     isLibraryStale_ = false;
-    libraryTasks_.post([this, session = session_](const std::stop_token&) {
+    libraryTasks_.post([this, session = session_,
+                        isAnew = std::exchange(hasLibraryChanged_, false)](const std::stop_token&) {
         try {
             std::vector<LocalAlbumItem> albums = session->albums.cachedAlbums();
-            if (albums.empty())
+            if (albums.empty() || isAnew)
                 albums = session->albums.performFetchLocalAlbums();
             post([this, session, albums = std::move(albums)] {
                 if (session == session_)

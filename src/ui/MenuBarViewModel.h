@@ -264,6 +264,8 @@ class MenuBarViewModel final : public QObject {
         std::int64_t pendingCount = 0;
         bool operator==(const PreSync&) const = default;
     };
+    static inline const QString albumFullMessage = QStringLiteral("Albüm sınırı (20.000) doldu!");
+
     /// Who ended the latest run before its time.
     enum class EndCause { none, person, albumFull };
     using Signal = void (MenuBarViewModel::*)();
@@ -342,6 +344,7 @@ class MenuBarViewModel final : public QObject {
 
     bool knowsGoogleAlbums_ = false; ///< of the account that is signed in
     bool isLibraryStale_ = true;     ///< its albums and total are to be counted
+    bool hasLibraryChanged_ = false; ///< since its albums were listed
     int runNumber_ = 0;              ///< of the latest run; an earlier one publishes nothing
     EndCause endCause_ = EndCause::none;
     int refreshNumber_ = 0; ///< of the latest refresh that was asked for

@@ -9,8 +9,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 
-#include <future>
-
 namespace quorvane {
 
 SystemDialogs::~SystemDialogs() {
@@ -63,21 +61,30 @@ void SystemDialogs::chooseLibrary(
 }
 
 bool DialogConfirmation::confirmDeletion(int count) {
-    const auto answer = std::make_shared<std::promise<bool>>();
-    std::future<bool> answered = answer->get_future();
     const AlertText text{
         QStringLiteral("%1 öğe Çöp'e taşınsın mı?").arg(QLocale().toString(count)),
         QStringLiteral("Bu öğelerin Google Photos'a yüklendiği doğrulandı. Asılları Çöp'e taşınır; "
                        "Çöp boşaltılana kadar geri alınabilir."),
         QStringLiteral("Çöp'e Taşı"), QStringLiteral("Vazgeç"), true};
-    onMainThread([dialogs = &dialogs_, text, answer] {
-        dialogs->showAlert(text, [answer](bool agreed) { answer->set_value(agreed); });
+    std::unique_lock lock(mutex_);
+    if (isClosed_)
+        return false;
+    answer_.reset();
+    onMainThread([this, text] {
+        dialogs_.showAlert(text, [this](bool agreed) {
+            const std::lock_guard inner(mutex_);
+            answer_ = agreed;
+            changed_.notify_all();
+        });
     });
-    try {
-        return answered.get();
-    } catch (const std::future_error&) {
-        return false; // the dialog went away with the program
-    }
+    changed_.wait(lock, [this] { return isClosed_ || answer_; });
+    return !isClosed_ && *answer_;
+}
+
+void DialogConfirmation::close() {
+    const std::lock_guard lock(mutex_);
+    isClosed_ = true;
+    changed_.notify_all();
 }
 
 } // namespace quorvane

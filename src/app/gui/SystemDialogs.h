@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <condition_variable>
+#include <mutex>
 #include <set>
 
 namespace quorvane {
@@ -37,8 +39,15 @@ class DialogConfirmation final : public DeletionConfirmation {
 
     bool confirmDeletion(int count) override;
 
+    /// From now on, and for whoever waits, the answer is no. Main thread.
+    void close();
+
   private:
     SystemDialogs& dialogs_;
+    std::mutex mutex_; ///< guards the two below
+    std::condition_variable changed_;
+    bool isClosed_ = false;
+    std::optional<bool> answer_;
 };
 
 } // namespace quorvane

@@ -25,7 +25,7 @@ std::vector<QUrl> urlsOf(const QStringList& arguments) {
 class QuorvaneApp {
   public:
     explicit QuorvaneApp(const DesktopEnvironment& environment);
-    ~QuorvaneApp() { appDelegate.applicationWillTerminate(); }
+    ~QuorvaneApp();
     QuorvaneApp(const QuorvaneApp&) = delete;
     QuorvaneApp& operator=(const QuorvaneApp&) = delete;
 
@@ -40,12 +40,12 @@ class QuorvaneApp {
     BrowserAuthSession signIn_{environment_, {}, console_, core_.logger};
     GoogleServices google_{core_, signIn_};
     LinuxDesktop desktop_{environment_, core_.logger};
-    MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
-    MainWindowController window_{model_, core_.preferences};
-    MenuBarController menuBarController_{model_, window_};
     SystemDialogs dialogs_;
     DialogConfirmation confirmation_{dialogs_};
     LibraryHost library_{core_, google_, confirmation_};
+    MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
+    MainWindowController window_{model_, core_.preferences};
+    MenuBarController menuBarController_{model_, window_};
 
   public:
     AppDelegate appDelegate{launchPlatform(), core_.logger};
@@ -62,6 +62,11 @@ QuorvaneApp::QuorvaneApp(const DesktopEnvironment& environment) : environment_(e
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
     });
     QObject::connect(&window_, &MainWindowController::quitRequested, qApp, &QApplication::quit);
+}
+
+QuorvaneApp::~QuorvaneApp() {
+    appDelegate.applicationWillTerminate();
+    confirmation_.close(); // a run that waits for the person would be waited for below
 }
 
 MenuBarViewModel::Services QuorvaneApp::modelServices() {
