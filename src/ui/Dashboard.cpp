@@ -46,8 +46,8 @@ Dashboard::Dashboard(MenuBarViewModel& model) : model_(model) {
     relay(&Model::errorMessageChanged, {&Self::errorMessageChanged});
     relay(&Model::countsChanged,
           {&Self::heroChanged, &Self::quarantineChanged, &Self::inspectorChanged});
-    relay(&Model::settingsChanged, {&Self::settingsChanged, &Self::quarantineChanged,
-                                    &Self::menusChanged});
+    relay(&Model::settingsChanged,
+          {&Self::settingsChanged, &Self::quarantineChanged, &Self::menusChanged});
     relay(&Model::sheetsChanged, {&Self::sheetsChanged});
     relay(&Model::routeChanged,
           {&Self::routeChanged, &Self::inspectorChanged, &Self::menusChanged});
@@ -163,7 +163,7 @@ HeroView Dashboard::hero() const {
         view.kind = QStringLiteral("idle");
         view.title = QStringLiteral("Arşiviniz Güncel ve Güvende");
         view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
-        view.symbol = QStringLiteral("shield.checkmark.fill");
+        view.symbol = QStringLiteral("checkmark.shield.fill");
         view.ringName = view.title;
     }
     if (const int held = model_.failedCount() + model_.dateUnresolvedCount(); held > 0)
@@ -194,10 +194,9 @@ QuarantineView Dashboard::quarantine() const {
         view.rows.append(row(summary.categoryName, summary.explanation, summary.systemImage,
                              summary.count, false));
     if (model_.dateUnresolvedCount() > 0) {
-        view.rows.append(row(QStringLiteral("Tarih Eksik"),
-                             QStringLiteral("Çekim tarihi tespit edilemeyen öğeler"),
-                             QStringLiteral("calendar.badge.exclamationmark"),
-                             model_.dateUnresolvedCount(), true));
+        view.rows.append(row(
+            QStringLiteral("Tarih Eksik"), QStringLiteral("Çekim tarihi tespit edilemeyen öğeler"),
+            QStringLiteral("calendar.badge.exclamationmark"), model_.dateUnresolvedCount(), true));
         for (const Choice& choice : choices)
             view.choices.append(
                 QVariantMap{{QStringLiteral("value"), rawValue(choice.mode)},

@@ -32,9 +32,8 @@ const QString chooseLibraryTitle = QStringLiteral("Fotoğraf Kitaplığını Se�
 
 QVariantList Dashboard::sourceMenu() const {
     if (!model_.hasLibrary())
-        return {
-            entry(chooseLibraryTitle, QStringLiteral("photo.stack.fill"),
-                  QStringLiteral("chooseLibrary"))};
+        return {entry(chooseLibraryTitle, QStringLiteral("photo.stack.fill"),
+                      QStringLiteral("chooseLibrary"))};
     const QString symbol = QStringLiteral("photo.stack.fill");
     const QString source = QStringLiteral("source");
     const QString& selected = model_.selectedSourceAlbumID();

@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
             "offscreen:configfile=" QUORVANE_SOURCE_DIR "/tests/window/screen.json");
     if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR"))
         qputenv("XDG_RUNTIME_DIR", "/tmp");
+    qputenv("QT_QUICK_BACKEND", "software"); // the same picture on every machine, and quickly
     qInstallMessageHandler(failOnComplaint);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -28,7 +28,8 @@ class WindowWorld : public ModelWorld {
     bool shows(const QString& text) { return texts().contains(text); }
     /// The object name of what has the keyboard.
     QString focus();
-    /// Runs the event loop until the condition holds and a frame was drawn; false after ten seconds.
+    /// Runs the event loop until the condition holds and a frame was drawn; false after ten
+    /// seconds.
     bool awaitView(const std::function<bool()>& condition);
     void settleView();
     /// Saves what is seen as NAME.png into $QUORVANE_WINDOW_SHOTS; nothing without it.

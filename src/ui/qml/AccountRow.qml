@@ -18,7 +18,7 @@ Item {
         color: Theme.accentTint
         Symbol {
             anchors.centerIn: parent
-            size: 20
+            size: 24
             name: "person.crop.circle.fill"
             color: Theme.accentText
         }
@@ -29,10 +29,10 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
 
         Row {
-            spacing: 7
+            spacing: 6
             Words { id: title; role: Theme.cardTitle; text: "Google Photos Bağlı" }
             Symbol {
-                size: 16
+                size: 18
                 name: "checkmark.circle.fill"
                 color: Theme.success
                 anchors.verticalCenter: parent.verticalCenter

@@ -14,10 +14,15 @@ Popup {
     readonly property real longest: 326
     signal chosen(string command, string value)
 
+    readonly property real wanted:
+        Math.min(longest, rows.reduce((sum, row) => sum + heightOf(row), 0)) + 10
+
+    function heightOf(row: var): real {
+        return row.kind === "entry" ? 32 : row.kind === "header" ? 26 : 9;
+    }
     function openByKeyboard(byKeyboard: bool) {
         const below = parent.mapToItem(null, 0, parent.height).y + gap;
         const above = parent.mapToItem(null, 0, 0).y - 4;
-        const wanted = Math.min(list.contentHeight, longest) + 10;
         y = below + wanted <= parent.Window.height - 4 || below > above && wanted > above
             ? parent.height + gap : -4 - wanted;
         open();
@@ -28,7 +33,7 @@ Popup {
 
     padding: 5
     focus: true
-    height: Math.min(list.contentHeight, longest) + 10
+    height: wanted
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
     enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.fadeTime } }
     exit: Transition { NumberAnimation { property: "opacity"; to: 0; duration: Theme.fadeTime } }
@@ -86,6 +91,7 @@ Popup {
             required property int index
 
             width: ListView.view.width
+            height: menu.heightOf(modelData)
             objectName: "menuRow" + index
             onClicked: list.pick(index)
             Keys.onReturnPressed: list.pick(index)

@@ -57,7 +57,7 @@ Card {
         y: note.y
         size: 16
         name: "shield.checkmark.fill"
-        color: Theme.textSecondary
+        color: Theme.textTertiary
     }
     Words {
         id: note

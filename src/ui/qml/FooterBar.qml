@@ -47,7 +47,7 @@ Item {
             Words {
                 id: label
                 x: 34
-                role: Theme.value
+                role: Theme.quiet
                 text: "Günlük Dosyasını Aç..."
                 color: Theme.textSecondary
                 Accessible.ignored: true

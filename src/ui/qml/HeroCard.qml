@@ -41,32 +41,28 @@ Card {
             wrapMode: Text.Wrap
         }
         Item { width: 1; height: 8 }
-        Row {
+        Words {
+            objectName: "heroNote"
             width: parent.width
+            role: Theme.caption
+            text: card.hero.note
+            color: Theme.textTertiary
+            wrapMode: Text.Wrap
+            visible: !card.isSyncing
+        }
+        Row {
             spacing: 8
+            visible: card.isSyncing
 
-            Words {
-                objectName: "heroNote"
-                width: card.isSyncing ? implicitWidth : parent.width
-                role: card.isSyncing ? Theme.button : Theme.caption
-                text: card.hero.note
-                color: card.isSyncing ? Theme.textPrimary : Theme.textTertiary
-                wrapMode: Text.Wrap
-            }
+            Words { role: Theme.button; text: card.hero.note }
             Rectangle {
-                visible: card.isSyncing
                 width: 3
                 height: 3
                 radius: 2
                 color: Theme.textTertiary
                 anchors.verticalCenter: parent.verticalCenter
             }
-            Words {
-                visible: card.isSyncing
-                role: Theme.button
-                text: card.hero.speed
-                color: Theme.accentText
-            }
+            Words { role: Theme.button; text: card.hero.speed; color: Theme.accentText }
         }
     }
     QuarantineLink {

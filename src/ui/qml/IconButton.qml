@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Quorvane
@@ -35,8 +34,5 @@ AbstractButton {
             : control.active ? Theme.accentText : Theme.textSecondary
     }
 
-    Loader {
-        active: control.hovered
-        sourceComponent: Tip { text: control.name; shown: control.hovered && !control.down }
-    }
+    Tip { text: control.name; shown: control.hovered && !control.down }
 }

@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
@@ -33,7 +32,13 @@ Rectangle {
         width: 440
         height: parent.height
         active: root.dashboard.isInspectorOpen || root.width > 440
-        sourceComponent: Inspector { dashboard: root.dashboard }
+        onActiveChanged: fill()
+        Component.onCompleted: fill()
+
+        function fill() {
+            if (active)
+                setSource(Qt.resolvedUrl("Inspector.qml"), { dashboard: root.dashboard });
+        }
     }
     QuarantineSheet { dashboard: root.dashboard }
     AlbumSheet { id: albumSheet; dashboard: root.dashboard }

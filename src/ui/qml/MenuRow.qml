@@ -9,7 +9,6 @@ AbstractButton {
     required property var modelData
     readonly property bool isEntry: modelData.kind === "entry"
 
-    height: isEntry ? 32 : modelData.kind === "header" ? 26 : 9
     enabled: modelData.isEnabled
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true

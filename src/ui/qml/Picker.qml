@@ -72,7 +72,8 @@ AbstractButton {
             anchors.verticalCenter: parent.verticalCenter
         }
         Symbol {
-            x: parent.width - 32
+            x: parent.width - 31
+            size: 16
             anchors.verticalCenter: parent.verticalCenter
             name: "chevron.up.chevron.down"
             color: control.enabled ? Theme.textSecondary : Theme.textDisabled

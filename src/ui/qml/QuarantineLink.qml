@@ -41,8 +41,8 @@ AbstractButton {
             anchors.verticalCenter: parent.verticalCenter
         }
         Symbol {
-            x: parent.width - 28
-            size: 18
+            x: parent.width - 27
+            size: 16
             name: "x.chevron.right"
             color: Theme.warning
             anchors.verticalCenter: parent.verticalCenter

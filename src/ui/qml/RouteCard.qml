@@ -14,7 +14,7 @@ Column {
         x: 2
         role: Theme.overline
         text: "SENKRONİZASYON ROTASI"
-        color: Theme.textSecondary
+        color: Theme.textTertiary
         Accessible.role: Accessible.Heading
     }
     Card {
@@ -41,12 +41,12 @@ Column {
             color: Theme.divider
         }
         Symbol {
-            x: 25
-            y: 49
-            size: 16
+            x: 26
+            y: 50
+            size: 14
             stroke: 2
             name: "x.arrow.down"
-            color: Theme.textSecondary
+            color: Theme.textTertiary
         }
         Picker {
             objectName: "target"

@@ -68,6 +68,7 @@ QtObject {
     readonly property var badge: ({ size: 11, weight: 700, line: 14, spacing: 0.6 })
     readonly property var log: ({ size: 11, weight: 400, line: 16, spacing: 0 })
     readonly property var menuHeader: ({ size: 11, weight: 600, line: 15, spacing: 0 })
+    readonly property var quiet: ({ size: 12, weight: 500, line: 16, spacing: 0 })
     readonly property var strong: ({ size: 12, weight: 600, line: 16, spacing: 0 })
 
     readonly property int cardRadius: 12

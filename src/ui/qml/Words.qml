@@ -11,6 +11,7 @@ Text {
     lineHeight: role.line
     lineHeightMode: Text.FixedHeight
     textFormat: Text.PlainText
+    renderType: Text.NativeRendering
     verticalAlignment: Text.AlignVCenter
     Accessible.role: Accessible.StaticText
     Accessible.name: text

@@ -85,9 +85,9 @@ QRect MainWindowController::availableGeometry() const {
     const QStringList stored =
         preferences_.string(frameKey).value_or(QString()).split(QLatin1Char(' '));
     if (screen == nullptr && stored.size() == 4)
-        screen = QGuiApplication::screenAt(QRect(stored[0].toInt(), stored[1].toInt(),
-                                                 stored[2].toInt(), stored[3].toInt())
-                                               .center());
+        screen = QGuiApplication::screenAt(
+            QRect(stored[0].toInt(), stored[1].toInt(), stored[2].toInt(), stored[3].toInt())
+                .center());
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
     return screen == nullptr ? QRect(0, 0, wideWidth, height) : screen->availableGeometry();
@@ -120,8 +120,8 @@ void MainWindowController::setInspectorExpanded(bool expanded, bool animate) {
     const QRect available = availableGeometry();
     QRect frame = view_->geometry();
     frame.setWidth(expanded ? wideWidth : narrowWidth);
-    frame.moveLeft(std::max(available.left(),
-                            std::min(frame.left(), available.right() + 1 - frame.width())));
+    frame.moveLeft(
+        std::max(available.left(), std::min(frame.left(), available.right() + 1 - frame.width())));
     resizing_.stop();
     if (!animate || reducesMotion_ || !view_->isVisible()) {
         resizeTo(frame);

@@ -69,9 +69,8 @@ int MenuBarController::itemPixels() const {
     const QScreen* screen = QGuiApplication::primaryScreen();
     const double scale = screen == nullptr ? 1 : screen->devicePixelRatio();
     const QSize shown = item_.geometry().size();
-    const int points = shown.isValid() && !shown.isEmpty()
-                           ? std::min(shown.width(), shown.height())
-                           : usualSide;
+    const int points =
+        shown.isValid() && !shown.isEmpty() ? std::min(shown.width(), shown.height()) : usualSide;
     return static_cast<int>(std::lround(points * scale));
 }
 
@@ -86,11 +85,11 @@ void MenuBarController::updateStatusItemIcon(SyncVisualState state) {
     animator_.stop();
     const bool isError = state == SyncVisualState::error;
     item_.setToolTip(isError ? QStringLiteral("Eşitleme Uyarısı") : QStringLiteral("Quorvane"));
-    item_.setIcon(QIcon(QPixmap::fromImage(drawSymbolBadge(
-        isError ? QStringLiteral("exclamationmark.circle.fill")
-                : QStringLiteral("photo.on.rectangle"),
-        MenuBarIconAnimator::side, pixels / MenuBarIconAnimator::side,
-        isError ? badgeRed : badgeBlue))));
+    item_.setIcon(QIcon(QPixmap::fromImage(
+        drawSymbolBadge(isError ? QStringLiteral("exclamationmark.circle.fill")
+                                : QStringLiteral("photo.on.rectangle"),
+                        MenuBarIconAnimator::side, pixels / MenuBarIconAnimator::side,
+                        isError ? badgeRed : badgeBlue))));
 }
 
 void MenuBarController::statusItemClicked() {

@@ -16,7 +16,7 @@ constexpr double arcWidth = 1.4;
 constexpr double arcAlpha = 0.95;
 constexpr double dotSide = 3;
 
-/// Begin and end of each arc in radians, clockwise on the screen from three o'clock.
+/// Begin and end of each arc in radians, counter-clockwise from three o'clock.
 struct Arc {
     double begin;
     double end;
@@ -43,8 +43,8 @@ void MenuBarIconAnimator::prepareFrames(int pixels) {
     framePixels_ = pixels;
     frames_.clear();
     for (int frame = 0; frame < frameCount; ++frame)
-        frames_.emplace_back(QPixmap::fromImage(
-            renderFrame({side, side}, frame * 0.0625 * 360, pixels / side)));
+        frames_.emplace_back(
+            QPixmap::fromImage(renderFrame({side, side}, frame * 0.0625 * 360, pixels / side)));
 }
 
 void MenuBarIconAnimator::start(int pixels) {
@@ -72,11 +72,11 @@ QImage MenuBarIconAnimator::renderFrame(QSizeF size, double rotationAngle, doubl
         painter.drawEllipse(QRectF(-dotSide / 2, -dotSide / 2, dotSide, dotSide));
         painter.rotate(rotationAngle);
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(QColor::fromRgbF(1, 1, 1, arcAlpha), arcWidth, Qt::SolidLine,
-                            Qt::FlatCap));
+        painter.setPen(
+            QPen(QColor::fromRgbF(1, 1, 1, arcAlpha), arcWidth, Qt::SolidLine, Qt::FlatCap));
         const QRectF circle(-arcRadius, -arcRadius, 2 * arcRadius, 2 * arcRadius);
         for (const Arc& arc : arcs)
-            painter.drawArc(circle, sixteenths(-arc.begin), sixteenths(arc.begin - arc.end));
+            painter.drawArc(circle, sixteenths(arc.begin), sixteenths(arc.end - arc.begin));
     });
 }
 

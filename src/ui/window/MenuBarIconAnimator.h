@@ -16,8 +16,8 @@ class MenuBarIconAnimator final : public QObject {
 
   public:
     static constexpr int frameCount = 16;
-    static constexpr int frameTime = 84;  ///< milliseconds
-    static constexpr double side = 18;    ///< of the badge, in points
+    static constexpr int frameTime = 84; ///< milliseconds
+    static constexpr double side = 18;   ///< of the badge, in points
 
     /// `show` is told every frame while the animation runs.
     explicit MenuBarIconAnimator(std::function<void(const QIcon&)> show);
