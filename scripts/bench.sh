@@ -50,6 +50,8 @@ stops() { # COUNT
   for n in $(seq "$1"); do
     quorvane-cli sync --library "$folder/pictures" --quiet >"$folder/out" 2>&1 &
     program=$!
+    # Before that it is a shell, which swallows the signal.
+    until [ "$(cat /proc/$program/comm)" = quorvane-cli ]; do sleep 0.01; done
     sleep "$((RANDOM % 2)).$((100 + RANDOM % 900))"
     begin=${EPOCHREALTIME/[.,]/}
     kill -INT $program
