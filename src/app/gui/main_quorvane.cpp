@@ -7,6 +7,7 @@
 #include "ui/window/MenuBarController.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <csignal>
 
@@ -129,6 +130,7 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("quorvane"));
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/quorvane/AppIcon.svg")));
     QLocale::setDefault(QLocale(QLocale::Turkish, QLocale::Turkey));
     const std::vector<QUrl> urls = urlsOf(QApplication::arguments().mid(1));
     try {
