@@ -5,10 +5,24 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QFile>
 #include <QUrl>
 #include <QVariantMap>
 
 namespace quorvane {
+
+namespace {
+
+/// The autostart entry, which calls `program` wherever it was installed.
+QByteArray autostartText(const std::filesystem::path& program) {
+    QFile form(QStringLiteral(":/quorvane/autostart.desktop"));
+    if (!form.open(QIODevice::ReadOnly))
+        return {};
+    return form.readAll().replace("\nExec=quorvane\n",
+                                  "\nExec=" + desktopExecArgument(program) + '\n');
+}
+
+} // namespace
 
 LinuxDesktop::LinuxDesktop(DesktopEnvironment environment, Log& log)
     : environment_(std::move(environment)), log_(log) {}
@@ -51,15 +65,7 @@ void LinuxDesktop::setStartsAtLogin(bool starts) {
     } else {
         std::filesystem::create_directories(entry.parent_path(), failure);
         try {
-            replaceFile(entry,
-                        "[Desktop Entry]\n"
-                        "Type=Application\n"
-                        "Name=Quorvane\n"
-                        "Icon=quorvane\n"
-                        "Terminal=false\n"
-                        "Exec=" +
-                            desktopExecArgument(environment_.programFolder / "quorvane") + '\n',
-                        0644);
+            replaceFile(entry, autostartText(environment_.programFolder / "quorvane"), 0644);
         } catch (const FileError& error) {
             log_.log(QStringLiteral("[Desktop] ⚠️ ") + error.localizedDescription());
         }
