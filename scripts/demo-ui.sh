@@ -2,15 +2,16 @@
 # Starts the window over a sample library and a local Google Photos service, signed in. Everything
 # lives in a folder of its own, which goes away when the window is quit.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-export PATH="$PWD/build/bin:$PATH"
-. scripts/private-world.sh
+here=$(dirname "$(readlink -f "$0")")
+export PATH=$here:$here/../build/bin:$PATH # installed, or in the source tree
+. "$here/private-world.sh"
 show=$(env | grep -E '^(DISPLAY|WAYLAND_DISPLAY|XAUTHORITY)=' || true)
-[ -n "$show" ] || { echo 'No display: make demo shows the same without one.' >&2; exit 1; }
+[ -n "$show" ] || { echo 'No display: the demo of the command line shows the same without one.' >&2; exit 1; }
 
 place=$(mktemp -d)
 trap 'stop_service; rm -rf "$place"' EXIT
 private_world "$place"
+cd "$place"
 start_service
 sign_in
 quorvane-sample-library "$place/pictures" >/dev/null

@@ -3,9 +3,9 @@
 # the library up and shows the result. Everything lives in one temporary folder, removed at the end
 # (QUORVANE_DEMO_KEEP=1 keeps it).
 set -euo pipefail
-cd "$(dirname "$0")/.."
-export PATH=$PWD/build/bin:$PATH
-. scripts/private-world.sh
+here=$(dirname "$(readlink -f "$0")")
+export PATH=$here:$here/../build/bin:$PATH # installed, or in the source tree
+. "$here/private-world.sh"
 folder=$(mktemp -d)
 finish() {
   stop_service
@@ -20,6 +20,7 @@ quorvane-sample-library "$folder/Resimler"
 
 say "The local Google Photos service"
 private_world "$folder"
+cd "$folder"
 start_service
 
 say "Signing in"
