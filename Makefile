@@ -1,10 +1,13 @@
 # The front door: every target works from a clean clone on Debian 12.
-.PHONY: help build demo demo-ui run test bench soak fuzz format lint setup clean
+.PHONY: help build demo demo-ui run packaged install deb test bench soak fuzz format lint setup clean
+
+PREFIX ?= /usr/local
 
 help:
 	@echo 'make demo    build, then back up a sample library to a local Google Photos service'
 	@echo 'make run     build, then start the status item and its window'
 	@echo 'make demo-ui the window over the sample library and the local service, signed in'
+	@echo 'make install into PREFIX=/usr/local, below DESTDIR if given; make deb: a Debian package'
 	@echo 'make test    build and run every test (development, address and thread sanitizer)'
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure'
@@ -30,6 +33,16 @@ run: build
 demo-ui: build
 	@scripts/setup.sh demo run
 	@scripts/demo-ui.sh
+
+packaged:
+	@scripts/setup.sh build run demo package
+	@scripts/build.sh release
+
+install: packaged
+	@DESTDIR=$(DESTDIR) cmake --install build/release --prefix $(PREFIX)
+
+deb: packaged
+	@scripts/deb.sh
 
 test:
 	@scripts/setup.sh build test run

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that are missing for the groups named: build run test demo bench fuzz lint.
-# Silent when nothing is missing.
+# Installs the Debian packages that are missing for the groups named: build run test demo bench fuzz
+# lint package. Silent when nothing is missing. setup.sh --list GROUP...: names them instead.
 set -euo pipefail
 
 declare -A groups=(
@@ -10,13 +10,20 @@ declare -A groups=(
     dbus gnome-keyring libglib2.0-bin xdg-utils xvfb curl"
   [run]="qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-controls
     qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtquick-shapes
-    qml6-module-qtqml qml6-module-qtqml-workerscript fonts-inter fonts-dejavu-core
+    qml6-module-qtqml qml6-module-qtqml-workerscript libqt6svg6 fonts-inter fonts-dejavu-core
     fonts-noto-color-emoji xdg-utils"
   [demo]="curl"
   [bench]="time curl libimage-exiftool-perl exiv2"
   [fuzz]="clang libclang-rt-14-dev"
   [lint]="clang-format clang-tidy qt6-declarative-dev-tools"
+  [package]="librsvg2-bin desktop-file-utils appstream man-db"
 )
+
+if [ "${1:-}" = --list ]; then
+  shift
+  for group in "$@"; do printf '%s\n' ${groups[$group]}; done
+  exit
+fi
 
 missing=()
 for group in "$@"; do
