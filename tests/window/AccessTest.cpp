@@ -1,6 +1,7 @@
 #include "window/WindowWorld.h"
 
 #include <QAccessible>
+#include <QQmlComponent>
 #include <QQmlEngine>
 
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ double luminance(const QColor& color) {
 }
 
 double contrast(const QColor& a, const QColor& b) {
-    const auto [low, high] = std::minmax(luminance(a), luminance(b));
+    const auto [low, high] = std::minmax({luminance(a), luminance(b)});
     return (high + 0.05) / (low + 0.05);
 }
 
@@ -30,7 +31,10 @@ TEST(AccessTest, everyTextCanBeReadInBothThemes) {
     WindowWorld world;
     world.window.prepare();
     QQmlEngine& engine = *world.window.window()->engine();
-    auto* theme = engine.singletonInstance<QObject*>(qmlTypeId("Quorvane", 1, 0, "Theme"));
+    QQmlComponent component(&engine);
+    component.setData("import QtQml; import Quorvane; QtObject { property var theme: Theme }", {});
+    const std::unique_ptr<QObject> holder(component.create());
+    auto* theme = holder->property("theme").value<QObject*>();
     ASSERT_NE(theme, nullptr);
     struct Row {
         double least;
@@ -92,14 +96,14 @@ TEST_F(KeyboardTest, tabReachesEveryControlInOrderAndEachHasItsName) {
     model->toggleInspector();
     window.showWindowAndCenter();
     settleView();
-    struct Row {
+    struct Control {
         QString item, name;
         QAccessible::Role role;
     };
     using enum QAccessible::Role;
-    const std::vector<Row> table{
-        {u"source"_s, u"Kaynak (Apple Photos): Fotoğraf & Video Arşivi (2)"_s, ComboBox},
-        {u"target"_s, u"Hedef (Google Photos): Aile"_s, ComboBox},
+    const std::vector<Control> table{
+        {u"source"_s, u"Kaynak (Apple Photos): Fotoğraf & Video Arşivi (2)"_s, Button},
+        {u"target"_s, u"Hedef (Google Photos): Aile"_s, Button},
         {u"dismissError"_s, u"Kapat"_s, Button},
         {u"renewAccess"_s, u"İzni Yenile (Giriş Yap)"_s, Button},
         {u"reloadAlbums"_s, u"Google Albümlerini Yenile"_s, Button},
@@ -115,7 +119,7 @@ TEST_F(KeyboardTest, tabReachesEveryControlInOrderAndEachHasItsName) {
         {u"clearLog"_s, u"Temizle"_s, Button},
         {u"console"_s, u"Canlı Akış Konsolu"_s, List},
     };
-    for (const Row& row : table) {
+    for (const Control& row : table) {
         key(Qt::Key_Tab);
         EXPECT_EQ(focus(), row.item);
         QQuickItem* item = find(row.item);
@@ -166,11 +170,11 @@ TEST_F(KeyboardTest, theKeyboardDoesWhatThePointerDoes) {
     model->toggleInspector();
     ASSERT_TRUE(awaitView([&] { return model->recentLogs()->rowCount() >= 100; }));
     settleView();
-    QQuickItem* console = find(u"console"_s);
-    EXPECT_TRUE(console->property("atYEnd").toBool());
-    console->forceActiveFocus(Qt::TabFocusReason);
+    QQuickItem* lines = find(u"console"_s);
+    EXPECT_TRUE(lines->property("atYEnd").toBool());
+    lines->forceActiveFocus(Qt::TabFocusReason);
     key(Qt::Key_PageUp);
-    const double place = console->property("contentY").toDouble();
+    const double place = lines->property("contentY").toDouble();
     const auto addLine = [&] {
         const int rows = model->recentLogs()->rowCount();
         logPublisher.send(
@@ -179,10 +183,10 @@ TEST_F(KeyboardTest, theKeyboardDoesWhatThePointerDoes) {
         settleView();
     };
     addLine();
-    EXPECT_NEAR(console->property("contentY").toDouble(), place, 1);
+    EXPECT_NEAR(lines->property("contentY").toDouble(), place, 1);
     key(Qt::Key_End);
     addLine();
-    EXPECT_TRUE(console->property("atYEnd").toBool());
+    EXPECT_TRUE(lines->property("atYEnd").toBool());
 }
 
 } // namespace

@@ -6,6 +6,9 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QScreen>
 
 #include <gtest/gtest.h>
 
@@ -40,10 +43,10 @@ TEST(StatusItemTest, everyFrameIsTheTurnedBadge) {
                 EXPECT_EQ(at(image, scale, 8, corner), blue);
             for (const double onArc : {0.0, 49.5, 90.0, 180.0, 229.5, 270.0})
                 EXPECT_GT(at(image, scale, 4.8, onArc - turn).red(), 120) << onArc;
-            if (scale >= 2)
-                for (const double gap : {139.5, 319.5})
-                    EXPECT_EQ(at(image, scale, 4.8, gap - turn), blue) << gap;
-            EXPECT_EQ(at(image, 2 * scale / 2, 7.2, 0).blue(), blue.blue());
+            if (scale < 2)
+                continue; // of a larger pixel's colour the arcs have a part
+            for (const double gap : {139.5, 319.5})
+                EXPECT_EQ(at(image, scale, 4.8, gap - turn), blue) << gap;
         }
 }
 
@@ -87,8 +90,10 @@ TEST(StatusItemTest, theItemFollowsTheSync) {
     ASSERT_TRUE(world.settle());
     controller.updateStatusItemIcon(SyncVisualState::error);
     EXPECT_EQ(controller.statusItem().toolTip(), u"Eşitleme Uyarısı"_s);
-    EXPECT_EQ(controller.statusItem().icon().pixmap(22).toImage().pixelColor(3, 3),
-              QColor(badgeRed));
+    const QImage error = controller.statusItem().icon().pixmap(22).toImage();
+    EXPECT_EQ(error.pixelColor(error.width() / 8, error.height() / 2), QColor(badgeRed));
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        return;
 
     // Without a tray the window opens, and says how to quit.
     ASSERT_TRUE(world.awaitView(
@@ -100,6 +105,61 @@ TEST(StatusItemTest, theItemFollowsTheSync) {
     menu.actions().last()->trigger();
     world.click(u"quit"_s);
     EXPECT_EQ(quits, 2);
+}
+
+/// On a desktop with a tray only: with QT_QPA_PLATFORM=xcb, a tray host and xdotool.
+TEST(StatusItemTest, aTrayShowsItAndTakesClicks) {
+    if (!QSystemTrayIcon::isSystemTrayAvailable())
+        GTEST_SKIP() << "no tray on this platform";
+    WindowWorld world;
+    world.world.addPictures(2);
+    world.openLibrary();
+    world.signIn();
+    world.window.prepare();
+    MenuBarController controller(*world.model, world.window);
+    controller.setupStatusItem();
+    const QSystemTrayIcon& item = controller.statusItem();
+    ASSERT_TRUE(waitOnMainThread([&] { return item.geometry().width() > 8; }));
+    const auto point = [&](int button) {
+        const QPoint middle =
+            item.geometry().center() * QGuiApplication::primaryScreen()->devicePixelRatio();
+        QProcess::execute(u"xdotool"_s,
+                          {u"mousemove"_s, QString::number(middle.x()), QString::number(middle.y()),
+                           u"click"_s, QString::number(button)});
+    };
+    const auto isShown = [&] { return world.window.window()->isVisible(); };
+    const auto shoot = [](const QString& name) {
+        const QString folder = qEnvironmentVariable("QUORVANE_WINDOW_SHOTS");
+        QElapsedTimer timer;
+        timer.start();
+        waitOnMainThread([&] { return timer.elapsed() > 400; });
+        if (!folder.isEmpty())
+            QGuiApplication::primaryScreen()->grabWindow().save(folder + u'/' + name);
+    };
+    shoot(u"tray-idle.png"_s);
+    QElapsedTimer timer;
+    timer.start();
+    point(1);
+    ASSERT_TRUE(waitOnMainThread(isShown));
+    RecordProperty("shown", static_cast<int>(timer.elapsed()));
+    world.world.google.addFault(stall(emulator::RequestKind::upload));
+    world.model->triggerSync();
+    EXPECT_TRUE(controller.animator().isRunning());
+    shoot(u"tray-syncing-1.png"_s);
+    shoot(u"tray-syncing-2.png"_s);
+    world.model->stopSync();
+    ASSERT_TRUE(world.settle());
+    ASSERT_TRUE(waitOnMainThread([&] { return world.window.window()->isActive(); }));
+    point(1);
+    EXPECT_TRUE(waitOnMainThread([&] { return !isShown(); }));
+    QTimer::singleShot(600, [&] {
+        shoot(u"tray-menu.png"_s);
+        item.contextMenu()->close();
+    });
+    bool wasOpened = false;
+    QObject::connect(item.contextMenu(), &QMenu::aboutToShow, [&] { wasOpened = true; });
+    point(3);
+    EXPECT_TRUE(waitOnMainThread([&] { return wasOpened; }));
 }
 
 TEST(SymbolsTest, everySymbolHasAnOutlineOnItsGrid) {

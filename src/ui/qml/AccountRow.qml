@@ -29,10 +29,11 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
 
         Row {
-            spacing: 6
+            spacing: 7
             Words { id: title; role: Theme.cardTitle; text: "Google Photos Bağlı" }
             Symbol {
-                size: 18
+                size: 16
+                stroke: 2
                 name: "checkmark.circle.fill"
                 color: Theme.success
                 anchors.verticalCenter: parent.verticalCenter

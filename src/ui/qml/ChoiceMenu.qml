@@ -31,6 +31,8 @@ Popup {
         list.focusCurrent(byKeyboard);
     }
 
+    onAboutToHide: parent.forceActiveFocus(list.usedByKeyboard ? Qt.TabFocusReason : Qt.PopupFocusReason)
+
     padding: 5
     focus: true
     height: wanted
@@ -47,7 +49,10 @@ Popup {
     ListView {
         id: list
 
+        property bool usedByKeyboard: false
+
         function focusCurrent(byKeyboard: bool) {
+            usedByKeyboard = byKeyboard;
             if (currentItem)
                 currentItem.forceActiveFocus(byKeyboard ? Qt.TabFocusReason : Qt.PopupFocusReason);
         }

@@ -22,16 +22,16 @@ Rectangle {
         property bool visualFocus: false
 
         function scrollBy(distance: real) {
-            const last = Math.max(originY, originY + contentHeight - height + bottomMargin);
-            contentY = Math.max(originY - topMargin, Math.min(last, contentY + distance));
+            const last = Math.max(originY, originY + contentHeight - height);
+            contentY = Math.max(originY, Math.min(last, contentY + distance));
             followsTail = atYEnd;
         }
 
         objectName: "console"
         anchors.fill: parent
         anchors.margins: 1
-        topMargin: 3
-        bottomMargin: 3
+        header: Item { height: 3 }
+        footer: Item { height: 3 }
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         activeFocusOnTab: true

@@ -18,7 +18,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     onClicked: menu.openByKeyboard(visualFocus)
-    Accessible.role: Accessible.ComboBox
+    Accessible.role: Accessible.Button
     Accessible.name: caption + ": " + value + (detail ? ", " + detail : "")
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()

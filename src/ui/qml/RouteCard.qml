@@ -36,6 +36,7 @@ Column {
         Rectangle {
             x: 61
             y: 57
+            z: 1
             width: parent.width - x - 1
             height: 1
             color: Theme.divider
@@ -43,6 +44,7 @@ Column {
         Symbol {
             x: 26
             y: 50
+            z: 1
             size: 14
             stroke: 2
             name: "x.arrow.down"

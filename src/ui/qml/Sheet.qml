@@ -9,8 +9,12 @@ Popup {
     property bool shown: false
     property string name
     signal cancelled
+    /// What had the keyboard before.
+    property Item opener
 
     onShownChanged: if (sheet.shown) sheet.open(); else sheet.close()
+    onAboutToShow: opener = parent.Window.activeFocusItem // qmllint disable
+    onClosed: if (opener && opener.visible) opener.forceActiveFocus(Qt.PopupFocusReason)
     Component.onCompleted: if (sheet.shown) sheet.open()
 
     anchors.centerIn: T.Overlay.overlay

@@ -53,7 +53,7 @@ QtObject {
     readonly property color scrim: dark ? "#8C000000" : "#520F172A"
     readonly property color knob: "#FFFFFF"
 
-    readonly property string familyMono: "DejaVu Sans Mono, monospace"
+    readonly property string familyMono: "DejaVu Sans Mono"
     readonly property var heroTitle: ({ size: 18, weight: 600, line: 24, spacing: 0 })
     readonly property var sheetTitle: ({ size: 17, weight: 600, line: 22, spacing: 0 })
     readonly property var cardTitle: ({ size: 14, weight: 600, line: 20, spacing: 0 })

@@ -27,7 +27,7 @@ void useWindowFont() {
     if (!QFontDatabase::hasFamily(family))
         return;
     QFont font = QGuiApplication::font();
-    font.setFamilies({family, font.family()});
+    font.setFamilies({family, QStringLiteral("Noto Color Emoji"), font.family()});
     QGuiApplication::setFont(font);
 }
 
