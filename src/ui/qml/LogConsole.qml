@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Controls.Basic
 import Quorvane
@@ -53,7 +52,7 @@ Rectangle {
             if (event.accepted)
                 scrollBy(distance);
         }
-        delegate: LogLine { width: list.width }
+        delegate: LogLine { width: ListView.view.width }
         ScrollBar.vertical: ScrollThumb {
             onPressedChanged: if (!pressed) list.followsTail = list.atYEnd
         }
