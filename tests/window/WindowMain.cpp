@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -19,8 +20,8 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM",
                 "offscreen:configfile=" QUORVANE_SOURCE_DIR "/tests/window/screen.json");
-    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR"))
-        qputenv("XDG_RUNTIME_DIR", "/tmp");
+    const QTemporaryDir runtimeFolder; // of nobody but us, as Qt wants it
+    qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
     qputenv("QT_QUICK_BACKEND", "software"); // the same picture on every machine, and quickly
     qInstallMessageHandler(failOnComplaint);
     QApplication application(argc, argv);
