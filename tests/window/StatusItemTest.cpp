@@ -152,14 +152,12 @@ TEST(StatusItemTest, aTrayShowsItAndTakesClicks) {
     ASSERT_TRUE(waitOnMainThread([&] { return world.window.window()->isActive(); }));
     point(1);
     EXPECT_TRUE(waitOnMainThread([&] { return !isShown(); }));
-    QTimer::singleShot(600, [&] {
-        shoot(u"tray-menu.png"_s);
-        item.contextMenu()->close();
-    });
     bool wasOpened = false;
     QObject::connect(item.contextMenu(), &QMenu::aboutToShow, [&] { wasOpened = true; });
     point(3);
     EXPECT_TRUE(waitOnMainThread([&] { return wasOpened; }));
+    shoot(u"tray-menu.png"_s);
+    item.contextMenu()->close();
 }
 
 TEST(SymbolsTest, everySymbolHasAnOutlineOnItsGrid) {

@@ -11,7 +11,7 @@ Rectangle {
 
     radius: Theme.tileRadius
     color: Theme.console
-    border.width: 1
+    border.width: list.visualFocus ? 2 : 1
     border.color: list.visualFocus ? Theme.focus : Theme.border
 
     ListView {

@@ -20,6 +20,7 @@ Item {
     Words {
         id: clock
         x: 10
+        y: 1
         role: Theme.log
         font.family: Theme.familyMono
         text: row.time
