@@ -3,7 +3,7 @@
 # lives in a folder of its own, which goes away when the window is quit.
 set -euo pipefail
 here=$(dirname "$(readlink -f "$0")")
-export PATH=$here:$here/../build/bin:$PATH # installed, or in the source tree
+export PATH=$here:$here/../build/bin:$here/../../bin:$PATH # in the source tree, or installed
 . "$here/private-world.sh"
 show=$(env | grep -E '^(DISPLAY|WAYLAND_DISPLAY|XAUTHORITY)=' || true)
 [ -n "$show" ] || { echo 'No display: the demo of the command line shows the same without one.' >&2; exit 1; }

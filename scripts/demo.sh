@@ -4,7 +4,7 @@
 # (QUORVANE_DEMO_KEEP=1 keeps it).
 set -euo pipefail
 here=$(dirname "$(readlink -f "$0")")
-export PATH=$here:$here/../build/bin:$PATH # installed, or in the source tree
+export PATH=$here:$here/../build/bin:$here/../../bin:$PATH # in the source tree, or installed
 . "$here/private-world.sh"
 folder=$(mktemp -d)
 finish() {
