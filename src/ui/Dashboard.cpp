@@ -219,8 +219,6 @@ InspectorView Dashboard::inspector() const {
 }
 
 AlertView Dashboard::alert() const {
-    if (!questions_.empty())
-        return questions_.front().alert;
     if (model_.showPreSync20kAlert())
         return {true,
                 QStringLiteral("Albüm Sınırı (20.000) Aşılacak"),

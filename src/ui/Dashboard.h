@@ -4,8 +4,6 @@
 #include "ui/MenuBarViewModel.h"
 #include "ui/TransferListModel.h"
 
-#include <functional>
-
 namespace quorvane {
 
 /// The state model in the words of the window: whatever is drawn is decided and worded here, QML
@@ -66,10 +64,6 @@ class Dashboard final : public QObject {
     const QString& hint() const { return hint_; }
     void setHint(const QString& hint);
 
-    /// Asks over the window; `answered` gets the index of the button. A question that is still open
-    /// comes first.
-    void ask(const AlertView& alert, std::function<void(int)> answered);
-
     /// What a menu row or an alert's button does.
     Q_INVOKABLE void choose(const QString& command, const QString& value = {});
     Q_INVOKABLE void answerAlert(int button);
@@ -97,11 +91,6 @@ class Dashboard final : public QObject {
 
   private:
     using Signal = void (Dashboard::*)();
-    struct Question {
-        AlertView alert;
-        std::function<void(int)> answered;
-    };
-
     /// `changed` follows the model's `cause`, for as long as somebody looks.
     void relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed);
     void updateTransfers();
@@ -113,7 +102,6 @@ class Dashboard final : public QObject {
     bool isLive_ = false;
     QString chosenFallback_; ///< in the open sheet; empty: what is stored
     QString hint_;
-    std::vector<Question> questions_;
 };
 
 } // namespace quorvane

@@ -127,20 +127,8 @@ void Dashboard::choose(const QString& command, const QString& value) {
         found->second();
 }
 
-void Dashboard::ask(const AlertView& alert, std::function<void(int)> answered) {
-    questions_.push_back({alert, std::move(answered)});
-    questions_.back().alert.isShown = true;
-    Q_EMIT sheetsChanged();
-}
-
 void Dashboard::answerAlert(int button) {
-    if (!questions_.empty()) {
-        const auto answered = std::move(questions_.front().answered);
-        questions_.erase(questions_.begin());
-        Q_EMIT sheetsChanged();
-        if (answered)
-            answered(button);
-    } else if (model_.showPreSync20kAlert()) {
+    if (model_.showPreSync20kAlert()) {
         if (button == 0)
             model_.confirmPreSyncAutoRollover();
         else if (button == 1)

@@ -267,17 +267,6 @@ TEST_F(WindowStoryTest, theWindowIsOnlyHidden) {
     ASSERT_TRUE(awaitView([&] { return view->isActive(); }));
     window.toggleWindow();
     EXPECT_FALSE(view->isVisible());
-
-    int answer = -1;
-    window.ask({.title = u"Fotoğraflarınızı Güvenle Yedekleyin"_s,
-                .text = u"• Fotoğraflarınız yalnızca güvenli buluta aktarılır."_s,
-                .tone = u"info"_s,
-                .buttons = {u"Devam Et"_s, u"Şimdi Değil"_s}},
-               [&](int button) { answer = button; });
-    expectShown({u"Fotoğraflarınızı Güvenle Yedekleyin"_s, u"Devam Et"_s});
-    shot(u"explanation-alert-light"_s);
-    key(Qt::Key_Return);
-    EXPECT_EQ(answer, 0);
 }
 
 } // namespace

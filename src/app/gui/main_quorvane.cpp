@@ -3,13 +3,19 @@
 #include "app/gui/SingleInstance.h"
 #include "app/gui/SystemDialogs.h"
 #include "platform/linux/BrowserAuthSession.h"
+#include "platform/linux/desktop/DesktopLook.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "ui/window/MenuBarController.h"
 
 #include <QApplication>
 #include <QIcon>
 
+#include <QSocketNotifier>
+
 #include <csignal>
+
+#include <sys/signalfd.h>
+#include <unistd.h>
 
 namespace quorvane {
 
@@ -20,6 +26,35 @@ std::vector<QUrl> urlsOf(const QStringList& arguments) {
     for (const QString& argument : arguments)
         urls.push_back(QUrl(argument, QUrl::StrictMode));
     return urls;
+}
+
+/// SIGTERM and SIGINT, as at the end of a session, become an orderly end. Before any thread.
+FileDescriptor quitSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
+}
+
+/// The answer to an option that is no address; none when the program is to start.
+std::optional<QString> answerTo(const QStringList& arguments) {
+    if (arguments.contains(QStringLiteral("--version")))
+        return QStringLiteral("quorvane ") + QStringLiteral(QUORVANE_VERSION);
+    if (arguments.contains(QStringLiteral("--help")))
+        return QStringLiteral("Kullanım: quorvane [ADRES...]\n\n"
+                              "Durum çubuğunda çalışır; simgesine tıklayınca penceresi açılır.\n"
+                              "Komut satırı için: quorvane-cli --help");
+    return std::nullopt;
+}
+
+/// Asked before the toolkit is, which would abort.
+bool hasDisplay() {
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(variable))
+            return true;
+    return false;
 }
 
 /// The whole program with a window, from the ground up.
@@ -47,6 +82,7 @@ class QuorvaneApp {
     MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
     MainWindowController window_{model_, core_.preferences};
     MenuBarController menuBarController_{model_, window_};
+    DesktopLook look_;
 
   public:
     AppDelegate appDelegate{launchPlatform(), core_.logger};
@@ -63,6 +99,11 @@ QuorvaneApp::QuorvaneApp(const DesktopEnvironment& environment) : environment_(e
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
     });
     QObject::connect(&window_, &MainWindowController::quitRequested, qApp, &QApplication::quit);
+    QObject::connect(&look_, &DesktopLook::changed, &window_, [this] {
+        window_.setReducesMotion(look_.reducesMotion());
+        window_.setSystemIsDark(look_.isDark());
+    });
+    look_.watch();
 }
 
 QuorvaneApp::~QuorvaneApp() {
@@ -127,7 +168,22 @@ void QuorvaneApp::chooseLibrary(const LibraryHost::Answer& answer) {
 int main(int argc, char** argv) {
     using namespace quorvane;
     std::signal(SIGPIPE, SIG_IGN);
+    const FileDescriptor quitting = quitSignals();
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words += QString::fromLocal8Bit(argv[i]);
+    if (const auto answer = answerTo(words)) {
+        Console().result(*answer);
+        return 0;
+    }
+    if (!hasDisplay()) {
+        Console().error(QStringLiteral("Ekran bulunamadı: quorvane bir masaüstü oturumu ister. "
+                                       "Ekransız kullanım için: quorvane-cli --help"));
+        return 1;
+    }
     const QApplication application(argc, argv);
+    const QSocketNotifier quitNotifier(quitting.get(), QSocketNotifier::Read);
+    QObject::connect(&quitNotifier, &QSocketNotifier::activated, qApp, &QApplication::quit);
     QApplication::setApplicationName(QStringLiteral("quorvane"));
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/quorvane/AppIcon.svg")));

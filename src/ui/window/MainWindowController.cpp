@@ -152,11 +152,6 @@ void MainWindowController::saveFrame() {
     }
 }
 
-void MainWindowController::ask(const AlertView& alert, std::function<void(int)> answered) {
-    dashboard_.ask(alert, std::move(answered));
-    showWindowAndCenter();
-}
-
 // The look.
 
 void MainWindowController::applyTheme(AppTheme theme) {
@@ -169,9 +164,16 @@ void MainWindowController::setReducesMotion(bool reduces) {
     updateLook();
 }
 
+void MainWindowController::setSystemIsDark(std::optional<bool> isDark) {
+    systemIsDark_ = isDark;
+    updateLook();
+}
+
 bool MainWindowController::isDark() const {
     if (theme_ != AppTheme::system)
         return theme_ == AppTheme::dark;
+    if (systemIsDark_)
+        return *systemIsDark_;
     const QPalette palette = QGuiApplication::palette();
     return palette.color(QPalette::Window).lightness() <
            palette.color(QPalette::WindowText).lightness();

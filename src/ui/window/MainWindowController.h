@@ -32,9 +32,9 @@ class MainWindowController final : public QObject {
     void applyTheme(AppTheme theme);
     /// No motion at all while true.
     void setReducesMotion(bool reduces);
+    /// What the desktop says of its own look; none: its palette decides.
+    void setSystemIsDark(std::optional<bool> isDark);
 
-    /// Shows the window with a question over it; `answered` gets the index of the button.
-    void ask(const AlertView& alert, std::function<void(int)> answered);
     /// Builds the window without showing it, so that the first click finds it ready.
     void prepare();
 
@@ -62,6 +62,7 @@ class MainWindowController final : public QObject {
     Dashboard dashboard_;
     AppTheme theme_;
     bool reducesMotion_ = false;
+    std::optional<bool> systemIsDark_;
     QVariantAnimation resizing_;
     std::unique_ptr<QQuickView> view_;
 };
