@@ -112,6 +112,15 @@ TEST_F(WindowStoryTest, aRouteIsChosen) {
     key(Qt::Key_Return);
     expectShown({u"İzmir'de kış"_s, u"0 / 20.000"_s});
     expectHidden({u"Yeni Google Photos Albümü"_s});
+
+    for (int i = 0; i < 200; ++i)
+        world.google.addAlbum(u"Albüm %1"_s.arg(i, 3, 10, QLatin1Char('0')), i);
+    model->loadGoogleAlbums();
+    ASSERT_TRUE(settle());
+    click(u"target"_s);
+    key(Qt::Key_End);
+    expectShown({u"Albüm 199 (199)"_s});
+    key(Qt::Key_Escape);
 }
 
 TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
