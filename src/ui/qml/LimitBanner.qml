@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Quorvane
 
 /// A tinted box with a symbol, a title and a text: amber, or red for `danger`.
