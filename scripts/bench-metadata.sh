@@ -27,10 +27,10 @@ collect() { # COUNT EXTENSION...: copies of the samples in $folder/originals, na
 measure() { # LABEL COMMAND...: over fresh copies, whose names are added to the command
   local label=$1 count user system wall
   shift
-  rm -rf "$folder/work" && cp -r "$folder/originals" "$folder/work"
+  rm -rf "$folder/copies" && cp -r "$folder/originals" "$folder/copies"
   sync
-  count=$(find "$folder/work" -type f | wc -l)
-  /usr/bin/time -o "$folder/times" -f '%U %S %e' "$@" "$folder"/work/* >/dev/null 2>"$folder/errors" ||
+  count=$(find "$folder/copies" -type f | wc -l)
+  /usr/bin/time -o "$folder/times" -f '%U %S %e' "$@" "$folder"/copies/* >/dev/null 2>"$folder/errors" ||
     { echo "$label failed:"; head -n 3 "$folder/errors"; }
   read -r user system wall < <(tail -n 1 "$folder/times")
   awk -v l="$label" -v n="$count" -v u="$user" -v s="$system" -v w="$wall" 'BEGIN {
