@@ -1,29 +1,12 @@
 #include "ui/SyncRun.h"
 
+#include "store/StoreCounts.h"
+
 #include <algorithm>
 
 namespace quorvane {
 
 namespace {
-
-struct Counts {
-    int verified = 0;
-    int failed = 0;
-    int undated = 0;
-};
-
-Counts countsOf(DatabaseManager& db) {
-    Counts counts;
-    for (const auto& [status, count] : db.countByStatus()) {
-        if (status == SyncStatus::verified || status == SyncStatus::deletedLocally)
-            counts.verified += count;
-        else if (status == SyncStatus::failed)
-            counts.failed = count;
-        else if (status == SyncStatus::dateUnresolved)
-            counts.undated = count;
-    }
-    return counts;
-}
 
 /// Marks the run's beginning and end, and carries a stop into it.
 class ActiveRun {
@@ -63,13 +46,13 @@ SyncRunOutcome runSync(const LibrarySession& session, DatabaseManager& db, bool 
                        const SyncRunCallbacks& callbacks, std::stop_token stop) {
     SyncRunOutcome outcome;
     try {
-        const Counts before = countsOf(db);
+        const StoreCounts before = StoreCounts::of(db);
         {
             const ActiveRun run(session.flags, stop);
             outcome.error = drainAll(session, db, deletionEnabled, callbacks);
             outcome.wasStopped = session.flags.isCancelled();
         }
-        const Counts after = countsOf(db);
+        const StoreCounts after = StoreCounts::of(db);
         outcome.verified = std::max(0, after.verified - before.verified);
         outcome.failed = std::max(0, after.failed - before.failed);
         outcome.undated = std::max(0, after.undated - before.undated);

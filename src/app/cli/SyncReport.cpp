@@ -35,32 +35,6 @@ QString byteText(std::int64_t bytes) {
     return turkish.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
 }
 
-StoreCounts StoreCounts::of(DatabaseManager& db) {
-    StoreCounts counts;
-    for (const auto& [status, count] : db.countByStatus()) {
-        switch (status) {
-        case SyncStatus::verified:
-        case SyncStatus::deletedLocally:
-            counts.verified += count;
-            break;
-        case SyncStatus::failed:
-            counts.failed += count;
-            break;
-        case SyncStatus::dateUnresolved:
-            counts.undated += count;
-            break;
-        case SyncStatus::discovered:
-        case SyncStatus::staged:
-            counts.pending += count;
-            break;
-        case SyncStatus::uploading:
-        case SyncStatus::excluded:
-            break;
-        }
-    }
-    return counts;
-}
-
 QString SyncReport::table() const {
     QString text = title(*this) + u'\n';
     text += countRow(QStringLiteral("Doğrulanan (bu kez)"), after.verified - before.verified);

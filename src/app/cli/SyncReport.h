@@ -1,22 +1,11 @@
 #pragma once
 
-#include "store/DatabaseManager.h"
+#include "store/StoreCounts.h"
 #include "sync/SyncCoordinator.h"
 
 #include <QJsonObject>
 
 namespace quorvane::cli {
-
-/// How many records the store holds, told apart as a person asks for them.
-struct StoreCounts {
-    int verified = 0; ///< with those deleted here since
-    int failed = 0;
-    int undated = 0;
-    int pending = 0;
-
-    /// Throws `DBError`.
-    static StoreCounts of(DatabaseManager& db);
-};
 
 /// One record that needs a look.
 struct UnfinishedItem {

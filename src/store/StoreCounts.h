@@ -1,0 +1,18 @@
+#pragma once
+
+#include "store/DatabaseManager.h"
+
+namespace quorvane {
+
+/// How many records the store holds, told apart as a person asks for them.
+struct StoreCounts {
+    int verified = 0; ///< with those deleted here since
+    int failed = 0;
+    int undated = 0;
+    int pending = 0;
+
+    /// Throws `DBError`.
+    static StoreCounts of(DatabaseManager& db);
+};
+
+} // namespace quorvane
