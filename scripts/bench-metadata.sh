@@ -46,9 +46,9 @@ compare() { # TITLE [exiv2]
     "-CreateDate=$text" "-ModifyDate=$text"
   [ $# -lt 2 ] || measure exiv2 exiv2 -M "set Exif.Photo.DateTimeOriginal $text" \
     -M "set Exif.Photo.DateTimeDigitized $text" -M "set Exif.Image.DateTime $text"
-  mkdir -p "$folder/copies"
-  measure 'bare copy' cp -t "$folder/copies"
-  rm -rf "$folder/copies"
+  mkdir "$folder/bare"
+  measure 'bare copy' cp -t "$folder/bare"
+  rm -rf "$folder/bare"
 }
 
 collect 500 jpg jpeg && compare JPEG exiv2

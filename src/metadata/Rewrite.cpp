@@ -1,6 +1,7 @@
 #include "metadata/Rewrite.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include <unistd.h>
 
@@ -22,6 +23,12 @@ std::uint64_t copyInside(int from, std::uint64_t offset, std::uint64_t length, i
     }
 #endif
     return copied;
+}
+
+/// `range` is of the source. Throws `FileError`, also for what made the system's own copy stop.
+void copyTo(int fd, const MappedFile& source, ByteView range, const std::filesystem::path& path) {
+    const auto offset = static_cast<std::uint64_t>(range.data() - source.bytes().data());
+    writeAll(fd, range.subspan(copyInside(source.descriptor(), offset, range.size(), fd)), path);
 }
 
 } // namespace
@@ -69,12 +76,40 @@ bool Rewrite::isIdentity(ByteView source) const {
     return true;
 }
 
+bool Rewrite::isPatch(ByteView source) const {
+    std::uint64_t at = 0;
+    for (const Piece& piece : pieces_) {
+        if (!piece.bytes && piece.offset != at)
+            return false;
+        at += piece.length;
+    }
+    return at == source.size();
+}
+
+/// One copy and the new bytes over it, where nothing moves: piece by piece, every page behind an
+/// odd offset would be written twice.
+void Rewrite::patchTo(int fd, const MappedFile& source, const std::filesystem::path& path) const {
+    copyTo(fd, source, source.bytes(), path);
+    std::uint64_t at = 0;
+    for (const Piece& piece : pieces_) {
+        if (piece.bytes) {
+            if (::lseek(fd, static_cast<off_t>(at), SEEK_SET) < 0)
+                throw FileError(QStringLiteral("Dosyaya yazılamadı"), path, errno);
+            writeAll(fd, viewOf(*piece.bytes), path);
+        }
+        at += piece.length;
+    }
+}
+
 void Rewrite::writeTo(int fd, const MappedFile& source, const std::filesystem::path& path) const {
+    if (isPatch(source.bytes()))
+        return patchTo(fd, source, path);
     for (const Piece& piece : pieces_) {
         const ByteView bytes = piece.in(source.bytes());
-        const std::uint64_t copied =
-            piece.bytes ? 0 : copyInside(source.descriptor(), piece.offset, piece.length, fd);
-        writeAll(fd, bytes.subspan(copied), path); // tells what is wrong when the copy stopped
+        if (piece.bytes)
+            writeAll(fd, bytes, path);
+        else
+            copyTo(fd, source, bytes, path);
     }
 }
 

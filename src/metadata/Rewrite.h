@@ -48,6 +48,11 @@ class Rewrite {
 
         ByteView in(ByteView source) const;
     };
+
+    /// True when every kept range stays where it is.
+    bool isPatch(ByteView source) const;
+    void patchTo(int fd, const MappedFile& source, const std::filesystem::path& path) const;
+
     std::vector<Piece> pieces_;
 };
 
