@@ -12,20 +12,8 @@ void ByteReader::skip(std::uint64_t count) {
     take(count);
 }
 
-std::uint64_t ByteReader::unsignedOf(unsigned width) {
-    const ByteView part = take(width);
-    std::uint64_t value = 0;
-    for (unsigned i = 0; i < width; ++i)
-        value = (value << 8) | part[order_ == ByteOrder::bigEndian ? i : width - 1 - i];
-    return value;
-}
-
-ByteView ByteReader::take(std::uint64_t count) {
-    if (count > remaining())
-        throw ParseError(QStringLiteral("Veri beklenenden kısa"));
-    const ByteView part = bytes_.subspan(offset_, count);
-    offset_ += count;
-    return part;
+void ByteReader::failShort() {
+    throw ParseError(QStringLiteral("Veri beklenenden kısa"));
 }
 
 } // namespace quorvane

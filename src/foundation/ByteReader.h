@@ -44,12 +44,26 @@ class ByteReader {
     std::uint64_t u64() { return unsignedOf(8); }
 
     /// An unsigned integer of `width` bytes, 0 to 8; width 0 reads nothing and yields 0.
-    std::uint64_t unsignedOf(unsigned width);
+    std::uint64_t unsignedOf(unsigned width) {
+        const ByteView part = take(width);
+        std::uint64_t value = 0;
+        for (unsigned i = 0; i < width; ++i)
+            value = (value << 8) | part[order_ == ByteOrder::bigEndian ? i : width - 1 - i];
+        return value;
+    }
 
     /// The next `count` bytes, not copied.
-    ByteView take(std::uint64_t count);
+    ByteView take(std::uint64_t count) {
+        if (count > remaining())
+            failShort();
+        const ByteView part = bytes_.subspan(offset_, count);
+        offset_ += count;
+        return part;
+    }
 
   private:
+    [[noreturn]] static void failShort();
+
     ByteView bytes_;
     std::uint64_t offset_ = 0;
     ByteOrder order_;

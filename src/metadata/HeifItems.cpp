@@ -59,6 +59,7 @@ std::vector<Item> readItems(ByteView file, const Box& box, const Limits& limits,
     const ItemInfoHeader header(file, box);
     Allowance(limits.items).spend(header.count);
     std::vector<Item> items;
+    items.reserve(header.count);
     for (const Box& entry : boxesIn(file, header.entries, boxes))
         if (entry.type == fourCC("infe"))
             items.push_back(readItem(file, entry));
@@ -126,6 +127,7 @@ Locations readLocations(ByteView file, const Box& box, const Limits& limits) {
     const std::uint32_t count = readId(full.reader, iloc.version == 2);
     Allowance(limits.items).spend(count);
     Allowance extents(limits.extents);
+    iloc.entries.reserve(count);
     for (std::uint32_t i = 0; i < count; ++i)
         iloc.entries.push_back(readLocation(full.reader, iloc, extents));
     return iloc;
