@@ -1,4 +1,5 @@
 #include "app/cli/Command.h"
+#include "foundation/Memory.h"
 
 #include <QCoreApplication>
 
@@ -41,6 +42,7 @@ class StopSignals {
 } // namespace
 
 int main(int argc, char** argv) {
+    quorvane::shareOneArena();
     const QCoreApplication application(argc, argv);
     const StopSignals signals;
     quorvane::Console console;

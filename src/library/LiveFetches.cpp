@@ -1,6 +1,7 @@
 #include "library/LiveFetches.h"
 
 #include <algorithm>
+#include <span>
 #include <unordered_map>
 
 namespace quorvane {
@@ -9,13 +10,15 @@ namespace {
 
 FetchResultChangeDetails difference(const std::vector<PhotoAsset>& before,
                                     const AssetFetchResult& after) {
+    const auto [oldRest, newRest] = std::ranges::mismatch(before, *after);
+    const std::span<const PhotoAsset> old(oldRest, before.end());
     std::unordered_map<QString, const PhotoAsset*> gone;
-    gone.reserve(before.size());
-    for (const PhotoAsset& asset : before)
+    gone.reserve(old.size());
+    for (const PhotoAsset& asset : old)
         gone.emplace(asset.localIdentifier, &asset);
     FetchResultChangeDetails details;
     details.fetchResultAfterChanges = after;
-    for (const PhotoAsset& asset : *after) {
+    for (const PhotoAsset& asset : std::span(newRest, after->end())) {
         const auto known = gone.find(asset.localIdentifier);
         if (known == gone.end()) {
             details.insertedObjects.push_back(asset);
@@ -25,7 +28,7 @@ FetchResultChangeDetails difference(const std::vector<PhotoAsset>& before,
             details.changedObjects.push_back(asset);
         gone.erase(known);
     }
-    for (const PhotoAsset& asset : before)
+    for (const PhotoAsset& asset : old)
         if (gone.contains(asset.localIdentifier))
             details.removedObjects.push_back(asset);
     return details;
@@ -51,7 +54,10 @@ LiveFetches::changeDetails(const AssetFetchResult& before) const {
             return std::nullopt;
         again = entry->again;
     }
-    FetchResultChangeDetails details = difference(*before, again());
+    const AssetFetchResult after = again();
+    if (!after)
+        return std::nullopt;
+    FetchResultChangeDetails details = difference(*before, after);
     if (details.insertedObjects.empty() && details.removedObjects.empty() &&
         details.changedObjects.empty())
         return std::nullopt;

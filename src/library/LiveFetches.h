@@ -12,13 +12,15 @@ namespace quorvane {
 /// thread.
 class LiveFetches final : public LibraryChange {
   public:
+    /// None when the library is known to be as it was at the last fetch.
     using Fetch = std::function<AssetFetchResult()>;
 
     /// Returns `result`. `again` fetches what there is now, cheaply and without `remember`.
     AssetFetchResult remember(AssetFetchResult result, Fetch again);
 
-    /// In linear time. None when the same assets are there as before, in whatever order, or when
-    /// `before` is nobody's. Throws what the fetch throws.
+    /// In linear time, and in memory only for what is not alike at the beginning. None when the
+    /// same assets are there as before, in whatever order, or when `before` is nobody's. Throws
+    /// what the fetch throws.
     std::optional<FetchResultChangeDetails>
     changeDetails(const AssetFetchResult& before) const override;
 

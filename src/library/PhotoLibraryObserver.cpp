@@ -56,22 +56,39 @@ std::optional<SyncRecord> recordOf(const std::filesystem::directory_entry& file)
     return record;
 }
 
-/// Hidden temporary files have no staged name; folders and links are not ours.
-std::vector<SyncRecord> recordsOfStagedFiles(const std::filesystem::path& folder) {
-    std::vector<SyncRecord> records;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        std::error_code vanished;
-        if (entry->symlink_status(vanished).type() != std::filesystem::file_type::regular)
-            continue;
-        if (auto record = recordOf(*entry))
-            records.push_back(std::move(*record));
+/// The records of the staged files in a folder, one by one. Hidden temporary files have no staged
+/// name; folders and links are not ours. Throws `FileError`.
+class StagedFiles {
+  public:
+    explicit StagedFiles(const std::filesystem::path& folder)
+        : folder_(folder), entry_(folder, error_) {
+        requireReadable();
     }
-    if (error)
-        throw FileError(QStringLiteral("Klasör okunamadı"), folder, error.value());
-    return records;
-}
+
+    std::optional<SyncRecord> next() {
+        while (entry_ != std::filesystem::directory_iterator()) {
+            const std::filesystem::directory_entry file = *entry_;
+            entry_.increment(error_);
+            requireReadable();
+            std::error_code vanished;
+            if (file.symlink_status(vanished).type() != std::filesystem::file_type::regular)
+                continue;
+            if (auto record = recordOf(file))
+                return record;
+        }
+        return std::nullopt;
+    }
+
+  private:
+    void requireReadable() const {
+        if (error_)
+            throw FileError(QStringLiteral("Klasör okunamadı"), folder_, error_.value());
+    }
+
+    const std::filesystem::path folder_;
+    std::error_code error_;
+    std::filesystem::directory_iterator entry_;
+};
 
 } // namespace
 
@@ -152,13 +169,13 @@ void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
     if (!std::filesystem::exists(staging_.permanentFolder(), unreachable) && !unreachable)
         return;
     try {
-        const std::vector<SyncRecord> records = recordsOfStagedFiles(staging_.permanentFolder());
-        if (records.empty())
+        StagedFiles files(staging_.permanentFolder());
+        const std::size_t found = database_.insertStagedBatch([&files] { return files.next(); });
+        if (found == 0)
             return;
-        database_.insertStagedBatch(records);
         console_.print(QStringLiteral("[PhotoKit] 🔄 Kalıcı staging uzlaştırması: %1 kurtarılmış "
                                       "dosya STAGED olarak korundu")
-                           .arg(records.size()));
+                           .arg(found));
     } catch (const Error& error) {
         console_.print(QStringLiteral("[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: ") +
                        error.localizedDescription());
@@ -167,20 +184,22 @@ void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
 
 void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& assets,
                                                 std::stop_token stop) {
-    std::vector<SyncRecord> records;
-    records.reserve(assets.size());
-    for (const PhotoAsset& asset : assets)
-        if (auto record = recordOf(asset))
-            records.push_back(std::move(*record));
+    std::size_t recorded = 0;
     try {
-        database_.insertDiscoveredBatch(records);
-        console_.print(QStringLiteral("[PhotoKit] %1 medya veritabanına atomik olarak eklendi")
-                           .arg(records.size()));
+        recorded =
+            database_.insertDiscoveredBatch([asset = assets.begin(), end = assets.end()]() mutable {
+                std::optional<SyncRecord> record;
+                while (!record && asset != end)
+                    record = recordOf(*asset++);
+                return record;
+            });
+        console_.print(
+            QStringLiteral("[PhotoKit] %1 medya veritabanına atomik olarak eklendi").arg(recorded));
     } catch (const DBError& error) {
         console_.print(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
                        error.localizedDescription());
     }
-    assetsRecorded.send(records.size());
+    assetsRecorded.send(recorded);
     staging_.stageDiscoveredAssets(stop);
 }
 

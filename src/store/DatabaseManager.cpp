@@ -152,16 +152,16 @@ void DatabaseManager::insertIfNotExists(const SyncRecord& record) {
           [&](sqlite::Statement& statement) { bindKeyAndType(statement, record); });
 }
 
-void DatabaseManager::insertDiscoveredBatch(const std::vector<SyncRecord>& records) {
-    insertBatch(statements::insertDiscovered, records, bindKeyAndType);
+std::size_t DatabaseManager::insertDiscoveredBatch(const RecordSource& next) {
+    return insertBatch(statements::insertDiscovered, next, bindKeyAndType);
 }
 
-void DatabaseManager::insertStagedBatch(const std::vector<SyncRecord>& records) {
-    insertBatch(statements::insertStaged, records,
-                [](sqlite::Statement& statement, const SyncRecord& record) {
-                    bindKeyAndType(statement, record);
-                    statement.bind(5, record.fileSizeBytes);
-                });
+std::size_t DatabaseManager::insertStagedBatch(const RecordSource& next) {
+    return insertBatch(statements::insertStaged, next,
+                       [](sqlite::Statement& statement, const SyncRecord& record) {
+                           bindKeyAndType(statement, record);
+                           statement.bind(5, record.fileSizeBytes);
+                       });
 }
 
 void DatabaseManager::upsertRecord(const SyncRecord& record) {
@@ -313,21 +313,23 @@ std::vector<SyncRecord> DatabaseManager::fetchRecords(const char* sql, const Bin
     });
 }
 
-void DatabaseManager::insertBatch(
-    const char* sql, const std::vector<SyncRecord>& records,
+std::size_t DatabaseManager::insertBatch(
+    const char* sql, const RecordSource& next,
     const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind) {
-    executeOnQueue([&] {
+    return executeOnQueue([&] {
+        std::size_t count = 0;
         sqlite::Connection& database = connection();
         execute(database, statements::begin, QStringLiteral("BEGIN failed: "));
         try {
             sqlite::Statement statement = prepare(database, sql);
-            for (const SyncRecord& record : records) {
+            for (; const auto record = next(); ++count) {
                 statement.reset();
-                bind(statement, record);
+                bind(statement, *record);
                 step(statement);
             }
             statement.reset();
             execute(database, statements::commit, QStringLiteral("COMMIT failed: "));
+            return count;
         } catch (...) {
             try {
                 database.execute(statements::rollback);

@@ -41,9 +41,12 @@ class DatabaseManager {
     /// Inserts as DISCOVERED; a known asset is left as it is.
     void insertIfNotExists(const SyncRecord& record);
 
-    /// All or nothing; known assets are left as they are.
-    void insertDiscoveredBatch(const std::vector<SyncRecord>& records);
-    void insertStagedBatch(const std::vector<SyncRecord>& records);
+    /// Yields the records of a batch one by one, so that nobody has to hold all; none at the end.
+    using RecordSource = std::function<std::optional<SyncRecord>()>;
+
+    /// All or nothing; known assets are left as they are. Returns how many records came.
+    std::size_t insertDiscoveredBatch(const RecordSource& next);
+    std::size_t insertStagedBatch(const RecordSource& next);
 
     /// Writes every field except the time stamps.
     void upsertRecord(const SyncRecord& record);
@@ -102,8 +105,8 @@ class DatabaseManager {
     void write(const char* sql, const Bind& bind = {});
     int count(const char* sql);
     std::vector<SyncRecord> fetchRecords(const char* sql, const Bind& bind = {});
-    void insertBatch(const char* sql, const std::vector<SyncRecord>& records,
-                     const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
+    std::size_t insertBatch(const char* sql, const RecordSource& next,
+                            const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
 
     SerialQueue queue_{QStringLiteral("com.quorvane.db")};
     const std::filesystem::path file_;

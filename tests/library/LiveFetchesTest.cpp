@@ -49,6 +49,8 @@ TEST(LiveFetches, TellsWhatCameWentAndChanged) {
         EXPECT_EQ(lettersOf(details->changedObjects), row.changed);
         EXPECT_EQ(details->fetchResultAfterChanges, now);
         EXPECT_FALSE(fetches.changeDetails(now));
+        now = nullptr; // known to be unchanged
+        EXPECT_FALSE(fetches.changeDetails(details->fetchResultAfterChanges));
         now = resultOf("z"); // the new result lives on
         EXPECT_EQ(
             lettersOf(fetches.changeDetails(details->fetchResultAfterChanges)->insertedObjects),

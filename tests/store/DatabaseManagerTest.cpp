@@ -1,6 +1,7 @@
 #include "store/DatabaseManager.h"
 
 #include "store/Statements.h"
+#include "support/Records.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -48,8 +49,9 @@ TEST_F(DatabaseManagerTest, rediscoveryNeverResetsProgress) {
     db.insertIfNotExists(recordOf(QStringLiteral("a")));
     setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("r"));
     db.insertIfNotExists(recordOf(QStringLiteral("a")));
-    db.insertDiscoveredBatch({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b"))});
-    db.insertStagedBatch({recordOf(QStringLiteral("a"))});
+    db.insertDiscoveredBatch(
+        test::batchOf({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b"))}));
+    db.insertStagedBatch(test::batchOf({recordOf(QStringLiteral("a"))}));
     EXPECT_EQ(value("SELECT count(*) FROM sync_records"), QStringLiteral("2"));
     EXPECT_EQ(db.countPendingRecords(), 1);
     EXPECT_EQ(value("PRAGMA journal_mode"), QStringLiteral("wal"));
@@ -75,19 +77,21 @@ TEST_F(DatabaseManagerTest, aBatchIsAllOrNothing) {
     for (const char* name : {"1", "2", "3", "4", "fifth", "6"})
         batch.push_back(recordOf(QString::fromLatin1(name)));
     try {
-        db.insertDiscoveredBatch(batch);
+        db.insertDiscoveredBatch(test::batchOf(batch));
         FAIL() << "the batch was taken";
     } catch (const DBError& error) {
         EXPECT_EQ(error.localizedDescription(), QStringLiteral("[DB] Step failed: refused"));
     }
     EXPECT_EQ(db.countPendingRecords(), 0);
-    db.insertDiscoveredBatch({recordOf(QStringLiteral("later"))}); // no transaction is left open
+    db.insertDiscoveredBatch(
+        test::batchOf({recordOf(QStringLiteral("later"))})); // no transaction is left open
     EXPECT_EQ(db.countPendingRecords(), 1);
 }
 
 TEST_F(DatabaseManagerTest, pendingRecordsComeOldestFirstWithinTheLimit) {
-    db.insertDiscoveredBatch({recordOf(QStringLiteral("new")), recordOf(QStringLiteral("old")),
-                              recordOf(QStringLiteral("done"))});
+    db.insertDiscoveredBatch(
+        test::batchOf({recordOf(QStringLiteral("new")), recordOf(QStringLiteral("old")),
+                       recordOf(QStringLiteral("done"))}));
     execute("UPDATE sync_records SET created_at = '2001-01-01 00:00:00' WHERE "
             "asset_local_identifier = 'old'");
     setStatus(QStringLiteral("old"), SyncStatus::staged);
@@ -134,8 +138,9 @@ TEST_F(DatabaseManagerTest, upsertWritesEveryFieldAndReadsBack) {
 }
 
 TEST_F(DatabaseManagerTest, onlyVerifiedRecordsWithARemoteIdAreOfferedForDeletion) {
-    db.insertDiscoveredBatch({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b")),
-                              recordOf(QStringLiteral("c")), recordOf(QStringLiteral("d"))});
+    db.insertDiscoveredBatch(
+        test::batchOf({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b")),
+                       recordOf(QStringLiteral("c")), recordOf(QStringLiteral("d"))}));
     setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("r"));
     setStatus(QStringLiteral("b"), SyncStatus::verified, {}, QString(QLatin1String("")));
     setStatus(QStringLiteral("c"), SyncStatus::verified);
@@ -146,8 +151,9 @@ TEST_F(DatabaseManagerTest, onlyVerifiedRecordsWithARemoteIdAreOfferedForDeletio
 }
 
 TEST_F(DatabaseManagerTest, retryAndClearTouchOnlyTheirStatuses) {
-    db.insertDiscoveredBatch({recordOf(QStringLiteral("f")), recordOf(QStringLiteral("u")),
-                              recordOf(QStringLiteral("v")), recordOf(QStringLiteral("p"))});
+    db.insertDiscoveredBatch(
+        test::batchOf({recordOf(QStringLiteral("f")), recordOf(QStringLiteral("u")),
+                       recordOf(QStringLiteral("v")), recordOf(QStringLiteral("p"))}));
     setStatus(QStringLiteral("f"), SyncStatus::failed, {}, {}, QStringLiteral("HTTP 500"));
     setStatus(QStringLiteral("u"), SyncStatus::dateUnresolved, {}, {}, QStringLiteral("e"));
     setStatus(QStringLiteral("v"), SyncStatus::verified, {}, QStringLiteral("r"));

@@ -3,6 +3,7 @@
 #include "library/StagedName.h"
 #include "platform/folder/FolderIndex.h"
 #include "sample/SampleMedia.h"
+#include "support/Records.h"
 
 #include <QCoreApplication>
 
@@ -79,7 +80,7 @@ void SyncProgram::discover() {
         record.assetLocalIdentifier = asset.localIdentifier;
         records.push_back(record);
     }
-    database.insertDiscoveredBatch(records);
+    database.insertDiscoveredBatch(test::batchOf(records));
 }
 
 SyncCoordinator::Summary SyncProgram::run() {

@@ -1,4 +1,5 @@
 #include "store/Sqlite.h"
+#include "support/Records.h"
 #include "ui/ModelWorld.h"
 
 #include <gtest/gtest.h>
@@ -287,7 +288,7 @@ TEST_F(MenuBarViewModelTest, foreseesTheLimitOfAnAlbum) {
         std::vector<SyncRecord> records(static_cast<std::size_t>(row.pending));
         for (std::size_t i = 0; i < records.size(); ++i)
             records[i].assetLocalIdentifier = QString::number(i);
-        fresh.database.insertDiscoveredBatch(records);
+        fresh.database.insertDiscoveredBatch(test::batchOf(records));
         fresh.signIn();
         fresh.model->selectTargetAlbum(id);
         EXPECT_EQ(fresh.model->isSelectedTargetAlbumNearLimit(), row.isNear);
@@ -333,7 +334,7 @@ TEST_F(MenuBarViewModelTest, refreshingHardlyTouchesTheMainThread) {
     std::vector<SyncRecord> records(200'000);
     for (std::size_t i = 0; i < records.size(); ++i)
         records[i].assetLocalIdentifier = QString::number(i);
-    database.insertDiscoveredBatch(records);
+    database.insertDiscoveredBatch(test::batchOf(records));
     openLibrary();
     std::chrono::duration<double, std::milli> longest{0};
     for (int i = 0; i < 20; ++i) {

@@ -2,6 +2,7 @@
 #include "app/gui/LibraryHost.h"
 #include "app/gui/SingleInstance.h"
 #include "app/gui/SystemDialogs.h"
+#include "foundation/Memory.h"
 #include "platform/linux/BrowserAuthSession.h"
 #include "platform/linux/desktop/DesktopLook.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
@@ -167,6 +168,7 @@ void QuorvaneApp::chooseLibrary(const LibraryHost::Answer& answer) {
 
 int main(int argc, char** argv) {
     using namespace quorvane;
+    shareOneArena();
     std::signal(SIGPIPE, SIG_IGN);
     const FileDescriptor quitting = quitSignals();
     QStringList words;

@@ -196,29 +196,31 @@ auto PhotosBundleLibrary::query(Freshness freshness, Work&& work) {
     }
 }
 
-AssetFetchResult PhotosBundleLibrary::assets(Freshness freshness) {
-    return query(freshness, [](Opened& opened) { return resultOf(opened.database.assets()); });
-}
-
-AssetFetchResult PhotosBundleLibrary::assetsOfAlbum(const QString& identifier,
-                                                    Freshness freshness) {
-    return query(freshness, [&](Opened& opened) {
-        if (const SmartAlbum* smart = findSmart(identifier))
-            return resultOf(opened.database.assets(smart->condition));
-        const PhotosAlbum* album = find(opened.albums(), uuidOf(identifier, albumTail));
-        return resultOf(album ? opened.database.assetsOf(*album) : std::vector<PhotoAsset>());
+template <typename List>
+AssetFetchResult PhotosBundleLibrary::remember(List list) {
+    int seen = 0;
+    AssetFetchResult first = query(Freshness::current, [&](Opened& opened) {
+        seen = version_;
+        return resultOf(list(opened));
+    });
+    return fetches_.remember(std::move(first), [this, list, seen]() mutable {
+        return query(Freshness::asLastRead, [&](Opened& opened) -> AssetFetchResult {
+            const bool isSame = version_ == std::exchange(seen, version_);
+            return isSame ? nullptr : resultOf(list(opened));
+        });
     });
 }
 
 AssetFetchResult PhotosBundleLibrary::fetchAssets() {
-    return fetches_.remember(assets(Freshness::current),
-                             [this] { return assets(Freshness::asLastRead); });
+    return remember([](Opened& opened) { return opened.database.assets(); });
 }
 
 AssetFetchResult PhotosBundleLibrary::fetchAssets(const AssetCollection& collection) {
-    const QString identifier = collection.localIdentifier;
-    return fetches_.remember(assetsOfAlbum(identifier, Freshness::current), [this, identifier] {
-        return assetsOfAlbum(identifier, Freshness::asLastRead);
+    return remember([identifier = collection.localIdentifier](Opened& opened) {
+        if (const SmartAlbum* smart = findSmart(identifier))
+            return opened.database.assets(smart->condition);
+        const PhotosAlbum* album = find(opened.albums(), uuidOf(identifier, albumTail));
+        return album ? opened.database.assetsOf(*album) : std::vector<PhotoAsset>();
     });
 }
 

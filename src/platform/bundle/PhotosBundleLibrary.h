@@ -65,8 +65,9 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     template <typename Work>
     auto query(Freshness freshness, Work&& work);
     void open(Freshness freshness);
-    AssetFetchResult assets(Freshness freshness);
-    AssetFetchResult assetsOfAlbum(const QString& identifier, Freshness freshness);
+    /// Lists the open database, and each that follows it when the list is fetched again.
+    template <typename List>
+    AssetFetchResult remember(List list);
     ChangeWatch::Found look();
 
     const std::filesystem::path bundle_;

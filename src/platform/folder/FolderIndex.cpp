@@ -44,19 +44,21 @@ FolderIndex::FolderIndex(std::vector<FolderFile> files, std::vector<Folder> fold
                std::tie(files[b].modified, files[b].path);
     });
     files_.reserve(files.size());
-    byIdentifier_.reserve(files.size());
     for (const std::size_t position : order) {
-        byIdentifier_.emplace(files[position].identifier, files_.size());
         folders_[folderOfFile[position]].files.push_back(files_.size());
         files_.push_back(std::move(files[position]));
     }
+    byIdentifier_ = std::move(order);
+    std::iota(byIdentifier_.begin(), byIdentifier_.end(), std::size_t(0));
+    std::ranges::sort(byIdentifier_, {}, identifierAt());
     for (auto folder = folders_.rbegin(); folder != folders_.rend(); ++folder)
         folder->hasPicturesBelow = !folder->files.empty() || isList(*folder);
 }
 
 const FolderFile* FolderIndex::file(const QUuid& identifier) const {
-    const auto found = byIdentifier_.find(identifier);
-    return found == byIdentifier_.end() ? nullptr : &files_[found->second];
+    const auto found = std::ranges::lower_bound(byIdentifier_, identifier, {}, identifierAt());
+    return found != byIdentifier_.end() && files_[*found].identifier == identifier ? &files_[*found]
+                                                                                   : nullptr;
 }
 
 const Folder* FolderIndex::album(const QUuid& identifier) const {

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace quorvane {
@@ -15,6 +14,8 @@ struct FolderFile {
     std::string path;
     QUuid identifier;          ///< made from the path
     std::int64_t modified = 0; ///< nanoseconds since 1970
+
+    bool operator==(const FolderFile&) const = default;
 };
 
 /// One folder of the library; the numbers are positions in the index.
@@ -28,6 +29,7 @@ struct Folder {
     bool hasPicturesBelow = false; ///< in it or in any sub-folder
 
     bool isAlbum() const { return !path.empty() && !files.empty(); }
+    bool operator==(const Folder&) const = default;
 };
 
 /// What one scan of a folder tree found. Immutable once built; shared between threads.
@@ -49,17 +51,24 @@ class FolderIndex {
     /// True when a folder gained, lost or renamed an entry since the scan.
     bool isOutdated(const std::filesystem::path& root) const;
 
+    /// The same files and folders, at the same times.
+    bool operator==(const FolderIndex& other) const {
+        return files_ == other.files_ && folders_ == other.folders_ &&
+               hasUnfinished_ == other.hasUnfinished_;
+    }
+
     /// True when a file was left out because it was being written.
     bool hasUnfinished() const { return hasUnfinished_; }
 
   private:
+    auto identifierAt() const {
+        return [this](std::size_t position) -> const QUuid& { return files_[position].identifier; };
+    }
+
     std::vector<FolderFile> files_;
     std::vector<Folder> folders_;
     bool hasUnfinished_;
-    struct Hash {
-        std::size_t operator()(const QUuid& id) const noexcept { return qHash(id); }
-    };
-    std::unordered_map<QUuid, std::size_t, Hash> byIdentifier_;
+    std::vector<std::size_t> byIdentifier_; ///< positions of the files
 };
 
 /// Tells libraries apart, so that files of the same path in two of them are two assets: follows

@@ -113,9 +113,11 @@ FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
     const auto report = [this](const std::string& path, const QString& reason) {
         reportSkip(path, reason);
     };
-    const Index index = std::make_shared<const FolderIndex>(scanFolder(root_, report, stop));
+    Index index = std::make_shared<const FolderIndex>(scanFolder(root_, report, stop));
     const std::lock_guard lock(mutex_);
-    return index_ = index;
+    if (!index_ || *index_ != *index) // the same index tells that nothing changed
+        index_.swap(index);
+    return index_;
 }
 
 FolderLibrary::Index FolderLibrary::lastScan() {
@@ -162,14 +164,26 @@ void FolderLibrary::reportSkip(const std::string& path, const QString& reason) {
     log_.log(QStringLiteral("[FolderLibrary] Atlandı: %1 (%2)").arg(name, reason));
 }
 
+template <typename List>
+AssetFetchResult FolderLibrary::remember(const Index& index, List list) {
+    return fetches_.remember(
+        list(*index), [this, list, seen = std::weak_ptr(index)]() mutable -> AssetFetchResult {
+            const Index now = lastScan();
+            if (now == seen.lock())
+                return nullptr;
+            seen = now;
+            return list(*now);
+        });
+}
+
 AssetFetchResult FolderLibrary::fetchAssets() {
-    return fetches_.remember(assetsOf(*scan()), [this] { return assetsOf(*lastScan()); });
+    return remember(scan(), [](const FolderIndex& index) { return assetsOf(index); });
 }
 
 AssetFetchResult FolderLibrary::fetchAssets(const AssetCollection& collection) {
     const QUuid album = identifierFrom(collection.localIdentifier, albumTail);
-    return fetches_.remember(assetsOf(*current(), album),
-                             [this, album] { return assetsOf(*lastScan(), album); });
+    return remember(current(),
+                    [album](const FolderIndex& index) { return assetsOf(index, album); });
 }
 
 AssetFetchResult FolderLibrary::fetchAssets(const QStringList& localIdentifiers) {

@@ -50,6 +50,7 @@ class FolderLibrary final : public PhotoLibrary {
   private:
     using Index = std::shared_ptr<const FolderIndex>;
 
+    /// The index before when nothing changed.
     Index scan(const std::stop_token& stop = {});
     /// The last scan; a new one when there is none.
     Index lastScan();
@@ -57,6 +58,9 @@ class FolderLibrary final : public PhotoLibrary {
     Index current();
     /// The file's path inside the library; none when no such file is there (any more).
     std::optional<std::filesystem::path> find(const QString& localIdentifier);
+    /// Lists an index, and each that follows it when the list is fetched again.
+    template <typename List>
+    AssetFetchResult remember(const Index& index, List list);
     ChangeWatch::Found look(bool told, const std::stop_token& stop);
     void reportSkip(const std::string& path, const QString& reason);
 

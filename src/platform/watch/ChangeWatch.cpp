@@ -31,11 +31,12 @@ class ChangeWatch::Loop {
     void look() {
         const Time began = now();
         const bool told = std::exchange(told_, false);
+        isDue_ = false;
         QString trouble;
         try {
             found_ = watch_.look_(told, stop_);
             const FolderNotifier::Watched watched = notifier_.watch(found_.folders);
-            told_ = watched.gained; // what came into a folder before it was watched was not told
+            isDue_ = watched.gained; // what came into a folder before it was watched was not told
             if (watched.refused > 0)
                 trouble = textOfRefusal(watched.refused);
             nextLook_ = now() + (now() - began) * restAfterLook;
@@ -54,7 +55,7 @@ class ChangeWatch::Loop {
 
     /// False when stopped.
     bool waitForNext() {
-        if (!told_) {
+        if (!isDue_) {
             const WatchTimes& times = watch_.times_;
             const Wake wake =
                 waitUntil(now() + (found_.unfinished ? times.unfinished : times.unasked));
@@ -72,6 +73,7 @@ class ChangeWatch::Loop {
             const Wake wake = waitUntil(std::min(quiet, cut));
             if (wake != Wake::changed)
                 return wake != Wake::stopped;
+            told_ = true;
         }
         return !stop_.stop_requested();
     }
@@ -100,6 +102,7 @@ class ChangeWatch::Loop {
     FolderNotifier notifier_;
     Found found_;
     bool told_ = false;
+    bool isDue_ = false; ///< a look without having been told
     bool isFirst_ = true;
     Time nextLook_{}; ///< not before this, however much happens
     QString lastTrouble_;
