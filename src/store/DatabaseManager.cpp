@@ -209,9 +209,11 @@ bool DatabaseManager::ifStatusIs(SyncStatus status, const SyncRecord& record,
     });
 }
 
-std::vector<SyncRecord> DatabaseManager::fetchPendingRecords(int limit) {
-    return fetchRecords(statements::fetchPending,
-                        [&](sqlite::Statement& statement) { statement.bind(1, limit); });
+std::vector<SyncRecord> DatabaseManager::fetchPendingRecords(int limit, int skipped) {
+    return fetchRecords(statements::fetchPending, [&](sqlite::Statement& statement) {
+        statement.bind(1, limit);
+        statement.bind(2, skipped);
+    });
 }
 
 std::vector<SyncRecord> DatabaseManager::fetchVerifiedForDeletion() {

@@ -62,8 +62,8 @@ class DatabaseManager {
     /// False when it has another one or is gone.
     bool ifStatusIs(SyncStatus status, const SyncRecord& record, const std::function<void()>& work);
 
-    /// DISCOVERED and STAGED records, oldest first.
-    std::vector<SyncRecord> fetchPendingRecords(int limit);
+    /// DISCOVERED and STAGED records, oldest first, without the first `skipped` of them.
+    std::vector<SyncRecord> fetchPendingRecords(int limit, int skipped = 0);
 
     /// VERIFIED records with a remote id, least recently changed first.
     std::vector<SyncRecord> fetchVerifiedForDeletion();

@@ -111,7 +111,7 @@ inline constexpr const char* fetchPending =
 FROM sync_records
 WHERE sync_status IN ('DISCOVERED', 'STAGED')
 ORDER BY created_at ASC
-LIMIT ?)sql";
+LIMIT ? OFFSET ?)sql";
 
 inline constexpr const char* fetchVerified =
     R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,

@@ -143,14 +143,22 @@ bool SyncCoordinator::runSyncLoop() {
 }
 
 /// The oldest pending records without those found unavailable: this pass, and the next one for the
-/// staging to go on with. The unavailable stay pending at the head of the queue, so the window is
-/// widened by their number. Called between two passes, when no worker runs.
+/// staging to go on with. The unavailable stay pending at the head of the queue and are stepped
+/// over unread. A record that came back among them meanwhile is found when nothing else is left.
+/// Called between two passes, when no worker runs.
 std::vector<SyncRecord> SyncCoordinator::nextRecords() {
-    constexpr std::size_t window = 2 * passSize;
-    auto records = s_.db.fetchPendingRecords(static_cast<int>(window + unavailable_.size()));
-    std::erase_if(records, [&](const SyncRecord& record) {
-        return unavailable_.contains(record.assetLocalIdentifier);
-    });
+    constexpr int window = 2 * passSize;
+    const auto known = static_cast<int>(unavailable_.size());
+    const auto fetch = [&](int limit, int skipped) {
+        auto records = s_.db.fetchPendingRecords(limit, skipped);
+        std::erase_if(records, [&](const SyncRecord& record) {
+            return unavailable_.contains(record.assetLocalIdentifier);
+        });
+        return records;
+    };
+    auto records = fetch(window, known);
+    if (records.empty() && known > 0)
+        records = fetch(window + known, 0);
     if (records.size() > window)
         records.resize(window);
     return records;

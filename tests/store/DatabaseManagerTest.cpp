@@ -101,6 +101,7 @@ TEST_F(DatabaseManagerTest, pendingRecordsComeOldestFirstWithinTheLimit) {
     EXPECT_EQ(pending[0].assetLocalIdentifier, QStringLiteral("old"));
     EXPECT_EQ(pending[0].createdAt, Date(std::chrono::seconds(978307200)));
     EXPECT_EQ(db.fetchPendingRecords(1).size(), 1U);
+    EXPECT_EQ(db.fetchPendingRecords(10, 1).at(0).assetLocalIdentifier, QStringLiteral("new"));
 }
 
 TEST_F(DatabaseManagerTest, readsLeniently) {

@@ -164,14 +164,17 @@ TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
 }
 
 TEST_F(SyncRun, WhatTheLibraryCannotHandOutKeepsNobodyWaiting) {
-    world.addPictures(90);
+    world.addPictures(91);
     SyncProgram program(world);
     program.discover();
-    for (int i = 0; i < 60; ++i)
+    for (int i = 1; i <= 60; ++i)
         std::filesystem::remove(world.pictures / pathFrom(u"%1.jpg"_s.arg(i, 3, 10, QChar(u'0'))));
+    world.google.addFault(refusal(1, 1)); // the oldest fails, and comes back in front of those
+    program.clock.skipSleeps(true);
+    program.coordinator.onPassEnded = [&] { program.database.retryFailedRecords(false); };
     const auto summary = program.run();
-    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 60}, {SyncStatus::verified, 30}}));
-    EXPECT_EQ(program.record(u"059.jpg"_s).syncStatus, SyncStatus::discovered);
+    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 60}, {SyncStatus::verified, 31}}));
+    EXPECT_EQ(program.record(u"060.jpg"_s).syncStatus, SyncStatus::discovered);
     EXPECT_EQ(summary.unavailable, 60);
     EXPECT_FALSE(summary.storeFailure);
     EXPECT_EQ(
