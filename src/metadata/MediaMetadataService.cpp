@@ -7,6 +7,8 @@
 #include "metadata/LocalCalendar.h"
 #include "metadata/MovieMetadata.h"
 
+#include <QUuid>
+
 #include <algorithm>
 #include <array>
 
@@ -83,8 +85,10 @@ std::optional<Date> MediaMetadataService::resolveDate(
         return date;
     if (const auto date = parseDateFromFilename(stripSafeIDPrefix(name)))
         return date;
-    if (const auto date = parseDateFromFilename(name))
-        return date;
+    // The digits of an identifier are chance: one in seven hundred would pass for a Unix time.
+    if (QUuid::fromString(QStringView(name).left(36)).isNull())
+        if (const auto date = parseDateFromFilename(name))
+            return date;
     return fallbackDate(file, fallbackMode);
 }
 
