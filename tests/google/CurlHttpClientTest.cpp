@@ -29,6 +29,13 @@ HttpRequest requestTo(const QUrl& url) {
     return request;
 }
 
+HttpRequest postTo(const RawServer& server, const QByteArray& body) {
+    HttpRequest request = requestTo(server.url());
+    request.method = "POST";
+    request.body = body;
+    return request;
+}
+
 /// The text of the transport error, or what came instead of one.
 QString failureOf(CurlHttpClient& client, const HttpRequest& request) {
     try {
@@ -135,12 +142,9 @@ TEST(CurlHttpClientTest, SendsAnUploadAgainWhenTheServerClosedTheIdleConnection)
         peer.receiveRequest();
         peer.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
     });
-    HttpRequest request = requestTo(server.url());
-    request.method = "POST";
-    request.body = "a=1";
     CurlHttpClient client;
     for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(client.send(request, {}).status, 200);
+        EXPECT_EQ(client.send(postTo(server, "a=1"), {}).status, 200);
 }
 
 /// Milliseconds from the stop request to the end of a request that is being sent (a body the
@@ -155,9 +159,7 @@ qint64 timeToStop(bool untilAnswer) {
         arrived.count_down();
         peer.stayQuiet();
     });
-    HttpRequest request = requestTo(server.url());
-    request.method = "POST";
-    request.body = QByteArray(untilAnswer ? 1 : 32 * MiB, 'x');
+    const HttpRequest request = postTo(server, QByteArray(untilAnswer ? 1 : 32 * MiB, 'x'));
     CurlHttpClient client;
     std::stop_source stop;
     QElapsedTimer timer;
@@ -185,43 +187,47 @@ TEST(CurlHttpClientTest, StopsWithinMillisecondsWhereverItWaits) {
 }
 
 TEST(CurlHttpClientTest, GivesUpOnlyWhenNoDataMoves) {
-    enum class Server { mute, deaf, slowAnswer, slowReader };
+    const QByteArray head = "HTTP/1.1 200 OK\r\n\r\n";
     const struct {
-        Server server;
+        const char* server;
+        std::int64_t bodySize;
+        std::function<void(Peer&)> script;
         bool succeeds;
-    } rows[] = {{Server::mute, false},
-                {Server::deaf, false},
-                {Server::slowAnswer, true},
-                {Server::slowReader, true}};
+    } rows[] = {
+        {"reads nothing", 32 * MiB, [](Peer& peer) { peer.stayQuiet(); }, false},
+        {"answers nothing", 1,
+         [](Peer& peer) {
+             peer.receiveRequest();
+             peer.stayQuiet();
+         },
+         false},
+        {"answers slowly", 1,
+         [&](Peer& peer) {
+             peer.receiveRequest();
+             peer.send(head);
+             for (int i = 0; i < 20; ++i) {
+                 peer.send("x");
+                 peer.stayQuiet(100);
+             }
+         },
+         true},
+        // The system's buffers take the whole body at once and drain over two seconds.
+        {"reads slowly", 2 * MiB,
+         [&](Peer& peer) {
+             const QByteArray start = peer.receive(300);
+             qsizetype left = start.indexOf("\r\n\r\n") + 4 + 2 * MiB - start.size();
+             while (left > 0 && peer.drain(std::min<qsizetype>(left, 40'000))) {
+                 left -= 40'000;
+                 peer.stayQuiet(40);
+             }
+             peer.send(head);
+         },
+         true},
+    };
     for (const auto& row : rows) {
-        SCOPED_TRACE(static_cast<int>(row.server));
-        RawServer server([&](Peer& peer) {
-            if (row.server == Server::deaf)
-                peer.stayQuiet();
-            qsizetype left = 0;
-            if (row.server == Server::slowReader) {
-                // The system's buffers take the whole body at once and drain over two seconds.
-                const QByteArray head = peer.receive(300);
-                left = head.indexOf("\r\n\r\n") + 4 + 2 * MiB - head.size();
-                while (left > 0 && peer.drain(std::min<qsizetype>(left, 40'000))) {
-                    left -= 40'000;
-                    peer.stayQuiet(40);
-                }
-            } else {
-                peer.receiveRequest();
-            }
-            if (row.server == Server::mute)
-                peer.stayQuiet();
-            peer.send("HTTP/1.1 200 OK\r\n\r\n");
-            for (int i = 0; i < 20; ++i) {
-                peer.send("x");
-                if (row.server == Server::slowAnswer)
-                    peer.stayQuiet(100);
-            }
-        });
-        HttpRequest request = requestTo(server.url());
-        request.method = "POST";
-        request.body = QByteArray((row.server == Server::deaf ? 32 : 2) * MiB, 'x');
+        SCOPED_TRACE(row.server);
+        RawServer server(row.script);
+        HttpRequest request = postTo(server, QByteArray(row.bodySize, 'x'));
         request.timeout = std::chrono::seconds(1);
         CurlHttpClient client;
         QElapsedTimer timer;
@@ -238,48 +244,37 @@ TEST(CurlHttpClientTest, GivesUpOnlyWhenNoDataMoves) {
 }
 
 TEST(CurlHttpClientTest, TurnsBrokenAnswersIntoTransportErrors) {
+    const QByteArray head = "HTTP/1.1 200 OK\r\n";
+    const QByteArray field = "X: " + QByteArray(1000, 'z') + "\r\n";
     const struct {
         const char* name;
         QByteArray answer;
-        bool reset;
+        bool reset = false;
+        std::int64_t bodySize = 0; ///< of which the server reads no more than a part
     } rows[] = {
-        {"nothing", "", false},
+        {"nothing", ""},
         {"reset", "", true},
-        {"half a body", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf", false},
-        {"not HTTP", "220 smtp ready\r\n", false},
-        {"endless header",
-         "HTTP/1.1 200 OK\r\n" + QByteArray("X: y" + QByteArray(1000, 'z') + "\r\n").repeated(2000),
-         false},
-        {"large body", "HTTP/1.1 200 OK\r\nContent-Length: 1001\r\n\r\n" + QByteArray(1001, 'x'),
-         false},
-        {"large body, unannounced", "HTTP/1.1 200 OK\r\n\r\n" + QByteArray(1 << 20, 'x'), false},
+        {"closed in the middle of an upload", "", false, 16 * MiB},
+        {"reset in the middle of an upload", "", true, 16 * MiB},
+        {"half a body", head + "Content-Length: 100\r\n\r\nhalf"},
+        {"not HTTP", "220 smtp ready\r\n"},
+        {"endless header", head + field.repeated(2000)},
+        {"large body", head + "Content-Length: 1001\r\n\r\n" + QByteArray(1001, 'x')},
+        {"large body, unannounced", head + "\r\n" + QByteArray(MiB, 'x')},
     };
     for (const auto& row : rows) {
         RawServer server([&](Peer& peer) {
-            peer.receiveRequest();
+            if (row.bodySize > 0)
+                peer.drain(MiB);
+            else
+                peer.receiveRequest();
             peer.send(row.answer);
             if (row.reset)
                 peer.reset();
         });
         CurlHttpClient client(1000);
-        const QString text = failureOf(client, requestTo(server.url()));
+        const QString text = failureOf(client, postTo(server, QByteArray(row.bodySize, 'x')));
         EXPECT_TRUE(isNetworkFailure(text)) << row.name << ": " << text.toStdString();
-    }
-}
-
-TEST(CurlHttpClientTest, AConnectionThatBreaksInTheMiddleOfAnUploadIsATransportError) {
-    for (const bool reset : {false, true}) {
-        RawServer server([&](Peer& peer) {
-            peer.drain(MiB);
-            if (reset)
-                peer.reset();
-        });
-        HttpRequest request = requestTo(server.url());
-        request.method = "POST";
-        request.body = QByteArray(16 * MiB, 'x');
-        CurlHttpClient client;
-        const QString text = failureOf(client, request);
-        EXPECT_TRUE(isNetworkFailure(text)) << text.toStdString();
     }
 }
 
