@@ -64,18 +64,11 @@ struct OAuthWorld {
     }
 
     void answerTokenRequest(int status, const QByteArray& body) {
-        emulator::Fault fault;
-        fault.kind = emulator::RequestKind::token;
-        fault.status = status;
-        fault.body = body;
-        google.addFault(fault);
+        google.addFault({.kind = emulator::RequestKind::token, .status = status, .body = body});
     }
 
     void delayTokenRequest(std::chrono::milliseconds delay) {
-        emulator::Fault fault;
-        fault.kind = emulator::RequestKind::token;
-        fault.delay = delay;
-        google.addFault(fault);
+        google.addFault({.kind = emulator::RequestKind::token, .delay = delay});
     }
 
     int refreshes() const { return google.requestCount(emulator::RequestKind::token); }
