@@ -23,23 +23,6 @@ TEST(GoogleAlbum, MenuTitleWarnsNearTheLimit) {
         const GoogleAlbum album{u"1"_s, u"Aile"_s, {}, count};
         EXPECT_EQ(album.menuDisplayTitle(turkish), QString::fromUtf8(title));
     }
-    const QLocale english(QLocale::English, QLocale::UnitedStates);
-    EXPECT_EQ((GoogleAlbum{u"1"_s, {}, {}, u"1234"_s}).formattedCountString(english), u"1,234"_s);
-}
-
-TEST(GoogleAlbum, JsonIsGooglesOwn) {
-    const GoogleAlbum full{u"1"_s, u"Aile"_s, u"https://photos.example/1"_s, u"7"_s};
-    const QJsonObject json{{u"id"_s, u"1"_s},
-                           {u"title"_s, u"Aile"_s},
-                           {u"productUrl"_s, u"https://photos.example/1"_s},
-                           {u"mediaItemsCount"_s, u"7"_s}};
-    EXPECT_EQ(full.toJson(), json);
-    EXPECT_EQ(GoogleAlbum::fromJson(json), full);
-
-    const QJsonObject sparse{{u"id"_s, u"2"_s}, {u"title"_s, 5}};
-    EXPECT_EQ(GoogleAlbum::fromJson(sparse), (GoogleAlbum{u"2"_s, {}, {}, {}}));
-    for (const QJsonValue& id : {QJsonValue(), QJsonValue(3), QJsonValue(QString())})
-        EXPECT_EQ(GoogleAlbum::fromJson({{u"id"_s, id}}), std::nullopt);
 }
 
 } // namespace quorvane
