@@ -73,8 +73,6 @@ TEST_F(OAuthTest, signsInRefreshesAndRevokes) {
 
     const auto first = ask(exchange(items.queryItemValue(u"code"_s, QUrl::FullyDecoded)));
     ASSERT_EQ(statusOf(first), 200);
-    EXPECT_EQ(json(first)[u"expires_in"_s].toInt(), 3599);
-    EXPECT_EQ(json(first)[u"token_type"_s].toString(), u"Bearer"_s);
     const QString refreshToken = json(first)[u"refresh_token"_s].toString();
     const Items refresh{{u"client_id"_s, clientID},
                         {u"grant_type"_s, u"refresh_token"_s},
@@ -139,13 +137,6 @@ TEST_F(OAuthTest, aCodeIsGoodOnceAndForTenMinutes) {
     const QString late = code();
     clock.advance(std::chrono::minutes(10));
     EXPECT_EQ(json(ask(exchange(late)))[u"error"_s].toString(), u"invalid_grant"_s);
-}
-
-TEST_F(OAuthTest, tellsTheAppOfARefusedConsent) {
-    emulator->change([](Behaviour& behaviour) { behaviour.consentDenied = true; });
-    const QUrlQuery items = callback();
-    EXPECT_EQ(items.queryItemValue(u"error"_s), u"access_denied"_s);
-    EXPECT_FALSE(items.hasQueryItem(u"code"_s));
 }
 
 TEST_F(OAuthTest, asksForTheClientSecretWhenThereIsOne) {

@@ -24,6 +24,7 @@ TEST(ProgramTest, servesUntilItIsToldToEndAndReports) {
 
     httplib::Client client("127.0.0.1", port);
     EXPECT_EQ(statusOf(client.Get("/v1/albums")), 503);
+    const QJsonObject running = json(client.Get("/_quorvane/report"));
     process.terminate();
     ASSERT_TRUE(process.waitForFinished(10'000));
     EXPECT_EQ(process.exitCode(), 0);
@@ -31,6 +32,7 @@ TEST(ProgramTest, servesUntilItIsToldToEndAndReports) {
     EXPECT_EQ(report[u"requests"_s][u"albumsList"_s].toInt(), 1);
     EXPECT_EQ(report[u"albums"_s][0][u"title"_s].toString(), u"A:B"_s);
     EXPECT_EQ(report[u"albums"_s][0][u"itemCount"_s].toInt(), 12);
+    EXPECT_EQ(running[u"albums"_s], report[u"albums"_s]);
 }
 
 TEST(ProgramTest, refusesBadUsage) {

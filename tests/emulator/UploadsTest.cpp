@@ -1,26 +1,10 @@
 #include "EmulatorWorld.h"
 
-#include "foundation/Crypto.h"
-
 namespace quorvane::test {
 
 namespace {
 
 using UploadsTest = EmulatorWorld;
-
-TEST_F(UploadsTest, answersAnOpaqueTokenAndSumsUpTheBytes) {
-    const auto result = upload(jpeg);
-    ASSERT_EQ(statusOf(result), 200);
-    EXPECT_EQ(result->get_header_value("Content-Type"), "text/plain");
-    EXPECT_GT(result->body.size(), 40U);
-
-    const RecordedRequest request = emulator->requests().at(0);
-    EXPECT_EQ(request.kind, RequestKind::upload);
-    EXPECT_EQ(request.bodySize, jpeg.size());
-    EXPECT_EQ(request.bodySha256, Sha256::digest(jpeg).toHex());
-    EXPECT_EQ(request.body, QByteArray());
-    EXPECT_EQ(request.answer.toStdString(), result->body);
-}
 
 TEST_F(UploadsTest, refusesWhatTheRawProtocolDoesNotAllow) {
     struct Row {
