@@ -3,7 +3,7 @@
 #include "google/RawServer.h"
 #include "support/TemporaryFolder.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <httplib.h>
 #include <openssl/x509.h>
 

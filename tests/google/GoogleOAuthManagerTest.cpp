@@ -6,7 +6,7 @@
 
 #include <QUrlQuery>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <future>
 #include <latch>
