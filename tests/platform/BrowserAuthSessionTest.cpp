@@ -100,13 +100,6 @@ TEST_F(BrowserAuthSessionTest, OpensTheBrowserAndTakesTheCallbackThatIsHandedOve
     EXPECT_EQ(readFile(called), "1:" + page.toEncoded() + "\n") << "one argument, no shell";
 }
 
-TEST_F(BrowserAuthSessionTest, ReturnsARefusalAsTheCallbackItIs) {
-    auto session = start();
-    const QString refusal = scheme + QStringLiteral(":/oauth2redirect?error=access_denied");
-    EXPECT_TRUE(handOverURL(environment, refusal));
-    EXPECT_EQ(session.get(), QUrl(refusal));
-}
-
 TEST_F(BrowserAuthSessionTest, TakesAPastedCallback) {
     environment.hasDisplay = false;
     int pipe[2];
@@ -166,11 +159,12 @@ TEST_F(BrowserAuthSessionTest, EndsWhenAbandonedOrOvertaken) {
     EXPECT_EQ(second.get(), QUrl(callback));
 }
 
-TEST_F(BrowserAuthSessionTest, TakesOverASocketThatACrashLeftBehind) {
+TEST_F(BrowserAuthSessionTest, TakesOverASocketThatACrashLeftBehindAndReturnsARefusalAsItIs) {
     folder.write("run/quorvane/sign-in.socket", "");
     auto session = start();
-    EXPECT_TRUE(handOverURL(environment, callback));
-    EXPECT_EQ(session.get(), QUrl(callback));
+    const QString refusal = scheme + QStringLiteral(":/oauth2redirect?error=access_denied");
+    EXPECT_TRUE(handOverURL(environment, refusal));
+    EXPECT_EQ(session.get(), QUrl(refusal));
 }
 
 TEST_F(BrowserAuthSessionTest, RefusesASocketFolderThatIsALink) {

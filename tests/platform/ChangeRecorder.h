@@ -34,9 +34,6 @@ class ChangeRecorder final : public LibraryChangeObserver {
         std::unique_lock lock(mutex_);
         return called_.wait_for(lock, std::chrono::seconds(10), condition);
     }
-    bool waitForInserted(qsizetype count) {
-        return waitFor([&] { return inserted_.size() >= count; });
-    }
 
     /// Keeps the next calls from returning.
     void hold(bool on) {

@@ -15,73 +15,70 @@ using namespace std::chrono_literals;
 
 constexpr WatchTimes quick{10ms, 100ms, 20ms, 20ms};
 
-struct WatchWorld {
+struct ChangeWatchTest : testing::Test {
+    void watchWith(std::function<ChangeWatch::Found()> look, const WatchTimes& times = quick) {
+        watch.emplace(
+            QStringLiteral("[Test]"), FolderNotifier::Events::entries,
+            [look = std::move(look)](bool, const std::stop_token&) { return look(); }, change, log,
+            times);
+    }
+    bool waitForCalls(int count) {
+        return observer.waitFor([&] { return observer.calls() >= count; });
+    }
+
+    TemporaryFolder folder;
     LiveFetches change;
     RecordingLog log;
     ChangeRecorder observer{nullptr};
-
-    int lines(const QString& part) const {
-        return static_cast<int>(log.messages().filter(part).size());
-    }
+    std::optional<ChangeWatch> watch;
 };
 
 } // namespace
 
-TEST(ChangeWatch, SaysOnceThatTheKernelHasNoRoomAndLooksByItself) {
-    WatchWorld world;
+TEST_F(ChangeWatchTest, SaysOnceThatTheKernelHasNoRoomAndLooksByItself) {
     const std::filesystem::path unwatchable = "/" + std::string(5000, 'x');
-    ChangeWatch watch(
-        QStringLiteral("[Test]"), FolderNotifier::Events::entries,
-        [&](bool, const std::stop_token&) {
-            return ChangeWatch::Found{true, false, {unwatchable}};
-        },
-        world.change, world.log, quick);
-    watch.observe(world.observer);
-    EXPECT_TRUE(world.observer.waitFor([&] { return world.observer.calls() >= 4; }));
-    watch.unobserve(world.observer);
-    EXPECT_EQ(world.lines(
-                  QStringLiteral("[Test] ⚠️ Çekirdek 1 klasörün izlenmesini kabul etmedi")),
-              1);
+    watchWith([&] { return ChangeWatch::Found{true, false, {unwatchable}}; });
+    watch->observe(observer);
+    EXPECT_TRUE(waitForCalls(4));
+    watch->unobserve(observer);
+    EXPECT_EQ(
+        log.messages()
+            .filter(QStringLiteral("[Test] ⚠️ Çekirdek 1 klasörün izlenmesini kabul etmedi"))
+            .size(),
+        1);
 }
 
-TEST(ChangeWatch, OutlivesALookThatFails) {
-    WatchWorld world;
-    int looks = 0;
-    ChangeWatch watch(
-        QStringLiteral("[Test]"), FolderNotifier::Events::entries,
-        [&](bool, const std::stop_token&) {
-            if (++looks < 4)
-                throw PhotoLibraryError(QStringLiteral("Disk takılı değil"));
-            return ChangeWatch::Found{true, false, {}};
-        },
-        world.change, world.log, quick);
-    watch.observe(world.observer);
-    EXPECT_TRUE(world.observer.waitFor([&] { return world.observer.calls() >= 1; }));
-    watch.unobserve(world.observer);
-    EXPECT_EQ(world.lines(QStringLiteral("Disk takılı değil")), 1);
+TEST_F(ChangeWatchTest, OutlivesALookThatFails) {
+    watchWith([looks = 0]() mutable {
+        if (++looks < 4)
+            throw PhotoLibraryError(QStringLiteral("Disk takılı değil"));
+        return ChangeWatch::Found{true, false, {}};
+    });
+    watch->observe(observer);
+    EXPECT_TRUE(waitForCalls(1));
+    watch->unobserve(observer);
+    EXPECT_EQ(log.messages().filter(QStringLiteral("Disk takılı değil")).size(), 1);
 }
 
-TEST(ChangeWatch, EndsAtOnceAndCallsNobodyAfterwards) {
-    WatchWorld world;
-    const TemporaryFolder folder;
-    ChangeWatch watch(QStringLiteral("[Test]"), FolderNotifier::Events::entries,
-                      [&](bool, const std::stop_token&) {
-                          return ChangeWatch::Found{true, false, {folder.path()}};
-                      },
-                      world.change, world.log, {60'000ms, 60'000ms, 60'000ms, 60'000ms});
+TEST_F(ChangeWatchTest, EndsAtOnceAndCallsNobodyAfterwards) {
+    watchWith(
+        [&] {
+            return ChangeWatch::Found{true, false, {folder.path()}};
+        },
+        {60'000ms, 60'000ms, 60'000ms, 60'000ms});
     for (const bool inBurst : {false, true}) {
-        const int before = world.observer.calls();
-        watch.observe(world.observer);
-        watch.observe(world.observer); // the same again changes nothing
-        EXPECT_TRUE(world.observer.waitFor([&] { return world.observer.calls() > before; }));
+        const int before = observer.calls();
+        watch->observe(observer);
+        watch->observe(observer); // the same again changes nothing
+        EXPECT_TRUE(waitForCalls(before + 1));
         if (inBurst)
             folder.write("new.jpg", "x");
         const auto began = std::chrono::steady_clock::now();
-        watch.unobserve(world.observer);
+        watch->unobserve(observer);
         EXPECT_LT(std::chrono::steady_clock::now() - began, 5s);
-        const int calls = world.observer.calls();
+        const int calls = observer.calls();
         folder.write("later.jpg", "x");
-        EXPECT_EQ(world.observer.calls(), calls);
+        EXPECT_EQ(observer.calls(), calls);
     }
 }
 

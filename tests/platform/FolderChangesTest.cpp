@@ -33,26 +33,21 @@ class FolderChanges : public testing::Test {
             library.unregisterChangeObserver(*observer);
     }
 
-    ChangeRecorder& observe() {
-        observer.emplace(library.fetchAssets());
+    void observe(const AssetFetchResult& assets) {
+        observer.emplace(assets);
         library.registerChangeObserver(*observer);
         // The first call means that the folders are watched now.
         EXPECT_TRUE(observer->waitFor([&] { return observer->calls() > 0; }));
-        return *observer;
-    }
-
-    std::vector<std::string> pathsOf(const QStringList& identifiers) {
-        std::vector<std::string> paths;
-        const AssetFetchResult assets = library.fetchAssets(identifiers);
-        for (const PhotoAsset& asset : *assets)
-            paths.push_back(library.assetResources(asset).at(0).location.native());
-        return paths;
     }
 
     /// What was told, once `count` files were.
     std::vector<std::string> told(qsizetype count) {
-        EXPECT_TRUE(observer->waitForInserted(count));
-        return pathsOf(observer->inserted());
+        EXPECT_TRUE(observer->waitFor([&] { return observer->inserted().size() >= count; }));
+        const AssetFetchResult assets = library.fetchAssets(observer->inserted());
+        std::vector<std::string> paths;
+        for (const PhotoAsset& asset : *assets)
+            paths.push_back(library.assetResources(asset).at(0).location.native());
+        return paths;
     }
 
     TemporaryFolder folder;
@@ -66,7 +61,7 @@ class FolderChanges : public testing::Test {
 } // namespace
 
 TEST_F(FolderChanges, TellsOfEveryNewFileOnce) {
-    observe();
+    observe(library.fetchAssets());
     folder.write("library/dropped.jpg", "x");
     folder.write("library/new/deep/first.jpg", "x"); // before anybody can watch the folder
     std::filesystem::rename(folder / "outside/moved.jpg", root / "moved.jpg");
@@ -87,7 +82,7 @@ TEST_F(FolderChanges, TellsOfAFileWhenItWasWrittenAndClosed) {
     folder.write("library/slow.jpg", "first part");
     FileDescriptor slow = openFile(root / "slow.jpg", O_WRONLY | O_APPEND);
     EXPECT_EQ(library.fetchAssets()->size(), 1u) << "is not whole yet";
-    observe();
+    observe(library.fetchAssets());
     FileDescriptor other = openFile(root / "other.jpg", O_WRONLY | O_CREAT, 0644);
     std::filesystem::create_hard_link(root / "old.jpg", root / "linked.jpg"); // never closed
     EXPECT_THAT(told(1), testing::ElementsAre("linked.jpg"));
@@ -98,7 +93,7 @@ TEST_F(FolderChanges, TellsOfAFileWhenItWasWrittenAndClosed) {
 }
 
 TEST_F(FolderChanges, LosesNothingWhenTheKernelsQueueOverflows) {
-    observe();
+    observe(library.fetchAssets());
     observer->hold(true);
     const int calls = observer->calls();
     folder.write("library/one.jpg", "x");
@@ -114,7 +109,7 @@ TEST_F(FolderChanges, LosesNothingWhenTheKernelsQueueOverflows) {
 }
 
 TEST_F(FolderChanges, TakesALibraryThatIsGoneForUnreadableAndNotForEmpty) {
-    observe();
+    observe(library.fetchAssets());
     std::filesystem::rename(root, folder / "unplugged");
     EXPECT_TRUE(waitOnMainThread([&] { return log.contains(QStringLiteral("okunamıyor")); }));
     std::filesystem::rename(folder / "unplugged", root);
@@ -126,9 +121,7 @@ TEST_F(FolderChanges, TakesALibraryThatIsGoneForUnreadableAndNotForEmpty) {
 TEST_F(FolderChanges, TellsOfTheAlbumThatTheObserverHolds) {
     folder.write("library/album/1.jpg", "x");
     const auto albums = library.fetchAssetCollections(CollectionType::album, std::nullopt);
-    observer.emplace(library.fetchAssets(albums.at(0)));
-    library.registerChangeObserver(*observer);
-    EXPECT_TRUE(observer->waitFor([&] { return observer->calls() > 0; }));
+    observe(library.fetchAssets(albums.at(0)));
     folder.write("library/elsewhere.jpg", "x");
     folder.write("library/album/2.jpg", "x");
     EXPECT_THAT(told(1), testing::ElementsAre("album/2.jpg"));

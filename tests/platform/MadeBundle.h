@@ -20,8 +20,8 @@ class MadeBundle : public testing::Test {
     }
 
     /// A schema with these entity numbers.
-    void make(const std::string& assetTable, int albumEntity, int assetEntity,
-              const char* assetEntityName) {
+    void make(const std::string& assetTable = "ZASSET", int albumEntity = 30, int assetEntity = 3,
+              const char* assetEntityName = "Asset") {
         const std::string album = std::to_string(albumEntity), asset = std::to_string(assetEntity);
         table = assetTable;
         execute("CREATE TABLE Z_PRIMARYKEY (Z_ENT INTEGER, Z_NAME TEXT);"

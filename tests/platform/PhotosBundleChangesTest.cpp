@@ -16,7 +16,7 @@ class BundleChanges : public MadeBundle {
   protected:
     void SetUp() override {
         MadeBundle::SetUp();
-        make("ZASSET", 30, 3, "Asset");
+        make();
         addAsset(1);
         addAsset(2);
     }

@@ -9,7 +9,7 @@ namespace quorvane::test {
 using testing::ElementsAre;
 
 TEST_F(MadeBundle, TakesAbsurdDatesAndPlacesAsTheyCome) {
-    make("ZASSET", 30, 3, "Asset");
+    make();
     addAsset(1, ", ZDATECREATED", ", 123456789012345");
     addAsset(2, ", ZDATECREATED", ", -978307200.0");
     addAsset(3, ", ZDATECREATED", ", 1e300");
@@ -61,7 +61,7 @@ TEST_F(MadeBundle, FindsTheJoinTableByItsEntities) {
 }
 
 TEST_F(MadeBundle, NeverWalksInCirclesOfFolders) {
-    make("ZASSET", 30, 3, "Asset");
+    make();
     execute("INSERT INTO ZGENERICALBUM (Z_PK, ZUUID, ZKIND, ZTITLE, ZPARENTFOLDER) VALUES "
             "(1, 'ROOT', 3999, NULL, NULL), (2, 'F2', 4000, 'top', 1), (3, 'F3', 4000, 'a', 4), "
             "(4, 'F4', 4000, 'b', 3), (5, 'F5', 4000, 'deep', 2), (6, 'A6', 2, 'lost', 4)");
@@ -70,7 +70,7 @@ TEST_F(MadeBundle, NeverWalksInCirclesOfFolders) {
 }
 
 TEST_F(MadeBundle, StaysInsideTheBundleWhateverTheDatabaseSays) {
-    make("ZASSET", 30, 3, "Asset");
+    make();
     folder.write("secret.jpg", "secret");
     std::filesystem::create_directories(bundle / "originals");
     std::filesystem::create_symlink(folder.path(), bundle / "originals/S");
@@ -92,7 +92,7 @@ TEST_F(MadeBundle, StaysInsideTheBundleWhateverTheDatabaseSays) {
 }
 
 TEST_F(MadeBundle, FindsRawTwinsAndVideoEdits) {
-    make("ZASSET", 30, 3, "Asset");
+    make();
     addAsset(1, ", ZDIRECTORY, ZFILENAME", ", '0', '" + uuid(1) + ".jpeg'");
     addAsset(2, ", ZDIRECTORY, ZFILENAME, ZKIND", ", '0', '" + uuid(2) + ".mov', 1");
     execute("INSERT INTO ZADDITIONALASSETATTRIBUTES VALUES (1, 'IMG_1.JPG', NULL), "
@@ -118,7 +118,7 @@ TEST_F(MadeBundle, FindsRawTwinsAndVideoEdits) {
 }
 
 TEST_F(MadeBundle, SeesRowsThatStandOnlyInTheLogAndLaterOnes) {
-    make("ZASSET", 30, 3, "Asset");
+    make();
     addAsset(1);
     ASSERT_GT(std::filesystem::file_size(bundle / "database/Photos.sqlite-wal"), 0u);
     EXPECT_EQ(library.fetchAssets()->size(), 1u);

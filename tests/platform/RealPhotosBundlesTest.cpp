@@ -52,12 +52,14 @@ std::vector<std::string> titlesOf(const std::vector<Collection>& collections) {
 /// A copy of a real library; its files must be the same at the end.
 class RealBundle : public testing::Test {
   protected:
-    PhotosBundleLibrary& open(const char* name) {
+    void SetUp() override { QUORVANE_REQUIRE_REAL_DATA(); }
+
+    void open(const char* name) {
         bundle = folder / name;
         for (const auto& [file, bytes] : contentsOf(test::realDataFolder() / name))
             folder.write(name / file, bytes);
         before = digestsOf(bundle);
-        return library.emplace(bundle, work, log);
+        library.emplace(bundle, work, log);
     }
 
     ~RealBundle() override {
@@ -101,7 +103,6 @@ class RealBundle : public testing::Test {
 } // namespace
 
 TEST_F(RealBundle, ReadsEveryLiveAssetOfTheOldModelInOrder) {
-    QUORVANE_REQUIRE_REAL_DATA();
     open(oldLibrary);
     EXPECT_TRUE(PhotosBundleLibrary::looksLikeBundle(bundle));
     const auto assets = library->fetchAssets();
@@ -127,7 +128,6 @@ TEST_F(RealBundle, ReadsEveryLiveAssetOfTheOldModelInOrder) {
 }
 
 TEST_F(RealBundle, ReadsTheNewModelWithItsKinds) {
-    QUORVANE_REQUIRE_REAL_DATA();
     open(newLibrary);
     const auto assets = library->fetchAssets();
     EXPECT_EQ(assets->size(), 16u);
@@ -149,7 +149,6 @@ TEST_F(RealBundle, ReadsTheNewModelWithItsKinds) {
 }
 
 TEST_F(RealBundle, ListsTheFilesOfAnEditedLivePhotoInPhotoKitsOrder) {
-    QUORVANE_REQUIRE_REAL_DATA();
     open(newLibrary);
     const auto resources =
         library->assetResources(assetWith("B60C31AC-BE86-42C5-A383-A0A5710B18AE"));
@@ -170,7 +169,6 @@ TEST_F(RealBundle, ListsTheFilesOfAnEditedLivePhotoInPhotoKitsOrder) {
 }
 
 TEST_F(RealBundle, SaysThatAnOriginalIsNotOnThisMachine) {
-    QUORVANE_REQUIRE_REAL_DATA();
     open(oldLibrary);
     for (const char* uuid : {"A92D9C26-3A50-4197-9388-CB5F7DB9FA91",    // in the cloud
                              "8E1D7BC9-9321-44F9-8CFB-4083F6B9232A"}) { // referenced
@@ -189,7 +187,6 @@ TEST_F(RealBundle, SaysThatAnOriginalIsNotOnThisMachine) {
 }
 
 TEST_F(RealBundle, ShowsAlbumsInTheirFoldersAndOrder) {
-    QUORVANE_REQUIRE_REAL_DATA();
     open(oldLibrary);
     EXPECT_THAT(titlesOf(library->fetchTopLevelUserCollections()),
                 ElementsAre("I have a deleted twin", "EmptyAlbum", "Test Album", "Test Album",
@@ -214,26 +211,22 @@ TEST_F(RealBundle, ShowsAlbumsInTheirFoldersAndOrder) {
     EXPECT_EQ(imported, 13u);
 }
 
-TEST_F(RealBundle, RefusesToDelete) {
-    QUORVANE_REQUIRE_REAL_DATA();
-    open(newLibrary);
-    EXPECT_THROW(library->deleteAssets(*library->fetchAssets()), PhotoLibraryError);
-}
-
-TEST_F(RealBundle, WorksOnADiskThatIsReadOnly) {
-    QUORVANE_REQUIRE_REAL_DATA();
+TEST_F(RealBundle, IsNeverWrittenNorNeedsToBe) {
     open(oldLibrary);
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle))
-        ::chmod(entry.path().c_str(), entry.is_directory() ? 0500 : 0400);
-    ::chmod(bundle.c_str(), 0500);
-    EXPECT_EQ(library->fetchAssets()->size(), 13u);
+    const auto permit = [&](mode_t folders, mode_t files) {
+        ::chmod(bundle.c_str(), 0700);
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle))
+            ::chmod(entry.path().c_str(), entry.is_directory() ? folders : files);
+        ::chmod(bundle.c_str(), folders);
+    };
+    permit(0500, 0400);
+    const auto assets = library->fetchAssets();
+    EXPECT_EQ(assets->size(), 13u);
     if (::geteuid() != 0) {
         EXPECT_EQ(library->authorizationStatus(), AuthorizationStatus::limited);
     }
-    ::chmod(bundle.c_str(), 0700);
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(bundle))
-        if (entry.is_directory())
-            ::chmod(entry.path().c_str(), 0700);
+    permit(0700, 0600);
+    EXPECT_THROW(library->deleteAssets(*assets), PhotoLibraryError);
 }
 
 } // namespace quorvane
