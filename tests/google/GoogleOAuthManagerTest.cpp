@@ -267,6 +267,7 @@ TEST_F(GoogleOAuthManagerTest, SignOutRevokesAndForgetsWhateverGoogleSays) {
     for (const bool googleAnswers : {true, false}) {
         storeTokens(1000);
         tokens.writeToken(tokenKeys::email, QStringLiteral("a@example.com"));
+        EXPECT_EQ(keychain.items.size(), 4U);
         if (!googleAnswers)
             google.stop();
         manager.signOut({});

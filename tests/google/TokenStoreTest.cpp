@@ -48,18 +48,6 @@ TEST_F(TokenStoreTest, ReadsMemoryThenKeychainThenMirror) {
     EXPECT_EQ(store.readToken(key), QStringLiteral("keychain")) << "remembered";
 }
 
-TEST_F(TokenStoreTest, WritesAndDeletesAllThreeTiers) {
-    TokenStore store(keychain, preferences, log);
-    store.writeToken(key, value);
-    EXPECT_EQ(keychain.items[key], value);
-    EXPECT_EQ(preferences.string(mirrorKey), value);
-    store.deleteToken(key);
-    EXPECT_TRUE(keychain.items.empty());
-    EXPECT_EQ(preferences.string(mirrorKey), std::nullopt);
-    EXPECT_EQ(store.readToken(key), std::nullopt);
-    EXPECT_TRUE(log.messages().isEmpty());
-}
-
 TEST_F(TokenStoreTest, KeepsTheTokenForThisRunWhenNothingElseCan) {
     keychain.refusal = 5;
     folder.write("file", "");
