@@ -1,5 +1,6 @@
 #include "platform/linux/UrlSchemeHandler.h"
 
+#include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
 #include <QProcess>
@@ -73,19 +74,16 @@ TEST_F(UrlSchemeHandlerTest, WritesAnEntryThatTheDesktopRuns) {
                 "#!/bin/sh\ncd '" + pathText(folder.path()).toUtf8() +
                     "'\nprintf '%s\\n' \"$@\" > part\nmv part received\n",
                 0700);
-    QProcess gio;
-    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
-    variables.insert(QStringLiteral("HOME"), pathText(folder.path()));
-    variables.insert(QStringLiteral("XDG_DATA_HOME"), pathText(environment.dataHome));
-    variables.insert(QStringLiteral("XDG_CONFIG_HOME"), pathText(environment.configHome));
-    variables.remove(QStringLiteral("DISPLAY"));
-    gio.setProcessEnvironment(variables);
     const QString url = scheme + QStringLiteral(":/oauth2redirect?state=s&code=4%2F0Ab");
-    gio.start(QStringLiteral("gio"), {QStringLiteral("open"), url});
+    QProcess gio;
+    gio.start(QStringLiteral("env"),
+              {QStringLiteral("--unset=DISPLAY"), QStringLiteral("HOME=") + pathText(folder.path()),
+               QStringLiteral("XDG_DATA_HOME=") + pathText(environment.dataHome),
+               QStringLiteral("XDG_CONFIG_HOME=") + pathText(environment.configHome),
+               QStringLiteral("gio"), QStringLiteral("open"), url});
     ASSERT_TRUE(gio.waitForFinished());
     EXPECT_EQ(gio.exitCode(), 0) << gio.readAllStandardError().constData();
-    for (int i = 0; i < 100 && !std::filesystem::exists(received); ++i)
-        QProcess::execute(QStringLiteral("sleep"), {QStringLiteral("0.05")});
+    EXPECT_TRUE(waitOnMainThread([&] { return std::filesystem::exists(received); }));
     EXPECT_EQ(readFile(received), "handle-url\n" + url.toUtf8() + "\n");
 }
 
