@@ -1,7 +1,6 @@
 #include "metadata/FilenameDates.h"
 
-#include "TimeZone.h"
-#include "metadata/LocalCalendar.h"
+#include "Dates.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +8,6 @@ using namespace quorvane;
 using namespace quorvane::test;
 
 namespace {
-
-const QString uuid = QStringLiteral("8846E3E6-8AC8-4857-8448-E3D025784410");
 
 std::string dateIn(const char* name) {
     const auto date = parseDateFromFilename(QString::fromUtf8(name));
@@ -92,26 +89,25 @@ TEST(FilenameDates, ReadsUnixTimes) {
 
 TEST(FilenameDates, TakesStagedNamesApart) {
     const struct {
-        QString name;
-        std::optional<QString> identifier;
-        QString rest;
+        const char *name, *identifier, *rest; ///< @ stands for a UUID
     } rows[] = {
-        {uuid + QStringLiteral("_L0_001_IMG_0001.HEIC"), uuid + QStringLiteral("/L0/001"),
-         QStringLiteral("IMG_0001.HEIC")},
-        {uuid + QStringLiteral("_L0_001_a_b_c.jpg"), uuid + QStringLiteral("/L0/001"),
-         QStringLiteral("a_b_c.jpg")},
-        {uuid + QStringLiteral("_photo.jpg"), uuid, QStringLiteral("photo.jpg")},
-        {uuid.toLower() + QStringLiteral("_photo.jpg"), uuid.toLower(),
-         QStringLiteral("photo.jpg")},
-        {uuid + QStringLiteral("_L0_001_"), uuid,
-         QStringLiteral("L0_001_")}, // nothing is left for the longer form
-        {uuid + QStringLiteral(".jpg"), std::nullopt, uuid + QStringLiteral(".jpg")},
-        {QStringLiteral("x") + uuid + QStringLiteral("_photo.jpg"), std::nullopt,
-         QStringLiteral("x") + uuid + QStringLiteral("_photo.jpg")},
-        {QStringLiteral("IMG_0001.HEIC"), std::nullopt, QStringLiteral("IMG_0001.HEIC")},
+        {"@_L0_001_IMG_0001.HEIC", "@/L0/001", "IMG_0001.HEIC"},
+        {"@_L0_001_a_b_c.jpg", "@/L0/001", "a_b_c.jpg"},
+        {"@_photo.jpg", "@", "photo.jpg"},
+        {"@_L0_001_", "@", "L0_001_"}, // nothing is left for the longer form
+        {"@.jpg", nullptr, "@.jpg"},
+        {"x@_photo.jpg", nullptr, "x@_photo.jpg"},
+        {"IMG_0001.HEIC", nullptr, "IMG_0001.HEIC"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(identifierOfStagedName(row.name), row.identifier) << row.name.toStdString();
-        EXPECT_EQ(stripSafeIDPrefix(row.name), row.rest);
-    }
+    const QString upper = QStringLiteral("8846E3E6-8AC8-4857-8448-E3D025784410");
+    for (const QString& uuid : {upper, upper.toLower()})
+        for (const auto& row : rows) {
+            const auto with = [&](const char* text) {
+                return QString::fromLatin1(text).replace(u'@', uuid);
+            };
+            const auto identifier = identifierOfStagedName(with(row.name));
+            EXPECT_EQ(identifier.has_value(), row.identifier != nullptr) << row.name;
+            EXPECT_EQ(identifier.value_or(QString()), with(row.identifier));
+            EXPECT_EQ(stripSafeIDPrefix(with(row.name)), with(row.rest));
+        }
 }

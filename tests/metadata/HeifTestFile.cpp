@@ -4,17 +4,6 @@
 
 namespace quorvane::test {
 
-QByteArray bigEndian(std::uint64_t value, int width) {
-    QByteArray bytes;
-    for (int i = width - 1; i >= 0; --i)
-        bytes += static_cast<char>(value >> (8 * i));
-    return bytes;
-}
-
-QByteArray heifBox(const QByteArray& type, const QByteArray& body) {
-    return bigEndian(8 + body.size(), 4) + type + body;
-}
-
 QByteArray tiffBlock(qsizetype length, char filling) {
     return (QByteArray("II\x2A\0\x08\0\0\0\0\0\0\0\0\0", 14) + QByteArray(length, filling))
         .first(length);
@@ -22,21 +11,16 @@ QByteArray tiffBlock(qsizetype length, char filling) {
 
 namespace {
 
-QByteArray longBox(const QByteArray& type, const QByteArray& body) {
-    return bigEndian(1, 4) + type + bigEndian(16 + body.size(), 8) + body;
-}
-
 QByteArray piece(const HeifTestItem& item, int index) {
     const qsizetype length = item.bytes.size() / item.extents;
-    return index + 1 < item.extents ? item.bytes.sliced(index * length, length)
-                                    : item.bytes.sliced(index * length);
+    return item.bytes.mid(index * length, index + 1 < item.extents ? length : -1);
 }
 
 } // namespace
 
 QByteArray HeifTestFile::iloc(const Places& places) const {
-    QByteArray body = bigEndian(ilocVersion, 1) + bigEndian(0, 3) +
-                      bigEndian(offsetSize << 12 | lengthSize << 8 | baseSize << 4 | indexSize, 2) +
+    const int baseSize = sizes >> 4 & 15;
+    QByteArray body = bigEndian(ilocVersion, 1) + bigEndian(0, 3) + bigEndian(sizes, 2) +
                       bigEndian(items.size(), ilocVersion == 2 ? 4 : 2);
     for (const HeifTestItem& item : items) {
         const auto at = places.find(item.id);
@@ -47,29 +31,29 @@ QByteArray HeifTestFile::iloc(const Places& places) const {
         body += bigEndian(item.dataReference, 2) + bigEndian(base, baseSize) +
                 bigEndian(item.extents, 2);
         for (int i = 0; i < item.extents; ++i)
-            body += bigEndian(0, indexSize) +
-                    bigEndian(at != places.end() ? at->second[i] - base : 0, offsetSize) +
-                    bigEndian(piece(item, i).size(), lengthSize);
+            body += bigEndian(0, sizes & 15) +
+                    bigEndian(at != places.end() ? at->second[i] - base : 0, sizes >> 12) +
+                    bigEndian(piece(item, i).size(), sizes >> 8 & 15);
     }
-    return heifBox("iloc", body);
+    return box("iloc", body);
 }
 
 QByteArray HeifTestFile::iinf() const {
     QByteArray body =
         bigEndian(longIds ? 1 : 0, 1) + bigEndian(0, 3) + bigEndian(items.size(), longIds ? 4 : 2);
     for (const HeifTestItem& item : items)
-        body += heifBox("infe", bigEndian(longIds ? 3 : 2, 1) + bigEndian(0, 3) +
-                                    bigEndian(item.id, longIds ? 4 : 2) +
-                                    bigEndian(item.protection, 2) + item.type + '\0');
-    return heifBox("iinf", body);
+        body += box("infe", bigEndian(longIds ? 3 : 2, 1) + bigEndian(0, 3) +
+                                bigEndian(item.id, longIds ? 4 : 2) +
+                                bigEndian(item.protection, 2) + item.type + '\0');
+    return box("iinf", body);
 }
 
 QByteArray HeifTestFile::meta(const Places& places) const {
     const int idSize = longIds ? 4 : 2;
     const QByteArray full = bigEndian(longIds ? 1 : 0, 1) + bigEndian(0, 3);
     QByteArray body(4, '\0');
-    body += heifBox("hdlr", QByteArray(8, '\0') + "pict" + QByteArray(13, '\0'));
-    body += heifBox("pitm", full + bigEndian(primary, idSize));
+    body += box("hdlr", QByteArray(8, '\0') + "pict" + QByteArray(13, '\0'));
+    body += box("pitm", full + bigEndian(primary, idSize));
     body += iloc(places) + iinf();
     if (!references.empty()) {
         QByteArray iref = full;
@@ -78,20 +62,20 @@ QByteArray HeifTestFile::meta(const Places& places) const {
             entry += bigEndian(reference.to.size(), 2);
             for (const std::uint32_t id : reference.to)
                 entry += bigEndian(id, idSize);
-            iref += heifBox(reference.type, entry);
+            iref += box(reference.type, entry);
         }
-        body += heifBox("iref", iref);
+        body += box("iref", iref);
     }
-    body += heifBox("iprp", heifBox("ipco", "properties"));
+    body += box("iprp", box("ipco", "properties"));
     if (!groups.isEmpty())
-        body += heifBox("grpl", groups);
+        body += box("grpl", groups);
     QByteArray idat;
     for (const HeifTestItem& item : items)
         if (item.method == 1)
             idat += item.bytes;
     if (!idat.isEmpty())
-        body += heifBox("idat", idat);
-    return longMetaSize ? longBox("meta", body) : heifBox("meta", body);
+        body += box("idat", idat);
+    return longMetaSize ? largeBox("meta", body) : box("meta", body);
 }
 
 QByteArray HeifTestFile::moov(const Places& places) const {
@@ -99,16 +83,16 @@ QByteArray HeifTestFile::moov(const Places& places) const {
     QByteArray table = bigEndian(0, 4) + bigEndian(items.size(), 4);
     for (const HeifTestItem& item : items) // items of the file only: see the tests
         table += bigEndian(places.contains(item.id) ? places.at(item.id)[0] : 0, width);
-    const QByteArray url = heifBox("url ", bigEndian(1, 4));
-    const QByteArray dref = heifBox("dref", bigEndian(0, 4) + bigEndian(1, 4) + url);
-    const QByteArray stbl = heifBox("stbl", heifBox(chunkTable, table) + inTable);
-    const QByteArray minf = heifBox("minf", heifBox("dinf", dref) + stbl);
-    return heifBox("moov", heifBox("mvhd", "head") + heifBox("trak", heifBox("mdia", minf)));
+    const QByteArray url = box("url ", bigEndian(1, 4));
+    const QByteArray dref = box("dref", bigEndian(0, 4) + bigEndian(1, 4) + url);
+    const QByteArray stbl = box("stbl", box(chunkTable, table) + inTable);
+    const QByteArray minf = box("minf", box("dinf", dref) + stbl);
+    return box("moov", box("mvhd", "head") + box("trak", box("mdia", minf)));
 }
 
 QByteArray HeifTestFile::pass(Places& places) const {
     const Places before = places;
-    const auto mediaBoxes = static_cast<std::size_t>(order.count("mdat") + order.count("mdat0"));
+    const auto mediaBoxes = static_cast<std::size_t>(order.count("mdat"));
     std::size_t mediaBox = 0;
     std::uint64_t idatAt = 0;
     for (const HeifTestItem& item : items)
@@ -117,9 +101,9 @@ QByteArray HeifTestFile::pass(Places& places) const {
             idatAt += item.bytes.size();
         }
     QByteArray file;
-    for (const QByteArray& type : order) {
+    for (const QByteArray& type : order.split(' ')) {
         if (type == "ftyp") {
-            file += heifBox("ftyp", "heic" + bigEndian(0, 4) + "mif1heic");
+            file += box("ftyp", "heic" + bigEndian(0, 4) + "mif1heic");
             file += chunkTable.isEmpty() ? QByteArray() : moov(before);
         } else if (type == "meta") {
             file += meta(before);
@@ -139,9 +123,9 @@ QByteArray HeifTestFile::pass(Places& places) const {
             if (type == "mdat0")
                 file += bigEndian(0, 4) + "mdat" + body;
             else
-                file += longMediaSizes ? longBox("mdat", body) : heifBox("mdat", body);
+                file += longMediaSizes ? largeBox("mdat", body) : box("mdat", body);
         } else {
-            file += heifBox(type, "private content");
+            file += box(type, "private content");
         }
     }
     return file;

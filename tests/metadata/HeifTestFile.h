@@ -1,11 +1,8 @@
 #pragma once
 
+#include "Bytes.h"
 #include "foundation/ByteReader.h"
 
-#include <QByteArray>
-#include <QList>
-
-#include <cstdint>
 #include <map>
 #include <vector>
 
@@ -34,14 +31,14 @@ struct HeifTestFile {
     std::uint32_t primary = 1;
 
     int ilocVersion = 1;
-    int offsetSize = 4, lengthSize = 4, baseSize = 0, indexSize = 0;
+    int sizes = 0x4400;          ///< of offset, length, base and index, a digit each
     bool longIds = false;        ///< 32-bit numbers in `pitm`, `iinf`, `infe`, `iref`
     bool longMediaSizes = false; ///< 64-bit sizes of `mdat`
     bool longMetaSize = false;
-    QList<QByteArray> order{"ftyp", "meta", "mdat"}; ///< "mdat0" has an open length
-    QByteArray chunkTable; ///< "stco" or "co64": a `moov` in front of `meta`
-    QByteArray inTable;    ///< more boxes beside it
-    QByteArray groups;     ///< body of `grpl`
+    QByteArray order = "ftyp meta mdat"; ///< "mdat0" has an open length
+    QByteArray chunkTable;               ///< "stco" or "co64": a `moov` in front of `meta`
+    QByteArray inTable;                  ///< more boxes beside it
+    QByteArray groups;                   ///< body of `grpl`
 
     QByteArray build() const;
 
@@ -67,9 +64,6 @@ struct HeifContent {
 
     explicit HeifContent(const QByteArray& file);
 };
-
-QByteArray heifBox(const QByteArray& type, const QByteArray& body);
-QByteArray bigEndian(std::uint64_t value, int width);
 
 /// A little-endian TIFF block without entries, filled up to `length`.
 QByteArray tiffBlock(qsizetype length, char filling = 'x');

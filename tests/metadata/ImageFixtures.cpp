@@ -1,8 +1,7 @@
 #include "ImageFixtures.h"
 
+#include "Bytes.h"
 #include "metadata/TiffDirectory.h"
-
-#include <QtEndian>
 
 #include <zlib.h>
 
@@ -10,15 +9,8 @@ namespace quorvane::test {
 
 namespace {
 
-template <class T>
-QByteArray big(T value) {
-    const T swapped = qToBigEndian(value);
-    return {reinterpret_cast<const char*>(&swapped), sizeof swapped};
-}
-
-template <class T>
-QByteArray little(T value) {
-    const T swapped = qToLittleEndian(value);
+QByteArray little(quint32 value) {
+    const quint32 swapped = qToLittleEndian(value);
     return {reinterpret_cast<const char*>(&swapped), sizeof swapped};
 }
 

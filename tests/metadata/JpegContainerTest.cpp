@@ -1,5 +1,6 @@
 #include "metadata/JpegContainer.h"
 
+#include "Bytes.h"
 #include "ImageFixtures.h"
 
 #include <gtest/gtest.h>
@@ -17,13 +18,11 @@ QByteArray replaced(const QByteArray& file, const QByteArray& exif) {
 
 /// An index of two pictures: the first `size` bytes long, the second at `place`.
 QByteArray multiPictureSegment(quint32 size, quint32 place) {
-    const auto word = [](quint32 v) {
-        return QByteArray::fromHex(QByteArray::number(v, 16).rightJustified(8, '0'));
-    };
-    return jpegSegment(0xe2, QByteArray("MPF\0MM\0*\0\0\0\x08\0\x01", 14) +
-                                 QByteArray::fromHex("b0020007") + word(32) + word(26) + word(0) +
-                                 word(0x20030000) + word(size) + word(0) + word(0) + word(0) +
-                                 word(77) + word(place) + word(0));
+    return jpegSegment(
+        0xe2, QByteArray("MPF\0MM\0*\0\0\0\x08\0\x01", 14) + QByteArray::fromHex("b0020007") +
+                  big<quint32>(32) + big<quint32>(26) + big<quint32>(0) + big<quint32>(0x20030000) +
+                  big<quint32>(size) + big<quint32>(0) + big<quint32>(0) + big<quint32>(0) +
+                  big<quint32>(77) + big<quint32>(place) + big<quint32>(0));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "metadata/MediaMetadataService.h"
 
+#include "Dates.h"
 #include "MovieBuilder.h"
 #include "metadata/FileDates.h"
-#include "metadata/LocalCalendar.h"
 #include "metadata/MovieDates.h"
 #include "store/Sqlite.h"
 #include "support/Fakes.h"
@@ -22,11 +22,6 @@ using Case = MetadataResult::Case;
 
 const QString uuid = QStringLiteral("8846E3E6-8AC8-4857-8448-E3D025784410");
 const QString identifier = uuid + QStringLiteral("/L0/001");
-constexpr quint64 epoch = 2082844800;
-
-Date utc(int year, unsigned month, unsigned day) {
-    return std::chrono::sys_days(std::chrono::year(year) / month / day);
-}
 
 const Date ofAsset = utc(2011, 1, 1);
 const Date ofLibrary = utc(2012, 2, 2);
@@ -64,7 +59,7 @@ class MediaMetadataServiceTest : public testing::Test {
     }
 
     std::filesystem::path movieNamed(const std::filesystem::path& name, bool dated) {
-        const quint64 time = dated ? epoch + static_cast<quint64>(unixSeconds(ofHeader)) : 0;
+        const quint64 time = dated ? movieEpoch + static_cast<quint64>(unixSeconds(ofHeader)) : 0;
         const auto file = folder.write(name, movie(0, time));
         setFileDates(file, ofFile);
         return file;
@@ -80,81 +75,44 @@ class MediaMetadataServiceTest : public testing::Test {
 } // namespace
 
 TEST_F(MediaMetadataServiceTest, AsksTheSourcesInTheirOrder) {
-    const AssetFacts dated{ofAsset, std::nullopt};
-    const AssetFacts undated{};
-    const QString staged = uuid + QStringLiteral("_L0_001_");
-    const QString unknown = QStringLiteral("00000000-0000-0000-0000-000000000000_L0_001_");
+    using Facts = std::optional<AssetFacts>;
+    constexpr auto none = std::nullopt;
+    const AssetFacts dated{ofAsset, none}, inLibrary{ofLibrary, none}, early{Date(), none};
+    const AssetFacts absurdly{absurd, none}, undated{};
+    const QString stranger = QStringLiteral("other");
     const auto inName = localDate(2015, 5, 5, 15, 15, 15);
     const struct {
-        const char* what;
-        std::optional<AssetFacts> asset;
-        std::optional<QString> identifier;
-        std::optional<AssetFacts> inLibrary;
-        QString name;
+        const char* name; ///< @ stands for the asset's UUID
         bool header;
+        Facts asset;
+        std::optional<QString> identifier;
+        Facts library;
         std::optional<Date> date;
     } rows[] = {
-        {"asset", dated, identifier, dated, staged + QStringLiteral("20150505_151515.mov"), true,
-         ofAsset},
-        {"library", undated, identifier, AssetFacts{ofLibrary, {}},
-         QStringLiteral("20150505_151515.mov"), true, ofLibrary},
-        {"library, identifier of the name",
-         {},
-         {},
-         AssetFacts{ofLibrary, {}},
-         staged + QStringLiteral("20150505_151515.mov"),
-         true,
-         ofLibrary},
-        {"database", undated, identifier, undated, QStringLiteral("20150505_151515.mov"), true,
-         ofDatabase},
-        {"database, bare identifier of the name",
-         {},
-         {},
-         {},
-         uuid + QStringLiteral("_20150505_151515.mov"),
-         true,
-         ofDatabase},
-        {"the given identifier counts, not the name's",
-         {},
-         QStringLiteral("other"),
-         {},
-         staged + QStringLiteral("20150505_151515.mov"),
-         true,
-         ofHeader},
-        {"header", undated, {}, {}, QStringLiteral("20150505_151515.mov"), true, ofHeader},
-        {"name", {}, {}, {}, QStringLiteral("20150505_151515.MOV"), false, inName},
-        {"name behind the identifier",
-         {},
-         {},
-         {},
-         unknown + QStringLiteral("20150505_151515.mov"),
-         false,
+        {"@_L0_001_20150505_151515.mov", true, dated, identifier, dated, ofAsset},
+        {"20150505_151515.mov", true, undated, identifier, inLibrary, ofLibrary},
+        {"@_L0_001_20150505_151515.mov", true, none, none, inLibrary, ofLibrary},
+        {"20150505_151515.mov", true, undated, identifier, undated, ofDatabase},
+        {"@_20150505_151515.mov", true, none, none, none, ofDatabase},
+        // The given identifier counts, not the name's.
+        {"@_L0_001_20150505_151515.mov", true, none, stranger, none, ofHeader},
+        {"20150505_151515.mov", true, undated, none, none, ofHeader},
+        {"20150505_151515.MOV", false, none, none, none, inName},
+        {"00000000-0000-0000-0000-000000000000_L0_001_20150505_151515.mov", false, none, none, none,
          inName},
-        {"nothing", {}, {}, {}, QStringLiteral("IMG_0001.mov"), false, std::nullopt},
-        {"absurd date of the asset",
-         AssetFacts{absurd, {}},
-         {},
-         {},
-         QStringLiteral("20150505_151515.mov"),
-         true,
-         ofHeader},
-        {"absurd date in the library",
-         {},
-         identifier,
-         AssetFacts{absurd, {}},
-         QStringLiteral("IMG_0001.mov"),
-         true,
-         ofDatabase},
-        {"1970 is a date", AssetFacts{Date(), {}}, identifier, dated,
-         QStringLiteral("IMG_0001.mov"), true, Date()},
+        {"IMG_0001.mov", false, none, none, none, none},
+        {"20150505_151515.mov", true, absurdly, none, none, ofHeader},
+        {"IMG_0001.mov", true, none, identifier, absurdly, ofDatabase},
+        {"IMG_0001.mov", true, early, identifier, dated, Date()}, // 1970 is a date
     };
     for (const auto& row : rows) {
         library.assets.clear();
-        if (row.inLibrary)
-            library.assets[identifier] = *row.inLibrary;
-        const auto file = movieNamed(pathFrom(row.name), row.header);
+        if (row.library)
+            library.assets[identifier] = *row.library;
+        const QString name = QString::fromLatin1(row.name).replace(u'@', uuid);
+        const auto file = movieNamed(pathFrom(name), row.header);
         EXPECT_EQ(service.resolveDate(file, row.asset, row.identifier, Mode::strictNone), row.date)
-            << row.what;
+            << "row " << &row - rows;
     }
 }
 

@@ -1,7 +1,7 @@
 #include "metadata/MovieMetadata.h"
 
+#include "Dates.h"
 #include "MovieBuilder.h"
-#include "metadata/LocalCalendar.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -11,12 +11,27 @@ using namespace quorvane::test;
 
 namespace {
 
-constexpr quint64 epoch = 2082844800;
-constexpr quint64 in2021 = epoch + 1614987000; // 2021-03-05 23:30:00 UTC
-constexpr quint64 in2026 = epoch + 1780000000; // 2026-05-28 20:26:40 UTC
+constexpr quint64 in2021 = movieEpoch + 1614987000; // 2021-03-05 23:30:00 UTC
+constexpr quint64 in2026 = movieEpoch + 1780000000; // 2026-05-28 20:26:40 UTC
 
-std::string utc(const std::optional<Date>& date) {
-    return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
+/// A QuickTime metadata value or an iTunes item: text under a number or a type.
+QByteArray item(const QByteArray& type, const QByteArray& text) {
+    return box(type, box("data", big(quint32(1)) + big(quint32(0)) + text));
+}
+
+/// `moov/meta` with one QuickTime metadata key.
+QByteArray quickTimeMeta(const QByteArray& key, const QByteArray& text, bool isoHeader) {
+    const QByteArray keys =
+        box("keys", big(quint32(0)) + big(quint32(2)) + box("mdta", "other") + box("mdta", key));
+    return box("meta", (isoHeader ? big(quint32(0)) : QByteArray()) +
+                           box("hdlr", QByteArray(24, '\0')) + keys +
+                           box("ilst", item(big(quint32(1)), "2001-01-01T00:00:00Z") +
+                                           item(big(quint32(2)), text)));
+}
+
+/// A QuickTime user data text.
+QByteArray userText(const QByteArray& type, const QByteArray& text) {
+    return box(type, big(static_cast<quint16>(text.size())) + big(quint16(0x15c7)) + text);
 }
 
 QByteArray udta(const QByteArray& boxes) {
@@ -42,10 +57,10 @@ TEST(MovieDates, ReadsTheMovieHeader) {
         {"version 1", movie(1, in2021), "2021-03-05 23:30:00"},
         {"unknown version", movie(2, in2021), "none"},
         {"never set", movie(0, 0), "none"},
-        {"before 1970", movie(0, epoch - 1), "none"},
-        {"1970 exactly", movie(0, epoch), "1970-01-01 00:00:00"},
+        {"before 1970", movie(0, movieEpoch - 1), "none"},
+        {"1970 exactly", movie(0, movieEpoch), "1970-01-01 00:00:00"},
         {"last of 32 bits", movie(0, 0xffffffff), "2040-02-06 06:28:15"},
-        {"absurd year", movie(1, epoch + 123456789012345), "none"},
+        {"absurd year", movie(1, movieEpoch + 123456789012345), "none"},
         {"beyond all years", movie(1, ~quint64(0)), "none"},
         {"2026", movie(0, in2026), "none"},
         {"2026, the name agrees", movie(0, in2026), "2026-05-28 20:26:40", "VID_20260528.mov"},

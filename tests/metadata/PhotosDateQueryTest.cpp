@@ -1,6 +1,6 @@
 #include "metadata/PhotosDateQuery.h"
 
-#include "metadata/LocalCalendar.h"
+#include "Dates.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -18,8 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path usualBundle = "Photos Library.photoslibrary";
-const QString uuid = QStringLiteral("8846E3E6-8AC8-4857-8448-E3D025784410");
-
 fs::path databaseOf(const fs::path& bundle) {
     return bundle / "database/Photos.sqlite";
 }
@@ -32,13 +30,11 @@ Connection photosApplication(const fs::path& bundle) {
     return connection;
 }
 
-void createTable(Connection& connection, const QByteArray& table) {
-    connection.execute("CREATE TABLE " + table +
-                       " (ZUUID VARCHAR, ZDATECREATED TIMESTAMP, ZADDEDDATE TIMESTAMP)");
-}
-
-void insertRow(Connection& connection, const QByteArray& table, const QByteArray& values) {
-    connection.execute("INSERT INTO " + table + " VALUES (" + values + ")");
+void addAsset(Connection& photos, const QByteArray& values, const QByteArray& table = "ZASSET") {
+    photos.execute("CREATE TABLE IF NOT EXISTS " + table +
+                   " (ZUUID VARCHAR, ZDATECREATED TIMESTAMP, ZADDEDDATE TIMESTAMP);"
+                   "INSERT INTO " +
+                   table + " VALUES (" + values + ")");
 }
 
 /// Every file of the library with its bytes and its time.
@@ -53,15 +49,12 @@ Listing listingOf(const fs::path& folder) {
     return listing;
 }
 
-std::string utc(const std::optional<Date>& date) {
-    return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
-}
-
 class PhotosDateQueryTest : public testing::Test {
   protected:
-    std::string ask(const QString& identifier) {
-        return utc(database.queryDateFromPhotosSQLite(identifier));
+    static std::string ask(PhotosDateQuery& query, const char* identifier) {
+        return utc(query.queryDateFromPhotosSQLite(QString::fromLatin1(identifier)));
     }
+    std::string ask(const char* identifier) { return ask(database, identifier); }
 
     TemporaryFolder pictures;
     FakeClock clock;
@@ -90,9 +83,8 @@ TEST_F(PhotosDateQueryTest, PrefersTheCreationToTheAddition) {
     for (const QByteArray table : {"ZGENERICASSET", "ZASSET"}) {
         const TemporaryFolder folder;
         Connection photos = photosApplication(folder / usualBundle);
-        createTable(photos, table);
         for (size_t i = 0; i < std::size(rows); ++i)
-            insertRow(photos, table, "'U" + QByteArray::number(i) + "', " + rows[i].dates);
+            addAsset(photos, "'U" + QByteArray::number(i) + "', " + rows[i].dates, table);
         PhotosDateQuery asked(folder.path(), clock);
         for (size_t i = 0; i < std::size(rows); ++i)
             EXPECT_EQ(utc(asked.queryDateFromPhotosSQLite(QStringLiteral("U%1/L0/001").arg(i))),
@@ -103,100 +95,94 @@ TEST_F(PhotosDateQueryTest, PrefersTheCreationToTheAddition) {
 
 TEST_F(PhotosDateQueryTest, KnowsAnAssetByItsBareOrItsWholeIdentifier) {
     Connection photos = photosApplication(pictures / usualBundle);
-    createTable(photos, "ZGENERICASSET");
-    insertRow(photos, "ZGENERICASSET", "'A', 600000000, 0");
-    insertRow(photos, "ZGENERICASSET", "'B_C/D', 600000000, 0");
+    addAsset(photos, "'A', 600000000, 0", "ZGENERICASSET");
+    addAsset(photos, "'B_C/D', 600000000, 0", "ZGENERICASSET");
     for (const char* known : {"A", "A/L0/001", "A_L0_001", "A/B_C", "B_C/D"})
-        EXPECT_EQ(ask(QString::fromLatin1(known)), "2020-01-06 10:40:00") << known;
+        EXPECT_EQ(ask(known), "2020-01-06 10:40:00") << known;
     for (const char* unknown : {"", "B", "a", "A' OR '1'='1", "B_C"})
-        EXPECT_EQ(ask(QString::fromLatin1(unknown)), "none") << unknown;
+        EXPECT_EQ(ask(unknown), "none") << unknown;
 }
 
 TEST_F(PhotosDateQueryTest, SeesEveryRowOfALibraryInUseAndLeavesNoTraceInIt) {
     const fs::path bundle = pictures / usualBundle;
     Connection photos = photosApplication(bundle);
-    createTable(photos, "ZASSET");
-    insertRow(photos, "ZASSET", "'A', 600000000, 0");
+    addAsset(photos, "'A', 600000000, 0");
     const Listing before = listingOf(bundle);
-    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
-    EXPECT_EQ(ask(QStringLiteral("B")), "none");
+    EXPECT_EQ(ask("A"), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask("B"), "none");
     EXPECT_EQ(listingOf(bundle), before);
 
     photos.execute("BEGIN EXCLUSIVE; INSERT INTO ZASSET VALUES ('B', 600000000, 0)");
-    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00"); // locked, not committed
-    EXPECT_EQ(ask(QStringLiteral("B")), "none");
+    EXPECT_EQ(ask("A"), "2020-01-06 10:40:00"); // locked, not committed
+    EXPECT_EQ(ask("B"), "none");
     photos.execute("COMMIT");
-    EXPECT_EQ(ask(QStringLiteral("B")), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask("B"), "2020-01-06 10:40:00");
 
     photos.execute("PRAGMA wal_checkpoint(TRUNCATE)");
-    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
-    insertRow(photos, "ZASSET", "'C', 600000000, 0");
-    EXPECT_EQ(ask(QStringLiteral("C")), "2020-01-06 10:40:00");
-    EXPECT_EQ(ask(QStringLiteral("B")), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask("A"), "2020-01-06 10:40:00");
+    addAsset(photos, "'C', 600000000, 0");
+    EXPECT_EQ(ask("C"), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask("B"), "2020-01-06 10:40:00");
 }
 
 TEST_F(PhotosDateQueryTest, TakesTheUsualLibraryElseAnyOtherOnceAndForAll) {
-    EXPECT_EQ(ask(uuid), "none"); // nothing there yet, and never looked for again
+    EXPECT_EQ(ask("A"), "none"); // nothing there yet, and never looked for again
     fs::create_directories(pictures / "Empty.photoslibrary");
     {
         Connection photos = photosApplication(pictures / "Old Holidays.photoslibrary");
-        createTable(photos, "ZGENERICASSET");
-        insertRow(photos, "ZGENERICASSET", "'A', 500000000, 0");
+        addAsset(photos, "'A', 500000000, 0", "ZGENERICASSET");
     }
-    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+    EXPECT_EQ(ask("A"), "none");
     PhotosDateQuery other(pictures.path(), clock);
-    EXPECT_EQ(utc(other.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2016-11-05 00:53:20");
+    EXPECT_EQ(ask(other, "A"), "2016-11-05 00:53:20");
     {
         Connection photos = photosApplication(pictures / usualBundle);
-        createTable(photos, "ZASSET");
-        insertRow(photos, "ZASSET", "'A', 600000000, 0");
+        addAsset(photos, "'A', 600000000, 0");
     }
     PhotosDateQuery usual(pictures.path(), clock);
-    EXPECT_EQ(utc(usual.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2020-01-06 10:40:00");
-    EXPECT_EQ(utc(other.queryDateFromPhotosSQLite(QStringLiteral("A"))), "2016-11-05 00:53:20");
+    EXPECT_EQ(ask(usual, "A"), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask(other, "A"), "2016-11-05 00:53:20");
 
     PhotosDateQuery nowhere({}, clock);
-    EXPECT_EQ(nowhere.queryDateFromPhotosSQLite(QStringLiteral("A")), std::nullopt);
+    EXPECT_EQ(ask(nowhere, "A"), "none");
 }
 
 TEST_F(PhotosDateQueryTest, HasNoDateWhileTheDatabaseCannotBeRead) {
     const fs::path file = databaseOf(usualBundle);
     pictures.write(file, QByteArray(8192, 'x'));
-    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+    EXPECT_EQ(ask("A"), "none");
 
     fs::remove(pictures / file);
     Connection photos = photosApplication(pictures / usualBundle);
     photos.execute("CREATE TABLE ZALBUM (ZUUID VARCHAR)");
     clock.advance(std::chrono::minutes(2));
-    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+    EXPECT_EQ(ask("A"), "none");
 
-    createTable(photos, "ZASSET");
-    insertRow(photos, "ZASSET", "'A', 600000000, 0");
-    EXPECT_EQ(ask(QStringLiteral("A")), "none"); // it is left alone for a while
+    addAsset(photos, "'A', 600000000, 0");
+    EXPECT_EQ(ask("A"), "none"); // it is left alone for a while
     clock.advance(std::chrono::minutes(2));
-    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask("A"), "2020-01-06 10:40:00");
 
     fs::remove_all(pictures / usualBundle);
-    EXPECT_EQ(ask(QStringLiteral("A")), "none");
+    EXPECT_EQ(ask("A"), "none");
 }
 
 TEST_F(PhotosDateQueryTest, AnswersManyThreadsAtOnce) {
     Connection photos = photosApplication(pictures / usualBundle);
-    createTable(photos, "ZASSET");
-    insertRow(photos, "ZASSET", "'A', 600000000, 0");
+    addAsset(photos, "'A', 600000000, 0");
     std::atomic<int> right = 0;
     {
         std::vector<std::jthread> threads;
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([&] {
                 for (int n = 0; n < 50; ++n)
-                    right += ask(QStringLiteral("A")) == "2020-01-06 10:40:00";
+                    right += ask("A") == "2020-01-06 10:40:00";
             });
         for (int n = 0; n < 20; ++n)
-            insertRow(photos, "ZASSET", "'B', 1, 1");
+            addAsset(photos, "'B', 1, 1");
     }
     EXPECT_GT(right, 0);
-    EXPECT_EQ(ask(QStringLiteral("A")), "2020-01-06 10:40:00");
+    EXPECT_EQ(ask("A"), "2020-01-06 10:40:00");
 }
 
 TEST_F(PhotosDateQueryTest, ReadsRealLibrariesWithoutTouchingThem) {
@@ -223,8 +209,7 @@ TEST_F(PhotosDateQueryTest, ReadsRealLibrariesWithoutTouchingThem) {
         fs::remove(bundle / "database/Photos.sqlite-shm");
         const Listing before = listingOf(bundle);
         PhotosDateQuery asked(folder.path(), clock);
-        EXPECT_EQ(utc(asked.queryDateFromPhotosSQLite(QString::fromLatin1(row.identifier))),
-                  row.date);
+        EXPECT_EQ(ask(asked, row.identifier), row.date);
         EXPECT_EQ(listingOf(bundle), before);
         fs::permissions(bundle / "database", fs::perms::owner_all); // so that it can be removed
     }

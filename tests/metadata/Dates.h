@@ -1,11 +1,19 @@
 #pragma once
 
+#include "metadata/LocalCalendar.h"
+
 #include <cstdlib>
 #include <ctime>
-#include <optional>
-#include <string>
 
 namespace quorvane::test {
+
+inline Date utc(int year, unsigned month, unsigned day) {
+    return std::chrono::sys_days(std::chrono::year(year) / month / day);
+}
+
+inline std::string utc(const std::optional<Date>& date) {
+    return date ? utcText(*date, u"yyyy-MM-dd HH:mm:ss").toStdString() : "none";
+}
 
 /// The process lives in another time zone for a while.
 class TimeZone {
