@@ -25,4 +25,12 @@ inline QByteArray largeBox(const QByteArray& type, const QByteArray& payload) {
     return bigEndian(1, 4) + type + bigEndian(16 + payload.size(), 8) + payload;
 }
 
+/// How many bytes differ, as far as both go.
+inline int differences(const QByteArray& a, const QByteArray& b) {
+    int count = 0;
+    for (qsizetype i = 0; i < std::min(a.size(), b.size()); ++i)
+        count += a[i] != b[i];
+    return count;
+}
+
 } // namespace quorvane::test

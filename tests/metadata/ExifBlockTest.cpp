@@ -1,11 +1,13 @@
 #include "metadata/ExifBlock.h"
 
+#include "Bytes.h"
 #include "ImageFixtures.h"
 #include "metadata/TiffDirectory.h"
 
 #include <gtest/gtest.h>
 
 using namespace quorvane;
+using namespace quorvane::test;
 
 namespace {
 
@@ -34,13 +36,6 @@ QByteArray blockOf(const tiff::Format& format, std::vector<tiff::Field> first,
     const auto exifAt = at + static_cast<std::uint64_t>(serialize(first, at, format).size());
     first.back() = tiff::pointerField(0x8769, exifAt, format);
     return header + serialize(first, at, format) + serialize(exif, exifAt, format);
-}
-
-int differences(const QByteArray& a, const QByteArray& b) {
-    int count = 0;
-    for (qsizetype i = 0; i < std::min(a.size(), b.size()); ++i)
-        count += a[i] != b[i] ? 1 : 0;
-    return count;
 }
 
 std::string textOf(const std::optional<QByteArray>& value) {

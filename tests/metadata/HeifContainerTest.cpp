@@ -142,7 +142,9 @@ TEST(HeifContainer, ReplacesOrAddsTheExifOfAnyLayoutAndKeepsEverythingElse) {
         ASSERT_EQ(heif::readExif(viewOf(file)), oldBlock);
 
         const QByteArray same = replaced(file, tiffBlock(60, 'n'));
-        EXPECT_EQ(same.size(), file.size());
+        ASSERT_EQ(same.size(), file.size());
+        EXPECT_EQ(differences(file, same), 60 - 14) << "all but the block's header";
+        EXPECT_TRUE(heif::replaceExif(viewOf(file), viewOf(oldBlock)).isIdentity(viewOf(file)));
         expectOnlyExifChanged(file, same, tiffBlock(60, 'n'));
 
         const QByteArray longer = replaced(file, tiffBlock(5'060));
@@ -177,22 +179,6 @@ TEST(HeifContainer, KeepsTheHeaderThatAPayloadHas) {
             EXPECT_EQ(content.items.at(3), header + tiffBlock(length));
         }
     }
-}
-
-TEST(HeifContainer, WritesOverAnExifOfTheSameLengthAndNothingElse) {
-    HeifTestFile shape = picture();
-    shape.items[2].extents = 5;
-    const QByteArray file = shape.build();
-    QByteArray block = oldBlock;
-    block[30] = 'A';
-    block[59] = 'Z';
-    const QByteArray after = replaced(file, block);
-    ASSERT_EQ(after.size(), file.size());
-    int changed = 0;
-    for (qsizetype i = 0; i < file.size(); ++i)
-        changed += file[i] != after[i];
-    EXPECT_EQ(changed, 2);
-    EXPECT_TRUE(heif::replaceExif(viewOf(file), viewOf(oldBlock)).isIdentity(viewOf(file)));
 }
 
 TEST(HeifContainer, TakesALoneExifThatDescribesNothingForThePrimaryImages) {

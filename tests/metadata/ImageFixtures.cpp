@@ -59,19 +59,6 @@ QByteArray pngOf(const QByteArray& before, const QByteArray& behind) {
            pngChunk("IEND", {});
 }
 
-QByteArray pngChunkTypes(const QByteArray& png) {
-    QByteArray types;
-    for (qsizetype at = pngSignature.size(); at + 12 <= png.size();) {
-        const auto length = qFromBigEndian<quint32>(png.constData() + at);
-        const QByteArray checked = png.mid(at + 4, length + 4);
-        if (qFromBigEndian<quint32>(png.constData() + at + 8 + length) != checkSum(checked))
-            return "bad check sum";
-        types += checked.left(4) + ' ';
-        at += 12 + length;
-    }
-    return types;
-}
-
 QByteArray riffChunk(const QByteArray& type, const QByteArray& data) {
     return type + little(static_cast<quint32>(data.size())) + data +
            QByteArray(data.size() % 2, '\0');
@@ -84,20 +71,6 @@ QByteArray webpOf(const QByteArray& chunks) {
 QByteArray losslessChunk(quint32 width, quint32 height, bool alpha) {
     return riffChunk("VP8L", QByteArray(1, 0x2f) +
                                  little((width - 1) | (height - 1) << 14 | quint32{alpha} << 28));
-}
-
-QByteArray chunkData(const QByteArray& file, const QList<QByteArray>& types) {
-    QByteArray data;
-    const bool isPng = file.startsWith(pngSignature);
-    for (qsizetype at = isPng ? 8 : 12; at + 8 <= file.size();) {
-        const char* start = file.constData() + at;
-        const qsizetype length =
-            isPng ? qFromBigEndian<quint32>(start) : qFromLittleEndian<quint32>(start + 4);
-        if (types.contains(file.mid(at + (isPng ? 4 : 0), 4)))
-            data += file.mid(at + 8, length);
-        at += isPng ? length + 12 : length + length % 2 + 8;
-    }
-    return data;
 }
 
 QByteArray tiffOf(ByteOrder order, bool bigTiff) {

@@ -3,7 +3,6 @@
 #include "foundation/ByteReader.h"
 
 #include <QByteArray>
-#include <QList>
 
 /// Small valid pictures, made here byte by byte.
 namespace quorvane::test {
@@ -20,16 +19,11 @@ QByteArray scanOf(const QByteArray& jpeg);
 QByteArray pngChunk(const QByteArray& type, const QByteArray& data);
 /// A grey PNG picture of one pixel with these chunks before and behind its image data.
 QByteArray pngOf(const QByteArray& before, const QByteArray& behind = {});
-/// The types of its chunks, each followed by a blank, with every check sum verified.
-QByteArray pngChunkTypes(const QByteArray& png);
 
 QByteArray riffChunk(const QByteArray& type, const QByteArray& data);
 QByteArray webpOf(const QByteArray& chunks);
 /// A lossless picture of `width` by `height`; the bits of the picture itself are not there.
 QByteArray losslessChunk(quint32 width, quint32 height, bool alpha);
-
-/// The data of every PNG or RIFF chunk whose type is one of `types`, one after the other.
-QByteArray chunkData(const QByteArray& file, const QList<QByteArray>& types);
 
 /// A TIFF of one grey pixel.
 QByteArray tiffOf(ByteOrder order, bool big);

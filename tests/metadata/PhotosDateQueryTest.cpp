@@ -18,6 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path usualBundle = "Photos Library.photoslibrary";
+
 fs::path databaseOf(const fs::path& bundle) {
     return bundle / "database/Photos.sqlite";
 }
@@ -32,9 +33,8 @@ Connection photosApplication(const fs::path& bundle) {
 
 void addAsset(Connection& photos, const QByteArray& values, const QByteArray& table = "ZASSET") {
     photos.execute("CREATE TABLE IF NOT EXISTS " + table +
-                   " (ZUUID VARCHAR, ZDATECREATED TIMESTAMP, ZADDEDDATE TIMESTAMP);"
-                   "INSERT INTO " +
-                   table + " VALUES (" + values + ")");
+                   " (ZUUID VARCHAR, ZDATECREATED TIMESTAMP, ZADDEDDATE TIMESTAMP)");
+    photos.execute("INSERT INTO " + table + " VALUES (" + values + ")");
 }
 
 /// Every file of the library with its bytes and its time.

@@ -10,6 +10,7 @@ using namespace quorvane::test;
 namespace {
 
 const QByteArray block("MM\0*\0\0\0\x08\0\0\0\0\0\0", 14);
+const QByteArray now = pngChunk("eXIf", block);
 const QByteArray oldBlock("II*\0\x08\0\0\0\0\0", 10);
 
 QByteArray replaced(const QByteArray& file) {
@@ -29,20 +30,18 @@ TEST(PngContainer, TheChunkStandsBeforeTheImageDataAndIsTheOnlyOne) {
     const QByteArray old = pngChunk("eXIf", oldBlock);
     const QByteArray control = pngChunk("fcTL", QByteArray(26, 0));
     const struct {
-        QByteArray file, types;
+        QByteArray file, expected;
     } cases[] = {
-        {pngOf({}), "IHDR eXIf IDAT IEND "},
-        {pngOf(time), "IHDR tIME eXIf IDAT IEND "},
-        {pngOf(old + time), "IHDR eXIf tIME IDAT IEND "},
-        {pngOf(time, old + time), "IHDR tIME eXIf IDAT tIME IEND "},
-        {pngOf(old, old), "IHDR eXIf IDAT IEND "},
-        {pngOf(control, old), "IHDR eXIf fcTL IDAT IEND "},
+        {pngOf({}), pngOf(now)},
+        {pngOf(time), pngOf(time + now)},
+        {pngOf(old + time), pngOf(now + time)},
+        {pngOf(time, old + time), pngOf(time + now, time)},
+        {pngOf(old, old), pngOf(now)},
+        {pngOf(control, old), pngOf(now + control)},
     };
     for (const auto& row : cases) {
         const QByteArray result = replaced(row.file + "behind");
-        EXPECT_TRUE(result.endsWith("behind"));
-        EXPECT_EQ(pngChunkTypes(result.chopped(6)), row.types);
-        EXPECT_EQ(chunkData(result, {"IDAT"}), chunkData(row.file, {"IDAT"}));
+        EXPECT_EQ(result.toHex(), (row.expected + "behind").toHex());
         EXPECT_EQ(png::readExif(viewOf(result)), block);
         EXPECT_TRUE(png::replaceExif(viewOf(result), viewOf(block)).isIdentity(viewOf(result)));
     }
@@ -60,9 +59,9 @@ TEST(PngContainer, ARawProfileIsReadAndNotLeftToContradict) {
              pngChunk("iTXt", app1 + QByteArray("\1\0en\0key\0", 9) + packed),
          }) {
         EXPECT_EQ(png::readExif(viewOf(pngOf(chunk))), oldBlock);
-        EXPECT_EQ(png::readExif(viewOf(pngOf(chunk, pngChunk("eXIf", block)))), block);
-        EXPECT_EQ(pngChunkTypes(replaced(pngOf(chunk))), "IHDR eXIf IDAT IEND ");
-        EXPECT_EQ(pngChunkTypes(replaced(pngOf({}, chunk))), "IHDR eXIf IDAT IEND ");
+        EXPECT_EQ(png::readExif(viewOf(pngOf(chunk, now))), block);
+        EXPECT_EQ(replaced(pngOf(chunk)), pngOf(now));
+        EXPECT_EQ(replaced(pngOf({}, chunk)), pngOf(now));
     }
     // Profiles of something else, and what no one can read, stay.
     for (const QByteArray& chunk : {
@@ -72,7 +71,7 @@ TEST(PngContainer, ARawProfileIsReadAndNotLeftToContradict) {
              pngChunk("tEXt", QByteArray("Comment\0exif", 12)),
          }) {
         EXPECT_EQ(png::readExif(viewOf(pngOf(chunk))), std::nullopt);
-        EXPECT_EQ(replaced(pngOf(chunk)), pngOf(chunk + pngChunk("eXIf", block)));
+        EXPECT_EQ(replaced(pngOf(chunk)), pngOf(chunk + now));
     }
     const QByteArray bomb =
         pngOf(pngChunk("zTXt", key + '\0' + qCompress(QByteArray(9999, '0')).mid(4)));
