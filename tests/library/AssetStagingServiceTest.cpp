@@ -7,6 +7,8 @@
 
 #include <sys/stat.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quorvane::test {
 
 namespace {
@@ -23,29 +25,29 @@ PhotoAssetResource resource(AssetResourceType type, const QString& filename) {
     return {type, filename, std::nullopt, {}};
 }
 
+class AssetStagingServiceTest : public testing::Test, protected World {};
+
 } // namespace
 
-TEST(AssetStagingService, StagesADiscoveredAssetUnderItsSafeName) {
-    World world;
-    world.discover(assetID(1), QStringLiteral("IMG 1%2.BIN"));
-    const QStringList lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
+TEST_F(AssetStagingServiceTest, StagesADiscoveredAssetUnderItsSafeName) {
+    discover(assetID(1), u"IMG 1%2.BIN"_s);
+    const QStringList lines = printedBy([&] { staging.stageDiscoveredAssets(); });
 
     const QByteArray bytes = "bytes of IMG 1%2.BIN";
-    EXPECT_EQ(lines,
-              QStringList{QStringLiteral(
-                  "[Staging] Tamamlandı (Metadata Enjekte Edildi): IMG 1%2.BIN (20 bytes)")});
-    EXPECT_EQ(world.stagedNames(), QStringList{QStringLiteral(
-                                       "00000001-0000-4000-8000-000000000000_L0_001_IMG 1%2.BIN")});
-    const SyncRecord record = world.record(assetID(1)).value();
-    EXPECT_EQ(record.syncStatus, SyncStatus::staged);
-    EXPECT_EQ(record.sha256Hash, sha256Of(bytes));
-    EXPECT_EQ(record.fileSizeBytes, bytes.size());
-    const auto file = world.staging.findStagingFile(assetID(1));
+    EXPECT_EQ(
+        lines,
+        QStringList{u"[Staging] Tamamlandı (Metadata Enjekte Edildi): IMG 1%2.BIN (20 bytes)"_s});
+    EXPECT_EQ(stagedNames(),
+              QStringList{u"00000001-0000-4000-8000-000000000000_L0_001_IMG 1%2.BIN"_s});
+    EXPECT_EQ(status(assetID(1)), SyncStatus::staged);
+    EXPECT_EQ(record(assetID(1))->sha256Hash, sha256Of(bytes));
+    EXPECT_EQ(record(assetID(1))->fileSizeBytes, bytes.size());
+    const auto file = staging.findStagingFile(assetID(1));
     ASSERT_TRUE(file);
     EXPECT_EQ(readFile(*file), bytes);
-    struct stat folder {};
-    ASSERT_EQ(::stat(world.folders.permanentStaging().c_str(), &folder), 0);
-    EXPECT_EQ(folder.st_mode & 0777, 0700U);
+    struct stat facts {};
+    ASSERT_EQ(::stat(permanent.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777, 0700U);
 }
 
 TEST(AssetStagingService, TakesTheFirstResourceThatIsAPhotoAVideoOrAFullSizePhoto) {
@@ -69,37 +71,31 @@ TEST(AssetStagingService, TakesTheFirstResourceThatIsAPhotoAVideoOrAFullSizePhot
         entry.asset.localIdentifier = assetID(number);
         entry.bytes = "x";
         for (const Type type : each.resources)
-            entry.resources.push_back(
-                resource(type, QStringLiteral("%1.bin").arg(entry.resources.size())));
+            entry.resources.push_back(resource(type, u"%1.bin"_s.arg(entry.resources.size())));
         world.library.add(entry);
         world.discoverRecord(assetID(number));
         const QStringList lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
         if (each.chosen >= 0) {
             EXPECT_EQ(world.stagedNames(),
-                      QStringList{
-                          stagedName(assetID(number), QStringLiteral("%1.bin").arg(each.chosen))});
+                      QStringList{stagedName(assetID(number), u"%1.bin"_s.arg(each.chosen))});
         } else {
-            EXPECT_EQ(lines, QStringList{QStringLiteral("[Staging] Resource bulunamadı: ") +
-                                         assetID(number)});
+            EXPECT_EQ(lines, QStringList{u"[Staging] Resource bulunamadı: "_s + assetID(number)});
             EXPECT_EQ(world.status(assetID(number)), SyncStatus::discovered);
             EXPECT_TRUE(world.staging.isUnavailable(assetID(number)));
         }
     }
 }
 
-TEST(AssetStagingService, ReusesAWholeFileOfAnEarlierRunButNotAPart) {
-    World world;
-    world.discover(assetID(1));
-    world.discover(assetID(2));
-    const auto folder = world.folders.permanentStaging();
-    replaceFile(folder / pathFrom(stagedName(assetID(1), QStringLiteral("a.bin"))), "kept");
-    replaceFile(folder / pathFrom(u'.' + stagedName(assetID(2), QStringLiteral("a.bin.part"))),
-                "tor");
-    world.staging.stageDiscoveredAssets();
+TEST_F(AssetStagingServiceTest, ReusesAWholeFileOfAnEarlierRunButNotAPart) {
+    discover(assetID(1));
+    discover(assetID(2));
+    replaceFile(permanent / pathFrom(stagedName(assetID(1), u"a.bin"_s)), "kept");
+    replaceFile(permanent / pathFrom(u'.' + stagedName(assetID(2), u"a.bin.part"_s)), "tor");
+    staging.stageDiscoveredAssets();
 
-    EXPECT_EQ(world.library.exported(), QStringList{assetID(2)});
-    EXPECT_EQ(world.record(assetID(1))->sha256Hash, sha256Of("kept"));
-    EXPECT_EQ(world.record(assetID(2))->sha256Hash, sha256Of("bytes of a.bin"));
+    EXPECT_EQ(library.exported(), QStringList{assetID(2)});
+    EXPECT_EQ(record(assetID(1))->sha256Hash, sha256Of("kept"));
+    EXPECT_EQ(record(assetID(2))->sha256Hash, sha256Of("bytes of a.bin"));
 }
 
 TEST(AssetStagingService, RecordsAFailedExportAndLeavesNoFile) {
@@ -107,18 +103,17 @@ TEST(AssetStagingService, RecordsAFailedExportAndLeavesNoFile) {
         std::function<void()> fail;
         QString reason;
     } cases[] = {
-        {[] { throw PhotoLibraryError(QStringLiteral("Özgün dosya bu bilgisayarda değil")); },
-         QStringLiteral("Özgün dosya bu bilgisayarda değil")},
-        {[] { throw FileError(QStringLiteral("Dosyaya yazılamadı"), "/x", ENOSPC); },
-         QStringLiteral("Dosyaya yazılamadı: /x (diskte yer kalmadı)")},
+        {[] { throw PhotoLibraryError(u"Özgün dosya bu bilgisayarda değil"_s); },
+         u"Özgün dosya bu bilgisayarda değil"_s},
+        {[] { throw FileError(u"Dosyaya yazılamadı"_s, "/x", ENOSPC); },
+         u"Dosyaya yazılamadı: /x (diskte yer kalmadı)"_s},
     };
     for (const auto& each : cases) {
         World world;
         world.discover(assetID(1));
         world.library.onExport = each.fail;
         const QStringList lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
-        EXPECT_EQ(lines, QStringList{
-                             QStringLiteral("[Staging] Hata %1: %2").arg(assetID(1), each.reason)});
+        EXPECT_EQ(lines, QStringList{u"[Staging] Hata %1: %2"_s.arg(assetID(1), each.reason)});
         const SyncRecord record = world.record(assetID(1)).value();
         EXPECT_EQ(record.syncStatus, SyncStatus::failed);
         EXPECT_EQ(record.lastError, each.reason);
@@ -127,34 +122,31 @@ TEST(AssetStagingService, RecordsAFailedExportAndLeavesNoFile) {
     }
 }
 
-TEST(AssetStagingService, RefusesALinkInPlaceOfAStagedFile) {
-    World world;
-    const auto original = world.folder.write("original.bin", "only copy");
-    world.discover(assetID(1));
-    const auto staged = world.folders.permanentStaging() /
-                        pathFrom(stagedName(assetID(1), QStringLiteral("a.bin")));
+TEST_F(AssetStagingServiceTest, RefusesALinkInPlaceOfAStagedFile) {
+    const auto original = folder.write("original.bin", "only copy");
+    discover(assetID(1));
+    const auto staged = permanent / pathFrom(stagedName(assetID(1), u"a.bin"_s));
     std::filesystem::create_symlink(original, staged);
-    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
-    world.staging.stageDiscoveredAssets();
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::failed);
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
+    staging.stageDiscoveredAssets();
+    EXPECT_EQ(status(assetID(1)), SyncStatus::failed);
     EXPECT_EQ(readFile(original), "only copy");
 }
 
-TEST(AssetStagingService, AStopLeavesTheRecordAsItWas) {
-    World world;
-    world.discover(assetID(1));
-    world.discover(assetID(2));
+TEST_F(AssetStagingServiceTest, AStopLeavesTheRecordAsItWas) {
+    discover(assetID(1));
+    discover(assetID(2));
     std::stop_source stop;
-    world.library.onExport = [&] { stop.request_stop(); };
-    EXPECT_THROW(world.staging.stageDiscoveredAssets(stop.get_token()), Cancelled);
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::discovered);
-    EXPECT_EQ(world.library.exported().size(), 1);
-    EXPECT_EQ(world.stagedNames(), QStringList());
+    library.onExport = [&] { stop.request_stop(); };
+    EXPECT_THROW(staging.stageDiscoveredAssets(stop.get_token()), Cancelled);
+    EXPECT_EQ(status(assetID(1)), SyncStatus::discovered);
+    EXPECT_EQ(library.exported().size(), 1);
+    EXPECT_EQ(stagedNames(), QStringList());
 
-    world.library.onExport = nullptr;
-    world.staging.stageDiscoveredAssets();
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::staged);
-    EXPECT_EQ(world.status(assetID(2)), SyncStatus::staged);
+    library.onExport = nullptr;
+    staging.stageDiscoveredAssets();
+    EXPECT_EQ(status(assetID(1)), SyncStatus::staged);
+    EXPECT_EQ(status(assetID(2)), SyncStatus::staged);
 }
 
 TEST(AssetStagingService, NeverTakesBackARecordThatMovedOnMeanwhile) {
@@ -162,14 +154,12 @@ TEST(AssetStagingService, NeverTakesBackARecordThatMovedOnMeanwhile) {
         std::function<void(World&)> meanwhile;
         std::optional<SyncStatus> expected;
     } cases[] = {
-        {[](World& world) {
-             world.setStatus(assetID(1), SyncStatus::verified, QStringLiteral("remote"));
-         },
+        {[](World& world) { world.setStatus(assetID(1), SyncStatus::verified, u"remote"_s); },
          SyncStatus::verified},
         {[](World& world) { world.database.clearPendingRecords(); }, std::nullopt},
         {[](World& world) {
-             world.setStatus(assetID(1), SyncStatus::verified, QStringLiteral("remote"));
-             throw PhotoLibraryError(QStringLiteral("x"));
+             world.setStatus(assetID(1), SyncStatus::verified, u"remote"_s);
+             throw PhotoLibraryError(u"x"_s);
          },
          SyncStatus::verified},
     };
@@ -182,120 +172,106 @@ TEST(AssetStagingService, NeverTakesBackARecordThatMovedOnMeanwhile) {
     }
 }
 
-TEST(AssetStagingService, LooksAtTheOldestTenAndIsNotHeldUpByMissingAssets) {
-    World world;
+TEST_F(AssetStagingServiceTest, LooksAtTheOldestTenAndIsNotHeldUpByMissingAssets) {
     for (int i = 0; i < 25; ++i)
-        world.discoverRecord(assetID(i)); // none of them is in the library
+        discoverRecord(assetID(i)); // none of them is in the library
     for (int i = 25; i < 40; ++i)
-        world.discover(assetID(i));
-    QStringList lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
-    EXPECT_EQ(lines.filter(QStringLiteral("[Staging] Asset bulunamadı: ")).size(), 10);
-    EXPECT_TRUE(world.staging.isUnavailable(assetID(0)));
-    EXPECT_FALSE(world.staging.isUnavailable(assetID(30)));
+        discover(assetID(i));
+    QStringList lines = printedBy([&] { staging.stageDiscoveredAssets(); });
+    EXPECT_EQ(lines.filter(u"[Staging] Asset bulunamadı: "_s).size(), 10);
+    EXPECT_TRUE(staging.isUnavailable(assetID(0)));
+    EXPECT_FALSE(staging.isUnavailable(assetID(30)));
     for (int i = 0; i < 6; ++i) {
-        lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
-        EXPECT_LE(lines.filter(QStringLiteral("Asset bulunamadı")).size(), 20);
+        lines = printedBy([&] { staging.stageDiscoveredAssets(); });
+        EXPECT_LE(lines.filter(u"Asset bulunamadı"_s).size(), 20);
     }
-    EXPECT_GE(world.library.exported().size(), 10);
+    EXPECT_GE(library.exported().size(), 10);
 
-    world.library.add(assetID(3), QStringLiteral("back.bin"));
+    library.add(assetID(3), u"back.bin"_s);
     for (int i = 0; i < 3; ++i) // twenty-five missing ones are tried again in three turns
-        world.staging.stageDiscoveredAssets();
-    EXPECT_EQ(world.status(assetID(3)), SyncStatus::staged);
-    EXPECT_FALSE(world.staging.isUnavailable(assetID(3)));
+        staging.stageDiscoveredAssets();
+    EXPECT_EQ(status(assetID(3)), SyncStatus::staged);
+    EXPECT_FALSE(staging.isUnavailable(assetID(3)));
 }
 
-TEST(AssetStagingService, LeavesRecordsAloneWhenTheLibraryOrTheStoreCannotBeRead) {
-    World world;
-    world.discover(assetID(1));
-    world.library.unreadable = QStringLiteral("Kitaplık yok");
-    EXPECT_EQ(printedBy([&] { world.staging.stageDiscoveredAssets(); }),
-              QStringList{QStringLiteral("[Staging] Hata %1: Kitaplık yok").arg(assetID(1))});
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::discovered);
-    EXPECT_FALSE(world.staging.isUnavailable(assetID(1)));
+TEST_F(AssetStagingServiceTest, LeavesRecordsAloneWhenTheLibraryOrTheStoreCannotBeRead) {
+    discover(assetID(1));
+    library.unreadable = u"Kitaplık yok"_s;
+    EXPECT_EQ(printedBy([&] { staging.stageDiscoveredAssets(); }),
+              QStringList{u"[Staging] Hata %1: Kitaplık yok"_s.arg(assetID(1))});
+    EXPECT_EQ(status(assetID(1)), SyncStatus::discovered);
+    EXPECT_FALSE(staging.isUnavailable(assetID(1)));
 
-    DatabaseManager broken(world.folder.path(), world.console);
-    AssetStagingService staging(world.library, broken, world.metadata, world.folders,
-                                world.console);
-    EXPECT_EQ(printedBy([&] { staging.stageDiscoveredAssets(); })
-                  .filter(QStringLiteral("[Staging] Bekleyen kayıtlar okunamadı: "))
+    DatabaseManager broken(folder.path(), console);
+    AssetStagingService idle(library, broken, metadata, folders, console);
+    EXPECT_EQ(printedBy([&] { idle.stageDiscoveredAssets(); })
+                  .filter(u"[Staging] Bekleyen kayıtlar okunamadı: "_s)
                   .size(),
               1);
 }
 
-TEST(AssetStagingService, ConcurrentCallersExportEachAssetOnce) {
-    World world;
+TEST_F(AssetStagingServiceTest, ConcurrentCallersExportEachAssetOnce) {
     for (int i = 0; i < 10; ++i)
-        world.discover(assetID(i));
+        discover(assetID(i));
     {
         std::vector<std::jthread> callers;
         for (int i = 0; i < 4; ++i)
             callers.emplace_back([&] {
-                world.staging.stageDiscoveredAssets();
+                staging.stageDiscoveredAssets();
                 for (int asset = 0; asset < 10; ++asset)
-                    EXPECT_TRUE(world.staging.findStagingFile(assetID(asset)));
+                    EXPECT_TRUE(staging.findStagingFile(assetID(asset)));
             });
     }
-    EXPECT_EQ(world.library.exported().size(), 10);
-    EXPECT_EQ(world.stagedNames().size(), 10);
+    EXPECT_EQ(library.exported().size(), 10);
+    EXPECT_EQ(stagedNames().size(), 10);
 }
 
-TEST(AssetStagingService, UsesTheTemporaryFolderWithoutAPermanentOneAndOnlyWhenItIsPrivate) {
-    World world;
-    world.discover(assetID(1));
-    std::filesystem::remove(world.folders.permanentStaging());
-    world.staging.stageDiscoveredAssets();
-    const auto file = world.staging.findStagingFile(assetID(1));
+TEST_F(AssetStagingServiceTest, UsesTheTemporaryFolderWithoutAPermanentOneAndOnlyWhenItIsPrivate) {
+    discover(assetID(1));
+    std::filesystem::remove(permanent);
+    staging.stageDiscoveredAssets();
+    const auto file = staging.findStagingFile(assetID(1));
     ASSERT_TRUE(file);
-    EXPECT_EQ(file->parent_path(), world.folders.temporaryStaging);
+    EXPECT_EQ(file->parent_path(), folders.temporaryStaging);
 
-    std::filesystem::permissions(world.folders.temporaryStaging, std::filesystem::perms(0755));
-    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
-    world.discover(assetID(2));
-    world.staging.stageDiscoveredAssets();
-    EXPECT_EQ(world.status(assetID(2)), SyncStatus::failed);
+    std::filesystem::permissions(folders.temporaryStaging, std::filesystem::perms(0755));
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
+    discover(assetID(2));
+    staging.stageDiscoveredAssets();
+    EXPECT_EQ(status(assetID(2)), SyncStatus::failed);
 
-    std::filesystem::permissions(world.folders.temporaryStaging, std::filesystem::perms(0700));
-    const auto elsewhere = world.folder / "elsewhere";
-    std::filesystem::rename(world.folders.temporaryStaging, elsewhere);
-    std::filesystem::create_symlink(elsewhere, world.folders.temporaryStaging);
+    std::filesystem::permissions(folders.temporaryStaging, std::filesystem::perms(0700));
+    const auto elsewhere = folder / "elsewhere";
+    std::filesystem::rename(folders.temporaryStaging, elsewhere);
+    std::filesystem::create_symlink(elsewhere, folders.temporaryStaging);
     EXPECT_EQ(
         printedBy([&] {
-            const AssetStagingService other(world.library, world.database, world.metadata,
-                                            world.folders, world.console);
+            const AssetStagingService other(library, database, metadata, folders, console);
         }),
-        QStringList{
-            QStringLiteral("[Staging] Geçici klasör bu kullanıcıya özel değil, kullanılmayacak: ") +
-            pathText(world.folders.temporaryStaging)});
-    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
+        QStringList{u"[Staging] Geçici klasör bu kullanıcıya özel değil, kullanılmayacak: "_s +
+                    pathText(folders.temporaryStaging)});
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
 }
 
-TEST(AssetStagingService, FindsThePermanentFileFirstAndRemovesBoth) {
-    World world;
-    const auto name = pathFrom(stagedName(assetID(1), QStringLiteral("a.bin")));
-    replaceFile(world.folders.temporaryStaging / name, "temporary");
-    EXPECT_EQ(world.staging.findStagingFile(assetID(1)), world.folders.temporaryStaging / name);
-    replaceFile(world.folders.permanentStaging() / name, "permanent");
-    EXPECT_EQ(world.staging.findStagingFile(assetID(1)), world.folders.permanentStaging() / name);
-    replaceFile(world.folders.permanentStaging() /
-                    pathFrom(stagedName(assetID(2), QStringLiteral("b"))),
-                "another");
+TEST_F(AssetStagingServiceTest, FindsThePermanentFileFirstAndRemovesBoth) {
+    const auto name = pathFrom(stagedName(assetID(1), u"a.bin"_s));
+    replaceFile(folders.temporaryStaging / name, "temporary");
+    EXPECT_EQ(staging.findStagingFile(assetID(1)), folders.temporaryStaging / name);
+    replaceFile(permanent / name, "permanent");
+    EXPECT_EQ(staging.findStagingFile(assetID(1)), permanent / name);
+    replaceFile(permanent / pathFrom(stagedName(assetID(2), u"b"_s)), "another");
 
-    world.staging.removeFromStaging(QString()); // begins every name
-    world.staging.removeFromStaging(assetID(1));
-    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
-    EXPECT_TRUE(world.staging.findStagingFile(assetID(2)));
+    staging.removeFromStaging(QString()); // begins every name
+    staging.removeFromStaging(assetID(1));
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
+    EXPECT_TRUE(staging.findStagingFile(assetID(2)));
 }
 
-TEST(AssetStagingService, RemovesWhatDeadRunsLeftAndNothingElse) {
-    World world;
-    const auto folder = world.folders.permanentStaging();
+TEST_F(AssetStagingServiceTest, RemovesWhatDeadRunsLeftAndNothingElse) {
     for (const char* name : {".x.part", ".x.jpg.tmp", ".hidden", "x.tmp", "y.part", "z.jpg"})
-        replaceFile(folder / name, "x");
-    world.staging.removeLeftovers();
-    EXPECT_EQ(world.stagedNames(),
-              (QStringList{QStringLiteral(".hidden"), QStringLiteral("x.tmp"),
-                           QStringLiteral("y.part"), QStringLiteral("z.jpg")}));
+        replaceFile(permanent / name, "x");
+    staging.removeLeftovers();
+    EXPECT_EQ(stagedNames(), (QStringList{u".hidden"_s, u"x.tmp"_s, u"y.part"_s, u"z.jpg"_s}));
 }
 
 TEST(AssetStagingService, HashesWholeFilesOfAnyLength) {
@@ -307,7 +283,7 @@ TEST(AssetStagingService, HashesWholeFilesOfAnyLength) {
         EXPECT_EQ(result.sha256, sha256Of(bytes));
     }
     EXPECT_EQ(AssetStagingService::computeHashAndSize(folder.write("f", "")).sha256,
-              QStringLiteral("e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"));
+              u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s);
     EXPECT_THROW(AssetStagingService::computeHashAndSize(folder / "absent"), FileError);
     std::stop_source stop;
     stop.request_stop();

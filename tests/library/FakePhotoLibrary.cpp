@@ -74,7 +74,6 @@ void FakePhotoLibrary::requireReadable() const {
 
 AssetFetchResult FakePhotoLibrary::fetchAssets() {
     requireReadable();
-    ++fetches_;
     return resultOf(assets());
 }
 
@@ -84,7 +83,6 @@ AssetFetchResult FakePhotoLibrary::fetchAssets(const AssetCollection& collection
 
 AssetFetchResult FakePhotoLibrary::fetchAssets(const QStringList& localIdentifiers) {
     requireReadable();
-    ++fetches_;
     const std::vector<PhotoAsset> all = assets();
     std::vector<PhotoAsset> found;
     for (const QString& identifier : localIdentifiers)

@@ -42,7 +42,6 @@ class FakePhotoLibrary final : public PhotoLibrary {
     std::map<QString, QStringList> inAlbum;
 
     QStringList exported() const;
-    int fetches() const { return fetches_; }
     bool hasObserver() const { return observer_ != nullptr; }
 
     AuthorizationStatus authorizationStatus() const override { return status; }
@@ -69,7 +68,6 @@ class FakePhotoLibrary final : public PhotoLibrary {
     mutable std::mutex mutex_;
     std::vector<Entry> entries_;
     QStringList exported_;
-    std::atomic<int> fetches_ = 0;
     std::atomic<LibraryChangeObserver*> observer_ = nullptr;
 };
 

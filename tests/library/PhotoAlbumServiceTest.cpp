@@ -7,11 +7,13 @@
 
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 namespace quorvane::test {
 
 namespace {
 
-const QString tag = QStringLiteral("[PhotoAlbumService] ");
+const QString tag = u"[PhotoAlbumService] "_s;
 
 class FakeScripts final : public PhotosAppScripts {
   public:
@@ -32,7 +34,8 @@ AssetCollection album(const QString& id, int subtype = collectionSubtype::albumR
     return {id, id, isSmart ? CollectionType::smartAlbum : CollectionType::album, subtype, count};
 }
 
-struct AlbumWorld {
+class PhotoAlbumServiceTest : public testing::Test {
+  protected:
     TemporaryFolder folder;
     Preferences preferences{folder / "preferences.json"};
     RecordingLog log;
@@ -51,172 +54,158 @@ struct AlbumWorld {
 
 } // namespace
 
-TEST(PhotoAlbumService, ListsEachAlbumOnceInTheOrderOfItsSources) {
-    AlbumWorld world;
-    const auto text = [](const char* latin) { return QString::fromLatin1(latin); };
-    AssetCollection unnamed = album(text("unnamed"), collectionSubtype::albumImported);
+TEST_F(PhotoAlbumServiceTest, ListsEachAlbumOnceInTheOrderOfItsSources) {
+    AssetCollection unnamed = album(u"unnamed"_s, collectionSubtype::albumImported);
     unnamed.title.clear();
-    AssetCollection uncounted = album(text("inner"), collectionSubtype::albumRegular, std::nullopt);
-    world.library.add(text("x"), text("x.jpg"));
-    world.library.inAlbum[text("inner")] = {text("x"), text("absent")};
-    const CollectionList outer{text("folder"), text("folder"), CollectionListType::folder};
-    const CollectionList inner{text("subfolder"), text("subfolder"), CollectionListType::folder};
-    world.library.albums = {
+    AssetCollection uncounted = album(u"inner"_s, collectionSubtype::albumRegular, std::nullopt);
+    library.add(u"x"_s, u"x.jpg"_s);
+    library.inAlbum[u"inner"_s] = {u"x"_s, u"absent"_s};
+    const CollectionList outer{u"folder"_s, u"folder"_s, CollectionListType::folder};
+    const CollectionList inner{u"subfolder"_s, u"subfolder"_s, CollectionListType::folder};
+    library.albums = {
         unnamed,
-        album(text("shared"), collectionSubtype::albumCloudShared),
-        album(text("regular")),
-        album(text("synced"), collectionSubtype::albumSyncedAlbum),
-        album(text("hidden"), collectionSubtype::smartAlbumAllHidden),
-        album(text("favorites"), 203),
-        album(text("library"), collectionSubtype::smartAlbumUserLibrary),
-        album(text("stuck"), collectionSubtype::smartAlbumUnableToUpload),
+        album(u"shared"_s, collectionSubtype::albumCloudShared),
+        album(u"regular"_s),
+        album(u"synced"_s, collectionSubtype::albumSyncedAlbum),
+        album(u"hidden"_s, collectionSubtype::smartAlbumAllHidden),
+        album(u"favorites"_s, 203),
+        album(u"library"_s, collectionSubtype::smartAlbumUserLibrary),
+        album(u"stuck"_s, collectionSubtype::smartAlbumUnableToUpload),
     };
-    world.library.topLevel = {album(text("top")), outer, album(text("regular"))};
-    world.library.inList[text("folder")] = {inner, album(text("top"))};
-    world.library.inList[text("subfolder")] = {uncounted, outer}; // a circle
-    world.library.lists = {inner, {text("smart"), text("smart"), CollectionListType::smartFolder}};
-    world.library.inList[text("smart")] = {album(text("in smart"))};
-    world.scripts.answer = text("A1:::Tatil ::: 2020:::7\nA2::::::0\r\nbroken\nA3:::x:::many\n"
-                                "A1:::again:::1\n:::x:::1\n");
+    library.topLevel = {album(u"top"_s), outer, album(u"regular"_s)};
+    library.inList[u"folder"_s] = {inner, album(u"top"_s)};
+    library.inList[u"subfolder"_s] = {uncounted, outer}; // a circle
+    library.lists = {inner, {u"smart"_s, u"smart"_s, CollectionListType::smartFolder}};
+    library.inList[u"smart"_s] = {album(u"in smart"_s)};
+    scripts.answer = u"A1:::Tatil ::: 2020:::7\nA2::::::0\r\nbroken\nA3:::x:::many\n"
+                     "A1:::again:::1\n:::x:::1\n"_s;
 
-    const std::vector<LocalAlbumItem> list = world.albums.performFetchLocalAlbums();
+    const std::vector<LocalAlbumItem> list = albums.performFetchLocalAlbums();
     QStringList shown;
     for (const LocalAlbumItem& item : list)
-        shown.append(QStringLiteral("%1|%2|%3").arg(item.id, item.title).arg(item.count));
+        shown.append(u"%1|%2|%3"_s.arg(item.id, item.title).arg(item.count));
     EXPECT_EQ(shown, (QStringList{
-                         text("regular|regular|1"),
-                         text("shared|shared|1"),
-                         text("synced|synced|1"),
-                         QStringLiteral("unnamed|İsimsiz|1"),
-                         text("top|top|1"),
-                         text("inner|inner|1"),
-                         text("in smart|in smart|1"),
-                         text("favorites|favorites|1"),
-                         text("photos_app_album:A1|Tatil ::: 2020|7"),
-                         QStringLiteral("photos_app_album:A2|İsimsiz|0"),
+                         u"regular|regular|1"_s,
+                         u"shared|shared|1"_s,
+                         u"synced|synced|1"_s,
+                         u"unnamed|İsimsiz|1"_s,
+                         u"top|top|1"_s,
+                         u"inner|inner|1"_s,
+                         u"in smart|in smart|1"_s,
+                         u"favorites|favorites|1"_s,
+                         u"photos_app_album:A1|Tatil ::: 2020|7"_s,
+                         u"photos_app_album:A2|İsimsiz|0"_s,
                      }));
-    EXPECT_EQ(world.albums.cachedAlbums(), list);
-    const QStringList log = world.log.messages();
-    EXPECT_EQ(log.first(),
-              tag + QStringLiteral("📁 Albüm bulundu: 'regular' (type: 1, subtype: 2, adet: 1)"));
-    EXPECT_TRUE(log.contains(
-        tag + QStringLiteral("📁 Albüm bulundu: 'favorites' (type: 2, subtype: 203, adet: 1)")));
-    EXPECT_TRUE(log[log.size() - 2].startsWith(
-        tag + QStringLiteral("Apple Photos uygulamasından 3 özel albüm alındı: ")));
-    EXPECT_EQ(log.last(), tag + QStringLiteral("Toplam 10 albüm listelendi (9 kullanıcı albümü, "
-                                               "1 sistem/diğer albüm)"));
+    EXPECT_EQ(albums.cachedAlbums(), list);
+    const QStringList lines = log.messages();
+    EXPECT_EQ(lines.first(), tag + u"📁 Albüm bulundu: 'regular' (type: 1, subtype: 2, adet: 1)"_s);
+    EXPECT_TRUE(
+        lines.contains(tag + u"📁 Albüm bulundu: 'favorites' (type: 2, subtype: 203, adet: 1)"_s));
+    EXPECT_TRUE(lines[lines.size() - 2].startsWith(
+        tag + u"Apple Photos uygulamasından 3 özel albüm alındı: "_s));
+    EXPECT_EQ(lines.last(), tag + u"Toplam 10 albüm listelendi (9 kullanıcı albümü, "
+                                  "1 sistem/diğer albüm)"_s);
 }
 
-TEST(PhotoAlbumService, ListsNothingWithoutPermission) {
-    AlbumWorld world;
-    world.library.albums = {album(QStringLiteral("a"))};
+TEST_F(PhotoAlbumServiceTest, ListsNothingWithoutPermission) {
+    library.albums = {album(u"a"_s)};
     for (const auto status : {AuthorizationStatus::notDetermined, AuthorizationStatus::restricted,
                               AuthorizationStatus::denied}) {
-        world.library.status = status;
-        EXPECT_TRUE(world.albums.performFetchLocalAlbums().empty());
-        EXPECT_EQ(world.log.messages().last(),
-                  tag + QStringLiteral("Yetki yok (status: %1) — albümler listelenemedi")
-                            .arg(static_cast<int>(status)));
+        library.status = status;
+        EXPECT_TRUE(albums.performFetchLocalAlbums().empty());
+        EXPECT_EQ(log.messages().last(),
+                  tag + u"Yetki yok (status: %1) — albümler listelenemedi"_s.arg(
+                            static_cast<int>(status)));
     }
-    world.library.status = AuthorizationStatus::limited;
-    EXPECT_EQ(world.albums.performFetchLocalAlbums().size(), 1U);
+    library.status = AuthorizationStatus::limited;
+    EXPECT_EQ(albums.performFetchLocalAlbums().size(), 1U);
 }
 
-TEST(PhotoAlbumService, RefreshesInTheBackgroundAndAnswersOnTheMainThread) {
-    AlbumWorld world;
-    world.library.albums = {album(QStringLiteral("a"))};
+TEST_F(PhotoAlbumServiceTest, RefreshesInTheBackgroundAndAnswersOnTheMainThread) {
+    library.albums = {album(u"a"_s)};
     std::vector<LocalAlbumItem> list;
     const auto mainThread = std::this_thread::get_id();
-    world.albums.refreshLocalAlbumsAsync([&](const std::vector<LocalAlbumItem>& answer) {
+    albums.refreshLocalAlbumsAsync([&](const std::vector<LocalAlbumItem>& answer) {
         EXPECT_EQ(std::this_thread::get_id(), mainThread);
         list = answer;
     });
     EXPECT_TRUE(waitOnMainThread([&] { return !list.empty(); }));
-    EXPECT_EQ(list, world.albums.cachedAlbums());
+    EXPECT_EQ(list, albums.cachedAlbums());
 }
 
-TEST(PhotoAlbumService, RemembersTheChosenSource) {
-    AlbumWorld world;
-    EXPECT_EQ(world.albums.selectedSourceAlbumID(), std::nullopt);
-    world.albums.setSelectedSourceAlbumID(QStringLiteral("album"));
-    EXPECT_EQ(Preferences(world.folder / "preferences.json").string(preferenceKeys::sourceAlbumID),
-              QStringLiteral("album"));
-    EXPECT_EQ(world.albums.selectedSourceAlbumID(), QStringLiteral("album"));
-    world.albums.setSelectedSourceAlbumID(std::nullopt);
-    EXPECT_EQ(world.albums.selectedSourceAlbumID(), std::nullopt);
+TEST_F(PhotoAlbumServiceTest, RemembersTheChosenSource) {
+    EXPECT_EQ(albums.selectedSourceAlbumID(), std::nullopt);
+    albums.setSelectedSourceAlbumID(u"album"_s);
+    EXPECT_EQ(Preferences(folder / "preferences.json").string(preferenceKeys::sourceAlbumID),
+              u"album"_s);
+    EXPECT_EQ(albums.selectedSourceAlbumID(), u"album"_s);
+    albums.setSelectedSourceAlbumID(std::nullopt);
+    EXPECT_EQ(albums.selectedSourceAlbumID(), std::nullopt);
 }
 
-TEST(PhotoAlbumService, AnAlbumGivesItsAssetsAndAVanishedOneTheWholeLibrary) {
-    AlbumWorld world;
+TEST_F(PhotoAlbumServiceTest, AnAlbumGivesItsAssetsAndAVanishedOneTheWholeLibrary) {
     const auto add = [&](const QString& identifier, std::optional<Date> date) {
         PhotoAsset asset;
         asset.localIdentifier = identifier;
         asset.creationDate = date;
-        world.library.add({asset, {}, {}});
+        library.add({asset, {}, {}});
     };
-    add(QStringLiteral("new"), dateFromUnixSeconds(2000));
-    add(QStringLiteral("old"), dateFromUnixSeconds(1000));
-    add(QStringLiteral("undated"), std::nullopt);
-    world.library.albums = {album(QStringLiteral("a"))};
-    world.library.inAlbum[QStringLiteral("a")] = {QStringLiteral("new"), QStringLiteral("undated"),
-                                                  QStringLiteral("old")};
-    EXPECT_EQ(world.identifiers(QStringLiteral("a")).join(u' '), QStringLiteral("undated old new"));
-    EXPECT_EQ(world.identifiers(std::nullopt).size(), 3);
-    world.library.albums.clear();
-    EXPECT_EQ(world.identifiers(QStringLiteral("a")).size(), 3);
+    add(u"new"_s, dateFromUnixSeconds(2000));
+    add(u"old"_s, dateFromUnixSeconds(1000));
+    add(u"undated"_s, std::nullopt);
+    library.albums = {album(u"a"_s)};
+    library.inAlbum[u"a"_s] = {u"new"_s, u"undated"_s, u"old"_s};
+    EXPECT_EQ(identifiers(u"a"_s).join(u' '), u"undated old new"_s);
+    EXPECT_EQ(identifiers(std::nullopt).size(), 3);
+    library.albums.clear();
+    EXPECT_EQ(identifiers(u"a"_s).size(), 3);
 }
 
-TEST(PhotoAlbumService, AsksThePhotosApplicationInItsOwnWords) {
-    AlbumWorld world;
-    world.albums.fetchApplePhotosAlbums();
-    EXPECT_EQ(world.scripts.programs.last(), QStringLiteral(R"(tell application "Photos"
+TEST_F(PhotoAlbumServiceTest, AsksThePhotosApplicationInItsOwnWords) {
+    albums.fetchApplePhotosAlbums();
+    EXPECT_EQ(scripts.programs.last(), uR"(tell application "Photos"
     set out to ""
     repeat with a in albums
         set out to out & (id of a) & ":::" & (name of a) & ":::" & (count of media items of a) & "
 "
     end repeat
     return out
-end tell)"));
+end tell)"_s);
 
-    world.library.add(QStringLiteral("x"), QStringLiteral("x.jpg"));
-    world.library.add(QStringLiteral("y"), QStringLiteral("y.jpg"));
-    world.scripts.answer = QStringLiteral("y\n\nabsent\n");
-    EXPECT_EQ(world.identifiers(QStringLiteral("photos_app_album:7A/L0/040")),
-              QStringList{QStringLiteral("y")});
-    EXPECT_EQ(world.scripts.programs.last(), QStringLiteral(R"(tell application "Photos"
+    library.add(u"x"_s, u"x.jpg"_s);
+    library.add(u"y"_s, u"y.jpg"_s);
+    scripts.answer = u"y\n\nabsent\n"_s;
+    EXPECT_EQ(identifiers(u"photos_app_album:7A/L0/040"_s), QStringList{u"y"_s});
+    EXPECT_EQ(scripts.programs.last(), uR"(tell application "Photos"
     set prevTIDs to AppleScript's text item delimiters
     set AppleScript's text item delimiters to linefeed
     set theIDs to (id of media items of album id "7A/L0/040") as text
     set AppleScript's text item delimiters to prevTIDs
     return theIDs
-end tell)"));
-    EXPECT_EQ(world.log.messages().last(),
-              tag + QStringLiteral("Albümden (7A/L0/040) 2 adet yerel ID çekildi"));
-    world.albums.fetchItemIDsFromApplePhotos(QStringLiteral("a\" & quit & \"\\"));
-    EXPECT_TRUE(world.scripts.programs.last().contains(
-        QStringLiteral(R"(album id "a\" & quit & \"\\") as text)")));
+end tell)"_s);
+    EXPECT_EQ(log.messages().last(), tag + u"Albümden (7A/L0/040) 2 adet yerel ID çekildi"_s);
+    albums.fetchItemIDsFromApplePhotos(u"a\" & quit & \"\\"_s);
+    EXPECT_TRUE(scripts.programs.last().contains(uR"(album id "a\" & quit & \"\\") as text)"_s));
 }
 
-TEST(PhotoAlbumService, AFailedProgramYieldsNoAlbumAndNoAsset) {
-    AlbumWorld world;
-    world.library.add(QStringLiteral("x"), QStringLiteral("x.jpg"));
+TEST_F(PhotoAlbumServiceTest, AFailedProgramYieldsNoAlbumAndNoAsset) {
+    library.add(u"x"_s, u"x.jpg"_s);
     const auto failsWith = [&](const std::function<void()>& fail, const QString& albumsLine,
                                const QString& itemsLine) {
-        world.scripts.fail = fail;
-        EXPECT_TRUE(world.albums.fetchApplePhotosAlbums().empty());
-        EXPECT_EQ(world.log.messages().last(), tag + albumsLine);
-        EXPECT_EQ(world.identifiers(QStringLiteral("photos_app_album:A")), QStringList());
-        EXPECT_EQ(world.log.messages().last(), tag + itemsLine);
+        scripts.fail = fail;
+        EXPECT_TRUE(albums.fetchApplePhotosAlbums().empty());
+        EXPECT_EQ(log.messages().last(), tag + albumsLine);
+        EXPECT_EQ(identifiers(u"photos_app_album:A"_s), QStringList());
+        EXPECT_EQ(log.messages().last(), tag + itemsLine);
     };
-    failsWith([] { throw ScriptNotCreated(QString()); }, QStringLiteral("AppleScript derlenemedi"),
-              QStringLiteral("Media item IDs AppleScript derlenemedi"));
-    failsWith([] { throw ScriptFailed(QStringLiteral("-1743")); },
-              QStringLiteral("AppleScript albüm sorgusu hatası: -1743"),
-              QStringLiteral("Media item IDs AppleScript hatası: -1743"));
+    failsWith([] { throw ScriptNotCreated(QString()); }, u"AppleScript derlenemedi"_s,
+              u"Media item IDs AppleScript derlenemedi"_s);
+    failsWith([] { throw ScriptFailed(u"-1743"_s); }, u"AppleScript albüm sorgusu hatası: -1743"_s,
+              u"Media item IDs AppleScript hatası: -1743"_s);
 
-    PhotoAlbumService nowhere(world.library, world.preferences, world.log);
+    PhotoAlbumService nowhere(library, preferences, log);
     EXPECT_TRUE(nowhere.fetchApplePhotosAlbums().empty());
-    EXPECT_TRUE(nowhere.fetchAssets(QStringLiteral("photos_app_album:A"))->empty());
+    EXPECT_TRUE(nowhere.fetchAssets(u"photos_app_album:A"_s)->empty());
 }
 
 } // namespace quorvane::test

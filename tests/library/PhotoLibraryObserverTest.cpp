@@ -4,11 +4,13 @@
 
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 namespace quorvane::test {
 
 namespace {
 
-const QString uuid = QStringLiteral("0A1B2C3D-0000-4000-8000-000000000000");
+const QString uuid = u"0A1B2C3D-0000-4000-8000-000000000000"_s;
 
 struct ObserverWorld : World {
     Preferences preferences{folders.preferences()};
@@ -23,167 +25,139 @@ struct ObserverWorld : World {
 
 /// Only what the observer itself says.
 QStringList photoKitLines(const QStringList& lines) {
-    return lines.filter(QStringLiteral("[PhotoKit]"));
+    return lines.filter(u"[PhotoKit]"_s);
 }
+
+class PhotoLibraryObserverTest : public testing::Test, protected ObserverWorld {};
 
 } // namespace
 
-TEST(PhotoLibraryObserver, RecordsPhotosVideosAndLivePhotosOfTheWholeLibrary) {
-    ObserverWorld world;
+TEST_F(PhotoLibraryObserverTest, RecordsPhotosVideosAndLivePhotosOfTheWholeLibrary) {
     using Type = AssetMediaType;
-    world.library.add(assetID(1), QStringLiteral("1.bin"), Type::image);
-    world.library.add(assetID(2), QStringLiteral("2.bin"), Type::image, mediaSubtypePhotoLive | 1);
-    world.library.add(assetID(3), QStringLiteral("3.bin"), Type::video, mediaSubtypePhotoLive,
-                      AssetResourceType::video);
-    world.library.add(assetID(4), QStringLiteral("4.bin"), Type::audio);
-    world.library.add(assetID(5), QStringLiteral("5.bin"), Type::unknown);
-    const QStringList lines = printedBy([&] { world.observer.initialScan(); });
+    library.add(assetID(1), u"1.bin"_s, Type::image);
+    library.add(assetID(2), u"2.bin"_s, Type::image, mediaSubtypePhotoLive | 1);
+    library.add(assetID(3), u"3.bin"_s, Type::video, mediaSubtypePhotoLive,
+                AssetResourceType::video);
+    library.add(assetID(4), u"4.bin"_s, Type::audio);
+    library.add(assetID(5), u"5.bin"_s, Type::unknown);
+    const QStringList lines = printedBy([&] { observer.initialScan(); });
 
-    EXPECT_EQ(
-        photoKitLines(lines),
-        (QStringList{QStringLiteral("[PhotoKit] İlk tarama: 5 medya (Tüm Kütüphane)"),
-                     QStringLiteral("[PhotoKit] 3 medya veritabanına atomik olarak eklendi")}));
-    EXPECT_EQ(world.record(assetID(1))->mediaType, MediaType::photo);
-    EXPECT_EQ(world.record(assetID(2))->mediaType, MediaType::livePhoto);
-    EXPECT_EQ(world.record(assetID(3))->mediaType, MediaType::video);
-    EXPECT_FALSE(world.record(assetID(4)));
-    EXPECT_FALSE(world.record(assetID(5)));
-    EXPECT_EQ(world.status(assetID(3)), SyncStatus::staged) << "staging follows the scan";
+    EXPECT_EQ(photoKitLines(lines),
+              (QStringList{u"[PhotoKit] İlk tarama: 5 medya (Tüm Kütüphane)"_s,
+                           u"[PhotoKit] 3 medya veritabanına atomik olarak eklendi"_s}));
+    EXPECT_EQ(record(assetID(1))->mediaType, MediaType::photo);
+    EXPECT_EQ(record(assetID(2))->mediaType, MediaType::livePhoto);
+    EXPECT_EQ(record(assetID(3))->mediaType, MediaType::video);
+    EXPECT_FALSE(record(assetID(4)));
+    EXPECT_FALSE(record(assetID(5)));
+    EXPECT_EQ(status(assetID(3)), SyncStatus::staged) << "staging follows the scan";
 }
 
-TEST(PhotoLibraryObserver, ScansTheChosenAlbumAndNamesIt) {
-    ObserverWorld world;
-    world.library.add(assetID(1), QStringLiteral("1.bin"));
-    world.library.add(assetID(2), QStringLiteral("2.bin"));
+TEST_F(PhotoLibraryObserverTest, ScansTheChosenAlbumAndNamesIt) {
+    library.add(assetID(1), u"1.bin"_s);
+    library.add(assetID(2), u"2.bin"_s);
     AssetCollection album;
-    album.localIdentifier = QStringLiteral("album");
-    world.library.albums = {album};
-    world.library.inAlbum[QStringLiteral("album")] = {assetID(2)};
-    world.albums.setSelectedSourceAlbumID(QStringLiteral("album"));
-    world.preferences.setString(preferenceKeys::sourceAlbumTitle, QStringLiteral("Yaz %1"));
-    const QStringList lines = printedBy([&] { world.observer.initialScan(); });
-    EXPECT_TRUE(lines.contains(QStringLiteral("[PhotoKit] İlk tarama: 1 medya (Yaz %1)")));
-    EXPECT_FALSE(world.record(assetID(1)));
-    EXPECT_TRUE(world.record(assetID(2)));
+    album.localIdentifier = u"album"_s;
+    library.albums = {album};
+    library.inAlbum[u"album"_s] = {assetID(2)};
+    albums.setSelectedSourceAlbumID(u"album"_s);
+    preferences.setString(preferenceKeys::sourceAlbumTitle, u"Yaz %1"_s);
+    const QStringList lines = printedBy([&] { observer.initialScan(); });
+    EXPECT_TRUE(lines.contains(u"[PhotoKit] İlk tarama: 1 medya (Yaz %1)"_s));
+    EXPECT_FALSE(record(assetID(1)));
+    EXPECT_TRUE(record(assetID(2)));
 }
 
-TEST(PhotoLibraryObserver, AnEmptyOrUnreadableSourceRecordsNothing) {
-    ObserverWorld world;
-    EXPECT_EQ(
-        printedBy([&] { world.observer.initialScan(); }),
-        (QStringList{QStringLiteral("[PhotoKit] İlk tarama: 0 medya (Tüm Kütüphane)"),
-                     QStringLiteral("[PhotoKit] 0 medya veritabanına atomik olarak eklendi")}));
-    world.library.unreadable = QStringLiteral("Disk takılı değil");
-    EXPECT_THROW(world.observer.initialScan(), PhotoLibraryError);
-    EXPECT_EQ(world.database.countPendingRecords(), 0);
+TEST_F(PhotoLibraryObserverTest, AnEmptyOrUnreadableSourceRecordsNothing) {
+    EXPECT_EQ(printedBy([&] { observer.initialScan(); }),
+              (QStringList{u"[PhotoKit] İlk tarama: 0 medya (Tüm Kütüphane)"_s,
+                           u"[PhotoKit] 0 medya veritabanına atomik olarak eklendi"_s}));
+    library.unreadable = u"Disk takılı değil"_s;
+    EXPECT_THROW(observer.initialScan(), PhotoLibraryError);
+    EXPECT_EQ(database.countPendingRecords(), 0);
 }
 
-TEST(PhotoLibraryObserver, ScanningAgainKeepsProgress) {
-    ObserverWorld world;
-    world.library.add(assetID(1), QStringLiteral("1.bin"));
-    world.observer.initialScan();
-    world.setStatus(assetID(1), SyncStatus::verified, QStringLiteral("remote"));
-    world.observer.initialScan();
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
-    EXPECT_EQ(world.database.fetchRecordsOfAsset(assetID(1)).size(), 1U);
-}
-
-TEST(PhotoLibraryObserver, RecoversStagedFilesBeforeTheScan) {
-    ObserverWorld world;
-    const auto folder = world.folders.permanentStaging();
+TEST_F(PhotoLibraryObserverTest, RecoversStagedFilesBeforeTheScan) {
     const auto name = [](const char* rest) { return pathFrom(uuid + QString::fromUtf8(rest)); };
-    replaceFile(folder / name("_L0_001_IMG_0001.HEIC"), "12345");
-    replaceFile(folder / name("_clip.MOV"), "1");
-    replaceFile(folder / "notes.txt", "1");
-    replaceFile(folder / pathFrom(u'.' + uuid + QStringLiteral("_L0_002_a.jpg.part")), "1");
-    std::filesystem::create_directory(folder / name("_L0_003_folder"));
-    world.library.add(uuid + QStringLiteral("/L0/001"), QStringLiteral("IMG_0001.HEIC"));
-    const QStringList lines = printedBy([&] { world.observer.initialScan(); });
+    replaceFile(permanent / name("_L0_001_IMG_0001.HEIC"), "12345");
+    replaceFile(permanent / name("_clip.MOV"), "1");
+    replaceFile(permanent / "notes.txt", "1");
+    replaceFile(permanent / pathFrom(u'.' + uuid + u"_L0_002_a.jpg.part"_s), "1");
+    std::filesystem::create_directory(permanent / name("_L0_003_folder"));
+    library.add(uuid + u"/L0/001"_s, u"IMG_0001.HEIC"_s);
+    const QStringList lines = printedBy([&] { observer.initialScan(); });
 
-    EXPECT_EQ(lines.first(), QStringLiteral("[PhotoKit] 🔄 Kalıcı staging uzlaştırması: 2 "
-                                            "kurtarılmış dosya STAGED olarak korundu"));
-    const SyncRecord still = world.record(uuid + QStringLiteral("/L0/001")).value();
+    EXPECT_EQ(lines.first(), u"[PhotoKit] 🔄 Kalıcı staging uzlaştırması: 2 "
+                             "kurtarılmış dosya STAGED olarak korundu"_s);
+    const SyncRecord still = record(uuid + u"/L0/001"_s).value();
     EXPECT_EQ(still.syncStatus, SyncStatus::staged);
     EXPECT_EQ(still.mediaType, MediaType::photo);
     EXPECT_EQ(still.fileSizeBytes, 5);
-    EXPECT_EQ(world.record(uuid)->mediaType, MediaType::video);
-    EXPECT_EQ(world.database.countPendingRecords(), 2);
-    EXPECT_EQ(world.library.exported(), QStringList()) << "a recovered file is not exported again";
+    EXPECT_EQ(record(uuid)->mediaType, MediaType::video);
+    EXPECT_EQ(database.countPendingRecords(), 2);
+    EXPECT_EQ(library.exported(), QStringList()) << "a recovered file is not exported again";
 }
 
-TEST(PhotoLibraryObserver, AStagingFolderThatCannotBeListedDoesNotStopTheScan) {
-    ObserverWorld world;
-    world.library.add(assetID(1), QStringLiteral("1.bin"));
-    const auto folder = world.folders.permanentStaging();
-    std::filesystem::remove(folder);
-    EXPECT_EQ(printedBy([&] { world.observer.reconcilePermanentStagingAssets(); }), QStringList());
-    replaceFile(folder, "a file in the folder's place");
-    const QStringList lines = printedBy([&] { world.observer.initialScan(); });
+TEST_F(PhotoLibraryObserverTest, AStagingFolderThatCannotBeListedDoesNotStopTheScan) {
+    library.add(assetID(1), u"1.bin"_s);
+    std::filesystem::remove(permanent);
+    EXPECT_EQ(printedBy([&] { observer.reconcilePermanentStagingAssets(); }), QStringList());
+    replaceFile(permanent, "a file in the folder's place");
+    const QStringList lines = printedBy([&] { observer.initialScan(); });
     EXPECT_EQ(lines.first(),
-              QStringLiteral(
-                  "[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: Klasör okunamadı: %1 "
-                  "(klasör değil)")
-                  .arg(pathText(folder)));
-    EXPECT_TRUE(world.record(assetID(1)));
+              u"[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: Klasör okunamadı: %1 "
+              "(klasör değil)"_s.arg(pathText(permanent)));
+    EXPECT_TRUE(record(assetID(1)));
 }
 
-TEST(PhotoLibraryObserver, TellsAStoreThatFails) {
-    ObserverWorld world;
-    DatabaseManager broken(world.folder.path(), world.console);
-    PhotoLibraryObserver observer(world.library, broken, world.staging, world.albums,
-                                  world.preferences, world.console);
-    world.library.add(assetID(1), QStringLiteral("1.bin"));
-    QStringList lines = printedBy([&] { observer.initialScan(); });
-    EXPECT_EQ(lines.filter(QStringLiteral("[PhotoKit] İlk tarama DB hatası: [DB] ")).size(), 1);
-    lines = printedBy([&] { observer.processNewAssets(world.library.assets()); });
-    EXPECT_EQ(
-        lines.filter(QStringLiteral("[PhotoKit] Kayıt hatası %1: [DB] ").arg(assetID(1))).size(),
-        1);
+TEST_F(PhotoLibraryObserverTest, TellsAStoreThatFails) {
+    DatabaseManager broken(folder.path(), console);
+    PhotoLibraryObserver helpless(library, broken, staging, albums, preferences, console);
+    library.add(assetID(1), u"1.bin"_s);
+    QStringList lines = printedBy([&] { helpless.initialScan(); });
+    EXPECT_EQ(lines.filter(u"[PhotoKit] İlk tarama DB hatası: [DB] "_s).size(), 1);
+    lines = printedBy([&] { helpless.processNewAssets(library.assets()); });
+    EXPECT_EQ(lines.filter(u"[PhotoKit] Kayıt hatası %1: [DB] "_s.arg(assetID(1))).size(), 1);
 }
 
-TEST(PhotoLibraryObserver, RecordsWhatIsAddedAndIgnoresWhatIsRemoved) {
-    ObserverWorld world;
-    world.library.add(assetID(1), QStringLiteral("1.bin"));
-    const std::vector<PhotoAsset> first = world.library.assets();
-    world.observer.start();
-    ASSERT_TRUE(world.waitForStatus(assetID(1), SyncStatus::staged));
+TEST_F(PhotoLibraryObserverTest, RecordsWhatIsAddedAndIgnoresWhatIsRemoved) {
+    library.add(assetID(1), u"1.bin"_s);
+    const std::vector<PhotoAsset> first = library.assets();
+    observer.start();
+    ASSERT_TRUE(waitForStatus(assetID(1), SyncStatus::staged));
 
-    world.library.add(assetID(2), QStringLiteral("2.bin"));
-    const std::vector<PhotoAsset> both = world.library.assets();
+    library.add(assetID(2), u"2.bin"_s);
+    const std::vector<PhotoAsset> both = library.assets();
     QStringList lines = printedBy([&] {
-        world.library.announce({both[1]}, {});
-        world.library.announce(both, {}); // known ones again
-        EXPECT_TRUE(world.waitForStatus(assetID(2), SyncStatus::staged));
+        library.announce({both[1]}, {});
+        library.announce(both, {}); // known ones again
+        EXPECT_TRUE(waitForStatus(assetID(2), SyncStatus::staged));
     });
-    EXPECT_EQ(photoKitLines(lines),
-              (QStringList{QStringLiteral("[PhotoKit] 1 yeni medya algılandı"),
-                           QStringLiteral("[PhotoKit] 2 yeni medya algılandı")}));
+    EXPECT_EQ(photoKitLines(lines), (QStringList{u"[PhotoKit] 1 yeni medya algılandı"_s,
+                                                 u"[PhotoKit] 2 yeni medya algılandı"_s}));
 
-    lines = printedBy([&] { world.library.announce({}, first); });
+    lines = printedBy([&] { library.announce({}, first); });
     EXPECT_EQ(lines, QStringList());
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::staged);
+    EXPECT_EQ(status(assetID(1)), SyncStatus::staged);
 
-    world.observer.stop();
-    EXPECT_FALSE(world.library.hasObserver());
-    EXPECT_EQ(world.database.countPendingRecords(), 2);
+    observer.stop();
+    EXPECT_FALSE(library.hasObserver());
+    EXPECT_EQ(database.countPendingRecords(), 2);
 }
 
-TEST(PhotoLibraryObserver, DropsNotificationsBeforeTheFirstScan) {
-    ObserverWorld world;
-    world.library.add(assetID(1), QStringLiteral("1.bin"));
-    world.library.registerChangeObserver(world.observer);
-    EXPECT_EQ(printedBy([&] { world.library.announce(world.library.assets(), {}); }),
-              QStringList());
+TEST_F(PhotoLibraryObserverTest, DropsNotificationsBeforeTheFirstScan) {
+    library.add(assetID(1), u"1.bin"_s);
+    library.registerChangeObserver(observer);
+    EXPECT_EQ(printedBy([&] { library.announce(library.assets(), {}); }), QStringList());
 }
 
-TEST(PhotoLibraryObserver, StartsAndStopsOnTheMainThreadFromAnyThread) {
-    ObserverWorld world;
-    std::thread([&] { world.observer.start(); }).join();
-    EXPECT_FALSE(world.library.hasObserver());
-    EXPECT_TRUE(waitOnMainThread([&] { return world.library.hasObserver(); }));
-    std::thread([&] { world.observer.stop(); }).join();
-    EXPECT_TRUE(world.library.hasObserver());
-    EXPECT_TRUE(waitOnMainThread([&] { return !world.library.hasObserver(); }));
+TEST_F(PhotoLibraryObserverTest, StartsAndStopsOnTheMainThreadFromAnyThread) {
+    std::thread([&] { observer.start(); }).join();
+    EXPECT_FALSE(library.hasObserver());
+    EXPECT_TRUE(waitOnMainThread([&] { return library.hasObserver(); }));
+    std::thread([&] { observer.stop(); }).join();
+    EXPECT_TRUE(library.hasObserver());
+    EXPECT_TRUE(waitOnMainThread([&] { return !library.hasObserver(); }));
 }
 
 TEST(PhotoLibraryObserver, EndsPromptlyWithAScanInFlight) {

@@ -3,11 +3,13 @@
 #include "library/SafeDeletionService.h"
 #include "store/Sqlite.h"
 
+using namespace Qt::StringLiterals;
+
 namespace quorvane::test {
 
 namespace {
 
-const QString prefix = QStringLiteral("[SafeDeletion] ");
+const QString prefix = u"[SafeDeletion] "_s;
 
 struct DeletionWorld : World {
     SafeDeletionService deletion{database, staging, library, log};
@@ -16,62 +18,69 @@ struct DeletionWorld : World {
     void verify(int number) {
         discover(assetID(number));
         staging.stageDiscoveredAssets();
-        setStatus(assetID(number), SyncStatus::verified, QStringLiteral("remote"));
+        setStatus(assetID(number), SyncStatus::verified, u"remote"_s);
     }
 };
 
+class SafeDeletionServiceTest : public testing::Test, protected DeletionWorld {};
+
 } // namespace
 
-TEST(SafeDeletionService, RemovesVerifiedOriginalsAfterConsent) {
-    DeletionWorld world;
-    world.verify(1);
-    world.discover(assetID(2));
-    world.staging.stageDiscoveredAssets();
-    world.deletion.performDeletion(true);
+TEST_F(SafeDeletionServiceTest, RemovesVerifiedOriginalsAfterConsent) {
+    verify(1);
+    discover(assetID(2));
+    staging.stageDiscoveredAssets();
+    deletion.performDeletion(true);
 
-    EXPECT_EQ(
-        world.log.messages().filter(prefix),
-        (QStringList{
-            prefix + QStringLiteral("1 silme adayı bulundu, güvenlik doğrulaması yapılıyor..."),
-            prefix + QStringLiteral("1 doğrulanmış medya için Apple Photos sistem onayına "
-                                    "sunuluyor..."),
-            prefix + QStringLiteral("✅ Güvenle silindi ve staging temizlendi: ") + assetID(1),
-        }));
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::deletedLocally);
-    EXPECT_EQ(world.record(assetID(1))->remoteMediaID, QStringLiteral("remote"));
-    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
-    ASSERT_EQ(world.library.assets().size(), 1U);
-    EXPECT_EQ(world.library.assets().front().localIdentifier, assetID(2));
-    EXPECT_TRUE(world.staging.findStagingFile(assetID(2)));
+    EXPECT_EQ(log.messages().filter(prefix),
+              (QStringList{
+                  prefix + u"1 silme adayı bulundu, güvenlik doğrulaması yapılıyor..."_s,
+                  prefix + u"1 doğrulanmış medya için Apple Photos sistem onayına "
+                           "sunuluyor..."_s,
+                  prefix + u"✅ Güvenle silindi ve staging temizlendi: "_s + assetID(1),
+              }));
+    EXPECT_EQ(status(assetID(1)), SyncStatus::deletedLocally);
+    EXPECT_EQ(record(assetID(1))->remoteMediaID, u"remote"_s);
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
+    ASSERT_EQ(library.assets().size(), 1U);
+    EXPECT_EQ(library.assets().front().localIdentifier, assetID(2));
+    EXPECT_TRUE(staging.findStagingFile(assetID(2)));
 
-    world.deletion.performDeletion(true);
-    EXPECT_EQ(world.log.messages().last(),
-              prefix + QStringLiteral("Silinecek VERIFIED aday bulunamadı."));
+    deletion.performDeletion(true);
+    EXPECT_EQ(log.messages().last(), prefix + u"Silinecek VERIFIED aday bulunamadı."_s);
 }
 
-TEST(SafeDeletionService, KeepsWhatChangedSinceItWasBackedUp) {
-    DeletionWorld world;
-    world.verify(1);
-    PhotoAsset replaced = world.library.assets().front();
-    world.library.remove(replaced.localIdentifier);
-    replaced.modificationDate = world.record(assetID(1))->createdAt;
-    world.library.add({replaced, {}, {}});
-    world.deletion.performDeletion(true);
-    EXPECT_EQ(world.log.messages().last(),
-              prefix + QStringLiteral("⚠️ Yedeklendikten sonra değişmiş, silinmeyecek: ") +
-                  assetID(1));
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
-    EXPECT_EQ(world.library.assets().size(), 1U);
-}
-
-TEST(SafeDeletionService, SwitchedOffDoesNothing) {
-    DeletionWorld world;
-    world.verify(1);
-    world.deletion.performDeletion(false);
-    EXPECT_EQ(world.log.messages().filter(prefix),
-              QStringList{prefix + QStringLiteral("Otomatik silme kapalı, işlem atlandı.")});
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
-    EXPECT_EQ(world.library.assets().size(), 1U);
+TEST(SafeDeletionService, LeavesEverythingWhereItMayNotDelete) {
+    const auto refuse = [](DeletionWorld& world) {
+        world.library.onDelete = [] { throw PhotoLibraryError(u"Vazgeçildi"_s); };
+    };
+    const auto changeOriginal = [](DeletionWorld& world) {
+        PhotoAsset changed = world.library.assets().front();
+        world.library.remove(changed.localIdentifier);
+        changed.modificationDate = world.record(assetID(1))->createdAt;
+        world.library.add({changed, {}, {}});
+    };
+    const struct {
+        std::function<void(DeletionWorld&)> prepare;
+        bool isEnabled;
+        QString line;
+    } cases[] = {
+        {[](auto&) {}, false, u"Otomatik silme kapalı, işlem atlandı."_s},
+        {refuse, true,
+         u"ℹ️ Sistem silme diyaloğu iptal edildi veya reddedildi: Vazgeçildi"_s},
+        {changeOriginal, true,
+         u"⚠️ Yedeklendikten sonra değişmiş, silinmeyecek: "_s + assetID(1)},
+    };
+    for (const auto& each : cases) {
+        DeletionWorld world;
+        world.verify(1);
+        each.prepare(world);
+        world.deletion.performDeletion(each.isEnabled);
+        EXPECT_EQ(world.log.messages().last(), prefix + each.line);
+        EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
+        EXPECT_TRUE(world.staging.findStagingFile(assetID(1)));
+        EXPECT_EQ(world.library.assets().size(), 1U);
+    }
 }
 
 TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
@@ -80,10 +89,10 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
         std::optional<QString> remoteMediaID;
         bool isDeleted;
     } cases[] = {
-        {SyncStatus::verified, QStringLiteral("remote too"), true},
+        {SyncStatus::verified, u"remote too"_s, true},
         {SyncStatus::verified, QString(QLatin1String("")), false},
         {SyncStatus::verified, std::nullopt, false},
-        {SyncStatus::staged, QStringLiteral("remote too"), false},
+        {SyncStatus::staged, u"remote too"_s, false},
         {SyncStatus::failed, std::nullopt, false},
     };
     for (const auto& each : cases) {
@@ -91,7 +100,7 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
         world.verify(1);
         SyncRecord other;
         other.assetLocalIdentifier = assetID(1);
-        other.accountID = QStringLiteral("second");
+        other.accountID = u"second"_s;
         other.syncStatus = each.status;
         other.remoteMediaID = each.remoteMediaID;
         world.database.upsertRecord(other);
@@ -101,70 +110,52 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
         for (const SyncRecord& record : world.database.fetchRecordsOfAsset(assetID(1)))
             EXPECT_EQ(record.syncStatus == SyncStatus::deletedLocally, each.isDeleted);
         if (!each.isDeleted) {
-            EXPECT_EQ(world.log.messages().last(),
-                      prefix + QStringLiteral("Güvenlik kontrolünden geçen aday yok "
-                                              "(Zero-Data-Loss koruması devrede)."));
+            EXPECT_EQ(world.log.messages().last(), prefix + u"Güvenlik kontrolünden geçen aday yok "
+                                                            "(Zero-Data-Loss koruması devrede)."_s);
         }
     }
 }
 
-TEST(SafeDeletionService, ARefusalLeavesEverything) {
-    DeletionWorld world;
-    world.verify(1);
-    world.library.onDelete = [] { throw PhotoLibraryError(QStringLiteral("Vazgeçildi")); };
-    world.deletion.performDeletion(true);
-    EXPECT_EQ(world.log.messages().last(),
-              prefix + QStringLiteral("ℹ️ Sistem silme diyaloğu iptal edildi veya reddedildi: "
-                                      "Vazgeçildi"));
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
-    EXPECT_TRUE(world.staging.findStagingFile(assetID(1)));
-    EXPECT_EQ(world.library.assets().size(), 1U);
-}
-
-TEST(SafeDeletionService, DoesNotAskForAssetsThatAreGoneNorAfterAStop) {
-    DeletionWorld world;
-    world.verify(1);
-    world.verify(2);
+TEST_F(SafeDeletionServiceTest, DoesNotAskForAssetsThatAreGoneNorAfterAStop) {
+    verify(1);
+    verify(2);
     bool wasAsked = false;
-    world.library.onDelete = [&] { wasAsked = true; };
+    library.onDelete = [&] { wasAsked = true; };
     std::stop_source stop;
     stop.request_stop();
-    world.deletion.performDeletion(true, stop.get_token());
+    deletion.performDeletion(true, stop.get_token());
 
-    world.library.remove(assetID(1));
-    world.library.remove(assetID(2));
-    world.deletion.performDeletion(true);
-    EXPECT_EQ(world.log.messages().last(), prefix + QStringLiteral("PHAsset bulunamadı: ") +
-                                               assetID(1) + QStringLiteral(", ") + assetID(2));
-    EXPECT_FALSE(wasAsked);
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
-}
-
-TEST(SafeDeletionService, ABrokenStoreHasNoCandidates) {
-    DeletionWorld world;
-    DatabaseManager broken(world.folder.path(), world.console);
-    SafeDeletionService deletion(broken, world.staging, world.library, world.log);
+    library.remove(assetID(1));
+    library.remove(assetID(2));
     deletion.performDeletion(true);
-    EXPECT_EQ(world.log.messages().filter(prefix),
-              QStringList{prefix + QStringLiteral("Silinecek VERIFIED aday bulunamadı.")});
+    EXPECT_EQ(log.messages().last(),
+              prefix + u"PHAsset bulunamadı: "_s + assetID(1) + u", "_s + assetID(2));
+    EXPECT_FALSE(wasAsked);
+    EXPECT_EQ(status(assetID(1)), SyncStatus::verified);
 }
 
-TEST(SafeDeletionService, CleansUpAlsoWhenTheStoreFailsAfterTheDeletion) {
-    DeletionWorld world;
-    world.verify(1);
-    world.library.onDelete = [&] {
-        sqlite::Connection other(world.folders.database(),
-                                 sqlite::Connection::Mode::readWriteCreate);
+TEST_F(SafeDeletionServiceTest, ABrokenStoreHasNoCandidates) {
+    DatabaseManager broken(folder.path(), console);
+    SafeDeletionService helpless(broken, staging, library, log);
+    helpless.performDeletion(true);
+    EXPECT_EQ(log.messages().filter(prefix),
+              QStringList{prefix + u"Silinecek VERIFIED aday bulunamadı."_s});
+}
+
+TEST_F(SafeDeletionServiceTest, CleansUpAlsoWhenTheStoreFailsAfterTheDeletion) {
+    verify(1);
+    library.onDelete = [&] {
+        sqlite::Connection other(folders.database(), sqlite::Connection::Mode::readWriteCreate);
         other.execute("CREATE TRIGGER refuse BEFORE UPDATE ON sync_records "
                       "BEGIN SELECT RAISE(ABORT, 'refused'); END;");
     };
-    world.deletion.performDeletion(true);
-    EXPECT_TRUE(world.log.contains(
-        prefix + QStringLiteral("⚠️ DB güncelleme hatası: [DB] Step failed: refused")));
-    EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
-    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
-    EXPECT_EQ(world.log.messages().last(),
-              prefix + QStringLiteral("✅ Güvenle silindi ve staging temizlendi: ") + assetID(1));
+    deletion.performDeletion(true);
+    EXPECT_TRUE(
+        log.contains(prefix + u"⚠️ DB güncelleme hatası: [DB] Step failed: refused"_s));
+    EXPECT_EQ(status(assetID(1)), SyncStatus::verified);
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
+    EXPECT_EQ(log.messages().last(),
+              prefix + u"✅ Güvenle silindi ve staging temizlendi: "_s + assetID(1));
 }
 
 } // namespace quorvane::test

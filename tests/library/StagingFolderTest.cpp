@@ -7,12 +7,14 @@
 
 #include <fcntl.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quorvane::test {
 
 namespace {
 
 QString prefix(int number) {
-    return QStringLiteral("%1_L0_001").arg(number, 6, 10, QChar(u'0'));
+    return u"%1_L0_001"_s.arg(number, 6, 10, QChar(u'0'));
 }
 
 void addFile(const std::filesystem::path& folder, const QString& name) {
@@ -24,13 +26,13 @@ int listingsOfAWorkingDay(int count) {
     const TemporaryFolder temporary;
     StagingFolder folder(temporary.path(), StagingFolder::Access::any);
     for (int i = 0; i < count; ++i)
-        addFile(temporary.path(), prefix(i) + QStringLiteral("_a.jpg"));
+        addFile(temporary.path(), prefix(i) + u"_a.jpg"_s);
     for (int i = 0; i < 200; ++i) {
         const QString added = prefix(count + i);
         EXPECT_FALSE(folder.find(added));
         {
-            const StagingFolder::OwnChange change(folder, pathFrom(added + QStringLiteral("_b")));
-            addFile(temporary.path(), added + QStringLiteral("_b"));
+            const StagingFolder::OwnChange change(folder, pathFrom(added + u"_b"_s));
+            addFile(temporary.path(), added + u"_b"_s);
         }
         EXPECT_TRUE(folder.find(added));
         EXPECT_TRUE(folder.find(prefix(i)));
@@ -53,17 +55,17 @@ TEST(StagingFolder, NoticesWhatOthersDo) {
         const TemporaryFolder temporary;
         StagingFolder folder(temporary.path(), StagingFolder::Access::any);
         for (int i = 0; i < count; ++i)
-            addFile(temporary.path(), prefix(i) + QStringLiteral("_a.jpg"));
+            addFile(temporary.path(), prefix(i) + u"_a.jpg"_s);
         // A time stamp well in the past, so that the next change is told apart from it.
         std::filesystem::last_write_time(temporary.path(), {});
         const QString wanted = prefix(1000);
         EXPECT_FALSE(folder.find(wanted));
-        addFile(temporary.path(), wanted + QStringLiteral("_z.jpg"));
-        EXPECT_EQ(folder.find(wanted), temporary / pathFrom(wanted + QStringLiteral("_z.jpg")));
-        std::filesystem::rename(temporary / pathFrom(wanted + QStringLiteral("_z.jpg")),
-                                temporary / pathFrom(wanted + QStringLiteral("_b.jpg")));
-        EXPECT_EQ(folder.find(wanted), temporary / pathFrom(wanted + QStringLiteral("_b.jpg")));
-        std::filesystem::remove(temporary / pathFrom(wanted + QStringLiteral("_b.jpg")));
+        addFile(temporary.path(), wanted + u"_z.jpg"_s);
+        EXPECT_EQ(folder.find(wanted), temporary / pathFrom(wanted + u"_z.jpg"_s));
+        std::filesystem::rename(temporary / pathFrom(wanted + u"_z.jpg"_s),
+                                temporary / pathFrom(wanted + u"_b.jpg"_s));
+        EXPECT_EQ(folder.find(wanted), temporary / pathFrom(wanted + u"_b.jpg"_s));
+        std::filesystem::remove(temporary / pathFrom(wanted + u"_b.jpg"_s));
         EXPECT_FALSE(folder.find(wanted));
     }
 }
@@ -73,41 +75,39 @@ TEST(StagingFolder, FindsFilesByPlainPrefixAndNothingThatIsNoFile) {
     StagingFolder folder(temporary.path(), StagingFolder::Access::any);
     std::filesystem::create_directory(temporary / "A_folder");
     std::filesystem::create_symlink("/", temporary / "A_link");
-    EXPECT_FALSE(folder.find(QStringLiteral("A")));
-    addFile(temporary.path(), QStringLiteral("AB_2.jpg"));
-    addFile(temporary.path(), QStringLiteral("A_1.jpg"));
-    EXPECT_EQ(folder.find(QStringLiteral("A")), temporary / "AB_2.jpg");
-    EXPECT_FALSE(folder.find(QStringLiteral("B")));
+    EXPECT_FALSE(folder.find(u"A"_s));
+    addFile(temporary.path(), u"AB_2.jpg"_s);
+    addFile(temporary.path(), u"A_1.jpg"_s);
+    EXPECT_EQ(folder.find(u"A"_s), temporary / "AB_2.jpg");
+    EXPECT_FALSE(folder.find(u"B"_s));
     EXPECT_FALSE(folder.find(QString()));
 
     StagingFolder absent(temporary / "absent", StagingFolder::Access::any);
-    EXPECT_FALSE(absent.find(QStringLiteral("A")));
-    absent.removeAll(QStringLiteral("A"));
+    EXPECT_FALSE(absent.find(u"A"_s));
+    absent.removeAll(u"A"_s);
     EXPECT_FALSE(absent.isUsable());
 }
 
 TEST(StagedName, IsSafeAndShortAndKeepsTheExtension) {
-    const QString id = QStringLiteral("0A1B2C3D-0000-4000-8000-000000000000/L0/001");
-    const QString safe = QStringLiteral("0A1B2C3D-0000-4000-8000-000000000000_L0_001");
+    const QString id = u"0A1B2C3D-0000-4000-8000-000000000000/L0/001"_s;
+    const QString safe = u"0A1B2C3D-0000-4000-8000-000000000000_L0_001"_s;
     EXPECT_EQ(safeId(id), safe);
-    EXPECT_EQ(safeId(QStringLiteral("plain")), QStringLiteral("plain"));
+    EXPECT_EQ(safeId(u"plain"_s), u"plain"_s);
     const struct {
         QString filename, expected;
     } cases[] = {
-        {QStringLiteral("IMG_1.HEIC"), QStringLiteral("_IMG_1.HEIC")},
-        {QStringLiteral("../../etc/passwd"), QStringLiteral("_.._.._etc_passwd")},
-        {QStringLiteral(".."), QStringLiteral("_..")},
-        {QString(u'a') + QChar::Null + u'b', QStringLiteral("_a_b")},
-        {QStringLiteral("çiçek 🌼.jpg"), QStringLiteral("_çiçek 🌼.jpg")},
-        {QString(200, u'n') + QStringLiteral(".jpg"),
-         u'_' + QString(200, u'n') + QStringLiteral(".jpg")},
+        {u"IMG_1.HEIC"_s, u"_IMG_1.HEIC"_s},
+        {u"../../etc/passwd"_s, u"_.._.._etc_passwd"_s},
+        {u".."_s, u"_.."_s},
+        {QString(u'a') + QChar::Null + u'b', u"_a_b"_s},
+        {u"çiçek 🌼.jpg"_s, u"_çiçek 🌼.jpg"_s},
+        {QString(200, u'n') + u".jpg"_s, u'_' + QString(200, u'n') + u".jpg"_s},
     };
     for (const auto& each : cases)
         EXPECT_EQ(pathText(stagedFileName(id, each.filename)), safe + each.expected);
 
-    for (const QString& letter : {QStringLiteral("n"), QStringLiteral("ş"), QStringLiteral("🌼")}) {
-        const std::string name =
-            stagedFileName(id, letter.repeated(400) + QStringLiteral(".HEIC")).native();
+    for (const QString& letter : {u"n"_s, u"ş"_s, u"🌼"_s}) {
+        const std::string name = stagedFileName(id, letter.repeated(400) + u".HEIC"_s).native();
         EXPECT_LE(name.size(), 249U);
         EXPECT_GT(name.size(), 240U);
         EXPECT_TRUE(name.ends_with(letter.toStdString() + ".HEIC"));

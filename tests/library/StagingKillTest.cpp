@@ -26,11 +26,6 @@ constexpr int kills = 20; // a slow start each, and no new thread to look at
 constexpr int kills = 200;
 #endif
 
-class NoConsent final : public DeletionConfirmation {
-  public:
-    bool confirmDeletion(int) override { return false; }
-};
-
 /// The same folders for the process that stages and the one that kills it.
 struct StagedWorld {
     explicit StagedWorld(const std::filesystem::path& home)

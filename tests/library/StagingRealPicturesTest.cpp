@@ -9,11 +9,6 @@ namespace quorvane::test {
 
 namespace {
 
-class NoConsent final : public DeletionConfirmation {
-  public:
-    bool confirmDeletion(int) override { return false; }
-};
-
 std::map<std::filesystem::path, QByteArray> contentOf(const std::filesystem::path& folder) {
     std::map<std::filesystem::path, QByteArray> content;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))

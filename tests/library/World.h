@@ -2,6 +2,7 @@
 
 #include "FakePhotoLibrary.h"
 #include "library/AssetStagingService.h"
+#include "library/DeletionConfirmation.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -23,10 +24,16 @@ QStringList printedBy(Work&& work) {
         .split(u'\n', Qt::SkipEmptyParts);
 }
 
+class NoConsent final : public DeletionConfirmation {
+  public:
+    bool confirmDeletion(int) override { return false; }
+};
+
 /// A staging service over a real store and real folders.
 struct World {
     TemporaryFolder folder;
     UserFolders folders{folder.path(), folder / "Pictures", folder / "temporary/QuorvaneStaging"};
+    std::filesystem::path permanent = folders.permanentStaging();
     Console console;
     RecordingLog log;
     FakeClock clock;
@@ -69,7 +76,7 @@ struct World {
         names.sort();
         return names;
     }
-    QStringList stagedNames() const { return names(folders.permanentStaging()); }
+    QStringList stagedNames() const { return names(permanent); }
 };
 
 } // namespace quorvane::test
