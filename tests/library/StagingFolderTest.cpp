@@ -59,13 +59,14 @@ TEST(StagingFolder, NoticesWhatOthersDo) {
         // A time stamp well in the past, so that the next change is told apart from it.
         std::filesystem::last_write_time(temporary.path(), {});
         const QString wanted = prefix(1000);
+        const auto first = temporary / pathFrom(wanted + u"_z.jpg"_s);
+        const auto second = temporary / pathFrom(wanted + u"_b.jpg"_s);
         EXPECT_FALSE(folder.find(wanted));
-        addFile(temporary.path(), wanted + u"_z.jpg"_s);
-        EXPECT_EQ(folder.find(wanted), temporary / pathFrom(wanted + u"_z.jpg"_s));
-        std::filesystem::rename(temporary / pathFrom(wanted + u"_z.jpg"_s),
-                                temporary / pathFrom(wanted + u"_b.jpg"_s));
-        EXPECT_EQ(folder.find(wanted), temporary / pathFrom(wanted + u"_b.jpg"_s));
-        std::filesystem::remove(temporary / pathFrom(wanted + u"_b.jpg"_s));
+        openFile(first, O_WRONLY | O_CREAT);
+        EXPECT_EQ(folder.find(wanted), first);
+        std::filesystem::rename(first, second);
+        EXPECT_EQ(folder.find(wanted), second);
+        std::filesystem::remove(second);
         EXPECT_FALSE(folder.find(wanted));
     }
 }
