@@ -11,6 +11,8 @@ struct StoreCounts {
     int undated = 0;
     int pending = 0;
 
+    bool operator==(const StoreCounts&) const = default;
+
     /// Throws `DBError`.
     static StoreCounts of(DatabaseManager& db);
 };

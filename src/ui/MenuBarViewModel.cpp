@@ -92,16 +92,7 @@ MenuBarViewModel::Account MenuBarViewModel::readAccount() {
 MenuBarViewModel::Counts MenuBarViewModel::readCounts() {
     Counts counts;
     try {
-        for (const auto& [status, count] : s_.db.countByStatus()) {
-            if (status == SyncStatus::discovered || status == SyncStatus::staged)
-                counts.pending += count;
-            else if (status == SyncStatus::verified || status == SyncStatus::deletedLocally)
-                counts.verified += count;
-            else if (status == SyncStatus::failed)
-                counts.failed = count;
-            else if (status == SyncStatus::dateUnresolved)
-                counts.undated = count;
-        }
+        counts.records = StoreCounts::of(s_.db);
         counts.categories = s_.db.fetchFailedCategorySummaries();
     } catch (const DBError&) { // NOLINT(bugprone-empty-catch)
         // A store that is busy or broken reads as empty: the display must not fail with it.
@@ -126,9 +117,9 @@ void MenuBarViewModel::publishState(int refresh, Account account, Counts counts)
     publish(account_, std::move(account), &MenuBarViewModel::accountChanged);
     publish(counts_, std::move(counts), &MenuBarViewModel::countsChanged);
     publish(statusMessage_,
-            counts_.pending < 1 ? QStringLiteral("Arşiviniz güncel ve güvende")
-                                : QLocale().toString(counts_.pending) +
-                                      QStringLiteral(" yeni öğe eşitlenmeyi bekliyor"),
+            counts_.records.pending < 1 ? QStringLiteral("Arşiviniz güncel ve güvende")
+                                        : QLocale().toString(counts_.records.pending) +
+                                              QStringLiteral(" yeni öğe eşitlenmeyi bekliyor"),
             &MenuBarViewModel::statusMessageChanged);
     if (account_.isSignedIn && googleAlbums_.empty() && !isLoadingGoogleAlbums_ &&
         !knowsGoogleAlbums_)

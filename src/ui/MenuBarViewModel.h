@@ -6,6 +6,7 @@
 #include "google/GoogleOAuthManager.h"
 #include "library/TaskRunner.h"
 #include "metadata/MetadataTypes.h"
+#include "store/StoreCounts.h"
 #include "ui/Desktop.h"
 #include "ui/LibrarySession.h"
 #include "ui/LogListModel.h"
@@ -163,10 +164,10 @@ class MenuBarViewModel final : public QObject {
     double syncProgressFraction() const;   ///< 0...1
     double syncProgressPercentage() const; ///< 0...100
 
-    int pendingCount() const { return counts_.pending; }
-    int verifiedCount() const { return counts_.verified; }
-    int failedCount() const { return counts_.failed; }
-    int dateUnresolvedCount() const { return counts_.undated; }
+    int pendingCount() const { return counts_.records.pending; }
+    int verifiedCount() const { return counts_.records.verified; }
+    int failedCount() const { return counts_.records.failed; }
+    int dateUnresolvedCount() const { return counts_.records.undated; }
     const std::vector<FailedCategorySummary>& failedCategorySummaries() const {
         return counts_.categories;
     }
@@ -242,10 +243,7 @@ class MenuBarViewModel final : public QObject {
         bool operator==(const Account&) const = default;
     };
     struct Counts {
-        int pending = 0;
-        int verified = 0;
-        int failed = 0;
-        int undated = 0;
+        StoreCounts records;
         std::vector<FailedCategorySummary> categories;
         bool operator==(const Counts&) const = default;
     };

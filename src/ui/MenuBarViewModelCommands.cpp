@@ -121,10 +121,12 @@ void MenuBarViewModel::triggerSync() {
         return;
     const GoogleAlbum* album = selectedTargetAlbum();
     const QString title = album == nullptr ? QString() : album->title.value_or(QString());
-    if (album != nullptr && albumLimit::wouldOverflow(album->itemCount(), counts_.pending)) {
-        publish(preSync_,
-                PreSync{true, title, nextPartTitle(title), album->itemCount(), counts_.pending},
-                &MenuBarViewModel::sheetsChanged);
+    if (album != nullptr &&
+        albumLimit::wouldOverflow(album->itemCount(), counts_.records.pending)) {
+        publish(
+            preSync_,
+            PreSync{true, title, nextPartTitle(title), album->itemCount(), counts_.records.pending},
+            &MenuBarViewModel::sheetsChanged);
         return;
     }
     if (!isSelectedTargetAlbumFull()) {
@@ -160,7 +162,7 @@ void MenuBarViewModel::executeSyncLoop() {
     setRunning(true, SyncVisualState::syncing);
     publish(statusMessage_, QStringLiteral("Eşitleme başlatılıyor…"),
             &MenuBarViewModel::statusMessageChanged);
-    publishProgress(0, counts_.pending);
+    publishProgress(0, counts_.records.pending);
     endCause_ = EndCause::none;
     runStop_ = std::stop_source();
     transferTimer_.start();

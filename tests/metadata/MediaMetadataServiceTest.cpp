@@ -101,6 +101,10 @@ TEST_F(MediaMetadataServiceTest, AsksTheSourcesInTheirOrder) {
         {"00000000-0000-0000-0000-000000000000_L0_001_20150505_151515.mov", false, none, none, none,
          inName},
         {"IMG_0001.mov", false, none, none, none, none},
+        // The digits of an identifier tell nothing, those of a name that only looks like one do.
+        {"00000000-0000-4000-8000-A1614987000B_L0_001_IMG_0001.mov", false, none, none, none, none},
+        {"2015-05-05-abcdefabcdefabcdefabcdefa_IMG_0001.mov", false, none, none, none,
+         localDate(2015, 5, 5, 12, 0, 0)},
         {"20150505_151515.mov", true, absurdly, none, none, ofHeader},
         {"IMG_0001.mov", true, none, identifier, absurdly, ofDatabase},
         {"IMG_0001.mov", true, early, identifier, dated, Date()}, // 1970 is a date
