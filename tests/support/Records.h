@@ -11,4 +11,15 @@ inline DatabaseManager::RecordSource batchOf(std::vector<SyncRecord> records) {
     };
 }
 
+/// A batch of records named "0", "1"...
+inline DatabaseManager::RecordSource numberedBatch(int count) {
+    return [count, next = 0]() mutable -> std::optional<SyncRecord> {
+        if (next == count)
+            return std::nullopt;
+        SyncRecord record;
+        record.assetLocalIdentifier = QString::number(next++);
+        return record;
+    };
+}
+
 } // namespace quorvane::test

@@ -285,10 +285,7 @@ TEST_F(MenuBarViewModelTest, foreseesTheLimitOfAnAlbum) {
         SCOPED_TRACE(testing::Message() << row.items << " + " << row.pending);
         ModelWorld fresh;
         const QString id = fresh.world.google.addAlbum(u"Aile"_s, row.items);
-        std::vector<SyncRecord> records(static_cast<std::size_t>(row.pending));
-        for (std::size_t i = 0; i < records.size(); ++i)
-            records[i].assetLocalIdentifier = QString::number(i);
-        fresh.database.insertDiscoveredBatch(test::batchOf(records));
+        fresh.database.insertDiscoveredBatch(numberedBatch(row.pending));
         fresh.signIn();
         fresh.model->selectTargetAlbum(id);
         EXPECT_EQ(fresh.model->isSelectedTargetAlbumNearLimit(), row.isNear);
@@ -331,10 +328,7 @@ TEST_F(MenuBarViewModelTest, keepsItsSettings) {
 }
 
 TEST_F(MenuBarViewModelTest, refreshingHardlyTouchesTheMainThread) {
-    std::vector<SyncRecord> records(200'000);
-    for (std::size_t i = 0; i < records.size(); ++i)
-        records[i].assetLocalIdentifier = QString::number(i);
-    database.insertDiscoveredBatch(test::batchOf(records));
+    database.insertDiscoveredBatch(numberedBatch(200'000));
     openLibrary();
     std::vector<std::chrono::duration<double, std::milli>> times;
     for (int i = 0; i < 20; ++i) {
