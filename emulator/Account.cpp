@@ -25,7 +25,7 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
     case RequestKind::revoke:
         return oauth_.revoke(call);
     case RequestKind::userinfo:
-        return oauth_.userInfo(call, behaviour, now);
+        return oauth_.userInfo(call, now);
     case RequestKind::upload:
         requireScope(call, {appendScope}, now);
         return uploads_.receive(call, now);
@@ -61,8 +61,8 @@ void Account::requireScope(const Call& call, const QStringList& scopes, Date now
                                u"Request had invalid authentication credentials. Expected OAuth 2 "
                                "access token, login cookie or other valid authentication "
                                "credential."_s));
-    if (std::ranges::none_of(scopes,
-                             [&](const QString& scope) { return access->scopes.contains(scope); }))
+    if (std::ranges::none_of(
+            scopes, [&](const QString& scope) { return access->consent.scopes.contains(scope); }))
         throw insufficientScopes();
 }
 

@@ -61,6 +61,13 @@ CommandLine::Seed seedFrom(const QString& text) {
     return {.title = text.first(colon), .count = number(text.sliced(colon + 1), 0, largest)};
 }
 
+Person personFrom(const QString& text) {
+    const Person person{.id = text.section(u':', 0, 0), .email = text.section(u':', 1)};
+    if (person.id.isEmpty() || person.email.isEmpty())
+        throw UsageError(u"Geçersiz hesap tanımı: "_s + text);
+    return person;
+}
+
 struct Option {
     QString name;
     QString value; ///< what follows it, for the help; empty: nothing does
@@ -98,6 +105,8 @@ const std::vector<Option>& allOptions() {
          {},
          u"albüm listeleri 403 ile yanıtlanır"_s,
          [](L& l, const QString&) { l.options.behaviour.listingForbidden = true; }},
+        {u"--user"_s, u"NO:E-POSTA"_s, u"oturum açacak hesap"_s,
+         [](L& l, const QString& v) { l.options.behaviour.person = personFrom(v); }},
         {u"--fault"_s, u"TÜR:N:EYLEM"_s, u"N. istekte hata (birden çok kez verilebilir)"_s,
          [](L& l, const QString& v) { l.faults.push_back(faultFrom(v)); }},
         {u"--seed-album"_s, u"BAŞLIK:SAYI"_s,

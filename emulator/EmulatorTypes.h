@@ -40,6 +40,12 @@ inline constexpr std::array allRequestKinds{
 QString nameOf(RequestKind kind);
 std::optional<RequestKind> requestKindFrom(const QString& name);
 
+/// An account of the service, as it tells its clients.
+struct Person {
+    QString id = QStringLiteral("100000000000000000001"); ///< never changes, unlike the address
+    QString email = QStringLiteral("kullanici@example.com");
+};
+
 /// What the service may be told to do at any time.
 struct Behaviour {
     std::chrono::milliseconds latency{0};     ///< before every answer
@@ -48,8 +54,8 @@ struct Behaviour {
     std::int64_t albumCapacity = 20'000;      ///< media items in one album
     bool listingForbidden = false;            ///< album listings answer 403
     bool consentDenied = false;               ///< the person refuses the sign-in
-    QString email = QStringLiteral("kullanici@example.com");
-    QString clientSecret; ///< asked for at /token when not empty
+    Person person = {};                       ///< who signs in from now on
+    QString clientSecret;                     ///< asked for at /token when not empty
 };
 
 struct EmulatorOptions {

@@ -92,7 +92,7 @@ Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) 
     codes_.insert_or_assign(code, Code{.clientID = item("client_id"),
                                        .redirectURI = redirectURI,
                                        .challenge = item("code_challenge"),
-                                       .scopes = scopesFrom(scope),
+                                       .consent = {behaviour.person, scopesFrom(scope)},
                                        .isOffline = item("access_type") == u"offline"_s,
                                        .expiry = now + codeLifetime});
     location +=
@@ -139,11 +139,11 @@ Answer OAuth::redeemCode(const QUrlQuery& form, const Behaviour& behaviour, Date
 
     const auto lifetime = behaviour.tokenLifetime;
     const QString refreshToken =
-        code.isOffline ? tokens_.addGrant(code.clientID, code.scopes) : QString();
+        code.isOffline ? tokens_.addGrant(code.clientID, code.consent) : QString();
     QJsonObject answer{
-        {u"access_token"_s, tokens_.addAccess({now + lifetime, code.scopes, refreshToken})},
+        {u"access_token"_s, tokens_.addAccess({now + lifetime, code.consent, refreshToken})},
         {u"expires_in"_s, static_cast<qint64>(lifetime.count())},
-        {u"scope"_s, textOf(code.scopes)},
+        {u"scope"_s, textOf(code.consent.scopes)},
         {u"token_type"_s, u"Bearer"_s},
     };
     if (code.isOffline)
@@ -162,9 +162,9 @@ Answer OAuth::refresh(const QUrlQuery& form, const Behaviour& behaviour, Date no
         return oauthError(u"unauthorized_client"_s, u"Unauthorized"_s, 401);
     const auto lifetime = behaviour.tokenLifetime;
     return jsonAnswer({
-        {u"access_token"_s, tokens_.addAccess({now + lifetime, grant->scopes, refreshToken})},
+        {u"access_token"_s, tokens_.addAccess({now + lifetime, grant->consent, refreshToken})},
         {u"expires_in"_s, static_cast<qint64>(lifetime.count())},
-        {u"scope"_s, textOf(grant->scopes)},
+        {u"scope"_s, textOf(grant->consent.scopes)},
         {u"token_type"_s, u"Bearer"_s},
     });
 }
@@ -180,20 +180,21 @@ Answer OAuth::revoke(const Call& call) {
     return jsonAnswer({});
 }
 
-Answer OAuth::userInfo(const Call& call, const Behaviour& behaviour, Date now) const {
+Answer OAuth::userInfo(const Call& call, Date now) const {
     const Tokens::Access* access = tokens_.access(call.bearer(), now);
-    if (!access || !access->scopes.contains(emailScope))
+    if (!access || !access->consent.scopes.contains(emailScope))
         return apiError(401, u"Request is missing required authentication credential."_s);
     return jsonAnswer({
-        {u"id"_s, u"100000000000000000001"_s},
-        {u"email"_s, behaviour.email},
+        {u"id"_s, access->consent.person.id},
+        {u"email"_s, access->consent.person.email},
         {u"verified_email"_s, true},
     });
 }
 
 TokenPair OAuth::issue(const Scopes& scopes, const Behaviour& behaviour, Date now) {
-    const QString refreshToken = tokens_.addGrant({}, scopes);
-    const Tokens::Access access{now + behaviour.tokenLifetime, scopes, refreshToken};
+    const Tokens::Consent consent{behaviour.person, scopes};
+    const QString refreshToken = tokens_.addGrant({}, consent);
+    const Tokens::Access access{now + behaviour.tokenLifetime, consent, refreshToken};
     return {.accessToken = tokens_.addAccess(access), .refreshToken = refreshToken};
 }
 

@@ -15,7 +15,7 @@ class OAuth {
     Answer authorize(const Call& call, const Behaviour& behaviour, Date now);
     Answer exchange(const Call& call, const Behaviour& behaviour, Date now);
     Answer revoke(const Call& call);
-    Answer userInfo(const Call& call, const Behaviour& behaviour, Date now) const;
+    Answer userInfo(const Call& call, Date now) const;
 
     /// A pair as a sign-in would have brought it; any client may use it.
     TokenPair issue(const Scopes& scopes, const Behaviour& behaviour, Date now);
@@ -23,7 +23,7 @@ class OAuth {
   private:
     struct Code {
         QString clientID, redirectURI, challenge;
-        Scopes scopes;
+        Tokens::Consent consent;
         bool isOffline = false;
         Date expiry;
     };

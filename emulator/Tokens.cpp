@@ -10,10 +10,25 @@ namespace {
 
 const QString clientKey = u"clientId"_s;
 const QString scopeKey = u"scope"_s;
+const QString personKey = u"userId"_s;
+const QString emailKey = u"email"_s;
 const QString expiryKey = u"expiry"_s;
 const QString grantKey = u"refreshToken"_s;
 const QString grantsKey = u"grants"_s;
 const QString accessKey = u"access"_s;
+
+QJsonObject toJson(const Tokens::Consent& consent) {
+    return {{scopeKey, textOf(consent.scopes)},
+            {personKey, consent.person.id},
+            {emailKey, consent.person.email}};
+}
+
+Tokens::Consent consentFrom(const QJsonObject& object) {
+    const Person unnamed; // of a state file from before there were several
+    return {.person = {.id = object.value(personKey).toString(unnamed.id),
+                       .email = object.value(emailKey).toString(unnamed.email)},
+            .scopes = scopesFrom(object.value(scopeKey).toString())};
+}
 
 } // namespace
 
@@ -38,9 +53,9 @@ QString opaqueText(int count) {
                                                                  QByteArray::OmitTrailingEquals));
 }
 
-QString Tokens::addGrant(const QString& clientID, const Scopes& scopes) {
+QString Tokens::addGrant(const QString& clientID, const Consent& consent) {
     const QString token = u"1//0"_s + opaqueText(48);
-    grants_.insert_or_assign(token, Grant{clientID, scopes});
+    grants_.insert_or_assign(token, Grant{clientID, consent});
     return token;
 }
 
@@ -88,14 +103,18 @@ void Tokens::expireAccess() {
 
 QJsonObject Tokens::toJson() const {
     QJsonObject grants;
-    for (const auto& [token, grant] : grants_)
-        grants.insert(token,
-                      QJsonObject{{clientKey, grant.clientID}, {scopeKey, textOf(grant.scopes)}});
+    for (const auto& [token, grant] : grants_) {
+        QJsonObject entry = emulator::toJson(grant.consent);
+        entry.insert(clientKey, grant.clientID);
+        grants.insert(token, entry);
+    }
     QJsonObject access;
-    for (const auto& [token, entry] : access_)
-        access.insert(token, QJsonObject{{expiryKey, unixSeconds(entry.expiry)},
-                                         {scopeKey, textOf(entry.scopes)},
-                                         {grantKey, entry.refreshToken}});
+    for (const auto& [token, held] : access_) {
+        QJsonObject entry = emulator::toJson(held.consent);
+        entry.insert(expiryKey, unixSeconds(held.expiry));
+        entry.insert(grantKey, held.refreshToken);
+        access.insert(token, entry);
+    }
     return {{grantsKey, grants}, {accessKey, access}};
 }
 
@@ -105,16 +124,14 @@ Tokens Tokens::fromJson(const QJsonObject& object) {
     for (auto it = grants.begin(); it != grants.end(); ++it) {
         const QJsonObject entry = it.value().toObject();
         tokens.grants_.insert_or_assign(
-            it.key(),
-            Grant{entry.value(clientKey).toString(), scopesFrom(entry.value(scopeKey).toString())});
+            it.key(), Grant{entry.value(clientKey).toString(), consentFrom(entry)});
     }
     const QJsonObject access = object.value(accessKey).toObject();
     for (auto it = access.begin(); it != access.end(); ++it) {
         const QJsonObject entry = it.value().toObject();
         const Date expiry = dateFromUnixSeconds(entry.value(expiryKey).toDouble()).value_or(Date{});
-        tokens.access_.insert_or_assign(it.key(),
-                                        Access{expiry, scopesFrom(entry.value(scopeKey).toString()),
-                                               entry.value(grantKey).toString()});
+        tokens.access_.insert_or_assign(
+            it.key(), Access{expiry, consentFrom(entry), entry.value(grantKey).toString()});
     }
     return tokens;
 }

@@ -34,17 +34,22 @@ QString opaqueText(int count);
 /// The refresh and access tokens in force. Not shared between threads.
 class Tokens {
   public:
+    /// Who agreed to what.
+    struct Consent {
+        Person person;
+        Scopes scopes;
+    };
     struct Access {
         Date expiry;
-        Scopes scopes;
+        Consent consent;
         QString refreshToken; ///< the grant it belongs to; empty without offline access
     };
     struct Grant {
         QString clientID; ///< empty: any client
-        Scopes scopes;
+        Consent consent;
     };
 
-    QString addGrant(const QString& clientID, const Scopes& scopes);
+    QString addGrant(const QString& clientID, const Consent& consent);
     QString addAccess(const Access& access);
 
     const Grant* grant(const QString& refreshToken) const;

@@ -111,10 +111,17 @@ void GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifi
     {
         const std::lock_guard lock(mutex_);
         refreshThread_.request_stop(); // a refresh of the authorisation that this one replaces
+        forget({tokenKeys::email, tokenKeys::userID}); // whose tokens come is not known yet
         accessToken = saveTokens(response.body);
     }
     with_.log.log(QStringLiteral("[OAuth] ✅ Access token başarıyla alındı ve kaydedildi."));
-    fetchAndSaveUserEmail(accessToken, stop);
+    fetchAndSaveIdentity(accessToken, stop);
+}
+
+/// Caller holds the lock.
+void GoogleOAuthManager::forget(const QStringList& keys) {
+    for (const QString& key : keys)
+        with_.tokens.deleteToken(key);
 }
 
 /// Caller holds the lock.
@@ -141,14 +148,18 @@ QString GoogleOAuthManager::saveTokens(const QByteArray& body) {
     return accessToken.toString();
 }
 
-void GoogleOAuthManager::fetchAndSaveUserEmail(const QString& accessToken,
-                                               const std::stop_token& stop) {
+void GoogleOAuthManager::fetchAndSaveIdentity(const QString& accessToken,
+                                              const std::stop_token& stop) {
     HttpRequest request;
     request.url = with_.endpoints.userInfo;
     request.headers = {{"Authorization", "Bearer " + accessToken.toUtf8()}};
     try {
         const HttpResponse response = with_.http.send(request, stop);
-        const QJsonValue email = QJsonDocument::fromJson(response.body).object().value(u"email");
+        const QJsonObject person = QJsonDocument::fromJson(response.body).object();
+        const QString userID = oauth::userID(person);
+        if (response.status == 200 && !userID.isEmpty())
+            with_.tokens.writeToken(tokenKeys::userID, userID);
+        const QJsonValue email = person.value(u"email");
         if (response.status == 200 && email.isString()) {
             with_.tokens.writeToken(tokenKeys::email, email.toString());
             with_.log.log(QStringLiteral("[OAuth] 👤 Kullanıcı e-postası alındı: ") +
@@ -156,9 +167,9 @@ void GoogleOAuthManager::fetchAndSaveUserEmail(const QString& accessToken,
             return;
         }
     } catch (const Error&) {
-        // Told below: the sign-in stands without the address.
+        // Told below: the sign-in stands without the identity.
     } catch (const Cancelled&) {
-        // The tokens are stored already; a stop now only costs the address.
+        // The tokens are stored already; a stop now only costs the identity.
     }
     with_.log.log(QStringLiteral("[OAuth] ⚠️ E-posta bilgisi alınamadı"));
 }
@@ -256,6 +267,15 @@ std::optional<QString> GoogleOAuthManager::email() {
     return with_.tokens.readToken(tokenKeys::email);
 }
 
+std::optional<QString> GoogleOAuthManager::userID() {
+    return with_.tokens.readToken(tokenKeys::userID);
+}
+
+void GoogleOAuthManager::learnIdentity(const std::stop_token& stop) {
+    if (isSignedIn() && !userID())
+        fetchAndSaveIdentity(validAccessToken(stop), stop);
+}
+
 void GoogleOAuthManager::signOut(const std::stop_token& stop) {
     if (const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken)) {
         try {
@@ -270,9 +290,8 @@ void GoogleOAuthManager::signOut(const std::stop_token& stop) {
     {
         const std::lock_guard lock(mutex_);
         refreshThread_.request_stop(); // its answer must not bring a token back
-        for (const QString& key :
-             {tokenKeys::accessToken, tokenKeys::refreshToken, tokenKeys::expiry, tokenKeys::email})
-            with_.tokens.deleteToken(key);
+        forget({tokenKeys::accessToken, tokenKeys::refreshToken, tokenKeys::expiry,
+                tokenKeys::email, tokenKeys::userID});
     }
     with_.log.log(QStringLiteral("[OAuth] 🚪 Oturum kapatıldı ve tüm token'lar temizlendi."));
 }

@@ -20,7 +20,7 @@ namespace quorvane {
 /// The single keeper of the user's Google authorisation: OAuth 2.0 authorization code (RFC 6749)
 /// with PKCE (RFC 7636). Any thread but the main one: calls block on the network or the keychain.
 ///
-///     signIn ──> WebAuthSession ──callback──> exchangeCode ──> saveTokens ──> e-mail
+///     signIn ──> WebAuthSession ──callback──> exchangeCode ──> saveTokens ──> identity
 ///     validAccessToken ──stored and fresh──> token
 ///                      └─expired──> the one refresh in flight ──> saveTokens ──> token
 class GoogleOAuthManager final : public AccessTokenProvider {
@@ -37,7 +37,7 @@ class GoogleOAuthManager final : public AccessTokenProvider {
 
     explicit GoogleOAuthManager(const Collaborators& collaborators);
 
-    /// The whole interactive flow; leaves tokens and e-mail stored. Throws `OAuthError`, the web
+    /// The whole interactive flow; leaves tokens and identity stored. Throws `OAuthError`, the web
     /// session's own error, `TransportError`, or `Cancelled`.
     void signIn(const std::stop_token& stop);
 
@@ -49,6 +49,14 @@ class GoogleOAuthManager final : public AccessTokenProvider {
 
     /// The account's address, when it is known.
     std::optional<QString> email();
+
+    /// Google's identifier of the account, which outlives a change of its address; none when
+    /// nobody is signed in, or Google has not told yet (see `learnIdentity`).
+    std::optional<QString> userID();
+
+    /// Asks Google whose sign-in this is, unless that is known or nobody is signed in. A refusal is
+    /// logged, and leaves it unknown. Throws what `validAccessToken` throws.
+    void learnIdentity(const std::stop_token& stop);
 
     /// Revokes the access token, as far as Google can be reached, and forgets everything. Never
     /// throws; `stop` only shortens the wait for Google.
@@ -64,8 +72,9 @@ class GoogleOAuthManager final : public AccessTokenProvider {
     QUrl runAuthSession(const QUrl& url, const QString& scheme, const std::stop_token& stop);
     QString extractAuthCode(const QUrl& callback);
     void exchangeCode(const QString& code, const QString& verifier, const std::stop_token& stop);
+    void forget(const QStringList& keys);
     QString saveTokens(const QByteArray& body);
-    void fetchAndSaveUserEmail(const QString& accessToken, const std::stop_token& stop);
+    void fetchAndSaveIdentity(const QString& accessToken, const std::stop_token& stop);
     void startRefresh();
     void runRefresh(RefreshTask& task, const std::stop_token& stop);
     QString refreshAccessToken(const std::stop_token& stop);

@@ -93,6 +93,10 @@ std::optional<QString> authCode(const QUrl& callback) {
     return std::nullopt;
 }
 
+QString userID(const QJsonObject& person) {
+    return person.value(person.contains(u"id") ? u"id" : u"sub").toString();
+}
+
 QString loggable(const QByteArray& body) {
     QStringDecoder decode(QStringDecoder::Utf8);
     QString text = decode(body);

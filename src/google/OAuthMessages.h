@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 #include <QUrl>
 
@@ -31,6 +32,10 @@ QByteArray formBody(const FormFields& fields);
 
 /// The authorization code that a callback URL carries, decoded; none when there is no such thing.
 std::optional<QString> authCode(const QUrl& callback);
+
+/// The person's identifier in a user-info answer: Google's "id", or "sub" as OpenID Connect Core
+/// names it. Empty when there is none.
+QString userID(const QJsonObject& person);
 
 /// A server's answer as text that may be logged: the values of token members are masked.
 QString loggable(const QByteArray& body);

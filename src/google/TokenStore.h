@@ -11,12 +11,13 @@
 
 namespace quorvane {
 
-/// The four stored values of a sign-in; the keychain's account names.
+/// The stored values of a sign-in; the keychain's account names.
 namespace tokenKeys {
 inline const QString accessToken = QStringLiteral("com.quorvane.google.access_token");
 inline const QString refreshToken = QStringLiteral("com.quorvane.google.refresh_token");
 inline const QString expiry = QStringLiteral("com.quorvane.google.token_expiry");
 inline const QString email = QStringLiteral("com.quorvane.google.email");
+inline const QString userID = QStringLiteral("com.quorvane.google.user_id");
 } // namespace tokenKeys
 
 /// Keeps the sign-in's values in memory, in the keychain, and in a clear-text mirror in the

@@ -180,6 +180,30 @@ TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
         faults.size());
 }
 
+TEST_F(GoogleOAuthManagerTest, KnowsWhoseSignInItIs) {
+    manager.signIn({});
+    const auto first = manager.userID();
+    EXPECT_EQ(first, emulator::Person().id);
+    google.change([](auto& behaviour) {
+        behaviour.person = {QStringLiteral("2"), QStringLiteral("b@example.com")};
+    });
+    google.addFault({.kind = RequestKind::userinfo, .status = 500});
+    manager.signIn({});
+    EXPECT_EQ(manager.userID(), std::nullopt) << "the tokens are another's already";
+    EXPECT_EQ(manager.email(), std::nullopt);
+    manager.learnIdentity({});
+    EXPECT_EQ(manager.userID(), QStringLiteral("2"));
+    EXPECT_EQ(manager.email(), QStringLiteral("b@example.com"));
+    manager.learnIdentity({});
+    EXPECT_EQ(google.requestCount(RequestKind::userinfo), 3);
+
+    for (const auto& [body, userID] : {std::pair{R"({"sub":"77"})", "77"}, {R"({"id":7})", ""}}) {
+        google.addFault({.kind = RequestKind::userinfo, .body = body});
+        manager.signIn({});
+        EXPECT_EQ(manager.userID().value_or(QString()), QString::fromUtf8(userID));
+    }
+}
+
 TEST_F(GoogleOAuthManagerTest, RefreshesAMinuteBeforeTheExpiry) {
     const struct {
         const char* expiry; ///< empty: none stored
@@ -267,12 +291,14 @@ TEST_F(GoogleOAuthManagerTest, SignOutRevokesAndForgetsWhateverGoogleSays) {
     for (const bool googleAnswers : {true, false}) {
         storeTokens(1000);
         tokens.writeToken(tokenKeys::email, QStringLiteral("a@example.com"));
-        EXPECT_EQ(keychain.items.size(), 4U);
+        tokens.writeToken(tokenKeys::userID, QStringLiteral("1"));
+        EXPECT_EQ(keychain.items.size(), 5U);
         if (!googleAnswers)
             google.stop();
         manager.signOut({});
         EXPECT_FALSE(manager.isSignedIn());
         EXPECT_EQ(manager.email(), std::nullopt);
+        EXPECT_EQ(manager.userID(), std::nullopt);
         EXPECT_TRUE(keychain.items.empty());
         EXPECT_FALSE(readFile(folder / "preferences.json").contains("token_fallback"));
     }

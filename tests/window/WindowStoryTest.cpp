@@ -14,7 +14,7 @@ class WindowStoryTest : public testing::Test, public WindowWorld {
   protected:
     WindowStoryTest() {
         world.google.change(
-            [](emulator::Behaviour& google) { google.email = u"ayse.yilmaz@ornek.com"_s; });
+            [](emulator::Behaviour& google) { google.person.email = u"ayse.yilmaz@ornek.com"_s; });
     }
 
     void expectShown(const QStringList& expected) {
