@@ -55,6 +55,7 @@ struct Behaviour {
     bool listingForbidden = false;            ///< album listings answer 403
     bool consentDenied = false;               ///< the person refuses the sign-in
     Person person = {};                       ///< who signs in from now on
+    QString declinedScopes;                   ///< boxes that the person leaves unticked
     QString clientSecret;                     ///< asked for at /token when not empty
 };
 

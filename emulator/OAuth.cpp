@@ -31,11 +31,16 @@ Answer invalidGrant(const QString& description) {
     return oauthError(u"invalid_grant"_s, description);
 }
 
-/// An installed app's redirect scheme is its client id with the parts in reverse order.
-bool isRedirectOf(const QString& clientID, const QString& redirectURI) {
+/// A client for desktops, which is the kind that has a secret, is called back at an address of the
+/// person's own computer; others at a scheme, their client id with the parts in reverse order.
+bool isRedirectOf(const QString& clientID, const QString& redirectURI, bool hasSecret) {
+    const QUrl url(redirectURI);
+    const bool isLoopback =
+        url.scheme() == u"http" && url.host() == u"127.0.0.1" && url.port() > 0 && !url.hasQuery();
     QStringList parts = clientID.split(u'.');
     std::ranges::reverse(parts);
-    return redirectURI.startsWith(parts.join(u'.') + u":/"_s, Qt::CaseInsensitive);
+    return isLoopback ||
+           (!hasSecret && redirectURI.startsWith(parts.join(u'.') + u":/"_s, Qt::CaseInsensitive));
 }
 
 bool matches(const QString& text, const char* pattern) {
@@ -51,7 +56,7 @@ QString challengeOf(const QString& verifier) {
 }
 
 /// What is wrong with an authorization request's parameters; none when nothing is.
-std::optional<Answer> refusal(const Call& call) {
+std::optional<Answer> refusal(const Call& call, const Behaviour& behaviour) {
     const QString invalid = u"invalid_request"_s;
     const QUrlQuery query = call.query();
     for (const char* name : {"client_id", "redirect_uri", "response_type", "scope"}) {
@@ -60,7 +65,7 @@ std::optional<Answer> refusal(const Call& call) {
                                                    QString::fromLatin1(name));
     }
     const auto item = [&](const char* name) { return formItem(query, QString::fromLatin1(name)); };
-    if (!isRedirectOf(item("client_id"), item("redirect_uri")))
+    if (!isRedirectOf(item("client_id"), item("redirect_uri"), !behaviour.clientSecret.isEmpty()))
         return authorizationError(u"redirect_uri_mismatch"_s,
                                   u"Invalid parameter value for redirect_uri"_s);
     if (item("response_type") != u"code"_s)
@@ -76,7 +81,7 @@ std::optional<Answer> refusal(const Call& call) {
 } // namespace
 
 Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) {
-    if (auto refused = refusal(call))
+    if (auto refused = refusal(call, behaviour))
         return *refused;
     const auto item = [&](const char* name) { return call.queryItem(QString::fromLatin1(name)); };
     const QString redirectURI = item("redirect_uri");
@@ -87,16 +92,16 @@ Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) 
         return {.status = 302, .location = location + "error=access_denied"};
 
     const QString code = u"4/0A"_s + opaqueText(36);
-    const QString scope = item("scope");
+    const Scopes granted = scopesFrom(item("scope")) - scopesFrom(behaviour.declinedScopes);
     std::erase_if(codes_, [&](const auto& entry) { return entry.second.expiry <= now; });
     codes_.insert_or_assign(code, Code{.clientID = item("client_id"),
                                        .redirectURI = redirectURI,
                                        .challenge = item("code_challenge"),
-                                       .consent = {behaviour.person, scopesFrom(scope)},
+                                       .consent = {behaviour.person, granted},
                                        .isOffline = item("access_type") == u"offline"_s,
                                        .expiry = now + codeLifetime});
-    location +=
-        "code=" + QUrl::toPercentEncoding(code) + "&scope=" + QUrl::toPercentEncoding(scope);
+    location += "code=" + QUrl::toPercentEncoding(code) +
+                "&scope=" + QUrl::toPercentEncoding(textOf(granted));
     return {.status = 302, .location = location};
 }
 

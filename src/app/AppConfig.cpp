@@ -13,6 +13,7 @@ namespace {
 
 const QString clientIDKey = QStringLiteral("GOOGLE_CLIENT_ID");
 const QString clientSecretKey = QStringLiteral("GOOGLE_CLIENT_SECRET");
+const QString redirectKey = QStringLiteral("GOOGLE_REDIRECT");
 
 /// The client that a build without a configuration signs in as.
 const QString defaultClientID =
@@ -86,6 +87,10 @@ QString AppConfig::googleClientID() const {
 
 std::optional<QString> AppConfig::googleClientSecret() const {
     return nonEmpty(clientSecretKey);
+}
+
+bool AppConfig::redirectsToLoopback() const {
+    return googleClientSecret() || nonEmpty(redirectKey) == QStringLiteral("loopback");
 }
 
 std::optional<QString> AppConfig::nonEmpty(const QString& key) const {

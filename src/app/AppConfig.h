@@ -30,6 +30,8 @@ class AppConfig final : public OAuthClientIdentity {
 
     QString googleClientID() const override;
     std::optional<QString> googleClientSecret() const override;
+    /// A client with a secret is one for desktops; GOOGLE_REDIRECT=loopback says so of others.
+    bool redirectsToLoopback() const override;
 
     /// KEY=value lines. Whole-line "#" comments, one pair of quotes removed, nothing else expanded.
     static Values parseEnv(const QString& text);

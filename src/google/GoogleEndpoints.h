@@ -31,6 +31,8 @@ class OAuthClientIdentity {
     virtual ~OAuthClientIdentity() = default;
     virtual QString googleClientID() const = 0;
     virtual std::optional<QString> googleClientSecret() const = 0;
+    /// Whether the client is one that is called back at an address of this computer.
+    virtual bool redirectsToLoopback() const = 0;
 };
 
 } // namespace quorvane

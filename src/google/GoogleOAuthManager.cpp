@@ -29,22 +29,36 @@ std::optional<double> parseExpiry(const QString& text) {
 
 GoogleOAuthManager::GoogleOAuthManager(const Collaborators& collaborators) : with_(collaborators) {}
 
-void GoogleOAuthManager::signIn(const std::stop_token& stop) {
+SignInOutcome GoogleOAuthManager::signIn(const std::stop_token& stop,
+                                         const std::function<void(const QUrl&)>& showAddress) {
     const PkcePair pkce = makePKCEPair();
     const QString clientID = with_.client.googleClientID();
-    const QUrl url = oauth::authorizationURL(with_.endpoints.authorization, clientID,
-                                             pkce.challenge, randomString(16));
+    QString redirectURI;
+    WebAuthRequest request;
+    request.schemeURI = oauth::redirectURI(clientID);
+    request.prefersLoopback = with_.client.redirectsToLoopback();
+    request.state = randomString(16);
+    request.isAddressShown = showAddress != nullptr;
+    request.page = [&](const QString& uri) {
+        redirectURI = uri;
+        const QUrl url = oauth::authorizationURL(with_.endpoints.authorization, clientID, uri,
+                                                 pkce.challenge, request.state);
+        if (showAddress)
+            showAddress(url);
+        return url;
+    };
     with_.log.log(QStringLiteral("[OAuth] 🔑 signIn() başlatıldı..."));
-    const QUrl callback = runAuthSession(url, oauth::reversedClientID(clientID), stop);
+    const QUrl callback = runAuthSession(request, stop);
     with_.log.log(QStringLiteral("[OAuth] 🔑 Callback URL alındı, kod ayrıştırılıyor..."));
     // The state is sent but not compared: the code is worthless without this run's verifier.
     const QString code = extractAuthCode(callback);
     with_.log.log(QStringLiteral("[OAuth] 🔑 Kod ayrıştırıldı, token takası yapılıyor..."));
-    exchangeCode(code, pkce.verifier, stop);
+    const SignInOutcome outcome = exchangeCode(code, pkce.verifier, redirectURI, stop);
     with_.log.log(QStringLiteral("[OAuth] 🎉 Giriş başarıyla tamamlandı!"));
+    return outcome;
 }
 
-QUrl GoogleOAuthManager::runAuthSession(const QUrl& url, const QString& scheme,
+QUrl GoogleOAuthManager::runAuthSession(const WebAuthRequest& request,
                                         const std::stop_token& stop) {
     bool shown = false;
     const auto started = [&](bool succeeded) {
@@ -58,7 +72,7 @@ QUrl GoogleOAuthManager::runAuthSession(const QUrl& url, const QString& scheme,
     };
     QUrl callback;
     try {
-        callback = with_.webAuthSession.authenticate(url, scheme, started, stop);
+        callback = with_.webAuthSession.authenticate(request, started, stop);
     } catch (const std::exception& error) {
         if (shown) {
             logCallback();
@@ -86,9 +100,9 @@ QString GoogleOAuthManager::extractAuthCode(const QUrl& callback) {
     throw OAuthError(OAuthError::Case::missingCode);
 }
 
-void GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifier,
-                                      const std::stop_token& stop) {
-    const QString redirectURI = oauth::redirectURI(with_.client.googleClientID());
+SignInOutcome GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifier,
+                                               const QString& redirectURI,
+                                               const std::stop_token& stop) {
     const QString secret = with_.client.googleClientSecret().value_or(QString());
     oauth::FormFields fields = {{"client_id", with_.client.googleClientID()},
                                 {"redirect_uri", redirectURI},
@@ -107,6 +121,7 @@ void GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifi
         with_.log.log(QStringLiteral("[OAuth] ❌ Token takası başarısız! ") + answer);
         throw OAuthError(OAuthError::Case::tokenExchangeFailed, answer);
     }
+    const SignInOutcome outcome = outcomeOf(response.body);
     QString accessToken;
     {
         const std::lock_guard lock(mutex_);
@@ -116,6 +131,24 @@ void GoogleOAuthManager::exchangeCode(const QString& code, const QString& verifi
     }
     with_.log.log(QStringLiteral("[OAuth] ✅ Access token başarıyla alındı ve kaydedildi."));
     fetchAndSaveIdentity(accessToken, stop);
+    return outcome;
+}
+
+/// The person ticks a box for each permission, and may leave some out.
+SignInOutcome GoogleOAuthManager::outcomeOf(const QByteArray& answer) {
+    const oauth::Grant grant = oauth::grantIn(answer);
+    if (!grant.uploading) {
+        with_.log.log(
+            QStringLiteral("[OAuth] ❌ Yükleme izni (photoslibrary.appendonly) verilmedi"));
+        throw Error(QStringLiteral(
+            "OAuth: Yükleme izni verilmedi. Yeniden giriş yapın ve Google'ın izin sayfasında "
+            "\"Google Fotoğraflar kitaplığınıza ekleme\" (Add to your Google Photos library, "
+            "photoslibrary.appendonly) kutusunu işaretleyin"));
+    }
+    if (!grant.reading)
+        with_.log.log(QStringLiteral("[OAuth] ⚠️ Okuma izni (photoslibrary.readonly."
+                                     "appcreateddata) verilmedi, yükleme çalışır"));
+    return {.mayListAlbums = grant.reading};
 }
 
 /// Caller holds the lock.

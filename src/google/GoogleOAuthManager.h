@@ -17,6 +17,11 @@
 
 namespace quorvane {
 
+/// What the person allowed, once they allowed uploading.
+struct SignInOutcome {
+    bool mayListAlbums = true; ///< else only remembered albums can be offered; uploading works
+};
+
 /// The single keeper of the user's Google authorisation: OAuth 2.0 authorization code (RFC 6749)
 /// with PKCE (RFC 7636). Any thread but the main one: calls block on the network or the keychain.
 ///
@@ -37,9 +42,12 @@ class GoogleOAuthManager final : public AccessTokenProvider {
 
     explicit GoogleOAuthManager(const Collaborators& collaborators);
 
-    /// The whole interactive flow; leaves tokens and identity stored. Throws `OAuthError`, the web
-    /// session's own error, `TransportError`, or `Cancelled`.
-    void signIn(const std::stop_token& stop);
+    /// The whole interactive flow; leaves tokens and identity stored. `showAddress` is told the
+    /// page's address, for a person whose browser does not open by itself. A consent without
+    /// uploading is an `Error` that changes nothing. Also throws `OAuthError`, the web session's
+    /// own error, `TransportError`, or `Cancelled`.
+    SignInOutcome signIn(const std::stop_token& stop,
+                         const std::function<void(const QUrl&)>& showAddress = {});
 
     /// The stored token while it is valid for more than 60 seconds, else a refreshed one. All
     /// concurrent callers share one refresh, and one caller's `stop` leaves it to the others.
@@ -69,9 +77,11 @@ class GoogleOAuthManager final : public AccessTokenProvider {
         std::exception_ptr error; ///< set when there is no token
     };
 
-    QUrl runAuthSession(const QUrl& url, const QString& scheme, const std::stop_token& stop);
+    QUrl runAuthSession(const WebAuthRequest& request, const std::stop_token& stop);
     QString extractAuthCode(const QUrl& callback);
-    void exchangeCode(const QString& code, const QString& verifier, const std::stop_token& stop);
+    SignInOutcome exchangeCode(const QString& code, const QString& verifier,
+                               const QString& redirectURI, const std::stop_token& stop);
+    SignInOutcome outcomeOf(const QByteArray& answer);
     void forget(const QStringList& keys);
     QString saveTokens(const QByteArray& body);
     void fetchAndSaveIdentity(const QString& accessToken, const std::stop_token& stop);

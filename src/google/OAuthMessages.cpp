@@ -1,5 +1,6 @@
 #include "google/OAuthMessages.h"
 
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QStringDecoder>
 #include <QStringList>
@@ -52,12 +53,12 @@ QString redirectURI(const QString& clientID) {
     return reversedClientID(clientID) + QStringLiteral(":/oauth2redirect");
 }
 
-QUrl authorizationURL(const QUrl& endpoint, const QString& clientID, const QString& challenge,
-                      const QString& state) {
+QUrl authorizationURL(const QUrl& endpoint, const QString& clientID, const QString& redirectURI,
+                      const QString& challenge, const QString& state) {
     QUrlQuery query;
     query.setQueryItems({
         {QStringLiteral("client_id"), clientID},
-        {QStringLiteral("redirect_uri"), redirectURI(clientID)},
+        {QStringLiteral("redirect_uri"), redirectURI},
         {QStringLiteral("response_type"), QStringLiteral("code")},
         {QStringLiteral("scope"), scopes.join(u' ')},
         {QStringLiteral("code_challenge"), challenge},
@@ -91,6 +92,19 @@ std::optional<QString> authCode(const QUrl& callback) {
             return code;
     }
     return std::nullopt;
+}
+
+bool isAnswer(const QUrl& callback) {
+    return authCode(callback) || QUrlQuery(callback).hasQueryItem(QStringLiteral("error"));
+}
+
+Grant grantIn(const QByteArray& answer) {
+    const QJsonValue scope = QJsonDocument::fromJson(answer).object().value(u"scope");
+    if (!scope.isString())
+        return {};
+    const QStringList granted = scope.toString().split(u' ', Qt::SkipEmptyParts);
+    return {.uploading = granted.contains(scopes[0]),
+            .reading = granted.contains(scopes[1]) || granted.contains(scopes[2])};
 }
 
 QString userID(const QJsonObject& person) {

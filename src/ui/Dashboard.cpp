@@ -92,7 +92,7 @@ void Dashboard::updateTransfers() {
 }
 
 AccountView Dashboard::account() const {
-    return {model_.isSignedIn(), model_.isSigningIn(), model_.userEmail()};
+    return {model_.isSignedIn(), model_.isSigningIn(), model_.signInAddress(), model_.userEmail()};
 }
 
 RouteView Dashboard::route() const {

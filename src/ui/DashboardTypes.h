@@ -11,11 +11,13 @@ struct AccountView {
     Q_GADGET
     Q_PROPERTY(bool isSignedIn MEMBER isSignedIn)
     Q_PROPERTY(bool isSigningIn MEMBER isSigningIn)
+    Q_PROPERTY(QString signInAddress MEMBER signInAddress)
     Q_PROPERTY(QString email MEMBER email)
 
   public:
     bool isSignedIn = false;
     bool isSigningIn = false;
+    QString signInAddress; ///< of the page that is to be agreed on
     QString email;
 };
 

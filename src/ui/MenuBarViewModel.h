@@ -26,6 +26,7 @@ class MenuBarViewModel final : public QObject {
     Q_PROPERTY(bool isSignedIn READ isSignedIn NOTIFY accountChanged)
     Q_PROPERTY(QString userEmail READ userEmail NOTIFY accountChanged)
     Q_PROPERTY(bool isSigningIn READ isSigningIn NOTIFY accountChanged)
+    Q_PROPERTY(QString signInAddress READ signInAddress NOTIFY accountChanged)
 
     Q_PROPERTY(quorvane::SyncVisualState syncState READ syncState NOTIFY syncChanged)
     Q_PROPERTY(bool isSyncing READ isSyncing NOTIFY syncChanged)
@@ -106,6 +107,9 @@ class MenuBarViewModel final : public QObject {
         /// Held for the length of a run; throws `Error` while another process runs one.
         std::function<std::shared_ptr<void>()> acquireRunLock;
         std::filesystem::path logFile;
+        /// Gives a pasted callback to the sign-in that waits; false when it is not the awaited one.
+        /// Blocks for moments.
+        std::function<bool(const QString& url)> handOverURL = [](const QString&) { return false; };
     };
 
     MenuBarViewModel(const Services& services, const std::vector<LogEntry>& earlierLog = {});
@@ -119,6 +123,8 @@ class MenuBarViewModel final : public QObject {
     Q_INVOKABLE void stopSync();
     Q_INVOKABLE void signIn();
     Q_INVOKABLE void cancelSignIn();
+    /// Ends a sign-in with the address to which Google sent the person's browser.
+    Q_INVOKABLE void pasteCallback(const QString& address);
     Q_INVOKABLE void signOut();
     Q_INVOKABLE void reauthorizeGoogle();
     Q_INVOKABLE void toggleInspector();
@@ -150,6 +156,8 @@ class MenuBarViewModel final : public QObject {
     bool isSignedIn() const { return account_.isSignedIn; }
     const QString& userEmail() const { return account_.userEmail; }
     bool isSigningIn() const { return isSigningIn_; }
+    /// Of the page on which the person signs in; empty when no sign-in is under way.
+    QString signInAddress() const { return signInAddress_; }
     SyncVisualState syncState() const { return syncState_; }
     bool isSyncing() const { return isSyncing_; }
     const std::optional<Date>& lastSyncTime() const { return lastSyncTime_; }
@@ -296,6 +304,7 @@ class MenuBarViewModel final : public QObject {
     void startSignIn(bool isRenewal);
     /// An empty failure is the person's own decision.
     void signInEnded(bool isRenewal, const std::optional<QString>& failure);
+    void showError(const QString& message);
     bool isReadyToRun();
     void executeSyncLoop();
     void finishRun(int run, const SyncRunOutcome& outcome);
@@ -315,6 +324,7 @@ class MenuBarViewModel final : public QObject {
 
     Account account_;
     bool isSigningIn_ = false;
+    QString signInAddress_;
     SyncVisualState syncState_ = SyncVisualState::idle;
     bool isSyncing_ = false;
     std::optional<Date> lastSyncTime_;

@@ -1,4 +1,5 @@
 #include "google/OAuthError.h"
+#include "google/OAuthMessages.h"
 #include "ui/AlbumLimit.h"
 #include "ui/MenuBarViewModel.h"
 
@@ -58,7 +59,14 @@ void MenuBarViewModel::startSignIn(bool isRenewal) {
         const std::stop_callback onEnd(end, [source]() mutable { source.request_stop(); });
         std::optional<QString> failure;
         try {
-            s_.oauth.signIn(source.get_token());
+            const SignInOutcome outcome =
+                s_.oauth.signIn(source.get_token(), [this](const QUrl& page) {
+                    post([this, address = QString::fromUtf8(page.toEncoded())] {
+                        publish(signInAddress_, address, &MenuBarViewModel::accountChanged);
+                    });
+                });
+            if (!outcome.mayListAlbums)
+                post([this] { showError(oauth::readingDeclined); });
         } catch (const Cancelled&) {
             failure = QString(); // the person's own decision: nothing to report
         } catch (const std::exception& error) {
@@ -69,6 +77,7 @@ void MenuBarViewModel::startSignIn(bool isRenewal) {
 }
 
 void MenuBarViewModel::signInEnded(bool isRenewal, const std::optional<QString>& failure) {
+    signInAddress_.clear();
     publish(isSigningIn_, false, &MenuBarViewModel::accountChanged);
     if (failure && failure->isEmpty())
         return;
@@ -76,11 +85,9 @@ void MenuBarViewModel::signInEnded(bool isRenewal, const std::optional<QString>&
         s_.log.log((isRenewal ? QStringLiteral("[MenuBarViewModel] Yeniden yetkilendirme hatası: ")
                               : QStringLiteral("[MenuBarViewModel] Giriş hatası: ")) +
                    *failure);
-        publish(errorMessage_,
-                (isRenewal ? QStringLiteral("Yetkilendirme başarısız: ")
-                           : QStringLiteral("Giriş başarısız: ")) +
-                    *failure,
-                &MenuBarViewModel::errorMessageChanged);
+        showError((isRenewal ? QStringLiteral("Yetkilendirme başarısız: ")
+                             : QStringLiteral("Giriş başarısız: ")) +
+                  *failure);
         return;
     }
     if (isRenewal)
@@ -91,6 +98,23 @@ void MenuBarViewModel::signInEnded(bool isRenewal, const std::optional<QString>&
 
 void MenuBarViewModel::cancelSignIn() {
     signInStop_.request_stop();
+}
+
+void MenuBarViewModel::pasteCallback(const QString& address) {
+    if (!isSigningIn_)
+        return;
+    // Not where the sign-in itself waits.
+    stateTasks_.post([this, address = address.trimmed()](const std::stop_token&) {
+        if (!s_.handOverURL(address))
+            post([this] {
+                if (isSigningIn_)
+                    showError(QStringLiteral("Bu adres beklenen geri dönüş adresi değil"));
+            });
+    });
+}
+
+void MenuBarViewModel::showError(const QString& message) {
+    publish(errorMessage_, message, &MenuBarViewModel::errorMessageChanged);
 }
 
 void MenuBarViewModel::signOut() {

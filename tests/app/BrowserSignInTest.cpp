@@ -50,18 +50,31 @@ struct DesktopTest : CliWorld {
 } // namespace
 
 TEST_F(DesktopTest, theBrowsersRedirectReachesTheSignInThatWaits) {
-    const Outcome agreed = signInByBrowser();
-    EXPECT_EQ(agreed.code, 0) << agreed.err.toStdString();
-    EXPECT_TRUE(agreed.out.contains(u"Oturum açıldı: kullanici@example.com"))
-        << agreed.out.toStdString();
-    EXPECT_TRUE(readFile(folder / "home/browser.visited").contains(":/oauth2redirect?"));
-    EXPECT_EQ(emulator.requestCount(RequestKind::token), 1);
+    for (const auto& [kind, redirect] :
+         {std::pair{u""_s, ":/oauth2redirect?"}, {u"loopback"_s, "http://127.0.0.1:"}}) {
+        environment.insert(u"GOOGLE_REDIRECT"_s, kind);
+        const Outcome agreed = signInByBrowser();
+        EXPECT_EQ(agreed.code, 0) << agreed.err.toStdString();
+        EXPECT_TRUE(agreed.out.contains(u"Oturum açıldı: kullanici@example.com"))
+            << agreed.out.toStdString();
+        EXPECT_TRUE(readFile(folder / "home/browser.visited").contains(redirect));
+        ASSERT_EQ(run({u"logout"_s}).code, 0);
 
-    ASSERT_EQ(run({u"logout"_s}).code, 0);
-    emulator.change([](Behaviour& behaviour) { behaviour.consentDenied = true; });
-    const Outcome denied = signInByBrowser();
-    EXPECT_EQ(denied.code, 1);
-    EXPECT_TRUE(denied.err.contains(u"OAuth: auth code alinamadi")) << denied.err.toStdString();
+        const auto failure = [this](const auto& change) {
+            emulator.change(change);
+            const Outcome outcome = signInByBrowser();
+            emulator.change([](Behaviour& behaviour) { behaviour = {}; });
+            EXPECT_EQ(outcome.code, 1);
+            return outcome.err;
+        };
+        EXPECT_TRUE(failure([](Behaviour& behaviour) {
+                        behaviour.consentDenied = true;
+                    }).contains(u"OAuth: auth code alinamadi"));
+        EXPECT_TRUE(failure([](Behaviour& behaviour) {
+                        behaviour.declinedScopes =
+                            u"https://www.googleapis.com/auth/photoslibrary.appendonly"_s;
+                    }).contains(u"photoslibrary.appendonly"));
+    }
 }
 
 } // namespace quorvane::test

@@ -11,7 +11,7 @@ struct OAuthTest : EmulatorWorld {
     using Items = std::map<QString, QString>;
 
     const QString clientID = u"123.apps.example.com"_s;
-    const QString redirectURI = u"com.example.apps.123:/oauth2redirect"_s;
+    QString redirectURI = u"com.example.apps.123:/oauth2redirect"_s;
     const QString verifier = u"dBjftJeZ4CVP-mB92K27uhbUJU1p1r_wW1gFWFOEjXk"_s;
     const QString challenge = u"E9Melhoa2OwvFrEMTJguCHaoeK1t8URWbuGJSstw-cM"_s;
 
@@ -141,6 +141,8 @@ TEST_F(OAuthTest, aCodeIsGoodOnceAndForTenMinutes) {
 
 TEST_F(OAuthTest, asksForTheClientSecretWhenThereIsOne) {
     emulator->change([](Behaviour& behaviour) { behaviour.clientSecret = u"s+/&"_s; });
+    EXPECT_EQ(statusOf(authorize(authorization())), 400) << "a desktop client has no scheme";
+    redirectURI = u"http://127.0.0.1:4711/back"_s;
     EXPECT_EQ(json(ask(exchange(code())))[u"error"_s].toString(), u"invalid_client"_s);
     EXPECT_EQ(statusOf(ask(changed(exchange(code()), u"client_secret"_s, u"s+/&"_s))), 200);
 }

@@ -65,8 +65,10 @@ TEST(OAuthMessagesTest, FindsTheCodeInWhateverFormTheCallbackHas) {
 
 TEST_F(GoogleOAuthManagerTest, SignInStoresWhatComes) {
     manager.signIn({});
-    EXPECT_EQ(session.scheme, QStringLiteral("com.googleusercontent.apps.1234-abcd"));
-    EXPECT_EQ(QUrlQuery(session.page).queryItemValue(QStringLiteral("state")).size(), 16);
+    const QUrlQuery asked(session.page);
+    EXPECT_EQ(asked.queryItemValue(QStringLiteral("redirect_uri")),
+              QStringLiteral("com.googleusercontent.apps.1234-abcd:/oauth2redirect"));
+    EXPECT_EQ(asked.queryItemValue(QStringLiteral("state")).size(), 16);
     EXPECT_TRUE(manager.isSignedIn());
     EXPECT_EQ(manager.email(), QStringLiteral("kullanici@example.com"));
     EXPECT_EQ(tokens.readToken(tokenKeys::expiry), QStringLiteral("1700003599"));
@@ -178,6 +180,30 @@ TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
     EXPECT_EQ(
         log.messages().filter(QStringLiteral("[OAuth] ⚠️ E-posta bilgisi alınamadı")).size(),
         faults.size());
+}
+
+TEST_F(GoogleOAuthManagerTest, JudgesASignInByWhatWasGranted) {
+    const QString prefix = QStringLiteral("https://www.googleapis.com/auth/photoslibrary.");
+    const QString append = prefix + QStringLiteral("appendonly");
+    const QString read = prefix + QStringLiteral("readonly");
+    const QString readOwn = read + QStringLiteral(".appcreateddata");
+    QUrl shownAddress;
+    const auto signInWithout = [&](const QString& declined) {
+        google.change([&](auto& behaviour) { behaviour.declinedScopes = declined; });
+        return manager.signIn({}, [&](const QUrl& page) { shownAddress = page; });
+    };
+    EXPECT_TRUE(signInWithout(read).mayListAlbums);
+    EXPECT_EQ(shownAddress, session.page);
+    EXPECT_FALSE(signInWithout(read + u' ' + readOwn).mayListAlbums);
+
+    const auto before = keychain.items;
+    try {
+        signInWithout(append);
+        ADD_FAILURE() << "signed in";
+    } catch (const Error& error) {
+        EXPECT_TRUE(error.localizedDescription().contains(u"photoslibrary.appendonly"));
+    }
+    EXPECT_EQ(keychain.items, before) << "the session that was there goes on";
 }
 
 TEST_F(GoogleOAuthManagerTest, KnowsWhoseSignInItIs) {

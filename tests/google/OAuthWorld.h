@@ -18,6 +18,7 @@ class FakeClient final : public OAuthClientIdentity {
         return QStringLiteral("1234-abcd.apps.googleusercontent.com");
     }
     std::optional<QString> googleClientSecret() const override { return secret; }
+    bool redirectsToLoopback() const override { return secret.has_value(); }
 
     std::optional<QString> secret;
 };
@@ -26,22 +27,21 @@ class FakeClient final : public OAuthClientIdentity {
 /// gives them another mind.
 class ScriptedSession final : public WebAuthSession {
   public:
-    QUrl authenticate(const QUrl& url, const QString& callbackScheme,
-                      const std::function<void(bool)>& started, std::stop_token) override {
-        page = url;
-        scheme = callbackScheme;
+    QUrl authenticate(const WebAuthRequest& request, const std::function<void(bool)>& started,
+                      std::stop_token) override {
+        const QString loopback = QStringLiteral("http://127.0.0.1:9/oauth2redirect");
+        page = request.page(request.prefersLoopback ? loopback : request.schemeURI);
         started(true);
         if (answer)
             return answer();
-        httplib::Client browser("127.0.0.1", url.port());
+        httplib::Client browser("127.0.0.1", page.port());
         const auto result =
-            browser.Get(url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority).constData());
+            browser.Get(page.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority).constData());
         return QUrl::fromEncoded(QByteArray::fromStdString(
             result ? result->get_header_value("Location") : std::string()));
     }
 
     QUrl page;
-    QString scheme;
     std::function<QUrl()> answer;
 };
 

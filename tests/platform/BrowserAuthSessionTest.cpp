@@ -12,7 +12,9 @@
 #include <atomic>
 #include <future>
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -49,12 +51,42 @@ class BrowserAuthSessionTest : public testing::Test {
         auto shown = std::make_shared<std::promise<bool>>();
         auto done = std::async(std::launch::async, [this, options, shown] {
             BrowserAuthSession session(environment, options, console, log);
+            WebAuthRequest request;
+            request.schemeURI = scheme + QStringLiteral(":/oauth2redirect");
+            request.prefersLoopback = prefersLoopback;
+            request.isAddressShown = isAddressShown;
+            request.state = QStringLiteral("s~1");
+            request.page = [this](const QString& uri) {
+                redirectURI = uri;
+                return page;
+            };
             return session.authenticate(
-                page, scheme, [&](bool succeeded) { shown->set_value(succeeded); },
-                stop.get_token());
+                request, [&](bool succeeded) { shown->set_value(succeeded); }, stop.get_token());
         });
         wasShown = shown->get_future().get();
         return done;
+    }
+
+    /// A connection to the listener of the sign-in that waits.
+    FileDescriptor visit() const {
+        FileDescriptor connection(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<std::uint16_t>(QUrl(redirectURI).port()));
+        EXPECT_EQ(
+            ::connect(connection.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        return connection;
+    }
+    /// What the listener answers to the bytes, until it closes.
+    QByteArray ask(const QByteArray& request) const {
+        const FileDescriptor connection = visit();
+        ::send(connection.get(), request.constData(), static_cast<size_t>(request.size()),
+               MSG_NOSIGNAL);
+        QByteArray answer(65536, '\0');
+        const ssize_t size = ::recv(connection.get(), answer.data(),
+                                    static_cast<size_t>(answer.size()), MSG_WAITALL);
+        return answer.left(std::max<ssize_t>(size, 0));
     }
 
     QString failureOf(std::future<QUrl> session) {
@@ -70,6 +102,9 @@ class BrowserAuthSessionTest : public testing::Test {
     Console console{Console::Channel::silent};
     RecordingLog log;
     std::stop_source stop;
+    bool prefersLoopback = false;
+    bool isAddressShown = false;
+    QString redirectURI;
     std::atomic<bool> wasShown = false;
     const QString oldPath = qEnvironmentVariable("PATH");
     const QString startFailed =
@@ -113,6 +148,58 @@ TEST_F(BrowserAuthSessionTest, TakesAPastedCallback) {
         ASSERT_EQ(::write(writing.get(), &c, 1), 1);
     EXPECT_EQ(session.get(), QUrl(callback));
     EXPECT_FALSE(std::filesystem::exists(folder / "bin/xdg-open.called"));
+}
+
+TEST_F(BrowserAuthSessionTest, TakesTheCallbackAtItsOwnAddressAndNothingElse) {
+    prefersLoopback = true;
+    for (const bool isGranted : {true, false}) {
+        auto session = start();
+        ASSERT_TRUE(redirectURI.startsWith(u"http://127.0.0.1:")) << redirectURI.toStdString();
+        std::vector<FileDescriptor> idle; // as a browser opens ahead, and more than it would
+        for (int i = 0; i < 40; ++i)
+            idle.push_back(visit());
+        const QByteArray path = "/oauth2redirect?";
+        const QByteArray http = " HTTP/1.1\r\n\r\n";
+        const std::vector<QByteArray> strays{"GET /" + http,
+                                             "GET /favicon.ico?state=s~1&code=1" + http,
+                                             "GET " + path + "code=1" + http,
+                                             "GET " + path + "code=1&state=s~2" + http,
+                                             "GET " + path + "state=s~1" + http,
+                                             "POST " + path + "code=1&state=s~1" + http,
+                                             "GET http://x" + path + "code=1&state=s~1" + http,
+                                             "\r\n\r\n",
+                                             QByteArray(200'000, 'x')};
+        for (const QByteArray& stray : strays) {
+            const QByteArray answer = ask(stray);
+            EXPECT_TRUE(answer.isEmpty() || answer.startsWith("HTTP/1.1 404 "))
+                << stray.left(60).toStdString() << answer.toStdString();
+        }
+        EXPECT_TRUE(ask("GET /favicon.ico HTTP/1.1\r\n\r\n").startsWith("HTTP/1.1 404 "));
+        EXPECT_FALSE(handOverURL(environment, callback)) << "of the other kind";
+
+        const QByteArray query = path + (isGranted ? "code=4%2F0Ab" : "error=access_denied") +
+                                 "&state=s%7E1&scope=a%20b";
+        const QByteArray answer = ask("GET " + query + " HTTP/1.1\r\nHost: a\r\n\r\n");
+        EXPECT_TRUE(answer.startsWith("HTTP/1.1 200 ")) << answer.toStdString();
+        EXPECT_TRUE(answer.contains("Bu sayfayı kapatabilirsiniz."));
+        EXPECT_EQ(answer.contains("onaylanmadı"), !isGranted);
+        EXPECT_EQ(session.get().query(QUrl::FullyEncoded).contains(u"code=4%2F0Ab"), isGranted);
+    }
+    EXPECT_FALSE(std::filesystem::exists(environment.configHome)) << "no scheme is registered";
+}
+
+TEST_F(BrowserAuthSessionTest, TakesWhatIsPastedOfTheLoopbackAddressWhereNoBrowserOpens) {
+    prefersLoopback = isAddressShown = true;
+    browserDoes("exit 3");
+    auto session = start();
+    EXPECT_TRUE(wasShown) << "the person sees the address";
+    const QString answered = redirectURI + QStringLiteral("?state=s~1&code=4%2F0Ab");
+    EXPECT_FALSE(handOverURL(
+        environment, QString(answered).replace(QStringLiteral("s~1"), QStringLiteral("old"))));
+    EXPECT_FALSE(handOverURL(
+        environment, QString(answered).replace(QStringLiteral("127."), QStringLiteral("128."))));
+    EXPECT_TRUE(handOverURL(environment, answered));
+    EXPECT_EQ(session.get(), QUrl(answered));
 }
 
 TEST_F(BrowserAuthSessionTest, FailsToStartWhereNobodyCanAnswer) {

@@ -82,14 +82,14 @@ ModelWorld::ModelWorld()
 }
 
 void ModelWorld::restart() {
-    model = std::make_unique<MenuBarViewModel>(
-        MenuBarViewModel::Services{database, oauth, albums, batches, tracker, preferences, log,
-                                   logPublisher, console, clock, desktop,
-                                   [this] {
-                                       ++locksTaken;
-                                       return std::make_shared<int>(locksTaken);
-                                   },
-                                   "quorvane.log"});
+    model = std::make_unique<MenuBarViewModel>(MenuBarViewModel::Services{
+        database, oauth, albums, batches, tracker, preferences, log, logPublisher, console, clock,
+        desktop,
+        [this] {
+            ++locksTaken;
+            return std::make_shared<int>(locksTaken);
+        },
+        "quorvane.log", [this](const QString& url) { return handOverURL(url); }});
 }
 
 ModelWorld::~ModelWorld() {

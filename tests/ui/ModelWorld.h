@@ -65,6 +65,7 @@ class ModelWorld {
     FakeKeychain keychain;
     FakeClient client;
     ScriptedSession browser;
+    std::function<bool(const QString&)> handOverURL;
     Preferences preferences;
     DatabaseManager database;
     GoogleEndpoints endpoints;

@@ -50,16 +50,32 @@ TEST_F(WindowStoryTest, signingInAndOut) {
     openLibrary();
     shot(u"main-signed-out-light"_s);
 
+    const QString refusal =
+        u"com.googleusercontent.apps.1234-abcd:/oauth2redirect?error=access_denied"_s;
     std::promise<void> consent;
     browser.answer = [&] {
         consent.get_future().wait();
-        return QUrl(u"com.googleusercontent.apps.1234-abcd:/oauth2redirect?error=access_denied"_s);
+        return QUrl(refusal);
+    };
+    handOverURL = [&](const QString& url) {
+        if (url == refusal)
+            consent.set_value();
+        return url == refusal;
     };
     model->signIn();
-    ASSERT_TRUE(awaitView([&] { return model->isSigningIn(); }));
-    EXPECT_TRUE(shows(u"Vazgeç"_s));
-    consent.set_value();
-    expectShown({u"Giriş başarısız: OAuth: auth code alinamadi"_s});
+    ASSERT_TRUE(awaitView([&] { return shows(u"Vazgeç"_s) && find(u"callbackAddress"_s); }));
+    EXPECT_EQ(find(u"signInAddress"_s)->property("text").toString(),
+              QString::fromUtf8(browser.page.toEncoded()));
+    shot(u"sign-in-waiting-light"_s);
+    for (const QString& pasted : {u"https://accounts.example.com/"_s, refusal}) {
+        find(u"callbackAddress"_s)->forceActiveFocus();
+        type(pasted);
+        key(Qt::Key_Return);
+        ASSERT_TRUE(awaitView([&] {
+            return shows(pasted == refusal ? u"Giriş başarısız: OAuth: auth code alinamadi"_s
+                                           : u"Bu adres beklenen geri dönüş adresi değil"_s);
+        }));
+    }
     shot(u"error-banner-light"_s);
     click(u"dismissError"_s);
     expectHidden({u"Giriş başarısız: OAuth: auth code alinamadi"_s});

@@ -81,7 +81,8 @@ bool WindowWorld::awaitView(const std::function<bool()>& condition) {
 }
 
 void WindowWorld::settleView() {
-    ASSERT_TRUE(model->isSyncing() || settle());
+    const bool isAtConsentPage = model->isSigningIn() && browser.answer;
+    ASSERT_TRUE(model->isSyncing() || isAtConsentPage || settle());
     QCoreApplication::processEvents();
     window.window()->grabWindow(); // polishes and draws
     QCoreApplication::processEvents();

@@ -1,6 +1,7 @@
 #include "app/RunLock.h"
 #include "app/cli/Command.h"
 #include "app/cli/SignIn.h"
+#include "google/OAuthMessages.h"
 #include "platform/linux/BrowserAuthSession.h"
 
 #include <unistd.h>
@@ -16,7 +17,9 @@ int login(Invocation& invocation) {
     BrowserAuthSession session(DesktopEnvironment::ofProcess(core.folders), {STDIN_FILENO},
                                core.console, core.logger);
     GoogleServices google(core, session);
-    google.oauth.signIn(invocation.stop);
+    const SignInOutcome outcome = google.oauth.signIn(invocation.stop);
+    if (!outcome.mayListAlbums)
+        core.console.print(oauth::readingDeclined);
     core.console.result(QStringLiteral("Oturum açıldı: ") +
                         google.oauth.email().value_or(QStringLiteral("e-posta bilinmiyor")));
     return done;

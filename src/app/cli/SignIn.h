@@ -9,7 +9,7 @@ namespace quorvane::cli {
 /// For commands that never ask anybody to sign in.
 class NoAuthSession final : public WebAuthSession {
   public:
-    QUrl authenticate(const QUrl&, const QString&, const std::function<void(bool)>& started,
+    QUrl authenticate(const WebAuthRequest&, const std::function<void(bool)>& started,
                       std::stop_token) override {
         started(false);
         throw OAuthError(OAuthError::Case::sessionStartFailed);

@@ -125,7 +125,8 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             core_.clock,
             desktop_,
             [file = core_.folders.runLock()] { return std::make_shared<RunLock>(file); },
-            core_.logger.logFile()};
+            core_.logger.logFile(),
+            [this](const QString& url) { return handOverURL(environment_, url); }};
 }
 
 AppDelegate::Platform QuorvaneApp::launchPlatform() {

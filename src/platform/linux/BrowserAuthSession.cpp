@@ -4,9 +4,8 @@
 #include "google/OAuthMessages.h"
 #include "platform/linux/BrowserProcess.h"
 #include "platform/linux/CallbackSocket.h"
+#include "platform/linux/LoopbackListener.h"
 #include "platform/linux/UrlSchemeHandler.h"
-
-#include <QUrlQuery>
 
 #include <algorithm>
 
@@ -20,25 +19,25 @@ namespace {
 
 constexpr qsizetype longestLine = 64 << 10;
 
-/// Answers with a code, and refusals with an error, end a sign-in; other URLs are stray.
-bool isCallback(const QUrl& url, const QString& scheme) {
-    return url.scheme().compare(scheme, Qt::CaseInsensitive) == 0 &&
-           (oauth::authCode(url) || QUrlQuery(url).hasQueryItem(QStringLiteral("error")));
-}
-
 } // namespace
 
-/// One wait for the callback: whatever comes first of the socket, the input, the browser's
-/// failure, the stop request and the end of patience.
+/// By which ways a callback may come.
+struct BrowserAuthSession::Ways {
+    std::optional<CallbackSocket> socket;
+    std::optional<LoopbackListener> listener;
+    BrowserProcess browser;
+    bool isBrowserShown = false;
+    bool isPastingPossible = false; ///< by a person who sees the page's address
+};
+
+/// One wait for the callback: whatever comes first of the ways, the browser's failure, the stop
+/// request and the end of patience.
 class BrowserAuthSession::Wait {
   public:
-    Wait(const BrowserAuthSession& session, const QString& scheme, CallbackSocket* socket,
-         BrowserProcess& browser, bool browserShown)
+    Wait(const BrowserAuthSession& session, const QString& scheme, Ways& ways)
         : session_(session),
           scheme_(scheme),
-          socket_(socket),
-          browser_(browser),
-          browserShown_(browserShown),
+          ways_(ways),
           input_(session.options_.input.value_or(-1)),
           deadline_(Steady::now() + session.options_.patience),
           wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
@@ -47,23 +46,26 @@ class BrowserAuthSession::Wait {
         const std::stop_callback onStop(stop, [this] { ::eventfd_write(wake_.get(), 1); });
         std::optional<QUrl> callback;
         while (!callback) {
-            enum { wakeSlot, socketSlot, inputSlot, browserSlot };
+            enum { wakeSlot, socketSlot, listenerSlot, inputSlot, browserSlot };
             pollfd waiting[] = {{wake_.get(), POLLIN, 0},
-                                {socket_ != nullptr ? socket_->descriptor() : -1, POLLIN, 0},
+                                {ways_.socket ? ways_.socket->descriptor() : -1, POLLIN, 0},
+                                {ways_.listener ? ways_.listener->descriptor() : -1, POLLIN, 0},
                                 {input_, POLLIN, 0},
-                                {browser_.descriptor(), POLLIN, 0}};
+                                {ways_.browser.descriptor(), POLLIN, 0}};
             ::poll(waiting, std::size(waiting), remainingMilliseconds());
             if (stop.stop_requested())
                 throw Cancelled();
             if (waiting[socketSlot].revents != 0)
                 callback = fromSocket();
+            else if (waiting[listenerSlot].revents != 0)
+                callback = ways_.listener->receive();
             else if (waiting[inputSlot].revents != 0)
                 callback = fromInput();
             else if (waiting[browserSlot].revents != 0)
-                browserShown_ = browser_.succeeded();
+                ways_.isBrowserShown = ways_.browser.succeeded();
             else if (Steady::now() >= deadline_)
                 throw Error(QStringLiteral("OAuth: Giriş zamanında tamamlanmadı"));
-            if (!callback && !browserShown_ && input_ < 0) // nobody is left to answer
+            if (!callback && isAbandoned())
                 throw OAuthError(OAuthError::Case::sessionStartFailed);
         }
         return *callback;
@@ -72,13 +74,18 @@ class BrowserAuthSession::Wait {
   private:
     using Steady = std::chrono::steady_clock;
 
+    /// Nobody is left to answer.
+    bool isAbandoned() const {
+        return !ways_.isBrowserShown && !ways_.isPastingPossible && input_ < 0;
+    }
+
     int remainingMilliseconds() const {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Steady::now());
         return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
     }
 
     std::optional<QUrl> fromSocket() {
-        const auto visit = socket_->receive(wake_.get());
+        const auto visit = ways_.socket->receive(wake_.get());
         if (!visit)
             return std::nullopt;
         if (visit->overtakes)
@@ -114,7 +121,9 @@ class BrowserAuthSession::Wait {
 
     std::optional<QUrl> accepted(const QString& text) {
         const QUrl url(text);
-        if (isCallback(url, scheme_))
+        if (ways_.listener
+                ? ways_.listener->isCallback(url)
+                : url.scheme().compare(scheme_, Qt::CaseInsensitive) == 0 && oauth::isAnswer(url))
             return url;
         session_.log_.log(
             QStringLiteral("[OAuth] ⚠️ Beklenmeyen geri dönüş adresi yok sayıldı"));
@@ -123,9 +132,7 @@ class BrowserAuthSession::Wait {
 
     const BrowserAuthSession& session_;
     const QString scheme_;
-    CallbackSocket* socket_;
-    BrowserProcess& browser_;
-    bool browserShown_;
+    Ways& ways_;
     int input_;
     QByteArray typed_;
     const Steady::time_point deadline_;
@@ -136,33 +143,49 @@ BrowserAuthSession::BrowserAuthSession(DesktopEnvironment environment, Options o
                                        Console& console, Log& log)
     : environment_(std::move(environment)), options_(options), console_(console), log_(log) {}
 
-QUrl BrowserAuthSession::authenticate(const QUrl& url, const QString& callbackScheme,
+QUrl BrowserAuthSession::authenticate(const WebAuthRequest& request,
                                       const std::function<void(bool)>& started,
                                       std::stop_token stop) {
-    // Pasting the URL may work where these do not.
-    const auto prepare = [this](const auto& step) {
+    const QString scheme = QUrl(request.schemeURI).scheme();
+    Ways ways;
+    prepare(request, scheme, ways);
+    const bool canReturn = !request.prefersLoopback || ways.listener;
+    QUrl page;
+    if (canReturn) {
+        page = request.page(ways.listener ? ways.listener->redirectURI() : request.schemeURI);
+        ways.isPastingPossible = request.isAddressShown && ways.socket;
+        ways.isBrowserShown =
+            (ways.listener || ways.socket) && environment_.hasDisplay && ways.browser.open(page);
+    }
+    const bool canStart =
+        canReturn && (ways.isBrowserShown || ways.isPastingPossible || options_.input);
+    started(canStart);
+    if (!canStart)
+        throw OAuthError(OAuthError::Case::sessionStartFailed);
+    if (options_.input) {
+        console_.print(QStringLiteral("Giriş için bu adresi tarayıcıda açın:"));
+        console_.print(QString::fromUtf8(page.toEncoded()));
+        console_.print(QStringLiteral("Tarayıcı buraya dönmezse, yönlendirildiğiniz adresi "
+                                      "yapıştırıp Enter'a basın:"));
+    }
+    return Wait(*this, scheme, ways).run(stop);
+}
+
+/// What fails here is told and left out: another way may be enough.
+void BrowserAuthSession::prepare(const WebAuthRequest& request, const QString& scheme, Ways& ways) {
+    const auto attempt = [this](const auto& step) {
         try {
             step();
-        } catch (const FileError& error) {
+        } catch (const Error& error) {
             log_.log(QStringLiteral("[OAuth] ⚠️ Tarayıcı dönüşü hazırlanamadı: ") +
                      error.localizedDescription());
         }
     };
-    std::optional<CallbackSocket> socket;
-    prepare([&] { installUrlSchemeHandler(callbackScheme, environment_); });
-    prepare([&] { socket.emplace(environment_.signInSocket()); });
-    BrowserProcess browser;
-    const bool shown = socket && environment_.hasDisplay && browser.open(url);
-    started(shown || options_.input);
-    if (!shown && !options_.input)
-        throw OAuthError(OAuthError::Case::sessionStartFailed);
-    if (options_.input) {
-        console_.print(QStringLiteral("Giriş için bu adresi tarayıcıda açın:"));
-        console_.print(QString::fromUtf8(url.toEncoded()));
-        console_.print(QStringLiteral("Tarayıcı buraya dönmezse, yönlendirildiğiniz adresi "
-                                      "yapıştırıp Enter'a basın:"));
-    }
-    return Wait(*this, callbackScheme, socket ? &*socket : nullptr, browser, shown).run(stop);
+    if (request.prefersLoopback)
+        attempt([&] { ways.listener.emplace(request.state); });
+    else
+        attempt([&] { installUrlSchemeHandler(scheme, environment_); });
+    attempt([&] { ways.socket.emplace(environment_.signInSocket()); });
 }
 
 bool handOverURL(const DesktopEnvironment& environment, const QString& url) {

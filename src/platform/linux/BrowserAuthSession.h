@@ -10,17 +10,18 @@
 
 namespace quorvane {
 
-class BrowserProcess;
-class CallbackSocket;
-
-/// Sign-in in the system's browser. The browser hands the callback URL to the desktop, the desktop
-/// to "quorvane-cli handle-url", and that to this waiting session through `CallbackSocket`:
+/// Sign-in in the system's browser. The browser asks the waiting session's `LoopbackListener` for
+/// the callback URL; or, where the client returns by a scheme, it hands the URL to the desktop, the
+/// desktop to "quorvane-cli handle-url", and that to the session's `CallbackSocket`:
 ///
 ///     authenticate ──> xdg-open ──> browser ──scheme:/…──> handle-url ──> handOverURL ──┐
-///           ^──────────────────────────── CallbackSocket <──────────────────────────────┘
+///           ^  ^                       └──http://127.0.0.1:…──> LoopbackListener ──┐    │
+///           │  └───────────────────────────────────────────────────────────────────┘    │
+///           └─────────────────────────── CallbackSocket <───────────────────────────────┘
 ///
-/// With an input descriptor the URL may also be pasted there, so that no browser and no display
-/// is needed on this computer. A second sign-in, of this process or another, ends the first.
+/// The URL may also be pasted, into an input descriptor or through `handOverURL`, so that no
+/// browser and no display is needed on this computer. A second sign-in, of this process or another,
+/// ends the first.
 class BrowserAuthSession final : public WebAuthSession {
   public:
     struct Options {
@@ -30,11 +31,14 @@ class BrowserAuthSession final : public WebAuthSession {
 
     BrowserAuthSession(DesktopEnvironment environment, Options options, Console& console, Log& log);
 
-    QUrl authenticate(const QUrl& url, const QString& callbackScheme,
-                      const std::function<void(bool)>& started, std::stop_token stop) override;
+    QUrl authenticate(const WebAuthRequest& request, const std::function<void(bool)>& started,
+                      std::stop_token stop) override;
 
   private:
+    struct Ways;
     class Wait;
+
+    void prepare(const WebAuthRequest& request, const QString& scheme, Ways& ways);
 
     const DesktopEnvironment environment_;
     const Options options_;
@@ -42,8 +46,8 @@ class BrowserAuthSession final : public WebAuthSession {
     Log& log_;
 };
 
-/// The sending side, for the command that the desktop runs: hands `url` to the sign-in that waits
-/// in any process of this user. False when none waits for it.
+/// The sending side, for the command that the desktop runs and for pasting in the window: hands
+/// `url` to the sign-in that waits in any process of this user. False when none waits for it.
 bool handOverURL(const DesktopEnvironment& environment, const QString& url);
 
 } // namespace quorvane

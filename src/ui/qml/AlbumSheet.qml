@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Quorvane
 
 /// Names a new album of Google Photos.
@@ -41,28 +40,13 @@ Sheet {
             }
         }
         Item { width: 1; height: 16 }
-        TextField {
+        LineField {
             id: field
             objectName: "albumName"
             width: parent.width
-            implicitHeight: 40
-            leftPadding: 13
-            rightPadding: 13
-            font.pixelSize: Theme.body.size
-            color: Theme.textPrimary
-            selectionColor: Theme.accent
-            selectedTextColor: Theme.inkOnAccent
             placeholderText: "Albüm Adı (Örn: Tatil 2025, Aile)"
-            placeholderTextColor: Theme.textTertiary
             maximumLength: 500
-            Accessible.name: placeholderText
             onAccepted: sheet.create()
-            background: Rectangle {
-                radius: Theme.controlRadius
-                color: Theme.surface
-                border.width: field.activeFocus ? 2 : 1
-                border.color: field.activeFocus ? Theme.focus : Theme.borderControl
-            }
         }
         Item { width: 1; height: 8 }
         Words {

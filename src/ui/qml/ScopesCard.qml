@@ -7,7 +7,8 @@ Card {
 
     required property Dashboard dashboard
 
-    implicitHeight: words.implicitHeight + buttons.implicitHeight + 36
+    implicitHeight: words.implicitHeight + buttons.implicitHeight + 36 +
+                    (help.visible ? help.height + 10 : 0)
 
     Tile { x: 17; y: 13; symbol: "lock.shield.fill" }
     Column {
@@ -57,5 +58,12 @@ Card {
             enabled: !card.dashboard.route.isLoadingAlbums
             onClicked: card.dashboard.model.loadGoogleAlbums()
         }
+    }
+    SignInHelp {
+        id: help
+        dashboard: card.dashboard
+        x: 17
+        y: buttons.y + buttons.height + 10
+        width: parent.width - 34
     }
 }

@@ -8,11 +8,11 @@ Card {
     required property Dashboard dashboard
     readonly property bool isBusy: dashboard.account.isSigningIn
 
-    implicitHeight: 126 + 40 + 12 + 34 + 12
+    implicitHeight: 126 + 40 + 12 + 34 + 12 + (help.visible ? help.height + 16 : 0)
 
     Column {
         anchors.horizontalCenter: parent.horizontalCenter
-        y: Math.round((button.y - 12 + 17 - height) / 2) + 8
+        y: Math.round(((help.visible ? help.y : button.y) - 12 + 17 - height) / 2) + 8
         width: parent.width - 34
 
         Rectangle {
@@ -45,6 +45,13 @@ Card {
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
         }
+    }
+    SignInHelp {
+        id: help
+        dashboard: card.dashboard
+        x: 17
+        y: button.y - height - 12
+        width: parent.width - 34
     }
     ActionButton {
         id: button
