@@ -49,9 +49,10 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
 
 Answer Account::listAlbums(const Call& call, const Behaviour& behaviour, Date now) const {
     requireScope(call, {readScope, readAppDataScope}, now);
-    if (behaviour.listingForbidden)
+    const bool isShared = call.request.kind == RequestKind::sharedAlbums;
+    if (behaviour.listingForbidden || (isShared && behaviour.sharedListingForbidden))
         throw insufficientScopes();
-    return albums_.list(call, call.request.kind == RequestKind::sharedAlbums);
+    return albums_.list(call, isShared);
 }
 
 void Account::requireScope(const Call& call, const QStringList& scopes, Date now) const {

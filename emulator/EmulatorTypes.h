@@ -53,6 +53,7 @@ struct Behaviour {
     std::chrono::seconds tokenLifetime{3599}; ///< of access tokens; may be negative
     std::int64_t albumCapacity = 20'000;      ///< media items in one album
     bool listingForbidden = false;            ///< album listings answer 403
+    bool sharedListingForbidden = true;       ///< of shared albums; Google refuses everybody
     bool consentDenied = false;               ///< the person refuses the sign-in
     Person person = {};                       ///< who signs in from now on
     QString declinedScopes;                   ///< boxes that the person leaves unticked

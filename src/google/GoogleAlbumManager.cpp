@@ -65,6 +65,7 @@ std::vector<GoogleAlbum> GoogleAlbumManager::listAlbums(std::stop_token stop) {
     Listing own = fetchEndpointAlbums(albumsEndpoint_, QStringLiteral("albums"), token, stop);
     const Listing shared =
         fetchEndpointAlbums(sharedAlbumsEndpoint_, QStringLiteral("sharedAlbums"), token, stop);
+    lacksReadPermission_ = own.insufficientScopes && !own.isServiceDisabled;
     const bool scopeIssue = own.insufficientScopes || shared.insufficientScopes;
     own.albums.insert(own.albums.end(), shared.albums.begin(), shared.albums.end());
     const std::vector<GoogleAlbum> albums = remember(own.albums);
@@ -121,6 +122,7 @@ std::optional<QJsonObject> GoogleAlbumManager::fetchPage(const QUrl& endpoint,
     }
     if (response.status == 403) {
         listing.insufficientScopes = true;
+        listing.isServiceDisabled = response.body.contains("SERVICE_DISABLED");
         log_.log(where + QStringLiteral(" HTTP 403 (excludeNonAppCreatedData: true): ") +
                  bodyText(response));
         return std::nullopt;

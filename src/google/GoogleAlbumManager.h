@@ -27,8 +27,13 @@ class GoogleAlbumManager {
     /// token provider's errors, `FileError` for the memory, and `Cancelled` are thrown.
     std::vector<GoogleAlbum> listAlbums(std::stop_token stop);
 
-    /// True when the last listing was refused for want of the reading scopes.
+    /// True when a part of the last listing was refused (403). Google refuses everybody the shared
+    /// albums, so this is no reason to ask the person for anything.
     bool hasInsufficientScopes() const { return hasInsufficientScopes_; }
+
+    /// True when the last listing was refused the own albums for want of the reading scopes, which
+    /// a new consent can give.
+    bool lacksReadPermission() const { return lacksReadPermission_; }
 
     /// Makes an album, remembers it and makes it the target. Throws `AlbumError`, `TransportError`,
     /// `FileError`, the token provider's errors, or `Cancelled`.
@@ -53,6 +58,7 @@ class GoogleAlbumManager {
     struct Listing {
         std::vector<GoogleAlbum> albums;
         bool insufficientScopes = false;
+        bool isServiceDisabled = false; ///< the same status, for a project without the API
     };
 
     Listing fetchEndpointAlbums(const QUrl& endpoint, const QString& jsonArrayKey,
@@ -71,6 +77,7 @@ class GoogleAlbumManager {
     const QUrl albumsEndpoint_;
     const QUrl sharedAlbumsEndpoint_;
     std::atomic<bool> hasInsufficientScopes_ = false;
+    std::atomic<bool> lacksReadPermission_ = false;
     std::mutex
         memory_; ///< makes a change of the remembered list one step; never held on the network
 };

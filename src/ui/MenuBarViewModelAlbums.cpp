@@ -61,7 +61,7 @@ void MenuBarViewModel::loadGoogleAlbums() {
             s_.log.log(QStringLiteral("[MenuBarViewModel] Google albümleri alınamadı: ") +
                        error.localizedDescription());
         }
-        const bool lacksScopes = s_.albums.hasInsufficientScopes();
+        const bool lacksScopes = s_.albums.lacksReadPermission();
         post([this, albums, lacksScopes] {
             isLoadingGoogleAlbums_ = false;
             knowsGoogleAlbums_ = true; // also after a failure: the person asks again

@@ -7,6 +7,8 @@ namespace {
 using AlbumsTest = EmulatorWorld;
 
 TEST_F(AlbumsTest, listsWhatTheAppMadeOrMaySeeOrShares) {
+    EXPECT_EQ(statusOf(client->Get("/v1/sharedAlbums", bearer())), 403) << "as for everybody";
+    emulator->change([](Behaviour& behaviour) { behaviour.sharedListingForbidden = false; });
     emulator->addAlbum(u"Aile"_s, 10);
     emulator->addAlbum(u"ortak"_s, 7, true);
     emulator->addAlbum(u"yabancı"_s, 8, false, false);
@@ -37,7 +39,7 @@ TEST_F(AlbumsTest, refusesWhatGoogleRefuses) {
     EXPECT_TRUE(emulator->albums().empty());
 
     emulator->change([](Behaviour& behaviour) { behaviour.listingForbidden = true; });
-    const auto forbidden = client->Get("/v1/sharedAlbums", bearer());
+    const auto forbidden = client->Get("/v1/albums", bearer());
     EXPECT_EQ(statusOf(forbidden), 403);
     EXPECT_EQ(json(forbidden)[u"error"_s][u"status"_s].toString(), u"PERMISSION_DENIED"_s);
 }

@@ -89,12 +89,16 @@ TEST_F(Albums, AFailingEndpointShortensTheListAndIsLogged) {
                                      failing + line))
                 << line.toStdString();
             EXPECT_EQ(manager.hasInsufficientScopes(), status == 403);
+            EXPECT_EQ(manager.lacksReadPermission(), status == 403 && failing == u"/v1/albums" &&
+                                                         !body.contains("SERVICE_DISABLED"));
         }
     };
     for (const int status : test::refusals)
         expectShortened(status, "why?",
                         u" HTTP %1%2: why?"_s.arg(status).arg(
                             status == 403 ? u" (excludeNonAppCreatedData: true)"_s : QString()));
+    expectShortened(403, R"({"error":{"details":[{"reason":"SERVICE_DISABLED"}]}})",
+                    u" HTTP 403 (excludeNonAppCreatedData: true): {\"error\""_s);
     for (const QByteArray& body : {QByteArray(), QByteArray("<html>"), QByteArray("[1]"),
                                    QByteArray("{\"a\":").repeated(5000)})
         expectShortened(200, body, u": [Album] Geçersiz API yanıtı"_s);

@@ -37,6 +37,10 @@ std::vector<Row> googleAlbums(Invocation& invocation, CoreServices& core) {
     std::vector<Row> rows;
     for (const GoogleAlbum& album : google.albums.listAlbums(invocation.stop))
         rows.push_back({album.id, album.title.value_or(QString()), album.itemCount()});
+    if (google.albums.lacksReadPermission())
+        core.console.error(
+            QStringLiteral("Albümleri görme izni yok, yalnız bilinen albümler listelendi. İzin "
+                           "vermek için: quorvane-cli login"));
     return rows;
 }
 
