@@ -3,6 +3,7 @@
 #include "emulator/JsonBody.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 using namespace Qt::StringLiterals;
 
@@ -125,15 +126,15 @@ const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item
                                        Date now) {
     const auto [entry, isNew] = indexOfId_.try_emplace(id, items_.size());
     if (isNew)
-        items_.push_back(
-            {.id = id,
-             .filename = item.filename.isEmpty() ? upload.filename : item.filename,
-             .description = item.description,
-             .mimeType = upload.format,
-             .sha256 = upload.sha256,
-             .size = upload.size,
-             .creationTime = QDateTime::fromMSecsSinceEpoch(now.time_since_epoch().count(), Qt::UTC)
-                                 .toString(Qt::ISODate)});
+        items_.push_back({.id = id,
+                          .filename = item.filename.isEmpty() ? upload.filename : item.filename,
+                          .description = item.description,
+                          .mimeType = upload.format,
+                          .sha256 = upload.sha256,
+                          .size = upload.size,
+                          .creationTime = QDateTime::fromMSecsSinceEpoch(
+                                              now.time_since_epoch().count(), QTimeZone::utc())
+                                              .toString(u"yyyy-MM-dd'T'HH:mm:ss'Z'"_s)});
     return items_[entry->second];
 }
 

@@ -3,6 +3,7 @@
 #include "foundation/MainThread.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 #include <fcntl.h>
 #include <syslog.h>
@@ -15,7 +16,7 @@ namespace {
 constexpr size_t memoryBufferSize = 100;
 
 QString iso8601(Date date) {
-    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), Qt::UTC)
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), QTimeZone::utc())
         .toString(QStringLiteral("yyyy-MM-dd'T'HH:mm:ss'Z'"));
 }
 

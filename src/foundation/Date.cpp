@@ -1,6 +1,7 @@
 #include "foundation/Date.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 #include <cmath>
 
@@ -19,7 +20,7 @@ double unixSeconds(Date date) {
 }
 
 QString describe(Date date) {
-    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), Qt::UTC)
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), QTimeZone::utc())
         .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss '+0000'"));
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QRegularExpression>
+#include <QTimeZone>
 
 #include <ctime>
 
@@ -100,7 +101,7 @@ QString exifDateText(Date date) {
 }
 
 QString utcText(Date date, QStringView format) {
-    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), Qt::UTC)
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), QTimeZone::utc())
         .toString(format);
 }
 

@@ -4,6 +4,7 @@
 #include "store/Statements.h"
 
 #include <QDateTime>
+#include <QTimeZone>
 
 namespace quorvane {
 
@@ -51,7 +52,7 @@ void execute(sqlite::Connection& connection, const char* sql, const QString& pre
 Date timestamp(const sqlite::Statement& row, int column) {
     QDateTime parsed =
         QDateTime::fromString(row.text(column), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    parsed.setTimeSpec(Qt::UTC);
+    parsed.setTimeZone(QTimeZone::utc());
     return parsed.isValid() ? Date(std::chrono::milliseconds(parsed.toMSecsSinceEpoch()))
                             : std::chrono::time_point_cast<std::chrono::milliseconds>(
                                   std::chrono::system_clock::now());
