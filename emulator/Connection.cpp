@@ -10,7 +10,7 @@ namespace quorvane::emulator {
 
 namespace {
 
-constexpr size_t bufferSize = 64 * 1024;
+constexpr qsizetype bufferSize = 64 * 1024;
 
 /// False when the other side left or the connection was ended; true after `milliseconds`.
 bool stays(int socket, int milliseconds) {
@@ -25,16 +25,53 @@ bool stays(int socket, int milliseconds) {
 } // namespace
 
 Connection::Connection(FileDescriptor socket, int number)
-    : socket_(std::move(socket)), number_(number), buffer_(bufferSize) {}
+    : socket_(std::move(socket)), number_(number), buffer_(bufferSize, Qt::Uninitialized) {}
 
-void Connection::beginHead() {
-    head_.clear();
-    inHead_ = true;
+QByteArrayView Connection::peek() {
+    if (begin_ == end_) {
+        ssize_t count = 0;
+        do
+            count = ::recv(socket_.get(), buffer_.data(), static_cast<size_t>(buffer_.size()), 0);
+        while (count < 0 && errno == EINTR);
+        begin_ = 0;
+        end_ = std::max<ssize_t>(count, 0);
+    }
+    return QByteArrayView(buffer_).sliced(begin_, end_ - begin_);
 }
 
-QByteArray Connection::takeHead() {
-    inHead_ = false;
-    return std::exchange(head_, {});
+void Connection::consume(qsizetype size) {
+    begin_ += size;
+}
+
+std::optional<QByteArray> Connection::readUntil(QByteArrayView mark, qsizetype limit) {
+    QByteArray text;
+    while (text.size() <= limit) {
+        const QByteArrayView more = peek();
+        if (more.isEmpty())
+            return std::nullopt;
+        const qsizetype known = text.size();
+        text.append(more);
+        const qsizetype found = text.indexOf(mark, std::max<qsizetype>(known - mark.size() + 1, 0));
+        if (found < 0) {
+            consume(more.size());
+            continue;
+        }
+        consume(found + mark.size() - known);
+        text.truncate(found);
+        return text;
+    }
+    return std::nullopt;
+}
+
+bool Connection::write(QByteArrayView bytes) {
+    while (!bytes.isEmpty()) {
+        const ssize_t count =
+            ::send(socket_.get(), bytes.data(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
+        if (count < 0 && errno != EINTR)
+            return false;
+        bytes = bytes.sliced(std::max<ssize_t>(count, 0));
+    }
+    return true;
 }
 
 bool Connection::pause(std::chrono::milliseconds duration) const {
@@ -54,42 +91,6 @@ void Connection::end() {
 void Connection::close() {
     const std::lock_guard lock(closing_);
     socket_ = FileDescriptor();
-}
-
-ssize_t Connection::read(char* target, size_t size) {
-    if (begin_ == end_) {
-        ssize_t count = 0;
-        do
-            count = ::recv(socket_.get(), buffer_.data(), buffer_.size(), 0);
-        while (count < 0 && errno == EINTR);
-        if (count <= 0)
-            return count;
-        begin_ = 0;
-        end_ = static_cast<size_t>(count);
-    }
-    const size_t count = std::min(size, end_ - begin_);
-    std::copy_n(buffer_.data() + begin_, count, target);
-    begin_ += count;
-    if (inHead_)
-        head_.append(target, static_cast<qsizetype>(count));
-    return static_cast<ssize_t>(count);
-}
-
-ssize_t Connection::write(const char* bytes, size_t size) {
-    ssize_t count = 0;
-    do
-        count = ::send(socket_.get(), bytes, size, MSG_NOSIGNAL);
-    while (count < 0 && errno == EINTR);
-    return count;
-}
-
-void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {
-    ip = "127.0.0.1";
-    port = 0;
-}
-
-void Connection::get_local_ip_and_port(std::string& ip, int& port) const {
-    get_remote_ip_and_port(ip, port);
 }
 
 } // namespace quorvane::emulator

@@ -4,36 +4,93 @@
 
 namespace quorvane::emulator {
 
-bool Exchange::readBody(const std::function<bool(QByteArrayView)>& receive) {
-    if (!body_)
+namespace {
+
+constexpr qsizetype longestChunkLine = 4096;
+
+std::optional<std::int64_t> numberFrom(const QByteArray& text, int base) {
+    bool isNumber = false;
+    const qint64 value = text.trimmed().toLongLong(&isNumber, base);
+    return isNumber && value >= 0 ? std::optional<std::int64_t>(value) : std::nullopt;
+}
+
+} // namespace
+
+Exchange::Exchange(Connection& connection, RecordedRequest head, int minorVersion)
+    : connection_(connection),
+      head_(std::move(head)),
+      isChunked_(head_.header("Transfer-Encoding").toLower() == "chunked"),
+      length_(numberFrom(head_.header("Content-Length"), 10)),
+      hasUnreadBody_(isChunked_ || length_.value_or(0) > 0 || !isBodyDelimited()),
+      isKept_(minorVersion > 0 && head_.header("Connection").toLower() != "close") {}
+
+bool Exchange::isBodyDelimited() const {
+    static const QByteArrayList withBody{"POST", "PUT", "PATCH", "DELETE"};
+    return isChunked_ || length_ || !withBody.contains(head_.method);
+}
+
+bool Exchange::readBody(const Receive& receive) {
+    if (!hasUnreadBody_)
         return true;
-    return (*body_)([&](const char* bytes, size_t size) {
-        return receive(QByteArrayView(bytes, static_cast<qsizetype>(size)));
-    });
+    if (head_.header("Expect").toLower() == "100-continue")
+        connection_.write("HTTP/1.1 100 Continue\r\n\r\n");
+    hasUnreadBody_ = !(isChunked_ ? readChunks(receive) : readPiece(length_.value_or(0), receive));
+    return !hasUnreadBody_;
+}
+
+bool Exchange::readPiece(std::int64_t size, const Receive& receive) {
+    while (size > 0) {
+        QByteArrayView bytes = connection_.peek();
+        bytes = bytes.first(std::min<qsizetype>(bytes.size(), size));
+        if (bytes.isEmpty() || !receive(bytes))
+            return false;
+        connection_.consume(bytes.size());
+        size -= bytes.size();
+    }
+    return true;
+}
+
+bool Exchange::readChunks(const Receive& receive) {
+    const auto readLine = [this] { return connection_.readUntil("\r\n", longestChunkLine); };
+    while (const auto line = readLine()) {
+        const auto size = numberFrom(line->left(line->indexOf(';')), 16);
+        if (!size)
+            return false;
+        if (*size > 0) {
+            if (!readPiece(*size, receive) || readLine() != QByteArray())
+                return false;
+            continue;
+        }
+        auto trailer = readLine();
+        while (trailer && !trailer->isEmpty())
+            trailer = readLine();
+        return trailer.has_value();
+    }
+    return false;
 }
 
 void Exchange::drop() {
+    isKept_ = false;
     connection_.end();
 }
 
 void Exchange::answer(const Answer& answer, std::optional<std::int64_t> bodyLimit) {
-    response_.status = answer.status;
-    if (!answer.location.isEmpty())
-        response_.set_header("Location", answer.location.toStdString());
-    if (!bodyLimit) {
-        response_.set_content(answer.body.toStdString(), answer.contentType.toStdString());
-        return;
-    }
-    const QByteArray part = answer.body.first(
-        std::clamp<qsizetype>(static_cast<qsizetype>(*bodyLimit), 0, answer.body.size()));
     // One byte more is announced than there is, so that the end is never taken for a whole answer.
-    response_.set_content_provider(
-        static_cast<size_t>(answer.body.size()) + 1, answer.contentType.toStdString(),
-        [part](size_t, size_t, httplib::DataSink& sink) {
-            if (!part.isEmpty())
-                sink.write(part.data(), static_cast<size_t>(part.size()));
-            return false;
-        });
+    const qsizetype announced = answer.body.size() + (bodyLimit ? 1 : 0);
+    isKept_ = isKept_ && !bodyLimit && !hasUnreadBody_;
+    QByteArray text = "HTTP/1.1 " + QByteArray::number(answer.status) +
+                      " \r\nContent-Length: " + QByteArray::number(announced) + "\r\n";
+    if (!answer.contentType.isEmpty())
+        text += "Content-Type: " + answer.contentType + "\r\n";
+    if (!answer.location.isEmpty())
+        text += "Location: " + answer.location + "\r\n";
+    if (!isKept_)
+        text += "Connection: close\r\n";
+    text += "\r\n";
+    if (head_.method != "HEAD")
+        text += answer.body.first(std::clamp<qsizetype>(
+            static_cast<qsizetype>(bodyLimit.value_or(answer.body.size())), 0, answer.body.size()));
+    isKept_ = connection_.write(text) && isKept_;
 }
 
 } // namespace quorvane::emulator

@@ -14,29 +14,30 @@ namespace quorvane::emulator {
 
 namespace {
 
-/// What a connection's thread is at; httplib's handlers are given nothing to find it by.
-struct Serving {
-    Connection* connection = nullptr;
-    RecordedRequest head;
-};
-thread_local Serving serving;
+constexpr qsizetype longestHead = 256 << 10;
 
-/// The request line and header lines, as received.
-RecordedRequest parseHead(const QByteArray& head) {
+struct Head {
     RecordedRequest request;
-    QList<QByteArray> lines = head.split('\n');
-    const QList<QByteArray> words = lines.takeFirst().trimmed().split(' ');
-    if (words.size() == 3) {
-        request.method = words[0];
-        const qsizetype mark = words[1].indexOf('?');
-        request.path = mark < 0 ? words[1] : words[1].first(mark);
-        request.query = mark < 0 ? QByteArray() : words[1].sliced(mark + 1);
-    }
+    int minorVersion = 0;
+};
+
+/// The request line and header lines, as received; none when they are no HTTP/1.
+std::optional<Head> parseHead(const QByteArray& text) {
+    QByteArrayList lines = text.split('\n');
+    const QByteArrayList words = lines.takeFirst().trimmed().split(' ');
+    if (words.size() != 3 || !words[1].startsWith('/') || !words[2].startsWith("HTTP/1."))
+        return std::nullopt;
+    Head head;
+    head.minorVersion = words[2].endsWith('0') ? 0 : 1;
+    head.request.method = words[0];
+    const qsizetype mark = words[1].indexOf('?');
+    head.request.path = mark < 0 ? words[1] : words[1].first(mark);
+    head.request.query = mark < 0 ? QByteArray() : words[1].sliced(mark + 1);
     for (const QByteArray& line : lines) {
         if (const qsizetype colon = line.indexOf(':'); colon > 0)
-            request.headers.emplace_back(line.first(colon), line.sliced(colon + 1).trimmed());
+            head.request.headers.emplace_back(line.first(colon), line.sliced(colon + 1).trimmed());
     }
-    return request;
+    return head;
 }
 
 [[noreturn]] void throwNotListening(int port) {
@@ -45,22 +46,6 @@ RecordedRequest parseHead(const QByteArray& head) {
 }
 
 } // namespace
-
-HttpServer::HttpServer(Handler handler) : handler_(std::move(handler)) {
-    const auto withoutBody = [this](const httplib::Request& request, httplib::Response& response) {
-        handle(request, response, nullptr);
-    };
-    const auto withBody = [this](const httplib::Request& request, httplib::Response& response,
-                                 const httplib::ContentReader& body) {
-        handle(request, response, &body);
-    };
-    Get(".*", withoutBody);
-    Options(".*", withoutBody);
-    Post(".*", withBody);
-    Put(".*", withBody);
-    Patch(".*", withBody);
-    Delete(".*", withBody);
-}
 
 HttpServer::~HttpServer() {
     stop();
@@ -82,7 +67,6 @@ void HttpServer::start(int port) {
         throwNotListening(port);
     port_ = ntohs(address.sin_port);
     listener_ = std::move(listener);
-    svr_sock_ = listener_.get(); // without it httplib believes that it is shutting down
     acceptor_ = std::jthread([this] { acceptClients(); });
 }
 
@@ -94,7 +78,6 @@ void HttpServer::stop() {
     for (const auto& client : clients_)
         client->connection.end();
     clients_.clear();
-    svr_sock_ = INVALID_SOCKET;
     listener_ = FileDescriptor();
 }
 
@@ -120,32 +103,22 @@ void HttpServer::acceptClients() {
     }
 }
 
-void HttpServer::serve(Connection& connection) {
-    serving.connection = &connection;
-    bool isClosed = false;
-    do {
-        connection.beginHead();
-        const bool answered =
-            process_request(connection, false, isClosed, [&](httplib::Request& request) {
-                serving.head = parseHead(connection.takeHead());
-                serving.head.connection = connection.number();
-                // The body is to be handed on as it comes, whatever it is said to be.
-                request.headers.erase("Content-Type");
-                request.headers.erase("Content-Encoding");
-            });
-        if (!answered)
+void HttpServer::serve(Connection& connection) const {
+    while (const auto text = connection.readUntil("\r\n\r\n", longestHead)) {
+        auto head = parseHead(*text);
+        if (!head) {
+            Exchange(connection, {}, 0).answer(textAnswer("Bad Request", 400), std::nullopt);
             return;
-    } while (!isClosed);
-}
-
-void HttpServer::handle(const httplib::Request& request, httplib::Response& response,
-                        const httplib::ContentReader* body) {
-    Exchange exchange(*serving.connection, serving.head, response, body);
-    if (body && !request.has_header("Content-Length") &&
-        request.get_header_value("Transfer-Encoding") != "chunked")
-        exchange.answer(textAnswer("Length Required", 411), std::nullopt);
-    else
-        handler_(exchange);
+        }
+        head->request.connection = connection.number();
+        Exchange exchange(connection, std::move(head->request), head->minorVersion);
+        if (exchange.isBodyDelimited())
+            handler_(exchange);
+        else
+            exchange.answer(textAnswer("Length Required", 411), std::nullopt);
+        if (!exchange.isConnectionKept())
+            return;
+    }
 }
 
 } // namespace quorvane::emulator

@@ -11,15 +11,16 @@
 
 namespace quorvane::emulator {
 
-/// HTTP/1.1 on 127.0.0.1, a thread for each connection. Listening and the connections are its
-/// own, so that it stops at once whatever they do; httplib speaks HTTP on them.
-class HttpServer : private httplib::Server {
+/// HTTP/1.1 on 127.0.0.1, a thread for each connection. It stops at once, whatever they do.
+class HttpServer {
   public:
     /// Runs on the connection's thread; must not throw.
     using Handler = std::function<void(Exchange&)>;
 
-    explicit HttpServer(Handler handler);
-    ~HttpServer() override;
+    explicit HttpServer(Handler handler) : handler_(std::move(handler)) {}
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
 
     /// Listens on `port`, or on any free one for 0. Throws `Error`.
     void start(int port);
@@ -40,9 +41,7 @@ class HttpServer : private httplib::Server {
     };
 
     void acceptClients();
-    void serve(Connection& connection);
-    void handle(const httplib::Request& request, httplib::Response& response,
-                const httplib::ContentReader* body);
+    void serve(Connection& connection) const;
 
     Handler handler_;
     int port_ = 0;
