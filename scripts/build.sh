@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds one preset: build.sh PRESET [TARGET...]
+# Configures and builds one preset: build.sh PRESET [TARGET...]. QUORVANE_STRICT=ON: warnings are errors.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 preset=$1
@@ -7,7 +7,7 @@ shift
 launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 mkdir -p build
-if ! cmake --preset "$preset" "${launcher[@]}" >"build/configure-$preset.log" 2>&1; then
+if ! cmake --preset "$preset" -D QUORVANE_STRICT="${QUORVANE_STRICT:-OFF}" "${launcher[@]}" >"build/configure-$preset.log" 2>&1; then
   cat "build/configure-$preset.log" >&2
   exit 1
 fi
