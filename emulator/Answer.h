@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Date.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
@@ -11,7 +13,8 @@ struct Answer {
     int status = 200;
     QByteArray contentType = {};
     QByteArray body = {};
-    QByteArray location = {}; ///< of a redirection
+    QByteArray location = {};      ///< of a redirection
+    std::optional<Date> date = {}; ///< by the service's clock
 };
 
 Answer jsonAnswer(const QJsonObject& object, int status = 200);

@@ -99,6 +99,16 @@ const std::vector<Option>& allOptions() {
          [](L& l, const QString& v) {
              l.options.behaviour.tokenLifetime = std::chrono::seconds(number(v, -largest, largest));
          }},
+        {u"--session-lifetime"_s, u"SANİYE"_s,
+         u"oturumun ömrü, deneme durumundaki istemcide olduğu "
+         "gibi"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.sessionLifetime = std::chrono::seconds(number(v, 1, largest));
+         }},
+        {u"--clock-ahead"_s, u"SANİYE"_s, u"hizmetin saati bu kadar ileridir (eksi olabilir)"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.clockAhead = std::chrono::seconds(number(v, -largest, largest));
+         }},
         {u"--album-capacity"_s, u"N"_s, u"bir albümün alabileceği öğe sayısı"_s,
          [](L& l, const QString& v) { l.options.behaviour.albumCapacity = number(v, 0, largest); }},
         {u"--forbid-listing"_s,

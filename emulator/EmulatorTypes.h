@@ -51,6 +51,8 @@ struct Behaviour {
     std::chrono::milliseconds latency{0};     ///< before every answer
     std::int64_t uploadBytesPerSecond = 0;    ///< 0: as fast as it comes
     std::chrono::seconds tokenLifetime{3599}; ///< of access tokens; may be negative
+    std::chrono::seconds sessionLifetime{0};  ///< of refresh tokens; 0: without end
+    std::chrono::seconds clockAhead{0};       ///< what the service's clock is wrong by
     std::int64_t albumCapacity = 20'000;      ///< media items in one album
     bool listingForbidden = false;            ///< album listings answer 403
     bool sharedListingForbidden = true;       ///< of shared albums; Google refuses everybody

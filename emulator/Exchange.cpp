@@ -1,5 +1,9 @@
 #include "emulator/Exchange.h"
 
+#include <QDateTime>
+#include <QLocale>
+#include <QTimeZone>
+
 #include <algorithm>
 
 namespace quorvane::emulator {
@@ -12,6 +16,13 @@ std::optional<std::int64_t> numberFrom(const QByteArray& text, int base) {
     bool isNumber = false;
     const qint64 value = text.trimmed().toLongLong(&isNumber, base);
     return isNumber && value >= 0 ? std::optional<std::int64_t>(value) : std::nullopt;
+}
+
+/// RFC 9110, section 5.6.7.
+QByteArray httpDate(Date date) {
+    const auto utc =
+        QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), QTimeZone::utc());
+    return QLocale::c().toString(utc, QStringLiteral("ddd, dd MMM yyyy HH:mm:ss 'GMT'")).toLatin1();
 }
 
 } // namespace
@@ -82,6 +93,8 @@ void Exchange::answer(const Answer& answer, std::optional<std::int64_t> bodyLimi
                       " \r\nContent-Length: " + QByteArray::number(announced) + "\r\n";
     if (!answer.contentType.isEmpty())
         text += "Content-Type: " + answer.contentType + "\r\n";
+    if (answer.date)
+        text += "Date: " + httpDate(*answer.date) + "\r\n";
     if (!answer.location.isEmpty())
         text += "Location: " + answer.location + "\r\n";
     if (!isKept_)

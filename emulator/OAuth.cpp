@@ -43,6 +43,12 @@ bool isRedirectOf(const QString& clientID, const QString& redirectURI, bool hasS
            (!hasSecret && redirectURI.startsWith(parts.join(u'.') + u":/"_s, Qt::CaseInsensitive));
 }
 
+/// Google ends the sessions of a client in testing after seven days.
+std::optional<Date> expiryOf(const Behaviour& behaviour, Date now) {
+    return behaviour.sessionLifetime.count() > 0 ? std::optional(now + behaviour.sessionLifetime)
+                                                 : std::nullopt;
+}
+
 bool matches(const QString& text, const char* pattern) {
     return QRegularExpression(QRegularExpression::anchoredPattern(QString::fromLatin1(pattern)))
         .match(text)
@@ -144,7 +150,8 @@ Answer OAuth::redeemCode(const QUrlQuery& form, const Behaviour& behaviour, Date
 
     const auto lifetime = behaviour.tokenLifetime;
     const QString refreshToken =
-        code.isOffline ? tokens_.addGrant(code.clientID, code.consent) : QString();
+        code.isOffline ? tokens_.addGrant({code.clientID, code.consent, expiryOf(behaviour, now)})
+                       : QString();
     QJsonObject answer{
         {u"access_token"_s, tokens_.addAccess({now + lifetime, code.consent, refreshToken})},
         {u"expires_in"_s, static_cast<qint64>(lifetime.count())},
@@ -161,17 +168,22 @@ Answer OAuth::refresh(const QUrlQuery& form, const Behaviour& behaviour, Date no
     if (refreshToken.isEmpty())
         return invalidRequest(u"Missing required parameter: refresh_token"_s);
     const Tokens::Grant* grant = tokens_.grant(refreshToken);
-    if (!grant)
+    if (!grant || (grant->expiry && *grant->expiry <= now))
         return invalidGrant(u"Token has been expired or revoked."_s);
     if (!grant->clientID.isEmpty() && grant->clientID != formItem(form, u"client_id"_s))
         return oauthError(u"unauthorized_client"_s, u"Unauthorized"_s, 401);
     const auto lifetime = behaviour.tokenLifetime;
-    return jsonAnswer({
+    QJsonObject answer{
         {u"access_token"_s, tokens_.addAccess({now + lifetime, grant->consent, refreshToken})},
         {u"expires_in"_s, static_cast<qint64>(lifetime.count())},
         {u"scope"_s, textOf(grant->consent.scopes)},
         {u"token_type"_s, u"Bearer"_s},
-    });
+    };
+    if (grant->expiry)
+        answer.insert(
+            u"refresh_token_expires_in"_s,
+            qint64(std::chrono::duration_cast<std::chrono::seconds>(*grant->expiry - now).count()));
+    return jsonAnswer(answer);
 }
 
 Answer OAuth::revoke(const Call& call) {
@@ -198,7 +210,7 @@ Answer OAuth::userInfo(const Call& call, Date now) const {
 
 TokenPair OAuth::issue(const Scopes& scopes, const Behaviour& behaviour, Date now) {
     const Tokens::Consent consent{behaviour.person, scopes};
-    const QString refreshToken = tokens_.addGrant({}, consent);
+    const QString refreshToken = tokens_.addGrant({{}, consent, expiryOf(behaviour, now)});
     const Tokens::Access access{now + behaviour.tokenLifetime, consent, refreshToken};
     return {.accessToken = tokens_.addAccess(access), .refreshToken = refreshToken};
 }

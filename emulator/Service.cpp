@@ -76,7 +76,8 @@ void Service::carry(Exchange& exchange) {
         exchange.drop();
         return;
     }
-    const Answer answer = answerTo(call, plan);
+    Answer answer = answerTo(call, plan);
+    answer.date = now() + plan.behaviour.clockAhead;
     if (upload && answer.status == 200)
         upload->keep(call);
     upload.reset(); // its file is kept or gone before the client hears of it

@@ -53,9 +53,9 @@ QString opaqueText(int count) {
                                                                  QByteArray::OmitTrailingEquals));
 }
 
-QString Tokens::addGrant(const QString& clientID, const Consent& consent) {
+QString Tokens::addGrant(const Grant& grant) {
     const QString token = u"1//0"_s + opaqueText(48);
-    grants_.insert_or_assign(token, Grant{clientID, consent});
+    grants_.insert_or_assign(token, grant);
     return token;
 }
 
@@ -106,6 +106,8 @@ QJsonObject Tokens::toJson() const {
     for (const auto& [token, grant] : grants_) {
         QJsonObject entry = emulator::toJson(grant.consent);
         entry.insert(clientKey, grant.clientID);
+        if (grant.expiry)
+            entry.insert(expiryKey, unixSeconds(*grant.expiry));
         grants.insert(token, entry);
     }
     QJsonObject access;
@@ -124,7 +126,10 @@ Tokens Tokens::fromJson(const QJsonObject& object) {
     for (auto it = grants.begin(); it != grants.end(); ++it) {
         const QJsonObject entry = it.value().toObject();
         tokens.grants_.insert_or_assign(
-            it.key(), Grant{entry.value(clientKey).toString(), consentFrom(entry)});
+            it.key(),
+            Grant{entry.value(clientKey).toString(), consentFrom(entry),
+                  entry.contains(expiryKey) ? dateFromUnixSeconds(entry.value(expiryKey).toDouble())
+                                            : std::nullopt});
     }
     const QJsonObject access = object.value(accessKey).toObject();
     for (auto it = access.begin(); it != access.end(); ++it) {

@@ -47,9 +47,10 @@ class Tokens {
     struct Grant {
         QString clientID; ///< empty: any client
         Consent consent;
+        std::optional<Date> expiry = {};
     };
 
-    QString addGrant(const QString& clientID, const Consent& consent);
+    QString addGrant(const Grant& grant);
     QString addAccess(const Access& access);
 
     const Grant* grant(const QString& refreshToken) const;

@@ -90,7 +90,15 @@ std::optional<QString> AppConfig::googleClientSecret() const {
 }
 
 bool AppConfig::redirectsToLoopback() const {
-    return googleClientSecret() || nonEmpty(redirectKey) == QStringLiteral("loopback");
+    return googleClientSecret() || redirect() == u"loopback";
+}
+
+bool AppConfig::isClientConfigured() const {
+    return nonEmpty(clientIDKey).has_value();
+}
+
+QString AppConfig::redirect() const {
+    return nonEmpty(redirectKey).value_or(QString());
 }
 
 std::optional<QString> AppConfig::nonEmpty(const QString& key) const {

@@ -33,6 +33,11 @@ class AppConfig final : public OAuthClientIdentity {
     /// A client with a secret is one for desktops; GOOGLE_REDIRECT=loopback says so of others.
     bool redirectsToLoopback() const override;
 
+    /// Whether there is another client than the one built in.
+    bool isClientConfigured() const;
+    /// GOOGLE_REDIRECT as it is; empty when absent.
+    QString redirect() const;
+
     /// KEY=value lines. Whole-line "#" comments, one pair of quotes removed, nothing else expanded.
     static Values parseEnv(const QString& text);
 

@@ -108,6 +108,7 @@ struct Answer {
     std::int64_t largestBody = 0;
     std::int64_t headerBytes = 0;
     bool tooLarge = false;
+    std::optional<Date> date;
 
     static size_t takeBody(char* bytes, size_t unit, size_t count, void* self) {
         auto* answer = static_cast<Answer*>(self);
@@ -119,9 +120,13 @@ struct Answer {
         return unit * count;
     }
 
-    static size_t takeHeader(char*, size_t unit, size_t count, void* self) {
+    static size_t takeHeader(char* bytes, size_t unit, size_t count, void* self) {
         auto* answer = static_cast<Answer*>(self);
-        answer->headerBytes += static_cast<std::int64_t>(unit * count);
+        const QByteArray line(bytes, static_cast<qsizetype>(unit * count));
+        answer->headerBytes += line.size();
+        if (line.toLower().startsWith("date:"))
+            if (const time_t date = curl_getdate(line.constData() + 5, nullptr); date >= 0)
+                answer->date = Date(std::chrono::seconds(date));
         answer->tooLarge = answer->headerBytes > largestResponseHeader;
         return answer->tooLarge ? 0 : unit * count;
     }
@@ -166,7 +171,7 @@ class CurlHttpClient::Lane {
         }
         long status = 0;
         curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
-        return {static_cast<int>(status), std::move(answer.body)};
+        return {static_cast<int>(status), std::move(answer.body), answer.date};
     }
 
   private:

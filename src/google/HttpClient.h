@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Date.h"
 #include "foundation/Error.h"
 
 #include <QByteArray>
@@ -31,6 +32,7 @@ struct HttpRequest {
 struct HttpResponse {
     int status = 0;
     QByteArray body;
+    std::optional<Date> date = {}; ///< by the service's clock, where it says so
 };
 
 /// The request got no HTTP answer: no connection, no name, no trust, no data for too long.

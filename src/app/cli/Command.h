@@ -13,7 +13,7 @@ enum ExitCode : int {
     failedToRun = 1,
     usage = 2,
     notSignedIn = 3,
-    someItemsLeft = 4,
+    someItemsLeft = 4, ///< or, of the doctor, some faults found
     anotherRunActive = 5,
     stopped = 130,
 };
@@ -49,6 +49,7 @@ Command albumsCommand();
 Command retryCommand();
 Command stagingCommand();
 Command logCommand();
+Command doctorCommand();
 Command watchCommand();
 Command handleUrlCommand();
 

@@ -1,0 +1,263 @@
+#include "app/cli/Diagnosis.h"
+
+#include <QJsonArray>
+#include <QLocale>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace quorvane::cli {
+
+namespace {
+
+using State = Finding::State;
+
+constexpr std::chrono::seconds largestClockError{60};
+constexpr std::chrono::hours soon{24};
+/// Files are staged one after the other; two are under way at a time.
+constexpr std::int64_t stagedAtATime = 2;
+
+const QString signInAgain = u"Yeniden giriş yapın: quorvane-cli login"_s;
+
+Finding fine(const QString& id, const QString& title, const QString& what) {
+    return {id, title, State::fine, what, {}};
+}
+Finding faulty(const QString& id, const QString& title, const QString& what,
+               const QString& advice) {
+    return {id, title, State::faulty, what, advice};
+}
+Finding unknown(const QString& id, const QString& title, const QString& what,
+                const QString& advice = {}) {
+    return {id, title, State::unknown, what, advice};
+}
+
+QString sizeText(std::int64_t bytes) {
+    return QLocale(QLocale::Turkish)
+        .formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
+}
+
+QString durationText(std::chrono::seconds duration) {
+    const auto hours = std::chrono::duration_cast<std::chrono::hours>(duration).count();
+    return hours >= 48  ? u"%1 gün"_s.arg(hours / 24)
+           : hours >= 1 ? u"%1 saat"_s.arg(hours)
+                        : u"%1 dakika"_s.arg(std::max<qint64>(duration.count() / 60, 0));
+}
+
+/// Google took the session.
+bool isAlive(const GoogleFacts& google) {
+    return google.tokenStatus == 200;
+}
+
+} // namespace
+
+Finding clientFinding(const ClientFacts& client) {
+    const QString id = u"client"_s, title = u"İstemci"_s;
+    static const QRegularExpression form(
+        u"\\A[0-9]+-[a-z0-9]+\\.apps\\.googleusercontent\\.com\\z"_s);
+    if (client.isLocalService)
+        return fine(id, title, u"bu bilgisayardaki hizmet her istemciyi kabul eder"_s);
+    const QString advice = u"docs/GOOGLE.md'deki adımlarla bir istemci oluşturun ve kimliğini "
+                           "GOOGLE_CLIENT_ID olarak .env dosyasına yazın"_s;
+    if (!client.isConfigured)
+        return faulty(id, title, u"tanımlanmamış, yerleşik kimlik yalnızca bir yer tutucudur"_s,
+                      advice);
+    if (!form.match(client.id).hasMatch())
+        return faulty(id, title, u"kimlik Google'ın biçiminde değil: "_s + client.id, advice);
+    return fine(id, title, client.id);
+}
+
+Finding clientKindFinding(const ClientFacts& client) {
+    const QString id = u"clientKind"_s, title = u"İstemci türü"_s;
+    if (!client.redirect.isEmpty() && client.redirect != u"loopback")
+        return faulty(id, title, u"GOOGLE_REDIRECT anlaşılmadı: "_s + client.redirect,
+                      u"GOOGLE_REDIRECT yalnızca loopback olabilir; satırı silin ya da düzeltin"_s);
+    if (client.hasSecret)
+        return fine(id, title, u"masaüstü (giriş bu bilgisayarın bir adresine döner)"_s);
+    if (!client.redirect.isEmpty() && !client.isLocalService)
+        return faulty(id, title, u"masaüstü, ama istemci gizlisi yok"_s,
+                      u"İstemcinin gizlisini GOOGLE_CLIENT_SECRET olarak .env dosyasına yazın"_s);
+    if (!client.redirect.isEmpty())
+        return fine(id, title, u"masaüstü, gizlisiz"_s);
+    return fine(id, title, u"iOS (giriş ters çevrilmiş bir adres düzenine döner)"_s);
+}
+
+Finding sessionFinding(const GoogleFacts& google) {
+    const QString id = u"session"_s, title = u"Oturum"_s;
+    if (!google.hasSession)
+        return faulty(id, title, u"açılmamış"_s, u"Giriş yapın: quorvane-cli login"_s);
+    if (!google.unreachable.isEmpty())
+        return faulty(id, title, u"Google'a ulaşılamadı: "_s + google.unreachable,
+                      u"İnternet bağlantısını denetleyin"_s);
+    if (isAlive(google))
+        return fine(id, title, u"açık, Google kabul ediyor"_s);
+    if (google.tokenError == u"invalid_grant")
+        return faulty(id, title, u"Google tarafından sonlandırılmış"_s,
+                      signInAgain + u" (istemci yayımlanmamışsa oturum her yedi günde biter)"_s);
+    if (google.tokenError == u"invalid_client" || google.tokenError == u"unauthorized_client")
+        return faulty(id, title, u"Google istemciyi tanımadı ("_s + google.tokenError + u')',
+                      u"GOOGLE_CLIENT_ID ile GOOGLE_CLIENT_SECRET'ı denetleyin, sonra yeniden "
+                      "giriş yapın: quorvane-cli login"_s);
+    return faulty(
+        id, title,
+        u"Google yenilemedi: HTTP %1 %2"_s.arg(google.tokenStatus).arg(google.tokenError).trimmed(),
+        google.tokenStatus >= 500 ? u"Biraz sonra yeniden deneyin"_s : signInAgain);
+}
+
+Finding sessionEndFinding(const GoogleFacts& google) {
+    const QString id = u"sessionEnd"_s, title = u"Oturumun bitişi"_s;
+    if (!isAlive(google))
+        return unknown(id, title, u"açık bir oturum gerekir"_s);
+    if (!google.sessionLeft)
+        return fine(id, title, u"Google bir bitiş bildirmiyor"_s);
+    const QString left = u"deneme durumundaki istemcinin oturumu %1 sonra biter"_s.arg(
+        durationText(*google.sessionLeft));
+    if (*google.sessionLeft > soon)
+        return fine(id, title, left);
+    return faulty(id, title, left,
+                  u"Google Auth Platform → Audience'ta \"Publish app\" ile yayımlayın, sonra "
+                  "yeniden giriş yapın: quorvane-cli login"_s);
+}
+
+Finding permissionsFinding(const GoogleFacts& google) {
+    const QString id = u"permissions"_s, title = u"İzinler"_s;
+    if (!isAlive(google))
+        return unknown(id, title, u"açık bir oturum gerekir"_s);
+    if (!google.maySend)
+        return faulty(id, title, u"yükleme izni (photoslibrary.appendonly) yok"_s,
+                      signInAgain + u" ve izin sayfasında kutusunu işaretleyin"_s);
+    if (!google.mayList)
+        return faulty(id, title,
+                      u"yükleme var, albümleri görme izni "
+                      "(photoslibrary.readonly.appcreateddata) yok"_s,
+                      signInAgain + u" ve izin sayfasında kutusunu işaretleyin; yükleme onsuz da "
+                                    "çalışır"_s);
+    return fine(id, title, u"yükleme ve albümleri görme"_s);
+}
+
+Finding apiFinding(const GoogleFacts& google) {
+    const QString id = u"api"_s, title = u"Photos Library API"_s;
+    if (google.isApiDisabled)
+        return faulty(id, title, u"istemcinin projesinde etkin değil"_s,
+                      u"Google Cloud Console → APIs & Services → Library'de Photos Library "
+                      "API'yi etkinleştirin, birkaç dakika bekleyin"_s);
+    // Refused for its scopes, or for today: the project has it.
+    if (google.listStatus == 200 || google.listStatus == 403 || google.listStatus == 429)
+        return fine(id, title, u"etkin"_s);
+    if (google.listStatus == 0)
+        return unknown(id, title, u"açık bir oturum gerekir"_s);
+    return faulty(id, title, u"beklenmeyen yanıt: HTTP %1"_s.arg(google.listStatus),
+                  u"Biraz sonra yeniden deneyin"_s);
+}
+
+Finding quotaFinding(const GoogleFacts& google) {
+    const QString id = u"quota"_s, title = u"Günlük kota"_s;
+    if (google.listStatus == 429)
+        return faulty(id, title, u"projenin istek hakkı bitti"_s,
+                      u"Bekleyin: hak her gün Pasifik saatiyle gece yarısı yenilenir (10.000 "
+                      "istek)"_s);
+    if (google.listStatus != 200)
+        return unknown(id, title, u"açık bir oturum ve albümleri görme izni gerekir"_s);
+    return fine(id, title,
+                u"tükenmedi (projenin günde 10.000 isteği vardır, kalanı Google Cloud Console "
+                "gösterir)"_s);
+}
+
+Finding storageFinding(const std::optional<QString>& refusal) {
+    const QString id = u"storage"_s, title = u"Depolama alanı"_s;
+    if (refusal)
+        return faulty(id, title, u"Google yer yokluğundan geri çevirdi: "_s + *refusal,
+                      u"Hesapta yer açın ya da alanı büyütün: https://one.google.com/storage"_s);
+    return unknown(id, title, u"Google bu izinlerle bildirmez"_s,
+                   u"Kalan yer: https://one.google.com/storage"_s);
+}
+
+Finding keyringFinding(const KeyringFacts& keyring) {
+    const QString id = u"keyring"_s, title = u"Anahtarlık"_s;
+    if (!keyring.hasTokens)
+        return unknown(id, title, u"saklanan bir oturum yok"_s);
+    if (keyring.isKept)
+        return fine(id, title, u"oturum anahtarlıkta"_s);
+    return faulty(id, title, u"yok ya da kilitli: oturum yalnızca ayar dosyasında (0600)"_s,
+                  u"Bir anahtarlık hizmeti (gnome-keyring, KWallet) kurup açın, sonra yeniden "
+                  "giriş yapın; dosya da iş görür"_s);
+}
+
+Finding clockFinding(const GoogleFacts& google) {
+    const QString id = u"clock"_s, title = u"Saat"_s;
+    if (!google.clockAhead)
+        return unknown(id, title, u"Google'ın saati öğrenilemedi"_s);
+    const auto off = std::chrono::abs(*google.clockAhead);
+    if (off <= largestClockError)
+        return fine(id, title, u"Google'ınkiyle aynı"_s);
+    return faulty(id, title,
+                  u"Google'ınkinden %1 %2"_s.arg(
+                      durationText(off), google.clockAhead->count() > 0 ? u"ileri"_s : u"geri"_s),
+                  u"Bilgisayarın saatini ağdan ayarlayın (timedatectl set-ntp true)"_s);
+}
+
+Finding libraryFinding(const QString& path, const std::optional<QString>& failure) {
+    const QString id = u"library"_s, title = u"Arşiv"_s;
+    if (!failure)
+        return fine(id, title, path);
+    return faulty(id, title, *failure,
+                  u"Arşivin diskini bağlayın, okuma iznini verin ya da başka bir arşiv seçin: "
+                  "quorvane-cli sync --library YOL"_s);
+}
+
+Finding stagingFinding(const std::optional<StagingFacts>& staging) {
+    const QString id = u"staging"_s, title = u"Hazırlama alanı"_s;
+    if (!staging)
+        return unknown(id, title, u"okunabilir bir arşiv gerekir"_s);
+    const QString what = u"%1 boş, bekleyenler %2, en büyüğü %3"_s.arg(
+        sizeText(staging->freeBytes), sizeText(staging->pendingBytes),
+        sizeText(staging->largestBytes));
+    const std::int64_t needed =
+        std::min(staging->pendingBytes, stagedAtATime * staging->largestBytes);
+    if (staging->freeBytes > needed)
+        return fine(id, title, what);
+    return faulty(id, title, what,
+                  u"Ev klasörünün diskinde en az %1 yer açın"_s.arg(sizeText(needed)));
+}
+
+Finding lockFinding(const std::optional<QString>& holder) {
+    const QString id = u"runLock"_s, title = u"Çalışma kilidi"_s;
+    if (!holder)
+        return fine(id, title, u"serbest"_s);
+    return faulty(id, title, u"başka bir eşitleme çalışıyor: "_s + *holder,
+                  u"Bitmesini bekleyin ya da o programı kapatın"_s);
+}
+
+QString textOf(const std::vector<Finding>& findings) {
+    QStringList lines;
+    for (const Finding& finding : findings) {
+        const QString mark = finding.state == State::fine     ? u"✓"_s
+                             : finding.state == State::faulty ? u"✗"_s
+                                                              : u"?"_s;
+        lines += mark + u' ' + finding.title + u": "_s + finding.what;
+        if (!finding.advice.isEmpty())
+            lines += u"    → "_s + finding.advice;
+    }
+    return lines.join(u'\n');
+}
+
+QJsonObject jsonOf(const std::vector<Finding>& findings) {
+    QJsonArray checks;
+    for (const Finding& finding : findings)
+        checks.append(QJsonObject{{u"id"_s, finding.id},
+                                  {u"title"_s, finding.title},
+                                  {u"fine"_s, finding.state == State::unknown
+                                                  ? QJsonValue()
+                                                  : QJsonValue(finding.state == State::fine)},
+                                  {u"what"_s, finding.what},
+                                  {u"advice"_s, finding.advice}});
+    return {{u"fine"_s, areFine(findings)}, {u"checks"_s, checks}};
+}
+
+bool areFine(const std::vector<Finding>& findings) {
+    return std::ranges::none_of(
+        findings, [](const Finding& finding) { return finding.state == State::faulty; });
+}
+
+} // namespace quorvane::cli

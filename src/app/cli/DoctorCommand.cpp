@@ -1,0 +1,187 @@
+#include "app/cli/Command.h"
+#include "app/cli/Diagnosis.h"
+#include "app/cli/LibraryChoice.h"
+#include "app/cli/SignIn.h"
+#include "app/cli/TerminalConfirmation.h"
+#include "google/OAuthMessages.h"
+
+#include <QJsonDocument>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+namespace quorvane::cli {
+
+namespace {
+
+constexpr std::int64_t largestLockFile = 4096;
+
+ClientFacts clientFacts(const GoogleServices& google) {
+    return {.id = google.config.googleClientID(),
+            .isConfigured = google.config.isClientConfigured(),
+            .isLocalService = isLoopbackHost(google.endpoints.token.host()),
+            .hasSecret = google.config.googleClientSecret().has_value(),
+            .redirect = google.config.redirect()};
+}
+
+/// Notes the difference of the clocks in passing.
+HttpResponse ask(GoogleServices& google, const HttpRequest& request, GoogleFacts& facts,
+                 const std::stop_token& stop) {
+    HttpResponse response = google.http.send(request, stop);
+    if (response.date)
+        facts.clockAhead = std::chrono::duration_cast<std::chrono::seconds>(
+            std::chrono::system_clock::now() - *response.date);
+    return response;
+}
+
+/// A token for the listing. The session's own stays as it is: what is refreshed here is not kept.
+QString refresh(GoogleServices& google, const QString& refreshToken, GoogleFacts& facts,
+                const std::stop_token& stop) {
+    oauth::FormFields fields = {{"client_id", google.config.googleClientID()},
+                                {"grant_type", QStringLiteral("refresh_token")},
+                                {"refresh_token", refreshToken}};
+    if (const auto secret = google.config.googleClientSecret())
+        fields.emplace_back("client_secret", *secret);
+    HttpRequest request;
+    request.method = "POST";
+    request.url = google.endpoints.token;
+    request.headers = {{"Content-Type", "application/x-www-form-urlencoded"}};
+    request.body = oauth::formBody(fields);
+    const HttpResponse response = ask(google, request, facts, stop);
+    facts.tokenStatus = response.status;
+    const QJsonObject answer = QJsonDocument::fromJson(response.body).object();
+    facts.tokenError = answer.value(u"error").toString();
+    const oauth::Grant grant = oauth::grantIn(response.body);
+    facts.maySend = grant.uploading;
+    facts.mayList = grant.reading;
+    if (const QJsonValue left = answer.value(u"refresh_token_expires_in"); left.isDouble())
+        facts.sessionLeft = std::chrono::seconds(left.toInteger());
+    return answer.value(u"access_token").toString();
+}
+
+void list(GoogleServices& google, const QString& accessToken, GoogleFacts& facts,
+          const std::stop_token& stop) {
+    HttpRequest request;
+    request.url = google.endpoints.library(QStringLiteral("/v1/albums"));
+    request.url.setQuery(QStringLiteral("pageSize=1&excludeNonAppCreatedData=true"));
+    request.headers = {{"Authorization", "Bearer " + accessToken.toUtf8()}};
+    const HttpResponse response = ask(google, request, facts, stop);
+    facts.listStatus = response.status;
+    facts.isApiDisabled = response.status == 403 && (response.body.contains("SERVICE_DISABLED") ||
+                                                     response.body.contains("accessNotConfigured"));
+}
+
+GoogleFacts googleFacts(GoogleServices& google, const std::stop_token& stop) {
+    GoogleFacts facts;
+    const auto refreshToken = google.tokens.readToken(tokenKeys::refreshToken);
+    facts.hasSession = refreshToken.has_value();
+    try {
+        if (!refreshToken) {
+            HttpRequest forTheClock;
+            forTheClock.url = google.endpoints.userInfo;
+            ask(google, forTheClock, facts, stop);
+            return facts;
+        }
+        const QString accessToken = refresh(google, *refreshToken, facts, stop);
+        if (facts.tokenStatus == 200)
+            list(google, accessToken, facts, stop);
+    } catch (const TransportError& error) {
+        facts.unreachable = error.localizedDescription();
+    }
+    return facts;
+}
+
+KeyringFacts keyringFacts(GoogleServices& google) {
+    return {.hasTokens = google.oauth.isSignedIn(),
+            .isKept = google.keychain.read(tokenKeys::refreshToken).has_value()};
+}
+
+/// Takes no lock that is free, and makes no file.
+std::optional<QString> lockHolder(const std::filesystem::path& file) {
+    try {
+        const FileDescriptor lock = openFile(file, O_RDONLY);
+        if (::flock(lock.get(), LOCK_SH | LOCK_NB) == 0)
+            return std::nullopt;
+        return QString::fromUtf8(readWholeFile(file, largestLockFile)).trimmed();
+    } catch (const FileError&) {
+        return std::nullopt; // nobody has run yet
+    }
+}
+
+StagingFacts stagingFacts(CoreServices& core, PhotoLibrary& library,
+                          const std::stop_token& stop) {
+    StagingFacts facts;
+    std::error_code unreachable;
+    facts.freeBytes =
+        static_cast<std::int64_t>(std::filesystem::space(core.folders.home, unreachable).available);
+    std::map<QString, SyncStatus> known;
+    for (const auto& [identifier, status] : core.db.fetchStatuses())
+        known.insert_or_assign(identifier, status);
+    for (const PhotoAsset& asset : *library.fetchAssets()) {
+        if (stop.stop_requested())
+            throw Cancelled();
+        const auto status = known.find(asset.localIdentifier);
+        if (status != known.end() && status->second != SyncStatus::discovered)
+            continue;
+        const auto resource = resourceToStage(library.assetResources(asset));
+        if (!resource || !resource->fileSize)
+            continue;
+        facts.pendingBytes += *resource->fileSize;
+        facts.largestBytes = std::max(facts.largestBytes, *resource->fileSize);
+    }
+    return facts;
+}
+
+std::vector<Finding> libraryFindings(Invocation& invocation, CoreServices& core) {
+    try {
+        const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
+                                        core.preferences, core.folders);
+        TerminalConfirmation confirmation(core.console, false, invocation.stop);
+        const auto library = openPhotoLibrary(path, core.folders, confirmation, core.logger);
+        requireReadable(*library, path);
+        const StagingFacts staging = stagingFacts(core, *library, invocation.stop);
+        return {libraryFinding(pathText(path), {}), stagingFinding(staging)};
+    } catch (const Error& error) {
+        return {libraryFinding({}, error.localizedDescription()), stagingFinding({})};
+    }
+}
+
+int doctor(Invocation& invocation) {
+    invocation.console.setChannel(Console::Channel::silent);
+    CoreServices core(invocation.folders, invocation.console, CoreServices::Store::leaveAbsent);
+    NoAuthSession noSignIn;
+    GoogleServices services(core, noSignIn);
+    const ClientFacts client = clientFacts(services);
+    const GoogleFacts google = googleFacts(services, invocation.stop);
+    std::vector<Finding> findings{clientFinding(client),
+                                  clientKindFinding(client),
+                                  sessionFinding(google),
+                                  sessionEndFinding(google),
+                                  permissionsFinding(google),
+                                  apiFinding(google),
+                                  quotaFinding(google),
+                                  storageFinding({}),
+                                  keyringFinding(keyringFacts(services)),
+                                  clockFinding(google)};
+    for (const Finding& finding : libraryFindings(invocation, core))
+        findings.push_back(finding);
+    findings.push_back(lockFinding(lockHolder(core.folders.runLock())));
+    if (invocation.arguments.has(QStringLiteral("json")))
+        printJson(core.console, jsonOf(findings));
+    else
+        core.console.result(textOf(findings));
+    return areFine(findings) ? done : someItemsLeft;
+}
+
+} // namespace
+
+Command doctorCommand() {
+    return {{QStringLiteral("doctor"),
+             QStringLiteral("yedeklemenin önünde ne durduğunu denetler, hiçbir şeyi değiştirmez"),
+             {{QStringLiteral("library"), QStringLiteral("YOL"),
+               QStringLiteral("denetlenecek arşiv veya klasör")},
+              {QStringLiteral("json"), {}, QStringLiteral("tek bir JSON nesnesi yazar")}}},
+            doctor};
+}
+
+} // namespace quorvane::cli
