@@ -8,7 +8,7 @@ Card {
     required property Dashboard dashboard
     readonly property bool isBusy: dashboard.account.isSigningIn
 
-    implicitHeight: 126 + 40 + 12 + 34 + 12 + (help.visible ? help.height + 16 : 0)
+    implicitHeight: 126 + 40 + 12 + 34 + 12 + 34 + (help.visible ? help.height + 16 : 0)
 
     Column {
         anchors.horizontalCenter: parent.horizontalCenter
@@ -41,6 +41,15 @@ Card {
         Words {
             width: parent.width
             text: "Arşivinizi güvenle eşitlemek için oturum açın."
+            color: Theme.textSecondary
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+        }
+        Item { width: 1; height: 4 }
+        Words {
+            width: parent.width
+            role: Theme.note
+            text: "Yüklemeler özgün kalitededir ve Google hesabınızın depolama alanından düşer."
             color: Theme.textSecondary
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
