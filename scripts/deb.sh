@@ -3,6 +3,13 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+# Equal sources give equal bytes: every file carries the date of the package's changelog.
+version=$(sed -nE '1s/^quorvane \((.*)\) .*/\1/p' packaging/changelog.debian)
+grep -q "VERSION ${version%-*} " CMakeLists.txt && grep -q "<release version=\"${version%-*}\"" packaging/*.metainfo.xml ||
+  { echo "packaging/changelog.debian, the metainfo and CMakeLists.txt tell of different versions" >&2; exit 1; }
+SOURCE_DATE_EPOCH=$(date -d "$(sed -nE 's/^ -- .*>  //p' packaging/changelog.debian | head -n 1)" +%s)
+export SOURCE_DATE_EPOCH
+
 desktop-file-validate packaging/*.desktop
 appstreamcli validate --no-net packaging/*.metainfo.xml >build/metainfo.log || { cat build/metainfo.log >&2; exit 1; }
 for page in packaging/*.1; do
