@@ -4,7 +4,7 @@
 set -euo pipefail
 
 declare -A groups=(
-  [build]="build-essential cmake ninja-build pkg-config qt6-base-dev qt6-declarative-dev libgl-dev libsqlite3-dev
+  [build]="build-essential cmake ninja-build pkg-config qt6-base-dev qt6-declarative-dev libgl-dev libxcb1-dev libsqlite3-dev
     libcurl4-openssl-dev libssl-dev zlib1g-dev libsecret-1-dev"
   [test]="libgtest-dev libgmock-dev libcpp-httplib-dev libexiv2-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
     dbus gnome-keyring libglib2.0-bin xdg-utils xvfb

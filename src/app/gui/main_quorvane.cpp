@@ -6,6 +6,7 @@
 #include "platform/linux/BrowserAuthSession.h"
 #include "platform/linux/desktop/DesktopLook.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
+#include "platform/linux/desktop/LinuxStatusHost.h"
 #include "ui/window/MenuBarController.h"
 
 #include <QApplication>
@@ -82,7 +83,8 @@ class QuorvaneApp {
     LibraryHost library_{core_, google_, confirmation_};
     MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
     MainWindowController window_{model_, core_.preferences};
-    MenuBarController menuBarController_{model_, window_};
+    LinuxStatusHost statusHost_;
+    MenuBarController menuBarController_{model_, window_, statusHost_};
     DesktopLook look_;
 
   public:

@@ -12,41 +12,46 @@ namespace quorvane {
 namespace {
 
 // At the start of a session the panel may come up later than this program.
-constexpr int trayLookInterval = 500; // milliseconds
-constexpr int maxTrayLooks = 6;
+constexpr std::chrono::seconds hostPatience{3};
+constexpr std::chrono::milliseconds sizePatience{500}; ///< for a tray to take the item in
 constexpr int usualSide = 22; // points; panels that tell no size use about this much
 
 } // namespace
 
-MenuBarController::MenuBarController(MenuBarViewModel& model, MainWindowController& window)
+MenuBarController::MenuBarController(MenuBarViewModel& model, MainWindowController& window,
+                                     StatusHost& host)
     : model_(model),
       window_(window),
-      animator_([this](const QIcon& frame) { item_.setIcon(frame); }) {}
+      host_(host),
+      animator_([this](const QIcon& frame) { item_->setIcon(frame); }) {}
 
 void MenuBarController::setupStatusItem() {
     buildMenu();
-    item_.setContextMenu(&menu_);
-    connect(&item_, &QSystemTrayIcon::activated, this,
+    observeViewModel();
+    host_.await([this] { showItem(); });
+    if (!item_)
+        QTimer::singleShot(hostPatience, this, &MenuBarController::openWindowInstead);
+}
+
+void MenuBarController::showItem() {
+    item_ = std::make_unique<QSystemTrayIcon>();
+    item_->setContextMenu(&menu_);
+    connect(item_.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::Trigger)
                     statusItemClicked();
             });
-    observeViewModel();
-    item_.show();
-    connect(&trayTimer_, &QTimer::timeout, this, &MenuBarController::awaitTray);
-    trayTimer_.start(trayLookInterval);
-    awaitTray();
+    updateStatusItemIcon(model_.syncState());
+    item_->show();
+    QTimer::singleShot(sizePatience, this, [this] { updateStatusItemIcon(model_.syncState()); });
+    if (opensInstead_)
+        window_.dashboard().setHint({});
 }
 
-void MenuBarController::awaitTray() {
-    if (QSystemTrayIcon::isSystemTrayAvailable()) {
-        trayTimer_.stop();
-        updateStatusItemIcon(model_.syncState()); // at the size it now has
+void MenuBarController::openWindowInstead() {
+    if (item_)
         return;
-    }
-    if (++trayLooks_ <= maxTrayLooks)
-        return;
-    trayTimer_.stop();
+    opensInstead_ = true;
     window_.dashboard().setHint(QStringLiteral(
         "Bu masaüstünde durum çubuğu yok: pencereyi kapatınca Quorvane çalışmayı sürdürür, "
         "çıkmak için güç simgesine basın."));
@@ -68,7 +73,7 @@ void MenuBarController::observeViewModel() {
 int MenuBarController::itemPixels() const {
     const QScreen* screen = QGuiApplication::primaryScreen();
     const double scale = screen == nullptr ? 1 : screen->devicePixelRatio();
-    const QSize shown = item_.geometry().size();
+    const QSize shown = item_->geometry().size();
     const int points =
         shown.isValid() && !shown.isEmpty() ? std::min(shown.width(), shown.height()) : usualSide;
     return static_cast<int>(std::lround(points * scale));
@@ -76,16 +81,18 @@ int MenuBarController::itemPixels() const {
 
 void MenuBarController::updateStatusItemIcon(SyncVisualState state) {
     shownState_ = state;
+    if (!item_)
+        return;
     const int pixels = itemPixels();
     if (state == SyncVisualState::syncing) {
-        item_.setToolTip(QStringLiteral("Eşitleme devam ediyor..."));
+        item_->setToolTip(QStringLiteral("Eşitleme devam ediyor..."));
         animator_.start(pixels);
         return;
     }
     animator_.stop();
     const bool isError = state == SyncVisualState::error;
-    item_.setToolTip(isError ? QStringLiteral("Eşitleme Uyarısı") : QStringLiteral("Quorvane"));
-    item_.setIcon(QIcon(QPixmap::fromImage(
+    item_->setToolTip(isError ? QStringLiteral("Eşitleme Uyarısı") : QStringLiteral("Quorvane"));
+    item_->setIcon(QIcon(QPixmap::fromImage(
         drawSymbolBadge(isError ? QStringLiteral("exclamationmark.circle.fill")
                                 : QStringLiteral("photo.on.rectangle"),
                         MenuBarIconAnimator::side, pixels / MenuBarIconAnimator::side,
