@@ -42,6 +42,15 @@ Exiv2::ExifData decoded(const QByteArray& file) {
     return data;
 }
 
+/// Exiv2 0.28 has made the buffer's members private.
+template <typename Buffer>
+std::string bytesOf(const Buffer& buffer) {
+    if constexpr (requires { buffer.c_data(); })
+        return {reinterpret_cast<const char*>(buffer.c_data()), buffer.size()};
+    else
+        return {reinterpret_cast<const char*>(buffer.pData_), static_cast<size_t>(buffer.size_)};
+}
+
 /// Key, type and value of everything but the dates and the places of directories.
 std::multiset<std::string> untouched(const Exiv2::ExifData& data, bool hadExif) {
     std::set<std::string> written{"Exif.Image.ExifTag"};
@@ -53,9 +62,7 @@ std::multiset<std::string> untouched(const Exiv2::ExifData& data, bool hadExif) 
         if (!written.contains(datum.key()))
             kept.insert(datum.key() + ' ' + std::to_string(datum.typeId()) + ' ' +
                         datum.toString());
-    const Exiv2::DataBuf thumbnail = Exiv2::ExifThumbC(data).copy();
-    kept.insert(std::string(reinterpret_cast<const char*>(thumbnail.pData_),
-                            static_cast<size_t>(thumbnail.size_)));
+    kept.insert(bytesOf(Exiv2::ExifThumbC(data).copy()));
     return kept;
 }
 
