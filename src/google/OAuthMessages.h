@@ -42,12 +42,12 @@ struct Grant {
     bool uploading = true;
     bool reading = true; ///< of what this client created
 };
+Grant grantIn(const QByteArray& answer);
 
 /// What a person is told, once, who left out reading.
 inline const QString readingDeclined = QStringLiteral(
     "Albümleri görme izni verilmedi: yükleme çalışır, albüm listesinde yalnız bilinen albümler "
     "görünür");
-Grant grantIn(const QByteArray& answer);
 
 /// The person's identifier in a user-info answer: Google's "id", or "sub" as OpenID Connect Core
 /// names it. Empty when there is none.

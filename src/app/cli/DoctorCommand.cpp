@@ -108,8 +108,7 @@ std::optional<QString> lockHolder(const std::filesystem::path& file) {
     }
 }
 
-StagingFacts stagingFacts(CoreServices& core, PhotoLibrary& library,
-                          const std::stop_token& stop) {
+StagingFacts stagingFacts(CoreServices& core, PhotoLibrary& library, const std::stop_token& stop) {
     StagingFacts facts;
     std::error_code unreachable;
     facts.freeBytes =
