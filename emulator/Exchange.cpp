@@ -64,7 +64,7 @@ bool Exchange::readPiece(std::int64_t size, const Receive& receive) {
 bool Exchange::readChunks(const Receive& receive) {
     const auto readLine = [this] { return connection_.readUntil("\r\n", longestChunkLine); };
     while (const auto line = readLine()) {
-        const auto size = numberFrom(line->left(line->indexOf(';')), 16);
+        const auto size = numberFrom(line->split(';').first(), 16);
         if (!size)
             return false;
         if (*size > 0) {

@@ -130,6 +130,20 @@ TEST_F(OAuthTest, refusesAWrongExchange) {
     EXPECT_EQ(statusOf(client->Post("/token", encoded(exchange(code())), "application/json")), 400);
 }
 
+TEST_F(OAuthTest, takesABodyInChunks) {
+    const std::string body = encoded(exchange(code()));
+    const auto inPieces = [&](size_t offset, httplib::DataSink& sink) {
+        if (offset < body.size())
+            sink.write(body.data() + offset, std::min<size_t>(50, body.size() - offset));
+        else
+            sink.done();
+        return true;
+    };
+    EXPECT_EQ(statusOf(client->Post("/token", httplib::ContentProviderWithoutLength(inPieces),
+                                    "application/x-www-form-urlencoded")),
+              200);
+}
+
 TEST_F(OAuthTest, aCodeIsGoodOnceAndForTenMinutes) {
     const QString once = code();
     EXPECT_EQ(statusOf(ask(exchange(once))), 200);
