@@ -5,8 +5,8 @@ set -euo pipefail
 
 declare -A groups=(
   [build]="build-essential cmake ninja-build pkg-config qt6-base-dev qt6-declarative-dev libgl-dev libxcb1-dev libsqlite3-dev
-    libcurl4-openssl-dev libssl-dev zlib1g-dev libsecret-1-dev"
-  [test]="libgtest-dev libgmock-dev libcpp-httplib-dev libexiv2-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
+    libcurl4-openssl-dev libssl-dev zlib1g-dev libexiv2-dev libsecret-1-dev"
+  [test]="libgtest-dev libgmock-dev libcpp-httplib-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
     dbus gnome-keyring libglib2.0-bin xdg-utils xvfb
     xdotool openbox trayer curl"
   [run]="qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-controls

@@ -1,10 +1,11 @@
 #include "metadata/ExifBlock.h"
 
+#include "metadata/ExifEditor.h"
 #include "metadata/GpsFields.h"
+#include "metadata/LocalCalendar.h"
 #include "metadata/TiffDirectory.h"
 
 #include <algorithm>
-#include <map>
 
 namespace quorvane::exif {
 
@@ -20,18 +21,20 @@ constexpr std::uint16_t gpsPointerTag = 0x8825;
 constexpr std::uint16_t exifVersionTag = 0x9000;
 constexpr std::uint16_t originalTag = 0x9003;
 constexpr std::uint16_t digitizedTag = 0x9004;
+constexpr std::uint16_t orientationTag = 0x0112;
 
-/// The length of a date with its NUL.
-constexpr std::uint64_t dateLength = 20;
+/// A date and the fields of the Exif directory that belong to it.
+struct DateTags {
+    std::uint16_t text;
+    std::uint16_t offset;
+    std::uint16_t fraction;
+};
+constexpr DateTags modifiedTags{dateTimeTag, 0x9010, 0x9290};
+constexpr DateTags originalTags{originalTag, 0x9011, 0x9291};
+constexpr DateTags digitizedTags{digitizedTag, 0x9012, 0x9292};
 
 QByteArray copyOf(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
-}
-
-bool startsWith(ByteView bytes, const QByteArray& beginning) {
-    return bytes.size() >= static_cast<size_t>(beginning.size()) &&
-           std::equal(beginning.begin(), beginning.end(), bytes.begin(),
-                      [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
 }
 
 std::optional<QByteArray> textOf(const Directory& directory, std::uint16_t tag,
@@ -43,17 +46,39 @@ std::optional<QByteArray> textOf(const Directory& directory, std::uint16_t tag,
     return value ? copyOf(value->first(std::min<size_t>(value->size(), 64))) : QByteArray();
 }
 
-/// The directory a field points at; none when there is no such field or it points nowhere.
-std::optional<Directory> subdirectory(const Directory& parent, std::uint16_t tag,
-                                      const tiff::Format& format, ByteView block,
-                                      const Limits& limits) {
+/// True for a pointer as the standard has it, which every reader follows.
+bool isPlainPointer(const Entry& entry, const tiff::Format& format) {
+    const bool isLong = entry.type == tiff::longType || entry.type == tiff::directoryType;
+    const bool isLong8 = entry.type == tiff::long8Type || entry.type == tiff::directory8Type;
+    return entry.count == 1 && (isLong || (format.big && isLong8));
+}
+
+struct Subdirectory {
+    Directory directory;
+    bool isPlain = true; ///< its pointer is
+};
+
+/// The directory a field points at; none when there is no such field, or it points nowhere or at
+/// what is no directory. A pointer of a wrong type is read as if it had the right one, too.
+std::optional<Subdirectory> subdirectory(const Directory& parent, std::uint16_t tag,
+                                         const tiff::Format& format, ByteView block,
+                                         const Limits& limits) {
     const Entry* pointer = parent.find(tag);
     if (pointer == nullptr)
         return std::nullopt;
-    const std::uint64_t offset = pointer->slotNumber(format);
-    if (offset < format.headerSize() || offset >= block.size())
-        return std::nullopt;
-    return readDirectory(block, format, offset, limits.entries);
+    const std::uint64_t whole =
+        ByteReader(viewOf(pointer->slot), format.order).unsignedOf(format.offsetWidth());
+    for (const std::uint64_t offset : {pointer->slotNumber(format), whole}) {
+        if (offset < format.headerSize() || offset >= block.size())
+            continue;
+        try {
+            return Subdirectory{readDirectory(block, format, offset, limits.entries),
+                                isPlainPointer(*pointer, format)};
+        } catch (const ParseError&) {
+            continue;
+        }
+    }
+    return std::nullopt;
 }
 
 tiff::Header headerOf(ByteView block) {
@@ -63,130 +88,19 @@ tiff::Header headerOf(ByteView block) {
     return *header;
 }
 
-/// Changes a block by patches of equal length and by additions behind it.
-class Editor {
-  public:
-    Editor(ByteView block, const tiff::Format& format) : block_(block), format_(format) {}
-
-    /// Overwrites bytes of the block. Throws `ContainerError` when they overlap an earlier patch.
-    void overwrite(std::uint64_t offset, const QByteArray& bytes);
-
-    /// Where the next addition will stand.
-    std::uint64_t end() const { return tailAt() + static_cast<std::uint64_t>(tail_.size()); }
-    std::uint64_t append(const QByteArray& bytes);
-
-    /// Gives a directory a field, in place of the one it has of that tag.
-    void set(Directory& directory, const Field& field);
-
-    /// Writes a changed directory: where it stands when it has as many fields as before, else
-    /// behind the block. Returns its place.
-    std::uint64_t place(const Directory& directory, size_t entriesBefore);
-
-    Rewrite finish() const;
-
-  private:
-    /// Zeros stand between the block and the additions: a directory that ends the block without
-    /// its link goes on reading as the last one.
-    std::uint64_t tailAt() const {
-        return block_.size() + format_.offsetWidth() + block_.size() % 2;
-    }
-    bool overwriteDate(Entry& entry, const Field& field);
-
-    ByteView block_;
-    tiff::Format format_;
-    std::map<std::uint64_t, QByteArray> patches_;
-    QByteArray tail_;
-};
-
-void Editor::overwrite(std::uint64_t offset, const QByteArray& bytes) {
-    const auto length = static_cast<std::uint64_t>(bytes.size());
-    if (startsWith(block_.subspan(offset, length), bytes))
-        return;
-    const auto [place, isNew] = patches_.try_emplace(offset, bytes);
-    const auto behind = std::next(place);
-    bool clash = !isNew && place->second != bytes;
-    clash |= behind != patches_.end() && behind->first < offset + length;
-    if (place != patches_.begin()) {
-        const auto before = std::prev(place);
-        clash |= before->first + static_cast<std::uint64_t>(before->second.size()) > offset;
-    }
-    if (clash)
-        throw ContainerError(QStringLiteral("Exif alanları birbiriyle çakışıyor"));
-}
-
-std::uint64_t Editor::append(const QByteArray& bytes) {
-    const std::uint64_t offset = end();
-    tail_ += bytes;
-    if (tail_.size() % 2 != 0)
-        tail_ += '\0'; // everything begins on a word
-    return offset;
-}
-
-/// A date field of the usual length keeps its place. What does not look like a date is never
-/// overwritten there: a broken file may point anywhere.
-bool Editor::overwriteDate(Entry& entry, const Field& field) {
-    const auto isOfDates = [](std::uint8_t c) {
-        return c == 0 || c == ' ' || (c >= '-' && c <= ':');
-    };
-    if (entry.type != tiff::asciiType || entry.isInline() || entry.count < dateLength)
-        return false;
-    const auto value = valueOf(entry, format_, block_);
-    if (!value || !std::ranges::all_of(value->first(dateLength), isOfDates))
-        return false;
-    overwrite(entry.slotNumber(format_), field.bytes);
-    entry.count = dateLength;
-    return true;
-}
-
-void Editor::set(Directory& directory, const Field& field) {
-    bool found = false;
-    for (Entry& entry : directory.entries) {
-        if (entry.tag != field.tag)
-            continue;
-        found = true;
-        if (field.type == tiff::asciiType && overwriteDate(entry, field))
-            continue;
-        entry = entryOf(field, format_, fitsInline(field, format_) ? 0 : append(field.bytes));
-    }
-    if (found)
-        return;
-    const auto behind = std::ranges::find_if(
-        directory.entries, [&](const Entry& entry) { return entry.tag > field.tag; });
-    directory.entries.insert(
-        behind, entryOf(field, format_, fitsInline(field, format_) ? 0 : append(field.bytes)));
-}
-
-std::uint64_t Editor::place(const Directory& directory, size_t entriesBefore) {
-    if (directory.entries.size() != entriesBefore)
-        return append(directoryBytes(directory, format_));
-    overwrite(directory.offset + format_.countWidth(), entryBytes(directory.entries, format_));
-    return directory.offset;
-}
-
-Rewrite Editor::finish() const {
-    Rewrite rewrite;
-    std::uint64_t at = 0;
-    for (const auto& [offset, bytes] : patches_) {
-        rewrite.keep(at, offset - at);
-        rewrite.insert(bytes);
-        at = offset + static_cast<std::uint64_t>(bytes.size());
-    }
-    rewrite.keep(at, block_.size() - at);
-    if (!tail_.isEmpty())
-        rewrite.insert(QByteArray(static_cast<qsizetype>(tailAt() - block_.size()), '\0') + tail_);
-    return rewrite;
-}
-
 std::vector<Field> newExifFields(const QByteArray& text) {
     return {{exifVersionTag, tiff::undefinedType, 4, "0232"},
             tiff::asciiField(originalTag, text),
             tiff::asciiField(digitizedTag, text)};
 }
 
-QByteArray newBlock(const Stamp& stamp) {
-    const tiff::Format format;
+QByteArray newBlockOf(const Stamp& stamp, const tiff::Format& format,
+                      const std::optional<Field>& orientation) {
     std::vector<Field> fields = {tiff::asciiField(dateTimeTag, stamp.text),
                                  tiff::pointerField(exifPointerTag, 0, format)};
+    if (orientation)
+        fields.insert(fields.begin(), *orientation);
+    const size_t exifPointerAt = fields.size() - 1;
     if (stamp.location)
         fields.push_back(tiff::pointerField(gpsPointerTag, 0, format));
     const std::uint64_t start = format.headerSize();
@@ -194,23 +108,88 @@ QByteArray newBlock(const Stamp& stamp) {
         start + static_cast<std::uint64_t>(serialize(fields, start, format).size());
     const QByteArray exif = serialize(newExifFields(stamp.text), exifAt, format);
     const std::uint64_t gpsAt = exifAt + static_cast<std::uint64_t>(exif.size());
-    fields[1] = tiff::pointerField(exifPointerTag, exifAt, format);
+    fields[exifPointerAt] = tiff::pointerField(exifPointerTag, exifAt, format);
     QByteArray gps;
     if (stamp.location) {
-        fields[2] = tiff::pointerField(gpsPointerTag, gpsAt, format);
+        fields.back() = tiff::pointerField(gpsPointerTag, gpsAt, format);
         gps = serialize(gpsFields(*stamp.location, stamp.date, format.order), gpsAt, format);
     }
     return headerBytes(format) + serialize(fields, start, format) + exif + gps;
 }
 
+/// The orientation of a block whose first directory may be cut off behind it.
+std::optional<Field> orientationOf(ByteView block, const tiff::Header& header) {
+    const tiff::Format& format = header.format;
+    ByteReader reader(block, format.order);
+    reader.seek(header.firstDirectory);
+    std::uint64_t count = reader.unsignedOf(format.countWidth());
+    for (; count > 0 && reader.remaining() >= format.entrySize(); --count) {
+        const bool isOrientation = reader.u16() == orientationTag;
+        const bool isShort = reader.u16() == tiff::shortType;
+        const bool isOne = reader.unsignedOf(format.offsetWidth()) == 1;
+        const ByteView slot = reader.take(format.offsetWidth());
+        if (isOrientation && isShort && isOne)
+            return Field{orientationTag, tiff::shortType, 1, copyOf(slot.first(2))};
+    }
+    return std::nullopt;
+}
+
+/// The fraction of the stamp's second. A stamp of a whole second that the field's date already
+/// names knows nothing of its fraction, and what it says is kept.
+std::optional<Field> fractionField(const QByteArray& old, const std::optional<Date>& oldSecond,
+                                   const Stamp& stamp) {
+    const auto second = std::chrono::floor<std::chrono::seconds>(stamp.date);
+    const auto fraction = QByteArray::number((stamp.date - second).count()).rightJustified(3, '0');
+    const QByteArray shown = old.split('\0').first().trimmed();
+    const bool agrees = fraction == "000" || shown.leftJustified(3, '0', true) == fraction;
+    if (oldSecond == Date(second) && agrees)
+        return std::nullopt;
+    return tiff::asciiField(0, fraction);
+}
+
+DateField dateField(const Directory& directory, const std::optional<Directory>& exif,
+                    const DateTags& tags, const tiff::Format& format, ByteView block) {
+    DateField field;
+    field.text = textOf(directory, tags.text, format, block);
+    if (exif)
+        field.offset = textOf(*exif, tags.offset, format, block);
+    return field;
+}
+
+std::optional<Date> instantOf(const DateField& field) {
+    if (!field.text)
+        return std::nullopt;
+    const auto text = QString::fromLatin1(*field.text);
+    const auto offset = parseExifOffset(QString::fromLatin1(field.offset.value_or(QByteArray())));
+    return offset ? parseExifDate(text, *offset) : parseExifDate(text);
+}
+
+/// Keeps true what the Exif directory says of a date beside its text. `holder` has the text.
+void stampBeside(Editor& editor, Directory& exif, const Directory& holder, const DateTags& tags,
+                 const Stamp& stamp, const tiff::Format& format, ByteView block) {
+    if (const auto old = textOf(exif, tags.fraction, format, block)) {
+        const auto before = instantOf(dateField(holder, exif, tags, format, block));
+        if (auto field = fractionField(*old, before, stamp)) {
+            field->tag = tags.fraction;
+            editor.set(exif, *field);
+        }
+    }
+    if (exif.find(tags.offset) != nullptr)
+        editor.set(exif, tiff::asciiField(tags.offset, exifOffsetText(stamp.date).toLatin1()));
+}
+
 /// Writes the dates of the Exif directory and returns its place.
-std::uint64_t stampExif(Editor& editor, std::optional<Directory> exif, const QByteArray& text,
-                        const tiff::Format& format) {
+std::uint64_t stampExif(Editor& editor, std::optional<Directory> exif, const Directory& first,
+                        const Stamp& stamp, const tiff::Format& format, ByteView block) {
     if (!exif)
-        return editor.append(serialize(newExifFields(text), editor.end(), format));
+        return editor.append(serialize(newExifFields(stamp.text), editor.end(), format));
     const size_t before = exif->entries.size();
-    editor.set(*exif, tiff::asciiField(originalTag, text));
-    editor.set(*exif, tiff::asciiField(digitizedTag, text));
+    const Directory old = *exif;
+    stampBeside(editor, *exif, first, modifiedTags, stamp, format, block);
+    stampBeside(editor, *exif, old, originalTags, stamp, format, block);
+    stampBeside(editor, *exif, old, digitizedTags, stamp, format, block);
+    editor.set(*exif, tiff::asciiField(originalTag, stamp.text));
+    editor.set(*exif, tiff::asciiField(digitizedTag, stamp.text));
     return editor.place(*exif, before);
 }
 
@@ -236,21 +215,34 @@ std::uint64_t stampGps(Editor& editor, ByteView block, const std::optional<Direc
 
 } // namespace
 
-std::optional<QByteArray> Dates::first() const {
-    return original ? original : digitized ? digitized : modified;
+DateField Dates::first() const {
+    const DateField* const fields[] = {&original, &digitized, &modified};
+    const auto found = std::ranges::find_if(
+        fields, [](const DateField* field) { return field->text.has_value(); });
+    DateField result = found == std::end(fields) ? DateField() : **found;
+    for (const DateField* other : fields)
+        if (!result.offset && other->text == result.text)
+            result.offset = other->offset;
+    return result;
+}
+
+std::optional<Date> instantOf(const Dates& dates) {
+    return instantOf(dates.first());
 }
 
 Dates readDates(ByteView block, const Limits& limits) {
     const tiff::Header header = headerOf(block);
     if (header.firstDirectory == 0)
         return {};
-    const Directory first =
-        readDirectory(block, header.format, header.firstDirectory, limits.entries);
+    const tiff::Format& format = header.format;
+    const Directory first = readDirectory(block, format, header.firstDirectory, limits.entries);
+    const auto found = subdirectory(first, exifPointerTag, format, block, limits);
+    const auto exif = found ? std::optional(found->directory) : std::nullopt;
     Dates dates;
-    dates.modified = textOf(first, dateTimeTag, header.format, block);
-    if (const auto exif = subdirectory(first, exifPointerTag, header.format, block, limits)) {
-        dates.original = textOf(*exif, originalTag, header.format, block);
-        dates.digitized = textOf(*exif, digitizedTag, header.format, block);
+    dates.modified = dateField(first, exif, modifiedTags, format, block);
+    if (exif) {
+        dates.original = dateField(*exif, exif, originalTags, format, block);
+        dates.digitized = dateField(*exif, exif, digitizedTags, format, block);
     }
     return dates;
 }
@@ -258,7 +250,7 @@ Dates readDates(ByteView block, const Limits& limits) {
 Rewrite stamp(ByteView block, const Stamp& stamp, const Limits& limits) {
     if (block.empty()) {
         Rewrite rewrite;
-        rewrite.insert(newBlock(stamp));
+        rewrite.insert(newBlockOf(stamp, {}, std::nullopt));
         return rewrite;
     }
     const tiff::Header header = headerOf(block);
@@ -266,16 +258,19 @@ Rewrite stamp(ByteView block, const Stamp& stamp, const Limits& limits) {
     Directory first = readDirectory(block, format, header.firstDirectory, limits.entries);
     const size_t before = first.entries.size();
     Editor editor(block, format);
+    const auto point = [&](std::uint16_t tag, const std::optional<Subdirectory>& old,
+                           std::uint64_t at) {
+        if (!old || !old->isPlain || at != old->directory.offset)
+            editor.set(first, tiff::pointerField(tag, at, format));
+    };
 
     const auto exif = subdirectory(first, exifPointerTag, format, block, limits);
-    const std::uint64_t exifAt = stampExif(editor, exif, stamp.text, format);
-    if (!exif || exifAt != exif->offset)
-        editor.set(first, tiff::pointerField(exifPointerTag, exifAt, format));
+    const auto exifDirectory = exif ? std::optional(exif->directory) : std::nullopt;
+    point(exifPointerTag, exif, stampExif(editor, exifDirectory, first, stamp, format, block));
     if (stamp.location) {
         const auto gps = subdirectory(first, gpsPointerTag, format, block, limits);
-        const std::uint64_t gpsAt = stampGps(editor, block, gps, stamp, format);
-        if (!gps || gpsAt != gps->offset)
-            editor.set(first, tiff::pointerField(gpsPointerTag, gpsAt, format));
+        const auto gpsDirectory = gps ? std::optional(gps->directory) : std::nullopt;
+        point(gpsPointerTag, gps, stampGps(editor, block, gpsDirectory, stamp, format));
     }
     editor.set(first, tiff::asciiField(dateTimeTag, stamp.text));
 
@@ -286,6 +281,18 @@ Rewrite stamp(ByteView block, const Stamp& stamp, const Limits& limits) {
         editor.overwrite(format.headerSize() - format.offsetWidth(), link);
     }
     return editor.finish();
+}
+
+QByteArray newBlock(ByteView broken, const Stamp& stamp) {
+    const auto header = tiff::readHeader(broken);
+    if (!header)
+        return newBlockOf(stamp, {}, std::nullopt);
+    const tiff::Format format{header->format.order, false};
+    try {
+        return newBlockOf(stamp, format, orientationOf(broken, *header));
+    } catch (const ParseError&) {
+        return newBlockOf(stamp, format, std::nullopt);
+    }
 }
 
 } // namespace quorvane::exif

@@ -14,7 +14,8 @@
 /// out the same way. A block is never taken apart and built anew: fields that exist are overwritten
 /// where they stand, everything else is added behind the block. So every other field, the maker
 /// note, the thumbnail and what no one can interpret keep their bytes and their places.
-/// Fractions of a second and time zone fields stay as they were, too. Any thread.
+/// Zone and fraction fields of the dates are never added, but those that are there are kept true.
+/// Any thread.
 namespace quorvane::exif {
 
 /// What a block may ask of us; one that asks more is refused with `ParseError`.
@@ -22,15 +23,25 @@ struct Limits {
     std::uint32_t entries = 4096; ///< fields of one directory
 };
 
-/// The texts of the date fields, as they stand in the block; none when a field is absent.
-struct Dates {
-    std::optional<QByteArray> original;  ///< DateTimeOriginal
-    std::optional<QByteArray> digitized; ///< DateTimeDigitized
-    std::optional<QByteArray> modified;  ///< TIFF DateTime
-
-    /// The first that is present, in this order.
-    std::optional<QByteArray> first() const;
+/// A date as it stands in the block; none for a field that is absent.
+struct DateField {
+    std::optional<QByteArray> text;   ///< "yyyy:MM:dd HH:mm:ss"
+    std::optional<QByteArray> offset; ///< "+03:00": the zone it is meant in
 };
+
+struct Dates {
+    DateField original;  ///< DateTimeOriginal
+    DateField digitized; ///< DateTimeDigitized
+    DateField modified;  ///< TIFF DateTime
+
+    /// The first whose text is present, in this order. Without an offset of its own it has that of
+    /// another date of the same text.
+    DateField first() const;
+};
+
+/// The instant of the first date: in the zone it states, else in local time. None when there is
+/// none or it does not parse.
+std::optional<Date> instantOf(const Dates& dates);
 
 /// Throws `ParseError` when there is no TIFF header or a directory is broken.
 Dates readDates(ByteView block, const Limits& limits = {});
@@ -38,12 +49,18 @@ Dates readDates(ByteView block, const Limits& limits = {});
 /// What is to be written.
 struct Stamp {
     QByteArray text; ///< "yyyy:MM:dd HH:mm:ss", local time, for all three date fields
-    Date date;       ///< the same instant, for the GPS block
+    Date date;       ///< the same instant, for zone and fraction fields and the GPS block
     std::optional<GeoLocation> location; ///< none: the GPS block stays as it is
 };
 
-/// The block with the stamp; a new block when it is empty. Writing the same stamp again changes
-/// nothing. Throws `ParseError` for a broken block, `ContainerError` for one whose fields overlap.
+/// The block with the stamp; a new block when it is empty. A sub-directory that cannot be read
+/// gives way to a new one, and a pointer of a wrong type to one that every reader follows. Writing
+/// the same stamp again changes nothing. Throws `ParseError` for a broken block, `ContainerError`
+/// for one whose fields overlap.
 Rewrite stamp(ByteView block, const Stamp& stamp, const Limits& limits = {});
+
+/// A new block with the stamp, in place of one that `stamp` refuses. Of the old one only the
+/// orientation is taken over, as far as it can be read: without it the picture would turn over.
+QByteArray newBlock(ByteView broken, const Stamp& stamp);
 
 } // namespace quorvane::exif

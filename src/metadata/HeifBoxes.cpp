@@ -31,6 +31,8 @@ Box boxAt(ByteView file, std::uint64_t offset, const Range& range) {
 } // namespace
 
 void Allowance::spend(std::uint64_t count) {
+    if (stop_.stop_requested())
+        throw Cancelled();
     if (count > left_)
         throw ParseError(QStringLiteral("Dosyada sınırdan fazla öğe var"));
     left_ -= count;

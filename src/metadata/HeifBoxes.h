@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 /// The box structure of ISO/IEC 14496-12: lengths and four-character types, nothing of what is in
@@ -39,14 +40,16 @@ struct Box {
     Range body;
 };
 
-/// Lets `limit` things pass; one more is a `ParseError`.
+/// Lets `limit` things pass; one more is a `ParseError`, and any is `Cancelled` after a stop.
 class Allowance {
   public:
-    explicit Allowance(std::uint32_t limit) : left_(limit) {}
+    explicit Allowance(std::uint32_t limit, std::stop_token stop = {})
+        : left_(limit), stop_(std::move(stop)) {}
     void spend(std::uint64_t count = 1);
 
   private:
     std::uint64_t left_;
+    std::stop_token stop_;
 };
 
 /// The bytes of a range. Throws `ParseError` when it leaves the file.

@@ -62,7 +62,7 @@ std::optional<QByteArray> readExif(ByteView file, const Limits& limits) {
     if (items.empty())
         return std::nullopt;
     const ExifItem exif = readExifItem(picture, items.front(), limits);
-    return exif.payload.sliced(exif.headerLength);
+    return exif.payload ? std::optional(exif.payload->sliced(exif.headerLength)) : std::nullopt;
 }
 
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
@@ -80,12 +80,12 @@ Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
         old = readExifItem(picture, items.front(), limits);
     }
     ByteWriter payload;
-    payload.bytes(viewOf(old ? old->payload.first(old->headerLength) : newHeader));
+    payload.bytes(viewOf(old && old->payload ? old->payload->first(old->headerLength) : newHeader));
     payload.bytes(exif);
     QByteArray bytes = payload.take();
     if (static_cast<std::uint64_t>(bytes.size()) > limits.exifBytes)
         throw ContainerError(QStringLiteral("Yeni Exif bloğu çok büyük"));
-    if (old && old->payload.size() == bytes.size() && canOverwrite(picture, *old))
+    if (old && old->payload && old->payload->size() == bytes.size() && canOverwrite(picture, *old))
         return overwrite(picture, *old, bytes);
     return relocate(picture, old, std::move(bytes), limits);
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 
 /// The Exif block of a HEIF picture (ISO/IEC 23008-12 on the boxes of ISO/IEC 14496-12).
 namespace quorvane::heif {
@@ -19,18 +20,21 @@ struct Limits {
     std::uint32_t chunks = 4'194'304;   ///< chunk offsets of a movie in the same file
     std::uint32_t depth = 8;            ///< boxes within boxes
     std::uint64_t exifBytes = 64U << 20;
+    std::stop_token stop = {}; ///< when requested, `Cancelled` is thrown
 };
 
 /// The Exif block of the primary image from its TIFF header on, without the 4-byte offset and any
-/// "Exif\0\0" before it; none when the image has none. Throws `ParseError` for a file that is
-/// broken, `ContainerError` for an item that is stored in a way we do not read. Any thread.
+/// "Exif\0\0" before it; none when the image has none that can be read. Throws `ParseError` for a
+/// file that is broken, `ContainerError` for an item that is stored in a way we do not read. Any
+/// thread.
 std::optional<QByteArray> readExif(ByteView file, const Limits& limits = {});
 
-/// The file with `exif` (from its TIFF header on) as the Exif of its primary image; every item
-/// keeps its bytes. A block of the same length is written over the old one; any other goes into a
-/// media data box of its own behind the metadata. The same input gives the same bytes, and a second
-/// call with the same block changes nothing. Throws `ParseError` for a broken file and
-/// `ContainerError` for a layout that cannot be rewritten with certainty. Any thread.
+/// The file with `exif` (from its TIFF header on) as the Exif of its primary image, whatever it had
+/// before; every other item keeps its bytes. A block of the same length is written over the old
+/// one; any other goes into a media data box of its own behind the metadata. The same input gives
+/// the same bytes, and a second call with the same block changes nothing. Throws `ParseError` for a
+/// broken file and `ContainerError` for a layout that cannot be rewritten with certainty. Any
+/// thread.
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits = {});
 
 } // namespace quorvane::heif

@@ -17,16 +17,41 @@ bool beginsWith(ByteView bytes, ByteView beginning) {
 }
 
 /// What the payload has before its TIFF header: a 4-byte count of bytes to skip, and those. Some
-/// writers do not count the "Exif\0\0" that follows.
-qsizetype headerLengthOf(const QByteArray& payload) {
+/// writers do not count the "Exif\0\0" that follows. None when no such header is there.
+std::optional<qsizetype> headerLengthOf(const QByteArray& payload) {
+    constexpr std::uint64_t countLength = 4;
     ByteReader reader(viewOf(payload));
-    reader.skip(reader.u32());
+    if (reader.size() < countLength)
+        return std::nullopt;
+    const std::uint32_t count = reader.u32();
+    if (count > reader.remaining())
+        return std::nullopt;
+    reader.skip(count);
     if (beginsWith(viewOf(payload).subspan(reader.offset()), exifMarker))
         reader.skip(exifMarker.size());
     const std::uint64_t length = reader.offset();
     if (!isTiff(viewOf(payload).subspan(length)))
-        throw ParseError(QStringLiteral("Exif bloğu TIFF başlığıyla başlamıyor"));
+        return std::nullopt;
     return static_cast<qsizetype>(length);
+}
+
+/// The item's bytes; none when its extents cover one another, or are more than an Exif block is.
+std::optional<QByteArray> payloadOf(const Picture& picture, std::vector<Range> ranges,
+                                    const Limits& limits) {
+    const std::vector<Range> inOrder = ranges;
+    std::ranges::sort(ranges, {}, &Range::offset);
+    std::uint64_t length = 0;
+    std::uint64_t end = 0;
+    for (const Range& range : ranges) {
+        length += range.length;
+        if ((range.length > 0 && range.offset < end) || length > limits.exifBytes)
+            return std::nullopt;
+        end = std::max(end, range.end());
+    }
+    ByteWriter payload;
+    for (const Range& range : inOrder)
+        payload.bytes(bytesOf(picture.file, range));
+    return payload.take();
 }
 
 std::size_t locationOf(const Picture& picture, std::uint32_t item) {
@@ -101,17 +126,12 @@ ExifItem readExifItem(const Picture& picture, const Item& item, const Limits& li
     if (!ranges)
         throw ContainerError(QStringLiteral("Exif öğesi bu dosyanın içinde değil"));
     exif.ranges = *ranges;
-    std::uint64_t length = 0;
-    for (const Range& range : exif.ranges) {
-        length += range.length;
-        if (length > limits.exifBytes)
-            throw ParseError(QStringLiteral("Exif bloğu çok büyük"));
-    }
-    ByteWriter payload;
-    for (const Range& range : exif.ranges)
-        payload.bytes(bytesOf(picture.file, range));
-    exif.payload = payload.take();
-    exif.headerLength = headerLengthOf(exif.payload);
+    exif.payload = payloadOf(picture, exif.ranges, limits);
+    const auto headerLength = exif.payload ? headerLengthOf(*exif.payload) : std::nullopt;
+    if (headerLength)
+        exif.headerLength = *headerLength;
+    else
+        exif.payload.reset();
     return exif;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include <optional>
 #include <vector>
 
 namespace quorvane::heif {
@@ -12,7 +13,8 @@ namespace quorvane::heif {
 struct ExifItem {
     std::size_t location = 0; ///< index in the picture's locations
     std::vector<Range> ranges;
-    QByteArray payload;
+    /// None when it cannot be read: no Exif, or extents that cover one another.
+    std::optional<QByteArray> payload;
     qsizetype headerLength = 0; ///< of the payload, before its TIFF header
 };
 
@@ -22,8 +24,8 @@ bool isTiff(ByteView bytes);
 /// describes nothing at all is taken for the primary image's: nothing else can be meant.
 std::vector<Item> exifItemsOf(const Picture& picture);
 
-/// Throws `ParseError` when the item is broken, `ContainerError` when it is protected or stored
-/// outside the file or within another item.
+/// Throws `ParseError` when it is not known where the item is, `ContainerError` when it is
+/// protected or stored outside the file or within another item.
 ExifItem readExifItem(const Picture& picture, const Item& item, const Limits& limits);
 
 /// True when all bytes of the item are its own and in a box made for data, so that writing over

@@ -57,7 +57,7 @@ struct ItemInfoHeader {
 
 std::vector<Item> readItems(ByteView file, const Box& box, const Limits& limits, Allowance& boxes) {
     const ItemInfoHeader header(file, box);
-    Allowance(limits.items).spend(header.count);
+    Allowance(limits.items, limits.stop).spend(header.count);
     std::vector<Item> items;
     items.reserve(header.count);
     for (const Box& entry : boxesIn(file, header.entries, boxes))
@@ -74,7 +74,7 @@ std::vector<Reference> readReferences(ByteView file, const Box& box, const Limit
     requireVersion(iref, 1);
     const bool longIds = iref.version == 1;
     const Range entries{box.body.offset + 4, box.body.length - 4};
-    Allowance allowance(limits.references);
+    Allowance allowance(limits.references, limits.stop);
     std::vector<Reference> references;
     for (const Box& entry : boxesIn(file, entries, boxes)) {
         ByteReader reader(bytesOf(file, entry.body));
@@ -125,8 +125,8 @@ Locations readLocations(ByteView file, const Box& box, const Limits& limits) {
     iloc.baseSize = fieldSize((sizes >> 4) & 0xF);
     iloc.indexSize = iloc.version > 0 ? fieldSize(sizes & 0xF) : 0;
     const std::uint32_t count = readId(full.reader, iloc.version == 2);
-    Allowance(limits.items).spend(count);
-    Allowance extents(limits.extents);
+    Allowance(limits.items, limits.stop).spend(count);
+    Allowance extents(limits.extents, limits.stop);
     iloc.entries.reserve(count);
     for (std::uint32_t i = 0; i < count; ++i)
         iloc.entries.push_back(readLocation(full.reader, iloc, extents));
@@ -197,7 +197,7 @@ std::optional<std::vector<Range>> Picture::rangesOf(const Location& location) co
 }
 
 Picture readPicture(ByteView file, const Limits& limits) {
-    Allowance boxes(limits.boxes);
+    Allowance boxes(limits.boxes, limits.stop);
     Picture picture;
     picture.file = file;
     picture.boxes = boxesIn(file, {0, file.size()}, boxes);
@@ -267,7 +267,7 @@ std::uint32_t unusedId(const Picture& picture, const Limits& limits) {
             largest = std::max(largest, id);
     }
     if (const std::optional<Box> groups = onlyBox(picture.children, fourCC("grpl"))) {
-        Allowance boxes(limits.boxes);
+        Allowance boxes(limits.boxes, limits.stop);
         for (const Box& group : boxesIn(picture.file, groups->body, boxes))
             largest = std::max(largest, FullBox(picture.file, group).reader.u32());
     }

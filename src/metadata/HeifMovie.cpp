@@ -19,8 +19,8 @@ class ChunkOffsets {
     ChunkOffsets(ByteView file, const Layout& layout, const Limits& limits)
         : file_(file),
           layout_(layout),
-          boxes_(limits.boxes),
-          chunks_(limits.chunks),
+          boxes_(limits.boxes, limits.stop),
+          chunks_(limits.chunks, limits.stop),
           depth_(limits.depth) {}
 
     void visit(const Box& box, unsigned level);

@@ -35,7 +35,7 @@ bool isHeif(ByteView file) {
 } // namespace
 
 std::optional<ImageFormat> imageFormatOf(ByteView file) {
-    if (textAt(file, 0, 3) == "\xff\xd8\xff"sv)
+    if (textAt(file, 0, 2) == "\xff\xd8"sv)
         return ImageFormat::jpeg;
     if (textAt(file, 0, 8) == "\x89PNG\r\n\x1a\n"sv)
         return ImageFormat::png;

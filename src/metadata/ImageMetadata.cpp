@@ -31,16 +31,16 @@ MetadataResult failed(const char* message) {
 }
 
 /// Valid as long as `image` is. A TIFF is its own block.
-std::optional<QByteArray> exifOf(ByteView image, ImageFormat format) {
+std::optional<QByteArray> exifOf(ByteView image, ImageFormat format, const std::stop_token& stop) {
     switch (format) {
     case ImageFormat::jpeg:
-        return jpeg::readExif(image);
+        return jpeg::readExif(image, {.stop = stop});
     case ImageFormat::png:
-        return png::readExif(image);
+        return png::readExif(image, {.stop = stop});
     case ImageFormat::webp:
-        return webp::readExif(image);
+        return webp::readExif(image, {.stop = stop});
     case ImageFormat::heif:
-        return heif::readExif(image);
+        return heif::readExif(image, {.stop = stop});
     case ImageFormat::tiff:
         break;
     }
@@ -48,21 +48,43 @@ std::optional<QByteArray> exifOf(ByteView image, ImageFormat format) {
                                    static_cast<qsizetype>(image.size()));
 }
 
-Rewrite stamped(ByteView image, ImageFormat format, const exif::Stamp& stamp) {
+/// The block with the stamp. One that cannot be read, by anybody, gives way to a new one.
+QByteArray stampedBlock(ByteView block, const exif::Stamp& stamp) {
+    try {
+        return exif::stamp(block, stamp).apply(block);
+    } catch (const Error&) {
+        return exif::newBlock(block, stamp);
+    }
+}
+
+Rewrite stampedAll(ByteView image, ImageFormat format, const exif::Stamp& stamp,
+                   const std::stop_token& stop) {
     if (format == ImageFormat::tiff)
         return exif::stamp(image, stamp);
-    const QByteArray block = exifOf(image, format).value_or(QByteArray());
-    const QByteArray exif = exif::stamp(viewOf(block), stamp).apply(viewOf(block));
+    const QByteArray block = exifOf(image, format, stop).value_or(QByteArray());
+    const QByteArray exif = stampedBlock(viewOf(block), stamp);
     switch (format) {
     case ImageFormat::jpeg:
-        return jpeg::replaceExif(image, viewOf(exif));
+        return jpeg::replaceExif(image, viewOf(exif), {.stop = stop});
     case ImageFormat::png:
-        return png::replaceExif(image, viewOf(exif));
+        return png::replaceExif(image, viewOf(exif), {.stop = stop});
     case ImageFormat::webp:
-        return webp::replaceExif(image, viewOf(exif));
+        return webp::replaceExif(image, viewOf(exif), {.stop = stop});
     default:
-        return heif::replaceExif(image, viewOf(exif));
+        return heif::replaceExif(image, viewOf(exif), {.stop = stop});
     }
+}
+
+/// Without the place where there is no room for it: the date matters more.
+Rewrite stamped(ByteView image, ImageFormat format, const exif::Stamp& stamp,
+                const std::stop_token& stop) {
+    try {
+        return stampedAll(image, format, stamp, stop);
+    } catch (const ContainerError&) {
+        if (!stamp.location)
+            throw;
+    }
+    return stampedAll(image, format, {stamp.text, stamp.date, std::nullopt}, stop);
 }
 
 /// The hidden sibling a file is written to; removed with this object unless it took the file's
@@ -84,9 +106,9 @@ class TemporaryFile {
 
     const std::filesystem::path& path() const { return path_; }
 
-    /// Throws `FileError`.
-    void write(const Rewrite& rewrite, const MappedFile& source) {
-        rewrite.writeTo(descriptor_.get(), source, path_);
+    /// Throws `FileError`, or `Cancelled`.
+    void write(const Rewrite& rewrite, const MappedFile& source, const std::stop_token& stop) {
+        rewrite.writeTo(descriptor_.get(), source, path_, stop);
         // As far as the system lets us: a foreign owner is no reason to fail.
         const struct stat& like = source.information();
         const bool owned = ::fchown(descriptor_.get(), like.st_uid, like.st_gid) == 0;
@@ -107,16 +129,37 @@ class TemporaryFile {
     FileDescriptor descriptor_;
 };
 
-/// Reads the written file back: a second stamp must find nothing to do.
-void verify(const std::filesystem::path& written, ImageFormat format, const exif::Stamp& stamp) {
-    const MappedFile file(written);
-    if (imageFormatOf(file.bytes()) != format ||
-        !stamped(file.bytes(), format, stamp).isIdentity(file.bytes()))
+/// A second stamp of what was written must find nothing to do.
+void verify(ByteView written, ImageFormat format, const exif::Stamp& stamp,
+            const std::stop_token& stop) {
+    if (imageFormatOf(written) != format ||
+        !stamped(written, format, stamp, stop).isIdentity(written))
         throw ContainerError(QStringLiteral("Yazılan dosya doğrulanamadı"));
 }
 
+MetadataResult publish(const Rewrite& rewrite, const MappedFile& source, ImageFormat format,
+                       const exif::Stamp& stamp, const std::filesystem::path& file,
+                       const std::stop_token& stop) {
+    std::optional<TemporaryFile> temporary;
+    try {
+        temporary.emplace(file);
+    } catch (const FileError&) {
+        return failed(noDestination);
+    }
+    temporary->write(rewrite, source, stop);
+    verify(MappedFile(temporary->path()).bytes(), format, stamp, stop);
+    try {
+        temporary->replace(file);
+    } catch (const FileError& error) {
+        return MetadataResult::failed(QStringLiteral("Atomic swap hatası: ") +
+                                      error.localizedDescription());
+    }
+    return MetadataResult::success(stamp.date);
+}
+
 /// Step by step, each failure under its own text. Other failures are exceptions.
-MetadataResult enrich(const std::filesystem::path& file, const exif::Stamp& stamp) {
+MetadataResult enrich(const std::filesystem::path& file, const exif::Stamp& stamp, Effect effect,
+                      const std::stop_token& stop) {
     std::optional<MappedFile> source;
     try {
         source.emplace(file);
@@ -128,24 +171,13 @@ MetadataResult enrich(const std::filesystem::path& file, const exif::Stamp& stam
     const auto format = imageFormatOf(source->bytes());
     if (!format)
         return failed(noType);
-    const Rewrite rewrite = stamped(source->bytes(), *format, stamp);
+    const Rewrite rewrite = stamped(source->bytes(), *format, stamp, stop);
     if (rewrite.isIdentity(source->bytes()))
         return MetadataResult::success(stamp.date);
-
-    std::optional<TemporaryFile> temporary;
-    try {
-        temporary.emplace(file);
-    } catch (const FileError&) {
-        return failed(noDestination);
-    }
-    temporary->write(rewrite, *source);
-    verify(temporary->path(), *format, stamp);
-    try {
-        temporary->replace(file);
-    } catch (const FileError& error) {
-        return MetadataResult::failed(QStringLiteral("Atomic swap hatası: ") +
-                                      error.localizedDescription());
-    }
+    if (effect == Effect::write)
+        return publish(rewrite, *source, *format, stamp, file, stop);
+    const QByteArray written = rewrite.apply(source->bytes());
+    verify(viewOf(written), *format, stamp, stop);
     return MetadataResult::success(stamp.date);
 }
 
@@ -158,31 +190,34 @@ exif::Stamp stampOf(Date date, const std::optional<AssetFacts>& asset) {
 
 } // namespace
 
-std::optional<Date> readExistingImageDate(const std::filesystem::path& file) noexcept {
+std::optional<Date> readExistingImageDate(const std::filesystem::path& file,
+                                          const std::stop_token& stop) {
     try {
         const MappedFile source(file);
         const auto format = imageFormatOf(source.bytes());
         if (!format)
             return std::nullopt;
-        const auto block = exifOf(source.bytes(), *format);
-        if (!block)
-            return std::nullopt;
-        const auto text = exif::readDates(viewOf(*block)).first();
-        return text ? parseExifDate(QString::fromLatin1(*text)) : std::nullopt;
+        const auto block = exifOf(source.bytes(), *format, stop);
+        return block ? exif::instantOf(exif::readDates(viewOf(*block))) : std::nullopt;
+    } catch (const Cancelled&) {
+        throw;
     } catch (const std::exception&) {
         return std::nullopt;
     }
 }
 
 MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targetDate,
-                                   const std::optional<AssetFacts>& asset, Log& log) noexcept {
+                                   const std::optional<AssetFacts>& asset, Log& log, Effect effect,
+                                   const std::stop_token& stop) {
     try {
         if (!writableDate(targetDate))
             throw ContainerError(QStringLiteral("Tarih dört haneli bir yılda değil"));
-        MetadataResult result = enrich(file, stampOf(targetDate, asset));
-        if (result.which == MetadataResult::Case::success)
+        MetadataResult result = enrich(file, stampOf(targetDate, asset), effect, stop);
+        if (result.which == MetadataResult::Case::success && effect == Effect::write)
             setFileDates(file, targetDate);
         return result;
+    } catch (const Cancelled&) {
+        throw;
     } catch (const std::exception& error) {
         log.log(QStringLiteral("[Metadata] ⚠️ Görsele tarih yazılamadı: %1 (%2)")
                     .arg(pathText(file.filename()), describe(error)));

@@ -1,5 +1,6 @@
 #include "metadata/JpegContainer.h"
 
+#include "metadata/MakerNotePreview.h"
 #include "metadata/MultiPictureIndex.h"
 #include "metadata/TiffDirectory.h"
 
@@ -40,22 +41,43 @@ struct Segment {
     }
 };
 
+/// Markers that stand alone, without a length: TEM and the restarts.
+bool standsAlone(std::uint8_t marker) {
+    return marker == 0x01 || (marker >= 0xd0 && marker < startOfImage);
+}
+
+/// The next marker. What is none is passed over, fill bytes too.
+std::uint8_t nextMarker(ByteReader& reader, ByteView file) {
+    std::uint8_t marker = 0;
+    while (marker == 0) {
+        const auto rest = file.subspan(reader.offset());
+        reader.skip(static_cast<std::uint64_t>(std::ranges::find(rest, 0xff) - rest.begin()));
+        do {
+            marker = reader.u8();
+        } while (marker == 0xff);
+    }
+    return marker;
+}
+
 /// The segments from SOI to the first scan.
 std::vector<Segment> segmentsOf(ByteView file, const Limits& limits) {
     ByteReader reader(file);
     if (reader.u8() != 0xff || reader.u8() != startOfImage)
         throw ParseError(QStringLiteral("JPEG başlangıcı yok"));
     std::vector<Segment> segments;
+    std::uint32_t markers = 0;
     while (true) {
+        if (limits.stop.stop_requested())
+            throw Cancelled();
         Segment segment;
-        if (reader.u8() != 0xff)
-            throw ParseError(QStringLiteral("JPEG bölümleri arasında yabancı veri var"));
-        do {
-            segment.marker = reader.u8();
-        } while (segment.marker == 0xff); // fill bytes
+        segment.marker = nextMarker(reader, file);
+        if (++markers > limits.segments)
+            throw ParseError(QStringLiteral("JPEG'de çok fazla bölüm var"));
         if (segment.marker == startOfScan)
             return segments;
-        if (segment.marker <= 0x01 || (segment.marker >= 0xd0 && segment.marker <= endOfImage))
+        if (standsAlone(segment.marker))
+            continue;
+        if (segment.marker == startOfImage || segment.marker == endOfImage)
             throw ParseError(QStringLiteral("JPEG'de ilk taramadan önce beklenmeyen işaret"));
         segment.offset = reader.offset() - 2;
         const std::uint16_t length = reader.u16();
@@ -65,8 +87,6 @@ std::vector<Segment> segmentsOf(ByteView file, const Limits& limits) {
         reader.skip(length - lengthField);
         segment.end = reader.offset();
         segments.push_back(segment);
-        if (segments.size() > limits.segments)
-            throw ParseError(QStringLiteral("JPEG'de çok fazla bölüm var"));
     }
 }
 
@@ -104,12 +124,80 @@ QByteArray exifSegmentBytes(ByteView exif) {
     return bytes;
 }
 
-/// Exif data of more than one segment goes on, without a TIFF header, in the segment behind.
-void refuseSeveralParts(const std::vector<Segment>& segments, const Segment& exif, ByteView file) {
-    for (const Segment& segment : segments)
-        if (segment.offset == exif.end && isExif(segment, file) &&
-            !tiff::readHeader(blockOf(segment, file)))
-            throw ContainerError(QStringLiteral("Exif verisi birden çok JPEG bölümüne yayılmış"));
+/// Exif data that does not fit goes on, without a TIFF header, in the segment behind a full one.
+bool continues(const Segment& exif, const Segment& segment, ByteView file) {
+    constexpr std::uint64_t nearlyFull = longestSegment - 256;
+    return exif.end - exif.offset > nearlyFull && segment.offset == exif.end &&
+           isExif(segment, file) && !tiff::readHeader(blockOf(segment, file));
+}
+
+/// Bytes in place of a range of the file.
+struct Edit {
+    std::uint64_t begin = 0;
+    std::uint64_t end = 0;
+    QByteArray bytes;
+
+    std::int64_t growth() const { return bytes.size() - static_cast<std::int64_t>(end - begin); }
+};
+
+/// Where a new Exif segment goes: behind SOI and the JFIF segments.
+std::uint64_t placeForExif(const std::vector<Segment>& segments) {
+    std::uint64_t place = 2;
+    for (const Segment& segment : segments) {
+        if (segment.marker != app0)
+            break;
+        place = segment.end;
+    }
+    return place;
+}
+
+/// The new block in place of the old one, and every other Exif segment gone.
+std::vector<Edit> exifEdits(const std::vector<Segment>& segments, ByteView file, ByteView exif) {
+    const auto old = exifSegment(segments, file);
+    if (old == segments.end()) {
+        const std::uint64_t place = placeForExif(segments);
+        return {{place, place, exifSegmentBytes(exif)}};
+    }
+    Edit edit{old->offset, old->end, exifSegmentBytes(exif)};
+    if (edit.growth() != 0)
+        edit.bytes = exifSegmentBytes(viewOf(
+            withMovedPreviews(exif, file.subspan(old->payload + exifSignature.size()),
+                              old->end - old->payload - exifSignature.size(), edit.growth())));
+    std::vector<Edit> edits;
+    for (auto segment = segments.begin(); segment != segments.end(); ++segment) {
+        if (segment == old) {
+            edits.push_back(edit);
+        } else if (continues(*old, *segment, file)) {
+            if (edit.growth() != 0)
+                throw ContainerError(
+                    QStringLiteral("Exif verisi birden çok JPEG bölümüne yayılmış"));
+        } else if (isExif(*segment, file)) {
+            edits.push_back({segment->offset, segment->end, {}});
+        }
+    }
+    return edits;
+}
+
+/// The index of a multi-picture file after the edits.
+void moveMultiPictureIndex(std::vector<Edit>& edits, const std::vector<Segment>& segments,
+                           ByteView file) {
+    const std::vector<Edit> before = edits;
+    for (const Segment& segment : segments) {
+        if (segment.marker != app2 || !segment.isSigned(file, multiPictureSignature))
+            continue;
+        std::int64_t growth = 0;
+        std::int64_t growthBehind = 0;
+        for (const Edit& edit : before) {
+            growth += edit.growth();
+            growthBehind += edit.begin >= segment.end ? edit.growth() : 0;
+        }
+        const std::uint64_t index = segment.payload + multiPictureSignature.size();
+        if (growth != 0 || growthBehind != 0)
+            edits.push_back({index, segment.end,
+                             movedMultiPictureIndex(file.subspan(index, segment.end - index),
+                                                    growth, growthBehind)});
+    }
+    std::ranges::sort(edits, {}, &Edit::begin);
 }
 
 } // namespace
@@ -126,42 +214,16 @@ std::optional<QByteArray> readExif(ByteView file, const Limits& limits) {
 
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
     const auto segments = segmentsOf(file, limits);
-    const auto old = exifSegment(segments, file);
-    std::uint64_t begin = 2; // behind SOI
-    std::uint64_t end = 2;
-    if (old != segments.end()) {
-        refuseSeveralParts(segments, *old, file);
-        begin = old->offset;
-        end = old->end;
-    } else {
-        for (const Segment& segment : segments) {
-            if (segment.marker != app0)
-                break;
-            begin = end = segment.end;
-        }
-    }
-    const QByteArray bytes = exifSegmentBytes(exif);
-    const std::int64_t growth = bytes.size() - static_cast<std::int64_t>(end - begin);
-
+    std::vector<Edit> edits = exifEdits(segments, file, exif);
+    moveMultiPictureIndex(edits, segments, file);
     Rewrite rewrite;
-    const auto keepRange = [&](std::uint64_t from, std::uint64_t to) {
-        std::uint64_t at = from;
-        for (const Segment& segment : segments) {
-            const bool here = segment.offset >= from && segment.end <= to;
-            if (growth == 0 || !here || segment.marker != app2 ||
-                !segment.isSigned(file, multiPictureSignature))
-                continue;
-            const std::uint64_t index = segment.payload + multiPictureSignature.size();
-            rewrite.keep(at, index - at);
-            rewrite.insert(movedMultiPictureIndex(file.subspan(index, segment.end - index), growth,
-                                                  segment.end <= begin));
-            at = segment.end;
-        }
-        rewrite.keep(at, to - at);
-    };
-    keepRange(0, begin);
-    rewrite.insert(bytes);
-    keepRange(end, file.size());
+    std::uint64_t at = 0;
+    for (const Edit& edit : edits) {
+        rewrite.keep(at, edit.begin - at);
+        rewrite.insert(edit.bytes);
+        at = edit.end;
+    }
+    rewrite.keep(at, file.size() - at);
     return rewrite;
 }
 

@@ -4,6 +4,8 @@
 #include <QRegularExpression>
 #include <QTimeZone>
 
+#include <algorithm>
+#include <cstdlib>
 #include <ctime>
 
 namespace quorvane {
@@ -51,6 +53,31 @@ std::optional<SecondDate> wallClock(int year, int month, int day, int hour, int 
            seconds(second);
 }
 
+/// Without blanks and NULs at its end.
+QStringView withoutTail(QStringView text) {
+    while (!text.isEmpty() && (text.back().isSpace() || text.back().isNull()))
+        text.chop(1);
+    return text;
+}
+
+/// True for a text of this form, in which "d" is a digit.
+bool hasForm(QStringView text, QStringView form) {
+    return std::ranges::equal(text, form, [](QChar c, QChar of) {
+        return of == u'd' ? c >= u'0' && c <= u'9' : c == of;
+    });
+}
+
+std::optional<SecondDate> exifWallClock(QStringView text) {
+    text = withoutTail(text);
+    if (!hasForm(text, u"dddd:dd:dd dd:dd:dd"))
+        return std::nullopt;
+    const auto number = [&](qsizetype at, qsizetype length) {
+        return text.sliced(at, length).toInt();
+    };
+    return wallClock(number(0, 4), number(5, 2), number(8, 2), number(11, 2), number(14, 2),
+                     number(17, 2));
+}
+
 } // namespace
 
 std::optional<Date> localDate(int year, int month, int day, int hour, int minute, int second) {
@@ -58,28 +85,40 @@ std::optional<Date> localDate(int year, int month, int day, int hour, int minute
     return time ? std::optional<Date>(instantOf(*time)) : std::nullopt;
 }
 
+std::optional<Date> utcDate(int year, int month, int day, int hour, int minute, int second) {
+    return wallClock(year, month, day, hour, minute, second);
+}
+
 std::optional<Date> parseExifDate(QStringView text) {
-    while (!text.isEmpty() && (text.back().isSpace() || text.back().isNull()))
-        text.chop(1);
-    constexpr QStringView pattern = u"dddd:dd:dd dd:dd:dd";
-    if (text.size() != pattern.size())
+    const auto time = exifWallClock(text);
+    return time ? std::optional<Date>(instantOf(*time)) : std::nullopt;
+}
+
+std::optional<Date> parseExifDate(QStringView text, std::chrono::minutes offset) {
+    const auto time = exifWallClock(text);
+    return time ? std::optional<Date>(*time - offset) : std::nullopt;
+}
+
+std::optional<std::chrono::minutes> parseExifOffset(QStringView text) {
+    text = withoutTail(text);
+    if (text == u"Z")
+        return std::chrono::minutes(0);
+    const bool west = text.startsWith(u'-');
+    if (!(west || text.startsWith(u'+')) || !hasForm(text.sliced(1), u"dd:dd"))
         return std::nullopt;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const bool digit = text[i] >= u'0' && text[i] <= u'9';
-        if (pattern[i] == u'd' ? !digit : text[i] != pattern[i])
-            return std::nullopt;
-    }
-    const auto number = [&](qsizetype at, qsizetype length) {
-        return text.sliced(at, length).toInt();
-    };
-    return localDate(number(0, 4), number(5, 2), number(8, 2), number(11, 2), number(14, 2),
-                     number(17, 2));
+    const auto offset = std::chrono::hours(text.sliced(1, 2).toInt()) +
+                        std::chrono::minutes(text.sliced(4, 2).toInt());
+    constexpr std::chrono::hours farthest(15);
+    if (offset > farthest || text.sliced(4, 2).toInt() > 59)
+        return std::nullopt;
+    return west ? -offset : offset;
 }
 
 std::optional<Date> parseIsoDate(QStringView text) {
-    static const QRegularExpression form(QStringLiteral(
-        "^([0-9]{4})-([0-9]{2})-([0-9]{2})"
-        "(?:T([0-9]{2}):([0-9]{2}):([0-9]{2})(?:\\.[0-9]+)?(?:Z|([+-])([0-9]{2}):?([0-9]{2})))?$"));
+    static const QRegularExpression form(
+        QStringLiteral("^([0-9]{4})-([0-9]{2})-([0-9]{2})"
+                       "(?:[T ]([0-9]{2}):([0-9]{2}):([0-9]{2})(?:\\.[0-9]+)?"
+                       " ?(Z|([+-])([0-9]{2}):?([0-9]{2}))?)?$"));
     const QRegularExpressionMatch match = form.match(text.trimmed().toString());
     if (!match.hasMatch())
         return std::nullopt;
@@ -89,8 +128,10 @@ std::optional<Date> parseIsoDate(QStringView text) {
     const auto time = wallClock(number(1), number(2), number(3), number(4), number(5), number(6));
     if (!time)
         return std::nullopt;
-    const auto offset = std::chrono::hours(number(8)) + std::chrono::minutes(number(9));
-    return match.capturedView(7) == u"-" ? *time + offset : *time - offset;
+    if (match.capturedView(7).isEmpty())
+        return instantOf(*time);
+    const auto offset = std::chrono::hours(number(9)) + std::chrono::minutes(number(10));
+    return match.capturedView(8) == u"-" ? *time + offset : *time - offset;
 }
 
 QString exifDateText(Date date) {
@@ -98,6 +139,14 @@ QString exifDateText(Date date) {
     return QString::asprintf("%04d:%02d:%02d %02d:%02d:%02d", local.tm_year + 1900,
                              local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
                              local.tm_sec);
+}
+
+QString exifOffsetText(Date date) {
+    const long offset = offsetAt(std::chrono::floor<seconds>(date)).count();
+    if (offset % 60 != 0)
+        return QStringLiteral("   :  ");
+    const long minutes = std::abs(offset) / 60;
+    return QString::asprintf("%c%02ld:%02ld", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
 }
 
 QString utcText(Date date, QStringView format) {

@@ -15,15 +15,29 @@ namespace quorvane {
 /// time that comes twice the first is meant.
 std::optional<Date> localDate(int year, int month, int day, int hour, int minute, int second);
 
+/// The instant of a wall-clock time in UTC; none as above.
+std::optional<Date> utcDate(int year, int month, int day, int hour, int minute, int second);
+
 /// "yyyy:MM:dd HH:mm:ss" in local time (Exif 2.32, DateTime). None for any other text, "unknown"
 /// forms of zeros or blanks included; trailing blanks and NULs do not count.
 std::optional<Date> parseExifDate(QStringView text);
 
+/// The same text as the wall-clock time of a zone that is `offset` from UTC.
+std::optional<Date> parseExifDate(QStringView text, std::chrono::minutes offset);
+
+/// "+03:00", "-09:30" or "Z" (Exif 2.32, OffsetTime). None for any other text, blanks included.
+std::optional<std::chrono::minutes> parseExifOffset(QStringView text);
+
+/// The offset of local time at that instant as "+03:00"; blanks around the colon, which stand for
+/// "unknown", where it is no whole number of minutes.
+QString exifOffsetText(Date date);
+
 /// The local wall-clock time as "yyyy:MM:dd HH:mm:ss"; for dates of a four-digit year.
 QString exifDateText(Date date);
 
-/// An ISO 8601 date and time with its offset ("Z", "+03:00", "+0300"), or a date alone, which means
-/// noon of that local day. None for any other text; blanks around it do not count.
+/// An ISO 8601 date and time with its offset ("Z", "+03:00", "+0300"), local time without one, or a
+/// date alone, which means noon of that local day. A blank may stand for the "T" and before the
+/// offset. None for any other text; blanks around it do not count.
 std::optional<Date> parseIsoDate(QStringView text);
 
 /// The UTC time in a `QDateTime` format, such as "yyyy:MM:dd".

@@ -6,43 +6,70 @@
 #include "metadata/ImageMetadata.h"
 #include "metadata/LocalCalendar.h"
 #include "metadata/MovieMetadata.h"
+#include "metadata/RawDates.h"
 
 #include <QUuid>
 
-#include <algorithm>
-#include <array>
-
 namespace quorvane {
+
+/// One file and what is known of it.
+struct MediaMetadataService::Request {
+    const std::filesystem::path& file;
+    const std::optional<AssetFacts>& asset;
+    const std::optional<QString>& assetLocalIdentifier;
+    DateFallbackMode fallbackMode;
+    const QString& originalFileName;
+    const std::stop_token& stop;
+};
 
 namespace {
 
-constexpr std::array<QStringView, 8> imageExtensions = {u"jpg", u"jpeg", u"heic", u"heif",
-                                                        u"png", u"tiff", u"tif",  u"webp"};
-constexpr std::array<QStringView, 3> videoExtensions = {u"mov", u"mp4", u"m4v"};
+class SilentLog final : public Log {
+  public:
+    void log(const QString& /*message*/) override {}
+};
 
-QString extensionOf(const std::filesystem::path& file) {
-    return pathText(file.extension()).mid(1).toLower();
+/// The name whose extension tells the kind: a staged copy has that of the original.
+QString extensionOf(const std::filesystem::path& file, const QString& originalFileName) {
+    const auto name = originalFileName.isEmpty() ? file : pathFrom(originalFileName);
+    return pathText(name.extension()).mid(1).toLower();
 }
 
 /// A source of dates that fails is a source without a date.
 template <typename Source>
-std::optional<Date> dateFrom(Source&& source) noexcept {
+std::optional<Date> dateFrom(Source&& source) {
     try {
         return writableDate(source());
+    } catch (const Cancelled&) {
+        throw;
     } catch (const std::exception&) {
         return std::nullopt;
     }
 }
 
+std::optional<Date> embeddedDate(const std::filesystem::path& file, const QString& originalFileName,
+                                 const std::stop_token& stop) {
+    const MediaKind* kind = mediaKindOf(extensionOf(file, originalFileName));
+    return dateFrom([&]() -> std::optional<Date> {
+        switch (kind == nullptr ? DateReading::none : kind->reading) {
+        case DateReading::exif:
+            return readExistingImageDate(file, stop);
+        case DateReading::rawExif:
+            return exif::instantOf(readRawDates(file));
+        case DateReading::movie:
+            return readExistingVideoDate(file, {.stop = stop}, originalFileName);
+        case DateReading::none:
+            break;
+        }
+        return std::nullopt;
+    });
+}
+
+std::optional<ResolvedDate> with(DateSource source, const std::optional<Date>& date) {
+    return date ? std::optional(ResolvedDate{*date, source}) : std::nullopt;
+}
+
 } // namespace
-
-bool isImageExtension(const QString& extension) {
-    return std::ranges::find(imageExtensions, extension) != imageExtensions.end();
-}
-
-bool isVideoExtension(const QString& extension) {
-    return std::ranges::find(videoExtensions, extension) != videoExtensions.end();
-}
 
 MediaMetadataService::MediaMetadataService(AssetFactsSource& assets,
                                            std::filesystem::path picturesFolder, Log& log,
@@ -54,88 +81,141 @@ MediaMetadataService::MediaMetadataService(AssetFactsSource& assets,
 
 MetadataResult MediaMetadataService::ensureMetadata(
     const std::filesystem::path& file, const std::optional<AssetFacts>& asset,
-    const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode) noexcept {
-    const QString extension = extensionOf(file);
-    const std::optional<Date> date = resolveDate(file, asset, assetLocalIdentifier, fallbackMode);
-    if (!date) {
-        log_.log(QStringLiteral("[Metadata] ⚠️ Tarih çözümlenemedi (UNRESOLVED_DATE): ") +
-                 pathText(file.filename()));
+    const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
+    const QString& originalFileName, std::stop_token stop) {
+    return ensure({file, asset, assetLocalIdentifier, fallbackMode, originalFileName, stop},
+                  Effect::write, log_);
+}
+
+MetadataForecast MediaMetadataService::wouldEnsureMetadata(
+    const std::filesystem::path& original, const std::optional<AssetFacts>& asset,
+    const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
+    const QString& originalFileName, std::stop_token stop) {
+    SilentLog silent;
+    MetadataResult result =
+        ensure({original, asset, assetLocalIdentifier, fallbackMode, originalFileName, stop},
+               Effect::none, silent);
+    const bool carries = carriesDate(original, result, originalFileName, stop);
+    return {std::move(result), carries};
+}
+
+MetadataResult MediaMetadataService::ensure(const Request& request, Effect effect, Log& log) {
+    const QString extension = extensionOf(request.file, request.originalFileName);
+    const auto resolved = resolve(request, log);
+    if (!resolved) {
+        log.log(QStringLiteral("[Metadata] ⚠️ Tarih çözümlenemedi (UNRESOLVED_DATE): ") +
+                pathText(request.file.filename()));
         return MetadataResult::unresolvedDate();
     }
-    if (isImageExtension(extension))
-        return enrichImageMetadata(file, *date, asset, log_);
-    if (isVideoExtension(extension))
-        return enrichVideoMetadata(file, *date, log_);
-    return MetadataResult::failed(QStringLiteral("Desteklenmeyen dosya uzantısı: ") + extension);
+    const MediaKind* kind = mediaKindOf(extension);
+    MetadataResult result =
+        MetadataResult::failed(QStringLiteral("Desteklenmeyen dosya uzantısı: ") + extension);
+    result.source = resolved->source;
+    switch (kind == nullptr ? DateWriting::none : kind->writing) {
+    case DateWriting::exif:
+        result = enrichImageMetadata(request.file, resolved->date, request.asset, log, effect,
+                                     request.stop);
+        break;
+    case DateWriting::movie:
+        result = enrichVideoMetadata(request.file, resolved->date, log, effect, request.stop);
+        break;
+    case DateWriting::none:
+        if (const auto own = embeddedDate(request.file, request.originalFileName, request.stop)) {
+            result = MetadataResult::skippedAlreadyHasDate(*own);
+            result.source = DateSource::embedded;
+            return result;
+        }
+        break;
+    }
+    result.source = resolved->source;
+    return result;
 }
 
-std::optional<Date> MediaMetadataService::resolveDate(
+std::optional<ResolvedDate> MediaMetadataService::resolveDate(
     const std::filesystem::path& file, const std::optional<AssetFacts>& asset,
-    const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode) noexcept {
-    const QString name = pathText(file.filename());
-    const auto identifier =
-        assetLocalIdentifier ? assetLocalIdentifier : identifierOfStagedName(name);
+    const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
+    const QString& originalFileName, std::stop_token stop) {
+    return resolve({file, asset, assetLocalIdentifier, fallbackMode, originalFileName, stop}, log_);
+}
 
+std::optional<ResolvedDate> MediaMetadataService::resolve(const Request& request, Log& log) {
+    const auto& asset = request.asset;
     if (const auto date = dateFrom([&] { return asset ? asset->creationDate : std::nullopt; }))
-        return date;
+        return with(DateSource::asset, date);
+    const auto identifier = request.assetLocalIdentifier
+                                ? request.assetLocalIdentifier
+                                : identifierOfStagedName(pathText(request.file.filename()));
     if (identifier)
-        if (const auto date = dateOfAsset(*identifier))
+        if (const auto date = dateOfAsset(*identifier, log))
             return date;
-    if (const auto date = dateFrom([&] { return embeddedDate(file); }))
+    if (const auto date = embeddedDate(request.file, request.originalFileName, request.stop))
+        return with(DateSource::embedded, date);
+    if (const auto date = dateOfName(request))
         return date;
-    if (const auto date = parseDateFromFilename(stripSafeIDPrefix(name)))
-        return date;
-    // The digits of an identifier are chance: one in seven hundred would pass for a Unix time.
-    if (QUuid::fromString(QStringView(name).left(36)).isNull())
-        if (const auto date = parseDateFromFilename(name))
-            return date;
-    return fallbackDate(file, fallbackMode);
+    return fallbackDate(request, log);
 }
 
-bool MediaMetadataService::hasEmbeddedDate(const std::filesystem::path& file) noexcept {
-    return embeddedDate(file).has_value();
+bool MediaMetadataService::hasEmbeddedDate(const std::filesystem::path& file,
+                                           const QString& originalFileName, std::stop_token stop) {
+    return embeddedDate(file, originalFileName, stop).has_value();
 }
 
-std::optional<Date> MediaMetadataService::dateOfAsset(const QString& identifier) {
+bool MediaMetadataService::carriesDate(const std::filesystem::path& file,
+                                       const MetadataResult& result,
+                                       const QString& originalFileName, std::stop_token stop) {
+    return result.statesDate || hasEmbeddedDate(file, originalFileName, std::move(stop));
+}
+
+bool MediaMetadataService::isUndatable(const std::filesystem::path& file,
+                                       const QString& originalFileName, std::stop_token stop) {
+    const MediaKind* kind = mediaKindOf(extensionOf(file, originalFileName));
+    return (kind == nullptr || !kind->isDatable()) &&
+           !hasEmbeddedDate(file, originalFileName, std::move(stop));
+}
+
+std::optional<ResolvedDate> MediaMetadataService::dateOfAsset(const QString& identifier, Log& log) {
     const auto known = dateFrom([&]() -> std::optional<Date> {
         const auto asset = assets_.factsOf(identifier);
         return asset ? asset->creationDate : std::nullopt;
     });
     if (known)
-        return known;
+        return with(DateSource::asset, known);
     const auto leftover = photosDatabase_.queryDateFromPhotosSQLite(identifier);
     if (leftover)
-        log_.log(QStringLiteral(
-                     "[Metadata] 🗄️ Photos.sqlite kalıntı taramasından tarih bulundu: "
-                     "%1 (ID: %2)")
-                     .arg(describe(*leftover), identifier));
-    return leftover;
+        log.log(QStringLiteral(
+                    "[Metadata] 🗄️ Photos.sqlite kalıntı taramasından tarih bulundu: "
+                    "%1 (ID: %2)")
+                    .arg(describe(*leftover), identifier));
+    return with(DateSource::photosDatabase, leftover);
 }
 
-std::optional<Date> MediaMetadataService::embeddedDate(const std::filesystem::path& file) {
-    const QString extension = extensionOf(file);
-    if (isImageExtension(extension))
-        return writableDate(readExistingImageDate(file));
-    if (isVideoExtension(extension))
-        return readExistingVideoDate(file);
-    return std::nullopt;
+std::optional<ResolvedDate> MediaMetadataService::dateOfName(const Request& request) {
+    const Date now = clock_.now();
+    if (!request.originalFileName.isEmpty())
+        return parseDateFromFilename(request.originalFileName, now);
+    const QString name = pathText(request.file.filename());
+    if (const auto date = parseDateFromFilename(stripSafeIDPrefix(name), now))
+        return date;
+    // The digits of an identifier are chance: one in seven hundred would pass for a Unix time.
+    if (!QUuid::fromString(QStringView(name).left(36)).isNull())
+        return std::nullopt;
+    return parseDateFromFilename(name, now);
 }
 
-std::optional<Date> MediaMetadataService::fallbackDate(const std::filesystem::path& file,
-                                                       DateFallbackMode mode) {
-    switch (mode) {
+std::optional<ResolvedDate> MediaMetadataService::fallbackDate(const Request& request, Log& log) {
+    switch (request.fallbackMode) {
     case DateFallbackMode::strictNone:
         return std::nullopt;
     case DateFallbackMode::today:
-        return clock_.now();
+        return ResolvedDate{clock_.now(), DateSource::today};
     case DateFallbackMode::fileSaveDate:
         break;
     }
-    const auto saved = readFileCreationDate(file);
+    const auto saved = readFileCreationDate(request.file);
     if (saved)
-        log_.log(QStringLiteral("[Metadata] 🕒 Dosya kayıt/oluşturulma tarihi kullanıldı: ") +
-                 describe(*saved));
-    return saved;
+        log.log(QStringLiteral("[Metadata] 🕒 Dosya kayıt/oluşturulma tarihi kullanıldı: ") +
+                describe(*saved));
+    return with(DateSource::fileSaveDate, saved);
 }
 
 } // namespace quorvane

@@ -22,4 +22,33 @@ std::optional<DateFallbackMode> dateFallbackModeFrom(const QString& rawValue) {
     return std::nullopt;
 }
 
+QString rawValue(DateSource source) {
+    switch (source) {
+    case DateSource::asset:
+        return QStringLiteral("asset");
+    case DateSource::photosDatabase:
+        return QStringLiteral("photosDatabase");
+    case DateSource::embedded:
+        return QStringLiteral("embedded");
+    case DateSource::fileName:
+        return QStringLiteral("fileName");
+    case DateSource::numberInName:
+        return QStringLiteral("numberInName");
+    case DateSource::fileSaveDate:
+        return QStringLiteral("fileSaveDate");
+    case DateSource::today:
+        break;
+    }
+    return QStringLiteral("today");
+}
+
+std::optional<DateSource> dateSourceFrom(const QString& rawValue) {
+    for (const auto source :
+         {DateSource::asset, DateSource::photosDatabase, DateSource::embedded, DateSource::fileName,
+          DateSource::numberInName, DateSource::fileSaveDate, DateSource::today})
+        if (rawValue == quorvane::rawValue(source))
+            return source;
+    return std::nullopt;
+}
+
 } // namespace quorvane

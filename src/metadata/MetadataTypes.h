@@ -37,6 +37,32 @@ class AssetFactsSource {
     virtual std::optional<AssetFacts> factsOf(const QString& localIdentifier) = 0;
 };
 
+/// Where a capture date comes from, the most trustworthy first.
+enum class DateSource {
+    asset,          ///< the photo library, asked for this very item
+    photosDatabase, ///< what the Photos database still knows of it
+    embedded,       ///< the file itself
+    fileName,       ///< a date written out in the file's name
+    numberInName,   ///< a number in the name that may be a Unix time
+    fileSaveDate,   ///< when the file was saved: the person's choice
+    today,          ///< the current instant: the person's choice
+};
+
+/// The case's name, as it is stored.
+QString rawValue(DateSource source);
+
+/// None for an unknown text.
+std::optional<DateSource> dateSourceFrom(const QString& rawValue);
+
+struct ResolvedDate {
+    Date date;
+    DateSource source = DateSource::embedded;
+    bool operator==(const ResolvedDate&) const = default;
+};
+
+/// Whether an operation changes the file, or only finds out what it would come to.
+enum class Effect { write, none };
+
 /// How making a file's capture date explicit ended.
 struct MetadataResult {
     enum class Case { success, skippedAlreadyHasDate, failed, unresolvedDate };
@@ -44,8 +70,18 @@ struct MetadataResult {
     Case which = Case::unresolvedDate;
     std::optional<Date> date; ///< of `success` and `skippedAlreadyHasDate`
     QString message;          ///< of `failed`
+    /// Of `date`, when `MediaMetadataService` resolved it.
+    std::optional<DateSource> source = std::nullopt;
+    /// True when the file now states `date` where its readers look: a movie that has no movie
+    /// header takes a date in its tracks only, and nobody finds it there.
+    bool statesDate = false;
 
-    static MetadataResult success(Date date) { return {Case::success, date, {}}; }
+    static MetadataResult success(Date date, bool statesDate = true) {
+        return {Case::success, date, {}, std::nullopt, statesDate};
+    }
+    static MetadataResult skippedAlreadyHasDate(Date date) {
+        return {Case::skippedAlreadyHasDate, date, {}, std::nullopt, true};
+    }
     static MetadataResult failed(QString message) {
         return {Case::failed, std::nullopt, std::move(message)};
     }

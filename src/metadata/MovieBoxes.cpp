@@ -110,6 +110,8 @@ QByteArray MovieBoxes::text(const MovieBox& box) const {
 }
 
 void MovieBoxes::countBox() {
+    if (limits_.stop.stop_requested())
+        throw Cancelled();
     if (++counted_ > limits_.boxes)
         throw ParseError(QStringLiteral("Filmde çok fazla kutu var"));
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <stop_token>
 
 /// The box structure of MP4 and QuickTime movies (ISO/IEC 14496-12, QuickTime File Format), read
 /// from the file header by header: media data is never touched. Offsets and lengths are in bytes.
@@ -18,6 +19,7 @@ struct MovieLimits {
     unsigned nesting = 8;
     std::uint64_t boxes = 100'000;
     std::uint64_t textBytes = 1 << 16; ///< of a list of keys, or of one text
+    std::stop_token stop = {};         ///< when requested, `Cancelled` is thrown
 };
 
 /// An open movie. Throws `FileError` where the system refuses.

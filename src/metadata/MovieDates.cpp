@@ -22,13 +22,13 @@ constexpr int yearOfReencodings = 2026;
 
 /// A movie clock that was never set says 1904. A date of 2026 is the stamp of a re-encoding rather
 /// than of a capture, unless the file's name agrees.
-std::optional<Date> trusted(std::optional<Date> date, const std::filesystem::path& file) {
+std::optional<Date> trusted(std::optional<Date> date, const QString& name) {
     date = writableDate(date);
     if (!date)
         return std::nullopt;
     const int year = localYear(*date);
     const bool reencoded =
-        year == yearOfReencodings && file.filename().native().find("2026") == std::string::npos;
+        year == yearOfReencodings && !name.contains(QString::number(yearOfReencodings));
     return year <= yearOfMovieEpoch || reencoded ? std::nullopt : date;
 }
 
@@ -54,12 +54,12 @@ class CreationTexts {
     CreationTexts(MovieBoxes& boxes, const MovieBox& moov) : boxes_(boxes), moov_(moov) {}
 
     /// The first text that holds a date which passes.
-    std::optional<Date> firstTrusted(const std::filesystem::path& file) {
-        for (const auto& kind :
-             {&CreationTexts::quickTimeKey, &CreationTexts::userData, &CreationTexts::iTunesItem}) {
+    std::optional<Date> firstTrusted(const QString& name) {
+        for (const auto& kind : {&CreationTexts::quickTimeKey, &CreationTexts::keyOfUserData,
+                                 &CreationTexts::userData, &CreationTexts::iTunesItem}) {
             try {
                 for (const QByteArray& text : (this->*kind)())
-                    if (const auto date = trusted(parseIsoDate(QString::fromUtf8(text)), file))
+                    if (const auto date = trusted(parseIsoDate(QString::fromUtf8(text)), name))
                         return date;
             } catch (const ParseError&) {
                 continue;
@@ -69,8 +69,15 @@ class CreationTexts {
     }
 
   private:
-    QByteArrayList quickTimeKey() {
-        const auto meta = boxes_.find(moov_, boxType("meta"));
+    QByteArrayList quickTimeKey() { return keyIn(moov_); }
+
+    QByteArrayList keyOfUserData() {
+        const auto udta = boxes_.find(moov_, boxType("udta"));
+        return udta ? keyIn(*udta) : QByteArrayList();
+    }
+
+    QByteArrayList keyIn(const MovieBox& parent) {
+        const auto meta = boxes_.find(parent, boxType("meta"));
         if (!meta)
             return {};
         const std::uint64_t skip = headerOfMeta(*meta);
@@ -159,7 +166,7 @@ class CreationTexts {
 /// What `read` finds in the file's first `moov` box; none for whatever goes wrong.
 template <typename Read>
 std::optional<Date> readMovie(const std::filesystem::path& path, const MovieLimits& limits,
-                              Read&& read) noexcept {
+                              Read&& read) {
     try {
         const MovieFile file(path, O_RDONLY);
         if (file.size() < smallestFile)
@@ -167,26 +174,32 @@ std::optional<Date> readMovie(const std::filesystem::path& path, const MovieLimi
         MovieBoxes boxes(file, limits);
         const auto moov = boxes.find(boxes.file(), boxType("moov"));
         return moov ? read(boxes, *moov) : std::nullopt;
+    } catch (const Cancelled&) {
+        throw;
     } catch (const std::exception&) {
         return std::nullopt;
     }
 }
 
+QString nameOf(const std::filesystem::path& path, const QString& originalName) {
+    return originalName.isEmpty() ? pathText(path.filename()) : originalName;
+}
+
 } // namespace
 
 std::optional<Date> readMP4CreationDate(const std::filesystem::path& path,
-                                        const MovieLimits& limits) noexcept {
+                                        const MovieLimits& limits, const QString& originalName) {
     return readMovie(path, limits, [&](MovieBoxes& boxes, const MovieBox& moov) {
-        return trusted(headerDate(boxes, moov), path);
+        return trusted(headerDate(boxes, moov), nameOf(path, originalName));
     });
 }
 
 std::optional<Date> readExistingVideoDate(const std::filesystem::path& path,
-                                          const MovieLimits& limits) noexcept {
-    if (const auto date = readMP4CreationDate(path, limits))
+                                          const MovieLimits& limits, const QString& originalName) {
+    if (const auto date = readMP4CreationDate(path, limits, originalName))
         return date;
     return readMovie(path, limits, [&](MovieBoxes& boxes, const MovieBox& moov) {
-        return CreationTexts(boxes, moov).firstTrusted(path);
+        return CreationTexts(boxes, moov).firstTrusted(nameOf(path, originalName));
     });
 }
 

@@ -6,17 +6,21 @@
 #include <filesystem>
 #include <optional>
 
-/// The dates that a movie carries. A movie that cannot be read has none. Any thread.
+/// The dates that a movie carries. A movie that cannot be read has none; only `Cancelled` is
+/// thrown. A date of 2026 counts only when the file's name, or `originalName` where the file bears
+/// another, has "2026" in it. Any thread.
 namespace quorvane {
 
 /// The creation time of the movie header (`moov/mvhd`).
 std::optional<Date> readMP4CreationDate(const std::filesystem::path& file,
-                                        const MovieLimits& limits = {}) noexcept;
+                                        const MovieLimits& limits = {},
+                                        const QString& originalName = {});
 
 /// The creation time of the movie header, else the first creation date among the movie's texts:
-/// the QuickTime metadata key `com.apple.quicktime.creationdate`, then the user data `©day` and
-/// `date`, then the iTunes item `©day`.
+/// the QuickTime metadata key `com.apple.quicktime.creationdate` (of the movie, or of its user
+/// data), then the user data `©day` and `date`, then the iTunes item `©day`.
 std::optional<Date> readExistingVideoDate(const std::filesystem::path& file,
-                                          const MovieLimits& limits = {}) noexcept;
+                                          const MovieLimits& limits = {},
+                                          const QString& originalName = {});
 
 } // namespace quorvane

@@ -2,11 +2,14 @@
 
 namespace quorvane {
 
-MetadataResult enrichVideoMetadata(const std::filesystem::path& file, Date targetDate,
-                                   Log& log) noexcept {
+MetadataResult enrichVideoMetadata(const std::filesystem::path& file, Date targetDate, Log& log,
+                                   Effect effect, std::stop_token stop) {
     try {
-        patchMP4CreationDate(file, targetDate);
-        return MetadataResult::success(targetDate);
+        const MovieLimits limits{.stop = std::move(stop)};
+        return MetadataResult::success(targetDate,
+                                       patchMP4CreationDate(file, targetDate, limits, effect));
+    } catch (const Cancelled&) {
+        throw;
     } catch (const std::exception& error) {
         log.log(QStringLiteral("[Metadata] ⚠️ MP4 binary patch başarısız: %1 (%2)")
                     .arg(describe(error), pathText(file.filename())));

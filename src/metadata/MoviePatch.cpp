@@ -44,9 +44,16 @@ class DatePatch {
                                      nameOf(file_));
     }
 
+    /// Whether the header that readers look at is among what is written.
+    bool patchesHeader() const { return patchesHeader_; }
+
     void write() const {
         for (const Write& write : writes_)
             file_.write(write.offset, write.bytes);
+        file_.flush();
+        for (const Write& write : headerWrites_)
+            file_.write(write.offset, write.bytes);
+        file_.flush();
     }
 
   private:
@@ -59,10 +66,19 @@ class DatePatch {
         auto children = boxes_.childrenOf(moov);
         while (const auto child = children.next()) {
             if (child->type == boxType("mvhd"))
-                patchTimeBox(*child);
+                patchHeader(*child);
             else if (child->type == boxType("trak"))
                 patchTrakContainer(*child);
         }
+    }
+
+    void patchHeader(const MovieBox& mvhd) {
+        const auto write = timeBoxWrite(mvhd);
+        if (!foundHeader_)
+            patchesHeader_ = write.has_value();
+        foundHeader_ = true;
+        if (write)
+            headerWrites_.push_back(*write);
     }
 
     void patchTrakContainer(const MovieBox& trak) {
@@ -83,6 +99,12 @@ class DatePatch {
     }
 
     void patchTimeBox(const MovieBox& box) {
+        if (const auto write = timeBoxWrite(box))
+            writes_.push_back(*write);
+    }
+
+    /// None for a box that is left as it is; it counts as patched nevertheless.
+    std::optional<Write> timeBoxWrite(const MovieBox& box) {
         constexpr std::uint64_t fieldsAt = 4; // behind version and flags
         patchedAny_ = true;
         const QByteArray head = boxes_.head(box, fieldsAt + 2 * sizeof(std::uint64_t));
@@ -95,24 +117,28 @@ class DatePatch {
                     Code::beyondTimeField,
                     QStringLiteral("Hedef tarih dosyanın 32 bitlik zaman alanına sığmıyor: ") +
                         nameOf(file_));
-            writes_.push_back({box.payload + fieldsAt, twice(static_cast<std::uint32_t>(time_))});
-        } else if (!head.isEmpty() && head[0] == 1 && fits(sizeof(std::uint64_t))) {
-            writes_.push_back({box.payload + fieldsAt, twice(time_)});
+            return Write{box.payload + fieldsAt, twice(static_cast<std::uint32_t>(time_))};
         }
+        if (!head.isEmpty() && head[0] == 1 && fits(sizeof(std::uint64_t)))
+            return Write{box.payload + fieldsAt, twice(time_)};
+        return std::nullopt;
     }
 
     const MovieFile& file_;
     MovieBoxes boxes_;
     std::uint64_t time_;
     std::vector<Write> writes_;
+    std::vector<Write> headerWrites_;
     bool patchedAny_ = false;
+    bool foundHeader_ = false;
+    bool patchesHeader_ = false;
 };
 
 } // namespace
 
-void patchMP4CreationDate(const std::filesystem::path& path, Date target,
-                          const MovieLimits& limits) {
-    const MovieFile file(path, O_RDWR);
+bool patchMP4CreationDate(const std::filesystem::path& path, Date target, const MovieLimits& limits,
+                          Effect effect) {
+    const MovieFile file(path, effect == Effect::write ? O_RDWR : O_RDONLY);
     if (file.size() < smallestFile)
         throw MovieDateError(Code::invalidFileSize,
                              QStringLiteral("Geçersiz dosya boyutu: %1").arg(file.size()));
@@ -125,9 +151,11 @@ void patchMP4CreationDate(const std::filesystem::path& path, Date target,
 
     DatePatch patch(file, limits, static_cast<std::uint64_t>(time));
     patch.plan();
-    patch.write();
-    file.flush();
-    setFileDates(path, target);
+    if (effect == Effect::write) {
+        patch.write();
+        setFileDates(path, target);
+    }
+    return patch.patchesHeader();
 }
 
 } // namespace quorvane

@@ -2,6 +2,7 @@
 
 #include "foundation/Date.h"
 #include "foundation/Error.h"
+#include "metadata/MetadataTypes.h"
 #include "metadata/MovieBoxes.h"
 
 #include <filesystem>
@@ -30,9 +31,12 @@ class MovieDateError : public Error {
 
 /// Writes the date into the `mvhd`, `tkhd` and `mdhd` boxes of the movie, in place, and sets the
 /// file's own date. Only their two time fields change; a time box that is too short, or of an
-/// unknown version, is left as it is. Throws `MovieDateError`, `ParseError` (beyond the limits) or
-/// `FileError`; nothing was written then, but where the disk itself refused.
-void patchMP4CreationDate(const std::filesystem::path& file, Date target,
-                          const MovieLimits& limits = {});
+/// unknown version, is left as it is. The movie header comes last, behind a flush: once it states
+/// the date, all do, whatever ends the process; and patching again what was patched half makes it
+/// whole. Returns whether the header states it. Throws `MovieDateError`, `ParseError` (beyond the
+/// limits), `Cancelled` or `FileError`; nothing was written then, but where the disk itself
+/// refused.
+bool patchMP4CreationDate(const std::filesystem::path& file, Date target,
+                          const MovieLimits& limits = {}, Effect effect = Effect::write);
 
 } // namespace quorvane

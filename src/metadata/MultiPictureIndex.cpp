@@ -4,7 +4,7 @@
 
 namespace quorvane::jpeg {
 
-QByteArray movedMultiPictureIndex(ByteView index, std::int64_t growth, bool standsBefore) {
+QByteArray movedMultiPictureIndex(ByteView index, std::int64_t growth, std::int64_t growthBehind) {
     constexpr std::uint16_t pictureListTag = 0xb002;
     constexpr std::uint64_t pictureSize =
         16; // attribute, size, place: 4 each; 2 dependants: 2 each
@@ -25,12 +25,12 @@ QByteArray movedMultiPictureIndex(ByteView index, std::int64_t growth, bool stan
         throw ParseError(QStringLiteral("Çoklu resim dizini okunamadı"));
 
     const std::uint64_t listAt = list->slotNumber(header->format);
-    const auto add = [&](std::uint64_t at) {
+    const auto add = [&](std::uint64_t at, std::int64_t count) {
         ByteReader reader(index, header->format.order);
         reader.seek(at);
         QByteArray moved;
-        tiff::appendNumber(moved, static_cast<std::uint64_t>(std::int64_t{reader.u32()} + growth),
-                           4, header->format.order);
+        tiff::appendNumber(moved, static_cast<std::uint64_t>(std::int64_t{reader.u32()} + count), 4,
+                           header->format.order);
         result.replace(static_cast<qsizetype>(at), moved.size(), moved);
     };
     for (std::uint64_t at = 0; at + pictureSize <= pictures->size(); at += pictureSize) {
@@ -38,9 +38,9 @@ QByteArray movedMultiPictureIndex(ByteView index, std::int64_t growth, bool stan
         reader.seek(at + 8);
         const bool isFirst = reader.u32() == 0; // the first picture's place is written as 0
         if (isFirst)
-            add(listAt + at + 4);
-        else if (standsBefore)
-            add(listAt + at + 8);
+            add(listAt + at + 4, growth);
+        else
+            add(listAt + at + 8, growthBehind);
     }
     return result;
 }

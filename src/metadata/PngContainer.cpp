@@ -26,25 +26,34 @@ struct Chunk {
     ByteView data;
 };
 
-/// The chunks from the signature to IEND.
+/// The next chunk, or what is there of it.
+Chunk nextChunk(ByteReader& reader) {
+    constexpr std::uint64_t checkSum = 4;
+    Chunk chunk;
+    chunk.offset = reader.offset();
+    const std::uint64_t length = reader.u32();
+    const ByteView type = reader.take(4);
+    chunk.type = {reinterpret_cast<const char*>(type.data()), type.size()};
+    chunk.data = reader.take(std::min(length, reader.remaining()));
+    reader.skip(std::min(checkSum, reader.remaining()));
+    chunk.end = reader.offset();
+    return chunk;
+}
+
+/// The chunks from the signature to IEND, or to the end of a file that lacks it.
 std::vector<Chunk> chunksOf(ByteView file, const Limits& limits) {
     ByteReader reader(file);
     if (!std::ranges::equal(reader.take(signature.size()), signature))
         throw ParseError(QStringLiteral("PNG imzası yok"));
+    constexpr std::uint64_t header = 8;
     std::vector<Chunk> chunks;
-    do {
-        Chunk chunk;
-        chunk.offset = reader.offset();
-        const std::uint32_t length = reader.u32();
-        const ByteView type = reader.take(4);
-        chunk.type = {reinterpret_cast<const char*>(type.data()), type.size()};
-        chunk.data = reader.take(length);
-        reader.skip(4);
-        chunk.end = reader.offset();
-        chunks.push_back(chunk);
+    while (reader.remaining() >= header && (chunks.empty() || chunks.back().type != "IEND"sv)) {
+        if (limits.stop.stop_requested())
+            throw Cancelled();
+        chunks.push_back(nextChunk(reader));
         if (chunks.size() > limits.chunks)
             throw ParseError(QStringLiteral("PNG'de çok fazla parça var"));
-    } while (chunks.back().type != "IEND"sv);
+    }
     return chunks;
 }
 
@@ -84,14 +93,19 @@ bool isExif(const Chunk& chunk) {
 
 std::optional<QByteArray> readExif(ByteView file, const Limits& limits) {
     const auto chunks = chunksOf(file, limits);
-    if (const auto found = std::ranges::find_if(chunks, isExif); found != chunks.end()) {
-        const ByteView block = withoutPrefix(found->data);
-        return QByteArray::fromRawData(reinterpret_cast<const char*>(block.data()),
-                                       static_cast<qsizetype>(block.size()));
+    for (const Chunk& chunk : chunks) {
+        const ByteView block = withoutPrefix(chunk.data);
+        if (isExif(chunk) && tiff::readHeader(block))
+            return QByteArray::fromRawData(reinterpret_cast<const char*>(block.data()),
+                                           static_cast<qsizetype>(block.size()));
     }
-    for (const Chunk& chunk : chunks)
-        if (const auto profile = rawExifProfile(chunk.type, chunk.data, limits.profileBytes))
+    std::uint64_t budget = limits.profileBytes;
+    for (const Chunk& chunk : chunks) {
+        if (limits.stop.stop_requested())
+            throw Cancelled();
+        if (auto profile = rawExifProfile(chunk.type, chunk.data, budget))
             return profile;
+    }
     return std::nullopt;
 }
 
@@ -107,9 +121,11 @@ Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
     Rewrite rewrite;
     rewrite.keep(0, signature.size());
     for (auto chunk = chunks.begin(); chunk != chunks.end(); ++chunk) {
+        if (limits.stop.stop_requested())
+            throw Cancelled();
         if (chunk == place)
             rewrite.insert(chunkBytes(exif, "eXIf"));
-        if (!isExif(*chunk) && !rawExifProfile(chunk->type, chunk->data, limits.profileBytes))
+        if (!isExif(*chunk) && !isRawExifProfile(chunk->type, chunk->data))
             rewrite.keep(chunk->offset, chunk->end - chunk->offset);
     }
     rewrite.keep(chunks.back().end, file.size() - chunks.back().end);

@@ -26,9 +26,17 @@ std::uint64_t copyInside(int from, std::uint64_t offset, std::uint64_t length, i
 }
 
 /// `range` is of the source. Throws `FileError`, also for what made the system's own copy stop.
-void copyTo(int fd, const MappedFile& source, ByteView range, const std::filesystem::path& path) {
-    const auto offset = static_cast<std::uint64_t>(range.data() - source.bytes().data());
-    writeAll(fd, range.subspan(copyInside(source.descriptor(), offset, range.size(), fd)), path);
+void copyTo(int fd, const MappedFile& source, ByteView range, const std::filesystem::path& path,
+            const std::stop_token& stop) {
+    constexpr size_t atOnce = 64U << 20; // a stop is heeded between two of these
+    while (!range.empty()) {
+        if (stop.stop_requested())
+            throw Cancelled();
+        const ByteView part = range.first(std::min(range.size(), atOnce));
+        const auto offset = static_cast<std::uint64_t>(part.data() - source.bytes().data());
+        writeAll(fd, part.subspan(copyInside(source.descriptor(), offset, part.size(), fd)), path);
+        range = range.subspan(part.size());
+    }
 }
 
 } // namespace
@@ -88,8 +96,9 @@ bool Rewrite::isPatch(ByteView source) const {
 
 /// One copy and the new bytes over it, where nothing moves: piece by piece, every page behind an
 /// odd offset would be written twice.
-void Rewrite::patchTo(int fd, const MappedFile& source, const std::filesystem::path& path) const {
-    copyTo(fd, source, source.bytes(), path);
+void Rewrite::patchTo(int fd, const MappedFile& source, const std::filesystem::path& path,
+                      const std::stop_token& stop) const {
+    copyTo(fd, source, source.bytes(), path, stop);
     std::uint64_t at = 0;
     for (const Piece& piece : pieces_) {
         if (piece.bytes) {
@@ -101,15 +110,16 @@ void Rewrite::patchTo(int fd, const MappedFile& source, const std::filesystem::p
     }
 }
 
-void Rewrite::writeTo(int fd, const MappedFile& source, const std::filesystem::path& path) const {
+void Rewrite::writeTo(int fd, const MappedFile& source, const std::filesystem::path& path,
+                      const std::stop_token& stop) const {
     if (isPatch(source.bytes()))
-        return patchTo(fd, source, path);
+        return patchTo(fd, source, path, stop);
     for (const Piece& piece : pieces_) {
         const ByteView bytes = piece.in(source.bytes());
         if (piece.bytes)
             writeAll(fd, bytes, path);
         else
-            copyTo(fd, source, bytes, path);
+            copyTo(fd, source, bytes, path, stop);
     }
 }
 

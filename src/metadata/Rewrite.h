@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 namespace quorvane {
@@ -34,8 +35,10 @@ class Rewrite {
     /// True when the new file has the very bytes of `source`.
     bool isIdentity(ByteView source) const;
 
-    /// Writes the new file at the descriptor's position. Throws `FileError` naming `path`.
-    void writeTo(int fd, const MappedFile& source, const std::filesystem::path& path) const;
+    /// Writes the new file at the descriptor's position. Throws `FileError` naming `path`, and
+    /// `Cancelled` when `stop` is requested.
+    void writeTo(int fd, const MappedFile& source, const std::filesystem::path& path,
+                 const std::stop_token& stop = {}) const;
 
     /// The new file in memory.
     QByteArray apply(ByteView source) const;
@@ -51,7 +54,8 @@ class Rewrite {
 
     /// True when every kept range stays where it is.
     bool isPatch(ByteView source) const;
-    void patchTo(int fd, const MappedFile& source, const std::filesystem::path& path) const;
+    void patchTo(int fd, const MappedFile& source, const std::filesystem::path& path,
+                 const std::stop_token& stop) const;
 
     std::vector<Piece> pieces_;
 };

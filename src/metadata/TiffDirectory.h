@@ -14,10 +14,13 @@ namespace quorvane::tiff {
 enum Type : std::uint16_t {
     byteType = 1,
     asciiType = 2,
+    shortType = 3,
     longType = 4,
     rationalType = 5,
     undefinedType = 7,
+    directoryType = 13, ///< the place of a directory
     long8Type = 16,
+    directory8Type = 18,
 };
 
 /// How a TIFF writes its numbers. The widths are in bytes.

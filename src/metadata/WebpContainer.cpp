@@ -50,6 +50,8 @@ Riff riffOf(ByteView file, const Limits& limits) {
     ByteReader reader(file.first(riff.end), ByteOrder::littleEndian);
     reader.seek(headerSize);
     while (reader.remaining() > 0) {
+        if (limits.stop.stop_requested())
+            throw Cancelled();
         Chunk chunk;
         chunk.offset = reader.offset();
         chunk.type = textOf(reader.take(4));

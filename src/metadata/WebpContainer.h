@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <stop_token>
 
 /// The Exif chunk of a WebP file (the RIFF container of WebP). Any thread.
 namespace quorvane::webp {
@@ -13,6 +14,7 @@ namespace quorvane::webp {
 /// What a file may ask of us; one that asks more is refused with `ParseError`.
 struct Limits {
     std::uint32_t chunks = 1U << 20;
+    std::stop_token stop = {}; ///< when requested, `Cancelled` is thrown
 };
 
 /// The first Exif block, from its TIFF header on; none when there is none. Refers to the bytes of

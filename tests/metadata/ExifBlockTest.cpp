@@ -1,6 +1,7 @@
 #include "metadata/ExifBlock.h"
 
 #include "Bytes.h"
+#include "Dates.h"
 #include "ImageFixtures.h"
 #include "metadata/TiffDirectory.h"
 
@@ -38,8 +39,8 @@ QByteArray blockOf(const tiff::Format& format, std::vector<tiff::Field> first,
     return header + serialize(first, at, format) + serialize(exif, exifAt, format);
 }
 
-std::string textOf(const std::optional<QByteArray>& value) {
-    return value ? value->constData() : "none";
+std::string textOf(const exif::DateField& field) {
+    return field.text ? field.text->constData() : "none";
 }
 
 } // namespace
@@ -117,16 +118,106 @@ TEST(ExifBlock, APlaceThatChangesAgainDoesNotMakeTheBlockGrow) {
     }
 }
 
+TEST(ExifBlock, ADateIsReadInTheZoneItStates) {
+    const TimeZone zone("UTC-3");
+    const tiff::Field original = tiff::asciiField(0x9003, "2001:01:01 01:01:01");
+    const tiff::Field digitized = tiff::asciiField(0x9004, "2001:01:01 01:01:01");
+    const tiff::Field modified = tiff::asciiField(0x0132, "2003:03:03 03:03:03");
+    const auto offset = [](std::uint16_t tag, const char* text) {
+        return tiff::asciiField(tag, text);
+    };
+    const struct {
+        std::vector<tiff::Field> first, exif;
+        const char* expected;
+    } cases[] = {
+        {{}, {original}, "2000-12-31 22:01:01"},
+        {{}, {original, offset(0x9011, "-05:30")}, "2001-01-01 06:31:01"},
+        {{}, {original, offset(0x9011, "Z")}, "2001-01-01 01:01:01"},
+        {{}, {original, offset(0x9011, "   :  ")}, "2000-12-31 22:01:01"},
+        {{}, {original, offset(0x9011, "+99:00")}, "2000-12-31 22:01:01"},
+        // Another field's offset counts where the texts are the same.
+        {{}, {original, digitized, offset(0x9012, "+01:00")}, "2001-01-01 00:01:01"},
+        {{modified}, {original, offset(0x9010, "+01:00")}, "2000-12-31 22:01:01"},
+        {{modified}, {offset(0x9010, "+01:00")}, "2003-03-03 02:03:03"},
+    };
+    for (const tiff::Format& format : {motorola, intel, intelBig})
+        for (const auto& row : cases) {
+            const QByteArray block = blockOf(format, row.first, row.exif);
+            EXPECT_EQ(utc(exif::instantOf(exif::readDates(viewOf(block)))), row.expected)
+                << &row - cases;
+        }
+}
+
+TEST(ExifBlock, ZonesAndFractionsThatAreThereAreKeptTrue) {
+    const tiff::Field text = tiff::asciiField(0x9003, "2021:03:06 02:30:00");
+    const tiff::Field zone = tiff::asciiField(0x9011, "-09:30");
+    const tiff::Field fraction = tiff::asciiField(0x9291, "123456");
+    const struct {
+        const char* zone;
+        int milliseconds;
+        const char *offset, *fraction;
+    } cases[] = {{"UTC-3", 250, "+03:00", "250"},
+                 {"UTC-3", 0, "+03:00", "123456"}, // the very second, and its fraction unknown
+                 {"UTC-3", 1000, "+03:00", "000"},
+                 {"UTC+9:30", 123, "-09:30", "123456"},
+                 {"UTC-0:0:7", 5250, "   :  ", "250"}};
+    for (const tiff::Format& format : {motorola, intel, intelBig})
+        for (const auto& row : cases) {
+            const TimeZone here(row.zone);
+            const Date date = *parseExifDate(u"2021:03:06 02:30:00", -std::chrono::minutes(570)) +
+                              std::chrono::milliseconds(row.milliseconds);
+            const exif::Stamp stamp{exifDateText(date).toLatin1(), date, {}};
+            const QByteArray once = stamped(blockOf(format, {}, {text, zone, fraction}), stamp);
+            const exif::Dates dates = exif::readDates(viewOf(once));
+            EXPECT_EQ(dates.original.offset, QByteArray(row.offset) + '\0');
+            EXPECT_FALSE(dates.modified.offset || dates.digitized.offset); // none is added
+            EXPECT_EQ(exif::instantOf(dates), std::chrono::floor<std::chrono::seconds>(date));
+            EXPECT_TRUE(once.contains(row.fraction));
+            EXPECT_TRUE(exif::stamp(viewOf(once), stamp).isIdentity(viewOf(once)));
+        }
+}
+
+TEST(ExifBlock, APointerOfAWrongTypeIsSetRight) {
+    const tiff::Field original = tiff::asciiField(0x9003, "2001:01:01 01:01:01");
+    const tiff::Field modified = tiff::asciiField(0x0132, "2003:03:03 03:03:03");
+    for (const tiff::Format& format : {motorola, intel})
+        for (const int type : {1, 2, 3, 7, 9, 200}) {
+            QByteArray block = blockOf(format, {modified}, {original});
+            const int typeAt = 8 + 2 + 12 + (format.order == ByteOrder::littleEndian ? 2 : 3);
+            block[typeAt] = static_cast<char>(type);
+            EXPECT_EQ(textOf(exif::readDates(viewOf(block)).first()), "2001:01:01 01:01:01")
+                << type;
+            const QByteArray once = stamped(block, twos);
+            EXPECT_EQ(once[typeAt], tiff::longType);
+            EXPECT_EQ(textOf(exif::readDates(viewOf(once)).original), twos.text.constData());
+            EXPECT_TRUE(exif::stamp(viewOf(once), twos).isIdentity(viewOf(once)));
+        }
+}
+
+TEST(ExifBlock, ANewBlockKeepsTheOrientationOfABrokenOne) {
+    QByteArray turned(2, '\0');
+    turned[1] = 6;
+    const QByteArray good = blockOf(motorola, {{0x0112, tiff::shortType, 1, turned}}, {});
+    for (const auto& [broken, keeps] : {std::pair{good.left(22), true},
+                                        {good.left(21), false},
+                                        {QByteArray("????"), false},
+                                        {QByteArray(), false}}) {
+        const QByteArray block = exif::newBlock(viewOf(broken), twos);
+        EXPECT_EQ(block.contains(QByteArray::fromHex("01120003000000010006")), keeps);
+        EXPECT_EQ(textOf(exif::readDates(viewOf(block)).original), twos.text.constData());
+        EXPECT_TRUE(exif::stamp(viewOf(block), twos).isIdentity(viewOf(block)));
+    }
+}
+
 TEST(ExifBlock, BrokenBlocksAreRefused) {
     const QByteArray good = blockOf(motorola, {tiff::asciiField(0x0131, "camera")},
                                     {tiff::asciiField(0x9003, "0000:00:00 00:00:00")});
-    QByteArray cutDirectory = good.left(good.size() - 26);
     QByteArray pastTheEnd = good;
     pastTheEnd[7] = '\x7f';
     QByteArray tooMany = good;
     tooMany[8] = '\x7f';
     for (const QByteArray& block :
          {QByteArray("MM"), QByteArray("II\x2b\0\x08\0\0\0\x10\0\0\0", 12), QByteArray("garbage!"),
-          cutDirectory, pastTheEnd, tooMany})
+          pastTheEnd, tooMany})
         EXPECT_THROW(exif::stamp(viewOf(block), twos), ParseError);
 }

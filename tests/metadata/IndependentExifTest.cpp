@@ -54,6 +54,9 @@ std::string bytesOf(const Buffer& buffer) {
 /// Key, type and value of everything but the dates and the places of directories.
 std::multiset<std::string> untouched(const Exiv2::ExifData& data, bool hadExif) {
     std::set<std::string> written{"Exif.Image.ExifTag"};
+    for (const char* tag : {"OffsetTime", "SubSecTime"})
+        for (const char* date : {"", "Original", "Digitized"})
+            written.insert(std::string("Exif.Photo.") + tag + date);
     written.insert(std::begin(dateKeys), std::end(dateKeys));
     if (!hadExif)
         written.insert("Exif.Photo.ExifVersion");

@@ -42,7 +42,10 @@ TEST(JpegContainer, TheBlockGoesWhereReadersExpectIt) {
         {jfif + icc, jfif + now + icc},
         {jfif + icc + old + xmp, jfif + icc + now + xmp},
         {xmp + icc + unreadable, xmp + icc + now},
-        {xmp + unreadable + icc + old, xmp + unreadable + icc + now},
+        {xmp + unreadable + icc + old, xmp + icc + now},
+        {old + unreadable + icc + old, now + icc},
+        {"stray" + jfif + QByteArray("\xff\0\xff\xd0", 4) + old + "stray" + xmp,
+         "stray" + jfif + QByteArray("\xff\0\xff\xd0", 4) + now + "stray" + xmp},
         {jfif + "\xff\xff" + old, jfif + "\xff\xff" + now}, // fill bytes
     };
     for (const auto& row : cases) {
@@ -63,6 +66,34 @@ TEST(JpegContainer, TheIndexOfAMultiPictureFileMovesAlong) {
               jpegOf(multiPictureSegment(1012, 912) + exifSegment(block)));
 }
 
+TEST(JpegContainer, APreviewBehindTheBlockIsStillPointedAt) {
+    const auto field = [](int tag, int type, quint32 count, quint32 value) {
+        return big(static_cast<quint16>(tag)) + big(static_cast<quint16>(type)) + big(count) +
+               big(value);
+    };
+    const QByteArray preview = jpegOf({});
+    for (const bool countsFromNote : {false, true}) {
+        const quint32 noteAt = 8 + 2 + 12 + 4 + 2 + 12 + 4;
+        const auto blockWith = [&](quint32 place, int padding) {
+            return QByteArray("MM\0*\0\0\0\x08\0\1", 10) + field(0x8769, 4, 1, 26) + big(0U) +
+                   big(quint16{1}) + field(0x927c, 7, 8 + 36, noteAt) + big(0U) + "OLYMP\0\0\3" +
+                   field(0x101, 4, 1, place - (countsFromNote ? noteAt : 0)) +
+                   field(0x102, 4, 1, 99) + field(0x103, 4, 2, place) + QByteArray(padding, '.');
+        };
+        const auto fileWith = [&](quint32 place, int padding) {
+            return jpegOf(exifSegment(blockWith(place, padding))) + preview;
+        };
+        const auto placeIn = [&](int padding) {
+            return static_cast<quint32>(fileWith(0, padding).lastIndexOf(preview) - 12);
+        };
+        QByteArray expected = fileWith(placeIn(100), 100);
+        // What is no single number stays.
+        const QByteArray other = field(0x103, 4, 2, placeIn(100));
+        expected.replace(expected.indexOf(other), 12, field(0x103, 4, 2, placeIn(0)));
+        EXPECT_EQ(replaced(fileWith(placeIn(0), 0), blockWith(placeIn(0), 100)), expected);
+    }
+}
+
 TEST(JpegContainer, WhatCannotBeRewrittenWithCertaintyIsRefused) {
     const QByteArray full = exifSegment(block + QByteArray(0xfff7 - block.size(), 'x'));
     EXPECT_THROW(replaced(jpegOf(full + exifSegment("and so on")), block), ContainerError);
@@ -72,6 +103,8 @@ TEST(JpegContainer, WhatCannotBeRewrittenWithCertaintyIsRefused) {
     const QByteArray good = jpegOf(exifSegment(block));
     for (qsizetype length = 0; length < good.size() - scanOf(good).size(); ++length)
         EXPECT_THROW(replaced(good.left(length), block), ParseError) << length;
-    EXPECT_THROW(replaced(jpegOf("stray"), block), ParseError);
+    const QByteArray sameSize = block + QByteArray(0xfff7 - block.size(), 'y');
+    EXPECT_EQ(replaced(jpegOf(full + exifSegment("and so on")), sameSize),
+              jpegOf(exifSegment(sameSize) + exifSegment("and so on")));
     EXPECT_THROW(jpeg::readExif(viewOf(good), {2}), ParseError);
 }

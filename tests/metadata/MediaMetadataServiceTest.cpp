@@ -1,6 +1,7 @@
 #include "metadata/MediaMetadataService.h"
 
 #include "Dates.h"
+#include "ImageFixtures.h"
 #include "MovieBuilder.h"
 #include "metadata/FileDates.h"
 #include "metadata/MovieDates.h"
@@ -19,6 +20,7 @@ namespace {
 
 using Mode = DateFallbackMode;
 using Case = MetadataResult::Case;
+using Source = DateSource;
 
 const QString uuid = QStringLiteral("8846E3E6-8AC8-4857-8448-E3D025784410");
 const QString identifier = uuid + QStringLiteral("/L0/001");
@@ -88,26 +90,28 @@ TEST_F(MediaMetadataServiceTest, AsksTheSourcesInTheirOrder) {
         std::optional<QString> identifier;
         Facts library;
         std::optional<Date> date;
+        Source source = Source::embedded;
     } rows[] = {
-        {"@_L0_001_20150505_151515.mov", true, dated, identifier, dated, ofAsset},
-        {"20150505_151515.mov", true, undated, identifier, inLibrary, ofLibrary},
-        {"@_L0_001_20150505_151515.mov", true, none, none, inLibrary, ofLibrary},
-        {"20150505_151515.mov", true, undated, identifier, undated, ofDatabase},
-        {"@_20150505_151515.mov", true, none, none, none, ofDatabase},
+        {"@_L0_001_20150505_151515.mov", true, dated, identifier, dated, ofAsset, Source::asset},
+        {"20150505_151515.mov", true, undated, identifier, inLibrary, ofLibrary, Source::asset},
+        {"@_L0_001_20150505_151515.mov", true, none, none, inLibrary, ofLibrary, Source::asset},
+        {"20150505_151515.mov", true, undated, identifier, undated, ofDatabase,
+         Source::photosDatabase},
+        {"@_20150505_151515.mov", true, none, none, none, ofDatabase, Source::photosDatabase},
         // The given identifier counts, not the name's.
         {"@_L0_001_20150505_151515.mov", true, none, stranger, none, ofHeader},
         {"20150505_151515.mov", true, undated, none, none, ofHeader},
-        {"20150505_151515.MOV", false, none, none, none, inName},
+        {"20150505_151515.MOV", false, none, none, none, inName, Source::fileName},
         {"00000000-0000-0000-0000-000000000000_L0_001_20150505_151515.mov", false, none, none, none,
-         inName},
+         inName, Source::fileName},
         {"IMG_0001.mov", false, none, none, none, none},
         // The digits of an identifier tell nothing, those of a name that only looks like one do.
         {"00000000-0000-4000-8000-A1614987000B_L0_001_IMG_0001.mov", false, none, none, none, none},
         {"2015-05-05-abcdefabcdefabcdefabcdefa_IMG_0001.mov", false, none, none, none,
-         localDate(2015, 5, 5, 12, 0, 0)},
+         localDate(2015, 5, 5, 12, 0, 0), Source::fileName},
         {"20150505_151515.mov", true, absurdly, none, none, ofHeader},
-        {"IMG_0001.mov", true, none, identifier, absurdly, ofDatabase},
-        {"IMG_0001.mov", true, early, identifier, dated, Date()}, // 1970 is a date
+        {"IMG_0001.mov", true, none, identifier, absurdly, ofDatabase, Source::photosDatabase},
+        {"IMG_0001.mov", true, early, identifier, dated, Date(), Source::asset}, // 1970 is a date
     };
     for (const auto& row : rows) {
         library.assets.clear();
@@ -115,7 +119,9 @@ TEST_F(MediaMetadataServiceTest, AsksTheSourcesInTheirOrder) {
             library.assets[identifier] = *row.library;
         const QString name = QString::fromLatin1(row.name).replace(u'@', uuid);
         const auto file = movieNamed(pathFrom(name), row.header);
-        EXPECT_EQ(service.resolveDate(file, row.asset, row.identifier, Mode::strictNone), row.date)
+        const auto expected =
+            row.date ? std::optional(ResolvedDate{*row.date, row.source}) : std::nullopt;
+        EXPECT_EQ(service.resolveDate(file, row.asset, row.identifier, Mode::strictNone), expected)
             << "row " << &row - rows;
     }
 }
@@ -123,9 +129,13 @@ TEST_F(MediaMetadataServiceTest, AsksTheSourcesInTheirOrder) {
 TEST_F(MediaMetadataServiceTest, SaysWhichDatesAreSecondBest) {
     const auto file = movieNamed("IMG_0001.mov", false);
     library.broken = true;
-    EXPECT_EQ(service.resolveDate(file, {}, identifier, Mode::strictNone), ofDatabase);
-    EXPECT_EQ(service.resolveDate(file, {}, {}, Mode::fileSaveDate), ofFile);
-    EXPECT_EQ(service.resolveDate(file, {}, {}, Mode::today), clock.now());
+    const auto resolved = [&](const std::optional<QString>& id, Mode mode) {
+        return service.resolveDate(file, {}, id, mode);
+    };
+    EXPECT_EQ(resolved(identifier, Mode::strictNone),
+              (ResolvedDate{ofDatabase, Source::photosDatabase}));
+    EXPECT_EQ(resolved({}, Mode::fileSaveDate), (ResolvedDate{ofFile, Source::fileSaveDate}));
+    EXPECT_EQ(resolved({}, Mode::today), (ResolvedDate{clock.now(), Source::today}));
     EXPECT_EQ(service.resolveDate(folder / "absent.mov", {}, {}, Mode::fileSaveDate), std::nullopt);
     EXPECT_EQ(log.messages(),
               QStringList(
@@ -167,11 +177,85 @@ TEST_F(MediaMetadataServiceTest, KeepsWhatARealPictureSaysOfItself) {
         folder.write("picture.JPG", readFile(media / "iphone4_bigendian_exif_after_jfif_icc.jpg"));
     const auto taken = localDate(2011, 1, 13, 14, 33, 39);
     EXPECT_TRUE(service.hasEmbeddedDate(picture));
-    EXPECT_EQ(service.resolveDate(picture, {}, {}, Mode::today), taken);
+    EXPECT_EQ(service.resolveDate(picture, {}, {}, Mode::today),
+              (ResolvedDate{*taken, Source::embedded}));
     EXPECT_EQ(service.ensureMetadata(picture, {}, {}, Mode::strictNone).date, taken);
     EXPECT_EQ(readFileCreationDate(picture), taken);
 
     const auto unknown = folder.write("unknown.jpg", readFile(media / "zero_date_0000.jpg"));
     EXPECT_FALSE(service.hasEmbeddedDate(unknown));
     EXPECT_EQ(service.resolveDate(unknown, {}, {}, Mode::strictNone), std::nullopt);
+}
+
+TEST_F(MediaMetadataServiceTest, ForetellsWhatARunMakesOfAFile) {
+    constexpr auto none = std::nullopt;
+    const Date in2026 = utc(2026, 5, 5);
+    const QByteArray headless = ftyp() + box("moov", box("trak", timeBox("tkhd", 0, 1, 1)));
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        std::optional<AssetFacts> asset;
+        Mode mode;
+        Case which;
+        bool carries;
+        bool undatable = false;
+        QString original = {};
+    } rows[] = {
+        {"a.mov", movie(0, 0), AssetFacts{ofAsset, none}, Mode::strictNone, Case::success, true},
+        // Of a year that a header alone is not believed.
+        {"b.mov", movie(0, 0), AssetFacts{in2026, none}, Mode::strictNone, Case::success, true},
+        {"c.mov", movie(0, 0), none, Mode::today, Case::success, true},
+        {"d.mov", movie(0, movieEpoch + static_cast<quint64>(unixSeconds(in2026))), none,
+         Mode::strictNone, Case::unresolvedDate, false},
+        {"e.mov", movie(0, 0), none, Mode::strictNone, Case::unresolvedDate, false},
+        {"f.mov", headless, AssetFacts{ofAsset, none}, Mode::strictNone, Case::success, false},
+        {"g.mov", ftyp(), AssetFacts{ofAsset, none}, Mode::strictNone, Case::failed, false},
+        {"h.3gp", movie(0, 0), AssetFacts{ofAsset, none}, Mode::strictNone, Case::success, true},
+        {"i.jpg", jpegOf({}), AssetFacts{ofAsset, none}, Mode::strictNone, Case::success, true},
+        {"j.jpg", jpegOf({}), none, Mode::fileSaveDate, Case::success, true},
+        {"k.jpg", "no picture", AssetFacts{ofAsset, none}, Mode::strictNone, Case::failed, false},
+        {"l.gif", "GIF89a", AssetFacts{ofAsset, none}, Mode::strictNone, Case::failed, false, true},
+        {"m.nef", "garbage", AssetFacts{ofAsset, none}, Mode::strictNone, Case::failed, false,
+         true},
+        {"n.nef", tiffOf(ByteOrder::bigEndian, false), none, Mode::today, Case::failed, false,
+         true},
+        {"cut", movie(0, 0), none, Mode::strictNone, Case::success, true, false,
+         QString(300, u'n') + QStringLiteral("_20150505_151515.mov")},
+    };
+    clock.advance(in2026 - clock.now());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto file = folder.write(row.name, row.bytes);
+        setFileDates(file, ofFile);
+        const auto logged = log.messages();
+        const auto foretold =
+            service.wouldEnsureMetadata(file, row.asset, none, row.mode, row.original);
+        EXPECT_EQ(readFile(file), row.bytes);
+        EXPECT_EQ(readFileCreationDate(file), ofFile);
+        EXPECT_EQ(log.messages(), logged);
+        EXPECT_EQ(service.isUndatable(file, row.original), row.undatable);
+        EXPECT_EQ(foretold.result.which, row.which);
+        EXPECT_EQ(foretold.carriesDate, row.carries);
+
+        const auto done = service.ensureMetadata(file, row.asset, none, row.mode, row.original);
+        EXPECT_EQ(done.which, foretold.result.which);
+        EXPECT_EQ(done.message, foretold.result.message);
+        EXPECT_EQ(done.date, foretold.result.date);
+        EXPECT_EQ(done.source, foretold.result.source);
+        EXPECT_EQ(service.carriesDate(file, done, row.original), foretold.carriesDate);
+    }
+}
+
+TEST_F(MediaMetadataServiceTest, StopsWhenItIsToldTo) {
+    std::stop_source stop;
+    stop.request_stop();
+    for (const auto& [name, bytes] : std::map<std::string, QByteArray>{
+             {"a.jpg", jpegOf({})}, {"a.png", pngOf({})}, {"a.mov", movie(0, 0)}}) {
+        const auto file = folder.write(name, bytes);
+        EXPECT_THROW(service.ensureMetadata(file, AssetFacts{ofAsset, {}}, {}, Mode::strictNone, {},
+                                            stop.get_token()),
+                     Cancelled);
+        EXPECT_THROW(service.hasEmbeddedDate(file, {}, stop.get_token()), Cancelled);
+        EXPECT_EQ(readFile(file), bytes);
+    }
 }

@@ -104,6 +104,7 @@ TEST(MovieDates, ReadsTheTextsWhenTheHeaderHasNoDate) {
          "2019-07-24 08:25:40"},
         {"another key", quickTimeMeta("com.apple.quicktime.make", "2019-07-24T11:25:40Z", false),
          "none"},
+        {"key in the user data", udta(key("2019-07-24 11:25:40 +0300")), "2019-07-24 08:25:40"},
         {"user data", udta(day), "2017-07-07 06:07:07"},
         {"ISO user data", udta(box("date", big(quint32(0)) + "2018-08-08T08:08:08Z")),
          "2018-08-08 08:08:08"},

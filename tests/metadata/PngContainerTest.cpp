@@ -2,6 +2,7 @@
 
 #include "ImageFixtures.h"
 
+#include <ctime>
 #include <gtest/gtest.h>
 
 using namespace quorvane;
@@ -73,14 +74,41 @@ TEST(PngContainer, ARawProfileIsReadAndNotLeftToContradict) {
         EXPECT_EQ(png::readExif(viewOf(pngOf(chunk))), std::nullopt);
         EXPECT_EQ(replaced(pngOf(chunk)), pngOf(chunk + now));
     }
-    const QByteArray bomb =
-        pngOf(pngChunk("zTXt", key + '\0' + qCompress(QByteArray(9999, '0')).mid(4)));
-    EXPECT_THROW(png::readExif(viewOf(bomb), {10, 9998}), ParseError);
+    // One that unpacks to more than the file may ask for is left to be replaced.
+    const QByteArray bomb = pngOf(
+        pngChunk("zTXt", key + '\0' + qCompress(profile(oldBlock + QByteArray(9999, '0'))).mid(4)));
+    EXPECT_TRUE(png::readExif(viewOf(bomb)));
+    EXPECT_EQ(png::readExif(viewOf(bomb), {10, 9999}), std::nullopt);
+    EXPECT_EQ(replaced(bomb), pngOf(now));
+}
+
+TEST(PngContainer, ManyRawProfilesCostNoMoreThanTheirBeginnings) {
+    const QByteArray zeros = qCompress(QByteArray(1 << 24, '0')).mid(4);
+    const QByteArray chunk = pngChunk("zTXt", QByteArray("Raw profile type exif\0\0", 23) + zeros);
+    const QByteArray file = pngOf(chunk.repeated(200));
+    const auto begin = std::clock();
+    EXPECT_EQ(replaced(file), pngOf(chunk.repeated(200) + now));
+    EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC / 2);
+}
+
+TEST(PngContainer, AnUnreadableBlockIsNone) {
+    const QByteArray junk = pngChunk("eXIf", "junk");
+    EXPECT_EQ(png::readExif(viewOf(pngOf(junk))), std::nullopt);
+    EXPECT_EQ(png::readExif(viewOf(pngOf(junk, now))), block);
+    EXPECT_EQ(replaced(pngOf(junk)), pngOf(now));
 }
 
 TEST(PngContainer, ABrokenFileIsRefused) {
     const QByteArray good = pngOf(pngChunk("tIME", QByteArray(7, 1)));
-    for (qsizetype length = 0; length < good.size(); ++length)
+    const qsizetype image = good.indexOf("IDAT") + 4;
+    for (qsizetype length = 0; length < image; ++length)
         EXPECT_THROW(replaced(good.left(length)), ParseError) << length;
+    // What is cut off behind the image's beginning is shown as far as it goes.
+    for (qsizetype length = image; length < good.size(); ++length) {
+        const QByteArray cut = replaced(good.left(length));
+        EXPECT_EQ(cut.size(), length + now.size());
+        EXPECT_EQ(png::readExif(viewOf(cut)), block);
+        EXPECT_EQ(replaced(cut), cut);
+    }
     EXPECT_THROW(png::readExif(viewOf(good), {3, 0}), ParseError);
 }
