@@ -257,6 +257,23 @@ TEST(HeifContainer, AnUnreadableBlockGivesWay) {
     }
 }
 
+TEST(HeifContainer, ExtentsThatCoverOneAnotherMakeNothingBigger) {
+    HeifTestFile shape = picture();
+    constexpr int extents = 60'000;
+    shape.items[2].bytes = noMarker + oldBlock + QByteArray(extents, 'x');
+    shape.items[2].extents = extents;
+    QByteArray file = shape.build();
+    // Every extent becomes one of the whole item.
+    const qsizetype list = file.indexOf(bigEndian(extents, 2), file.indexOf("iloc")) + 2;
+    const QByteArray whole =
+        file.sliced(list, 4) + bigEndian(static_cast<quint64>(shape.items[2].bytes.size()), 4);
+    file.replace(list, extents * 8, whole.repeated(extents));
+    EXPECT_EQ(heif::readExif(viewOf(file)), std::nullopt);
+    const QByteArray result = replaced(file, tiffBlock(61));
+    EXPECT_EQ(heif::readExif(viewOf(result)), tiffBlock(61));
+    EXPECT_LT(result.size(), file.size());
+}
+
 TEST(HeifContainer, RefusesWhatItCannotRewriteWithCertainty) {
     const std::vector<LayoutCase> refused{
         {"exif in another file", [](auto& file) { file.items[2].dataReference = 1; }},

@@ -3,6 +3,7 @@
 #include "Dates.h"
 #include "ImageFixtures.h"
 #include "MovieBuilder.h"
+#include "metadata/ExifBlock.h"
 #include "metadata/FileDates.h"
 #include "metadata/MovieDates.h"
 #include "store/Sqlite.h"
@@ -190,6 +191,10 @@ TEST_F(MediaMetadataServiceTest, KeepsWhatARealPictureSaysOfItself) {
 TEST_F(MediaMetadataServiceTest, ForetellsWhatARunMakesOfAFile) {
     constexpr auto none = std::nullopt;
     const Date in2026 = utc(2026, 5, 5);
+    const QByteArray plain = tiffOf(ByteOrder::bigEndian, false);
+    const QByteArray dated =
+        exif::stamp(viewOf(plain), {"2009:09:09 09:09:09", utc(2009, 9, 9), none})
+            .apply(viewOf(plain));
     const QByteArray headless = ftyp() + box("moov", box("trak", timeBox("tkhd", 0, 1, 1)));
     const struct {
         const char* name;
@@ -219,6 +224,8 @@ TEST_F(MediaMetadataServiceTest, ForetellsWhatARunMakesOfAFile) {
          true},
         {"n.nef", tiffOf(ByteOrder::bigEndian, false), none, Mode::today, Case::failed, false,
          true},
+        {"o.nef", dated, AssetFacts{ofAsset, none}, Mode::today, Case::skippedAlreadyHasDate, true},
+        {"p.dng", dated, AssetFacts{ofAsset, none}, Mode::strictNone, Case::success, true},
         {"cut", movie(0, 0), none, Mode::strictNone, Case::success, true, false,
          QString(300, u'n') + QStringLiteral("_20150505_151515.mov")},
     };
