@@ -12,7 +12,7 @@ using namespace quorvane;
 
 namespace {
 
-constexpr MovieLimits limits{.nesting = 8, .boxes = 200, .textBytes = 1024};
+const MovieLimits limits{.nesting = 8, .boxes = 200, .textBytes = 1024};
 constexpr Date target{std::chrono::milliseconds(1614987000000)};
 
 bool patch(const std::filesystem::path& path) {

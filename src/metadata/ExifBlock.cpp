@@ -178,18 +178,21 @@ void stampBeside(Editor& editor, Directory& exif, const Directory& holder, const
         editor.set(exif, tiff::asciiField(tags.offset, exifOffsetText(stamp.date).toLatin1()));
 }
 
-/// Writes the dates of the Exif directory and returns its place.
+/// Writes the dates of the Exif directory and returns its place, 0 for none.
 std::uint64_t stampExif(Editor& editor, std::optional<Directory> exif, const Directory& first,
                         const Stamp& stamp, const tiff::Format& format, ByteView block) {
     if (!exif)
-        return editor.append(serialize(newExifFields(stamp.text), editor.end(), format));
+        return stamp.addsFields
+                   ? editor.append(serialize(newExifFields(stamp.text), editor.end(), format))
+                   : 0;
     const size_t before = exif->entries.size();
     const Directory old = *exif;
     stampBeside(editor, *exif, first, modifiedTags, stamp, format, block);
     stampBeside(editor, *exif, old, originalTags, stamp, format, block);
     stampBeside(editor, *exif, old, digitizedTags, stamp, format, block);
-    editor.set(*exif, tiff::asciiField(originalTag, stamp.text));
-    editor.set(*exif, tiff::asciiField(digitizedTag, stamp.text));
+    for (const std::uint16_t tag : {originalTag, digitizedTag})
+        if (stamp.addsFields || exif->find(tag) != nullptr)
+            editor.set(*exif, tiff::asciiField(tag, stamp.text));
     return editor.place(*exif, before);
 }
 
@@ -260,7 +263,7 @@ Rewrite stamp(ByteView block, const Stamp& stamp, const Limits& limits) {
     Editor editor(block, format);
     const auto point = [&](std::uint16_t tag, const std::optional<Subdirectory>& old,
                            std::uint64_t at) {
-        if (!old || !old->isPlain || at != old->directory.offset)
+        if (at != 0 && (!old || !old->isPlain || at != old->directory.offset))
             editor.set(first, tiff::pointerField(tag, at, format));
     };
 
@@ -272,7 +275,11 @@ Rewrite stamp(ByteView block, const Stamp& stamp, const Limits& limits) {
         const auto gpsDirectory = gps ? std::optional(gps->directory) : std::nullopt;
         point(gpsPointerTag, gps, stampGps(editor, block, gpsDirectory, stamp, format));
     }
-    editor.set(first, tiff::asciiField(dateTimeTag, stamp.text));
+    if (stamp.addsFields || first.find(dateTimeTag) != nullptr)
+        editor.set(first, tiff::asciiField(dateTimeTag, stamp.text));
+    else if (!exifDirectory || (exifDirectory->find(originalTag) == nullptr &&
+                                exifDirectory->find(digitizedTag) == nullptr))
+        throw ContainerError(QStringLiteral("Exif bloğunda tarih için yer yok"));
 
     const std::uint64_t firstAt = editor.place(first, before);
     if (firstAt != header.firstDirectory) {

@@ -51,6 +51,7 @@ struct Stamp {
     QByteArray text; ///< "yyyy:MM:dd HH:mm:ss", local time, for all three date fields
     Date date;       ///< the same instant, for zone and fraction fields and the GPS block
     std::optional<GeoLocation> location; ///< none: the GPS block stays as it is
+    bool addsFields = true; ///< false: only the date fields that are there, for want of room
 };
 
 /// The block with the stamp; a new block when it is empty. A sub-directory that cannot be read

@@ -53,6 +53,8 @@ QByteArray stampedBlock(ByteView block, const exif::Stamp& stamp) {
     try {
         return exif::stamp(block, stamp).apply(block);
     } catch (const Error&) {
+        if (!stamp.addsFields)
+            throw;
         return exif::newBlock(block, stamp);
     }
 }
@@ -75,16 +77,20 @@ Rewrite stampedAll(ByteView image, ImageFormat format, const exif::Stamp& stamp,
     }
 }
 
-/// Without the place where there is no room for it: the date matters more.
-Rewrite stamped(ByteView image, ImageFormat format, const exif::Stamp& stamp,
+/// Where there is no room for all of it, without the place, and then only in the date fields that
+/// are there: the date matters more than the rest.
+Rewrite stamped(ByteView image, ImageFormat format, exif::Stamp stamp,
                 const std::stop_token& stop) {
-    try {
-        return stampedAll(image, format, stamp, stop);
-    } catch (const ContainerError&) {
-        if (!stamp.location)
-            throw;
+    while (true) {
+        try {
+            return stampedAll(image, format, stamp, stop);
+        } catch (const ContainerError&) {
+            if (!stamp.location && !stamp.addsFields)
+                throw;
+            stamp.addsFields = stamp.location.has_value();
+            stamp.location.reset();
+        }
     }
-    return stampedAll(image, format, {stamp.text, stamp.date, std::nullopt}, stop);
 }
 
 /// The hidden sibling a file is written to; removed with this object unless it took the file's

@@ -28,6 +28,7 @@ constexpr std::uint64_t lengthField = 2;
 
 struct Segment {
     std::uint8_t marker = 0;
+    std::uint64_t fill = 0;    ///< offset of the fill bytes before the marker, or of the marker
     std::uint64_t offset = 0;  ///< of the marker
     std::uint64_t payload = 0; ///< offset of what follows the length field
     std::uint64_t end = 0;
@@ -47,16 +48,17 @@ bool standsAlone(std::uint8_t marker) {
 }
 
 /// The next marker. What is none is passed over, fill bytes too.
-std::uint8_t nextMarker(ByteReader& reader, ByteView file) {
-    std::uint8_t marker = 0;
-    while (marker == 0) {
+Segment nextMarker(ByteReader& reader, ByteView file) {
+    Segment segment;
+    while (segment.marker == 0) {
         const auto rest = file.subspan(reader.offset());
         reader.skip(static_cast<std::uint64_t>(std::ranges::find(rest, 0xff) - rest.begin()));
+        segment.fill = reader.offset();
         do {
-            marker = reader.u8();
-        } while (marker == 0xff);
+            segment.marker = reader.u8();
+        } while (segment.marker == 0xff);
     }
-    return marker;
+    return segment;
 }
 
 /// The segments from SOI to the first scan.
@@ -69,8 +71,7 @@ std::vector<Segment> segmentsOf(ByteView file, const Limits& limits) {
     while (true) {
         if (limits.stop.stop_requested())
             throw Cancelled();
-        Segment segment;
-        segment.marker = nextMarker(reader, file);
+        Segment segment = nextMarker(reader, file);
         if (++markers > limits.segments)
             throw ParseError(QStringLiteral("JPEG'de çok fazla bölüm var"));
         if (segment.marker == startOfScan)
@@ -172,7 +173,7 @@ std::vector<Edit> exifEdits(const std::vector<Segment>& segments, ByteView file,
                 throw ContainerError(
                     QStringLiteral("Exif verisi birden çok JPEG bölümüne yayılmış"));
         } else if (isExif(*segment, file)) {
-            edits.push_back({segment->offset, segment->end, {}});
+            edits.push_back({segment->fill, segment->end, {}});
         }
     }
     return edits;
