@@ -73,7 +73,8 @@ std::optional<Date> dateCutInto(const QString& name, const QRegularExpressionMat
         ++end;
     if (begin == match.capturedStart(1) || end - begin != digits)
         return std::nullopt;
-    return writtenDate(name.sliced(begin, digits), Date::max());
+    const auto latest = localDate(lastYear, 12, 31, 23, 59, 59);
+    return latest ? writtenDate(name.sliced(begin, digits), *latest) : std::nullopt;
 }
 
 /// True when the match took the year of a date that is written the other way round, and what

@@ -182,8 +182,9 @@ MetadataResult enrich(const std::filesystem::path& file, const exif::Stamp& stam
         return MetadataResult::success(stamp.date);
     if (effect == Effect::write)
         return publish(rewrite, *source, *format, stamp, file, stop);
-    const QByteArray written = rewrite.apply(source->bytes());
-    verify(viewOf(written), *format, stamp, stop);
+    constexpr std::uint64_t largestInMemory = 512U << 20; // beyond it, what was planned is believed
+    if (rewrite.size() <= largestInMemory)
+        verify(viewOf(rewrite.apply(source->bytes())), *format, stamp, stop);
     return MetadataResult::success(stamp.date);
 }
 

@@ -1,5 +1,7 @@
 #include "metadata/RawDates.h"
 
+#include "metadata/MappedFile.h"
+
 #include <exiv2/exiv2.hpp>
 
 #include <mutex>
@@ -25,10 +27,12 @@ std::mutex& libraryMutex() {
 
 exif::Dates readRawDates(const std::filesystem::path& file) noexcept {
     try {
+        const MappedFile source(file);
         const std::lock_guard lock(libraryMutex());
         Exiv2::enableBMFF(true); // CR3
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        const auto image = Exiv2::ImageFactory::open(file.native());
+        const auto image = Exiv2::ImageFactory::open(source.bytes().data(),
+                                                     static_cast<long>(source.bytes().size()));
         image->readMetadata();
         const Exiv2::ExifData& data = image->exifData();
         exif::Dates dates;
