@@ -140,7 +140,7 @@ std::optional<Field> fractionField(const QByteArray& old, const std::optional<Da
                                    const Stamp& stamp) {
     const auto second = std::chrono::floor<std::chrono::seconds>(stamp.date);
     const auto fraction = QByteArray::number((stamp.date - second).count()).rightJustified(3, '0');
-    const QByteArray shown = old.split('\0').first().trimmed();
+    const QByteArray shown = QByteArray(old.constData()).trimmed(); // up to its NUL
     const bool agrees = fraction == "000" || shown.leftJustified(3, '0', true) == fraction;
     if (oldSecond == Date(second) && agrees)
         return std::nullopt;

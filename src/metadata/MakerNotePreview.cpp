@@ -74,9 +74,11 @@ QByteArray withMovedPreviews(ByteView exif, ByteView file, std::uint64_t oldSize
             if ((!isPreview(*number) && !isPreview(note->offset + *number)) || corrected < 0 ||
                 corrected > UINT32_MAX)
                 continue;
+            const std::uint64_t numberAt = note->offset + at + 8;
+            const auto place = static_cast<qsizetype>(numberAt);
             QByteArray bytes;
             tiff::appendNumber(bytes, static_cast<std::uint64_t>(corrected), 4, order);
-            moved.replace(static_cast<qsizetype>(note->offset + at + 8), 4, bytes);
+            moved.replace(place, bytes.size(), bytes);
         }
     }
     return moved;

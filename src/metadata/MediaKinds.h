@@ -33,17 +33,17 @@ struct MediaKind {
         : extension(anExtension),
           mimeType(aMimeType),
           mediaClass(aClass),
-          isRaw(isItRaw),
           reading(aReading),
           writing(aWriting),
+          isRaw(isItRaw),
           acceptedByGoogle(accepted) {}
 
     QLatin1String extension; ///< lower case, without the dot
     QLatin1String mimeType;
     MediaClass mediaClass;
-    bool isRaw; ///< what the sensor saw, undeveloped
     DateReading reading;
     DateWriting writing;
+    bool isRaw;            ///< what the sensor saw, undeveloped
     bool acceptedByGoogle; ///< among the types that Google Photos says it takes
 
     /// True for a kind that can be given a date; any other carries the one it has, or none.

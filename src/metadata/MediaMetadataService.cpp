@@ -82,7 +82,7 @@ MediaMetadataService::MediaMetadataService(AssetFactsSource& assets,
 MetadataResult MediaMetadataService::ensureMetadata(
     const std::filesystem::path& file, const std::optional<AssetFacts>& asset,
     const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
-    const QString& originalFileName, std::stop_token stop) {
+    const QString& originalFileName, const std::stop_token& stop) {
     return ensure({file, asset, assetLocalIdentifier, fallbackMode, originalFileName, stop},
                   Effect::write, log_);
 }
@@ -90,7 +90,7 @@ MetadataResult MediaMetadataService::ensureMetadata(
 MetadataForecast MediaMetadataService::wouldEnsureMetadata(
     const std::filesystem::path& original, const std::optional<AssetFacts>& asset,
     const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
-    const QString& originalFileName, std::stop_token stop) {
+    const QString& originalFileName, const std::stop_token& stop) {
     SilentLog silent;
     MetadataResult result =
         ensure({original, asset, assetLocalIdentifier, fallbackMode, originalFileName, stop},
@@ -134,7 +134,7 @@ MetadataResult MediaMetadataService::ensure(const Request& request, Effect effec
 std::optional<ResolvedDate> MediaMetadataService::resolveDate(
     const std::filesystem::path& file, const std::optional<AssetFacts>& asset,
     const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
-    const QString& originalFileName, std::stop_token stop) {
+    const QString& originalFileName, const std::stop_token& stop) {
     return resolve({file, asset, assetLocalIdentifier, fallbackMode, originalFileName, stop}, log_);
 }
 
@@ -156,21 +156,24 @@ std::optional<ResolvedDate> MediaMetadataService::resolve(const Request& request
 }
 
 bool MediaMetadataService::hasEmbeddedDate(const std::filesystem::path& file,
-                                           const QString& originalFileName, std::stop_token stop) {
+                                           const QString& originalFileName,
+                                           const std::stop_token& stop) {
     return embeddedDate(file, originalFileName, stop).has_value();
 }
 
 bool MediaMetadataService::carriesDate(const std::filesystem::path& file,
                                        const MetadataResult& result,
-                                       const QString& originalFileName, std::stop_token stop) {
-    return result.statesDate || hasEmbeddedDate(file, originalFileName, std::move(stop));
+                                       const QString& originalFileName,
+                                       const std::stop_token& stop) {
+    return result.statesDate || hasEmbeddedDate(file, originalFileName, stop);
 }
 
 bool MediaMetadataService::isUndatable(const std::filesystem::path& file,
-                                       const QString& originalFileName, std::stop_token stop) {
+                                       const QString& originalFileName,
+                                       const std::stop_token& stop) {
     const MediaKind* kind = mediaKindOf(extensionOf(file, originalFileName));
     return (kind == nullptr || !kind->isDatable()) &&
-           !hasEmbeddedDate(file, originalFileName, std::move(stop));
+           !hasEmbeddedDate(file, originalFileName, stop);
 }
 
 std::optional<ResolvedDate> MediaMetadataService::dateOfAsset(const QString& identifier, Log& log) {

@@ -36,7 +36,8 @@ class MediaMetadataService {
                                   const std::optional<AssetFacts>& asset,
                                   const std::optional<QString>& assetLocalIdentifier,
                                   DateFallbackMode fallbackMode,
-                                  const QString& originalFileName = {}, std::stop_token stop = {});
+                                  const QString& originalFileName = {},
+                                  const std::stop_token& stop = {});
 
     /// Same, on the original and without writing or logging anything.
     MetadataForecast wouldEnsureMetadata(const std::filesystem::path& original,
@@ -44,27 +45,27 @@ class MediaMetadataService {
                                          const std::optional<QString>& assetLocalIdentifier,
                                          DateFallbackMode fallbackMode,
                                          const QString& originalFileName = {},
-                                         std::stop_token stop = {});
+                                         const std::stop_token& stop = {});
 
     /// The sources in their fixed order; the first that yields a date wins.
     std::optional<ResolvedDate>
     resolveDate(const std::filesystem::path& file, const std::optional<AssetFacts>& asset,
                 const std::optional<QString>& assetLocalIdentifier, DateFallbackMode fallbackMode,
-                const QString& originalFileName = {}, std::stop_token stop = {});
+                const QString& originalFileName = {}, const std::stop_token& stop = {});
 
     /// True when the file carries a date of its own that can be read and that nobody need vouch
     /// for.
     bool hasEmbeddedDate(const std::filesystem::path& file, const QString& originalFileName = {},
-                         std::stop_token stop = {});
+                         const std::stop_token& stop = {});
 
     /// Whether the file may go where it is filed by its date, once `ensureMetadata` answered
     /// `result` for it: it states the very date that was resolved, or one of its own.
     bool carriesDate(const std::filesystem::path& file, const MetadataResult& result,
-                     const QString& originalFileName = {}, std::stop_token stop = {});
+                     const QString& originalFileName = {}, const std::stop_token& stop = {});
 
     /// True for a file of a kind that nothing can give a date, and that has none inside.
     bool isUndatable(const std::filesystem::path& file, const QString& originalFileName = {},
-                     std::stop_token stop = {});
+                     const std::stop_token& stop = {});
 
   private:
     struct Request;
