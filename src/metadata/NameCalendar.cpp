@@ -31,17 +31,19 @@ const std::array<QStringList, 12>& monthNames() {
     static const std::array<QStringList, 12> names = [] {
         constexpr std::array<QStringView, 12> rows = {
             u"jan january ocak oca januar janvier janv enero ene janeiro gennaio gen januari",
-            u"feb february şubat şub februar février févr febrero fevereiro fev febbraio februari",
+            u"feb february şubat subat şub februar février févr febrero fevereiro fev febbraio "
+            u"februari",
             u"mar march mart märz mär mars marzo março maart mrt",
             u"apr april nisan nis avril avr abril abr aprile",
-            u"may mayıs mai mayo maio maggio mag mei",
+            u"may mayıs mayis mai mayo maio maggio mag mei",
             u"jun june haziran haz juni juin junio junho giugno giu",
             u"jul july temmuz tem juli juillet juil julio julho luglio lug",
-            u"aug august ağustos ağu août agosto ago augustus",
-            u"sep sept september eylül eyl septembre septiembre setembro settembre",
+            u"aug august ağustos agustos ağu août agosto ago augustus",
+            u"sep sept september eylül eylul eyl septembre septiembre setembro settembre",
             u"oct october ekim eki oktober okt octobre octubre outubro ottobre ott",
-            u"nov november kasım kas novembre noviembre novembro",
-            u"dec december aralık ara dezember dez décembre déc diciembre dic dezembro dicembre"};
+            u"nov november kasım kasim kas novembre noviembre novembro",
+            u"dec december aralık aralik ara dezember dez décembre déc diciembre dic dezembro "
+            u"dicembre"};
         std::array<QStringList, 12> split;
         for (size_t month = 0; month < rows.size(); ++month)
             split[month] = rows[month].toString().split(u' ');
@@ -94,10 +96,11 @@ const std::vector<QRegularExpression>& forms() {
                    end),
             formOf(begin + year +
                    QStringLiteral("[年년] ?(?<month>[0-9]{1,2})[月월] ?(?<day>[0-9]{1,2})[日일]")),
-            formOf(QStringLiteral("(?:(?<export>@)|(?<![0-9]))") +
+            // No version and no address: "v1.2.2019", "10.11.2012.1".
+            formOf(QStringLiteral("(?:(?<export>@)|(?<![0-9]|[0-9]\\.|v))") +
                    QStringLiteral("(?<first>[0-9]{1,2})(?<between>[-._ ])(?<second>[0-9]{1,2})"
                                   "\\k<between>") +
-                   year + end),
+                   year + end + QStringLiteral("(?!\\.[0-9](?![0-9]))")),
             formOf(begin + QStringLiteral("(?<day>[0-9]{1,2})[-_. ]{0,2}(?:de )?") + months +
                    QStringLiteral("[-_. ]{0,2}(?:de )?") + year + end),
             formOf(QStringLiteral("(?<!\\p{L})") + english +
@@ -183,10 +186,12 @@ int hourWithMeridiem(const QString& name, qsizetype at, int hour) {
 }
 
 std::optional<Date> writtenDate(const QString& name, Date latest) {
+    // One way to write a letter: the İ of capitals has no small letter that compares equal.
+    const QString text = name.normalized(QString::NormalizationForm_C).replace(u'İ', u'I');
     for (const QRegularExpression& pattern : forms()) {
-        auto matches = pattern.globalMatch(name);
+        auto matches = pattern.globalMatch(text);
         while (matches.hasNext())
-            if (const auto date = dateOf(name, matches.next()); date && *date <= latest)
+            if (const auto date = dateOf(text, matches.next()); date && *date <= latest)
                 return date;
     }
     return std::nullopt;
