@@ -85,9 +85,10 @@ TEST(StagingRealPictures, HashesAfterTheDateWasWrittenAndARerunChangesNothing) {
     const auto file = world.staging.findStagingFile(assetID(1));
     ASSERT_TRUE(file);
     EXPECT_NE(readFile(*file), original);
-    EXPECT_EQ(
-        world.metadata.resolveDate(*file, std::nullopt, std::nullopt, DateFallbackMode::strictNone),
-        entry.asset.creationDate);
+    const auto resolved =
+        world.metadata.resolveDate(*file, std::nullopt, std::nullopt, DateFallbackMode::strictNone);
+    ASSERT_TRUE(resolved);
+    EXPECT_EQ(resolved->date, entry.asset.creationDate);
     const auto digest = world.record(assetID(1))->sha256Hash;
     EXPECT_EQ(AssetStagingService::computeHashAndSize(*file).sha256, digest);
 
