@@ -6,8 +6,6 @@
 
 #include <cerrno>
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace quorvane {
@@ -29,21 +27,19 @@ QString holderOf(const std::filesystem::path& file) {
 RunLock::RunLock(const std::filesystem::path& file) {
     std::error_code ignored; // a missing folder shows when the file is opened
     std::filesystem::create_directories(file.parent_path(), ignored);
-    file_ = openFile(file, O_RDWR | O_CREAT);
-    if (::flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno != EWOULDBLOCK)
-            throw FileError(QStringLiteral("Kilit alınamadı"), file, errno);
+    lock_ = FileLock::tryLock(file);
+    if (!lock_)
         throw RunLockHeld(QStringLiteral("Başka bir eşitleme çalışıyor: ") + holderOf(file));
-    }
+    const int fd = lock_->descriptor().get();
     const QByteArray holder =
         QStringLiteral("%1 (PID %2, başlangıç %3)\n")
             .arg(QFileInfo(QCoreApplication::applicationFilePath()).fileName())
             .arg(::getpid())
             .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
             .toUtf8();
-    if (::ftruncate(file_.get(), 0) != 0)
+    if (::ftruncate(fd, 0) != 0)
         throw FileError(QStringLiteral("Kilit yazılamadı"), file, errno);
-    writeAll(file_.get(), viewOf(holder), file);
+    writeAll(fd, viewOf(holder), file);
 }
 
 } // namespace quorvane

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foundation/File.h"
+#include "foundation/FileLock.h"
 
 #include <filesystem>
 
@@ -20,7 +20,7 @@ class RunLock {
     explicit RunLock(const std::filesystem::path& file);
 
   private:
-    FileDescriptor file_;
+    std::optional<FileLock> lock_;
 };
 
 } // namespace quorvane

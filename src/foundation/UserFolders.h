@@ -19,6 +19,8 @@ struct UserFolders {
     }
     std::filesystem::path database() const { return applicationSupport() / "quorvane.sqlite"; }
     std::filesystem::path preferences() const { return applicationSupport() / "preferences.json"; }
+    /// Held while a file is staged: nobody else of this user then stages, dates or tidies up.
+    std::filesystem::path stagingLock() const { return applicationSupport() / "staging.lock"; }
     std::filesystem::path runLock() const { return applicationSupport() / "run.lock"; }
 
     /// The folders of the user who runs the process. Throws `Error` when there is no home or no

@@ -69,13 +69,79 @@ TEST(Preferences, aVolatileValueWinsUntilTheKeyIsWritten) {
     EXPECT_EQ(preferences.string(key), QStringLiteral("new"));
 }
 
-TEST(Preferences, anUnreadableFileCountsAsEmpty) {
+TEST(Preferences, whatCannotBeReadIsNeitherForgottenNorWrittenOver) {
     const test::TemporaryFolder folder;
-    const auto file = folder.write("p.json", "{ not json");
+    const QString key = QStringLiteral("a");
+    const auto file = folder / "sub/p.json";
     Preferences preferences(file);
-    EXPECT_EQ(preferences.string(QStringLiteral("a")), std::nullopt);
-    preferences.setString(QStringLiteral("a"), QStringLiteral("b"));
-    EXPECT_EQ(Preferences(file).string(QStringLiteral("a")), QStringLiteral("b"));
+    preferences.setString(key, QStringLiteral("kept"));
+    const QByteArray written = test::readFile(file);
+    std::filesystem::rename(file, folder / "away");
+    std::filesystem::create_directory(file); // reading it fails, also for the superuser
+    EXPECT_EQ(preferences.string(key), QStringLiteral("kept"));
+    EXPECT_THROW(preferences.setString(key, QStringLiteral("b")), FileError);
+    EXPECT_THROW((void)Preferences(file).string(key), FileError) << "nothing was read yet";
+    std::filesystem::remove(file);
+    std::filesystem::rename(folder / "away", file);
+    EXPECT_EQ(test::readFile(file), written);
+    preferences.setBoolean(QStringLiteral("b"), true);
+    EXPECT_EQ(Preferences(file).string(key), QStringLiteral("kept"));
+}
+
+TEST(Preferences, aDamagedFileIsKeptBesideAndNamedOnce) {
+    const QString key = QStringLiteral("a");
+    for (const QByteArray& damaged : {QByteArray("{ not json"), QByteArray("[]"), QByteArray()}) {
+        SCOPED_TRACE(damaged.toStdString());
+        const test::TemporaryFolder folder;
+        const auto file = folder / "p.json";
+        Preferences preferences(file);
+        preferences.setString(key, QStringLiteral("kept"));
+        folder.write("p.json", damaged);
+        ::chmod(file.c_str(), 0644);
+        Preferences fresh(file);
+        try {
+            (void)fresh.string(key);
+            ADD_FAILURE() << "nobody was told";
+        } catch (const Error& error) {
+            EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("p.json.bozuk-1")));
+        }
+        EXPECT_EQ(fresh.string(key), std::nullopt);
+        EXPECT_EQ(test::readFile(folder / "p.json.bozuk-1"), damaged);
+        EXPECT_EQ(modeOf(folder / "p.json.bozuk-1"), 0600U);
+        preferences.setBoolean(QStringLiteral("b"), true);
+        EXPECT_EQ(preferences.string(key), fresh.string(key));
+
+        folder.write("p.json", damaged);
+        EXPECT_THROW(fresh.setString(key, QStringLiteral("c")), Error);
+        EXPECT_EQ(test::readFile(folder / "p.json.bozuk-2"), damaged);
+        folder.write("other.json.bozuk-1", "x");
+        fresh.removeDamaged();
+        EXPECT_FALSE(std::filesystem::exists(folder / "p.json.bozuk-1"));
+        EXPECT_FALSE(std::filesystem::exists(folder / "p.json.bozuk-2"));
+        EXPECT_TRUE(std::filesystem::exists(folder / "other.json.bozuk-1"));
+        fresh.setString(key, QStringLiteral("d"));
+        EXPECT_EQ(Preferences(file).string(key), QStringLiteral("d"));
+    }
+}
+
+TEST(Preferences, manyThatFindOneDamagedFileKeepWhatTheOthersWriteInItsPlace) {
+    const test::TemporaryFolder folder;
+    folder.write("p.json", "{");
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&folder, key = QString::number(i)] {
+            Preferences preferences(folder / "p.json");
+            try {
+                (void)preferences.boolean(key);
+            } catch (const Error&) { // the one who came first
+            }
+            preferences.setBoolean(key, true);
+        });
+    threads.clear();
+    Preferences preferences(folder / "p.json");
+    for (int i = 0; i < 8; ++i)
+        EXPECT_TRUE(preferences.boolean(QString::number(i)));
+    EXPECT_FALSE(std::filesystem::exists(folder / "p.json.bozuk-2"));
 }
 
 } // namespace
