@@ -31,13 +31,17 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
         return uploads_.receive(call, now);
     case RequestKind::batchCreate:
         requireScope(call, {appendScope}, now);
-        return mediaItems_.batchCreate(call, behaviour.albumCapacity, now);
+        return mediaItems_.batchCreate(call, behaviour, now);
+    case RequestKind::batchGet:
+        requireReading(call, behaviour, now);
+        return mediaItems_.batchGet(call);
     case RequestKind::albumsCreate:
         requireScope(call, {appendScope}, now);
         return albums_.create(call);
     case RequestKind::albumsList:
     case RequestKind::sharedAlbums:
-        return listAlbums(call, behaviour, now);
+        requireReading(call, behaviour, now);
+        return albums_.list(call, call.request.kind == RequestKind::sharedAlbums);
     case RequestKind::report:
     case RequestKind::other:
         break;
@@ -47,12 +51,11 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
     return refusal.answer;
 }
 
-Answer Account::listAlbums(const Call& call, const Behaviour& behaviour, Date now) const {
+void Account::requireReading(const Call& call, const Behaviour& behaviour, Date now) const {
     requireScope(call, {readScope, readAppDataScope}, now);
     const bool isShared = call.request.kind == RequestKind::sharedAlbums;
     if (behaviour.listingForbidden || (isShared && behaviour.sharedListingForbidden))
         throw insufficientScopes();
-    return albums_.list(call, isShared);
 }
 
 void Account::requireScope(const Call& call, const QStringList& scopes, Date now) const {

@@ -22,6 +22,7 @@ class Account {
     OAuth& oauth() { return oauth_; }
     Albums& albums() { return albums_; }
     const Albums& albums() const { return albums_; }
+    MediaItems& mediaItems() { return mediaItems_; }
     const MediaItems& mediaItems() const { return mediaItems_; }
 
     QJsonObject toJson() const;
@@ -30,7 +31,7 @@ class Account {
   private:
     /// Throws `Refusal` unless the call carries a token with one of `scopes`.
     void requireScope(const Call& call, const QStringList& scopes, Date now) const;
-    Answer listAlbums(const Call& call, const Behaviour& behaviour, Date now) const;
+    void requireReading(const Call& call, const Behaviour& behaviour, Date now) const;
 
     Tokens tokens_;
     Uploads uploads_;

@@ -117,6 +117,12 @@ void Albums::insert(const QString& albumId, const QString& itemId) {
     album->stored.itemCount = album->seeded + album->items.size();
 }
 
+void Albums::removeItem(const QString& itemId) {
+    for (Album& album : albums_)
+        if (album.items.remove(itemId))
+            --album.stored.itemCount;
+}
+
 std::vector<StoredAlbum> Albums::all() const {
     std::vector<StoredAlbum> result;
     std::ranges::transform(albums_, std::back_inserter(result), &Album::stored);

@@ -25,6 +25,8 @@ class Albums {
     /// Whether one more item than it already holds finds room. The album exists.
     bool hasRoomFor(const QString& albumId, const QString& itemId, std::int64_t capacity) const;
     void insert(const QString& albumId, const QString& itemId);
+    /// Out of every album.
+    void removeItem(const QString& itemId);
 
     std::vector<StoredAlbum> all() const;
     QStringList albumsOf(const QString& itemId) const;

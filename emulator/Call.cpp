@@ -20,6 +20,7 @@ constexpr std::array routes{
     Route{"GET", "/oauth2/v2/userinfo", RequestKind::userinfo},
     Route{"POST", "/v1/uploads", RequestKind::upload},
     Route{"POST", "/v1/mediaItems:batchCreate", RequestKind::batchCreate},
+    Route{"GET", "/v1/mediaItems:batchGet", RequestKind::batchGet},
     Route{"GET", "/v1/albums", RequestKind::albumsList},
     Route{"POST", "/v1/albums", RequestKind::albumsCreate},
     Route{"GET", "/v1/sharedAlbums", RequestKind::sharedAlbums},

@@ -20,6 +20,8 @@ QString nameOf(RequestKind kind) {
         return u"upload"_s;
     case RequestKind::batchCreate:
         return u"batchCreate"_s;
+    case RequestKind::batchGet:
+        return u"batchGet"_s;
     case RequestKind::albumsList:
         return u"albumsList"_s;
     case RequestKind::albumsCreate:

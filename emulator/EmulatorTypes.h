@@ -22,6 +22,7 @@ enum class RequestKind {
     userinfo,
     upload,
     batchCreate,
+    batchGet,
     albumsList,
     albumsCreate,
     sharedAlbums,
@@ -30,10 +31,10 @@ enum class RequestKind {
 };
 
 inline constexpr std::array allRequestKinds{
-    RequestKind::auth,       RequestKind::token,        RequestKind::revoke,
-    RequestKind::userinfo,   RequestKind::upload,       RequestKind::batchCreate,
-    RequestKind::albumsList, RequestKind::albumsCreate, RequestKind::sharedAlbums,
-    RequestKind::report,     RequestKind::other,
+    RequestKind::auth,         RequestKind::token,      RequestKind::revoke,
+    RequestKind::userinfo,     RequestKind::upload,     RequestKind::batchCreate,
+    RequestKind::batchGet,     RequestKind::albumsList, RequestKind::albumsCreate,
+    RequestKind::sharedAlbums, RequestKind::report,     RequestKind::other,
 };
 
 /// The kind's name as on the command line and in the report: "batchCreate".
@@ -54,7 +55,8 @@ struct Behaviour {
     std::chrono::seconds sessionLifetime{0};  ///< of refresh tokens; 0: without end
     std::chrono::seconds clockAhead{0};       ///< what the service's clock is wrong by
     std::int64_t albumCapacity = 20'000;      ///< media items in one album
-    bool listingForbidden = false;            ///< album listings answer 403
+    bool listingForbidden = false;            ///< no reading permission: 403
+    bool duplicatesRefused = false;           ///< bytes that the library has get code 6
     bool sharedListingForbidden = true;       ///< of shared albums; Google refuses everybody
     bool consentDenied = false;               ///< the person refuses the sign-in
     Person person = {};                       ///< who signs in from now on

@@ -132,6 +132,11 @@ std::vector<StoredAlbum> GoogleEmulator::albums() const {
     return service_->with([](const Service::State& state) { return state.account.albums().all(); });
 }
 
+void GoogleEmulator::deleteMediaItem(const QString& id) {
+    service_->with([&](Service::State& state) { state.account.mediaItems().remove(id); });
+    service_->save();
+}
+
 QJsonObject GoogleEmulator::report() const {
     return service_->report();
 }

@@ -66,6 +66,8 @@ class GoogleEmulator {
 
     std::vector<emulator::StoredMediaItem> mediaItems() const; ///< in order of creation
     std::vector<emulator::StoredAlbum> albums() const;         ///< in order of creation
+    /// As when the person deletes it in Google Photos. An unknown one is left alone.
+    void deleteMediaItem(const QString& id);
 
     /// {"requests": {kind: count}, "mediaItems": [...], "albums": [...]}
     QJsonObject report() const;

@@ -11,17 +11,22 @@ namespace quorvane::emulator {
 
 namespace {
 
-constexpr qsizetype largestBatch = 50;
+constexpr qsizetype largestBatch = 50; // also of what is read
 constexpr qsizetype longestFilename = 255;
 constexpr qsizetype longestDescription = 1000;
 
 // google.rpc.Code
 constexpr int invalidArgumentCode = 3;
+constexpr int notFoundCode = 5;
+constexpr int alreadyExistsCode = 6;
 constexpr int resourceExhaustedCode = 8;
 
+QJsonObject statusOf(int code, const QString& message) {
+    return {{u"code"_s, code}, {u"message"_s, message}};
+}
+
 QJsonObject failure(const QString& uploadToken, int code, const QString& message) {
-    return {{u"uploadToken"_s, uploadToken},
-            {u"status"_s, QJsonObject{{u"code"_s, code}, {u"message"_s, message}}}};
+    return {{u"uploadToken"_s, uploadToken}, {u"status"_s, statusOf(code, message)}};
 }
 
 QJsonObject describe(const StoredMediaItem& item) {
@@ -57,7 +62,7 @@ QString idOf(const Upload& upload) {
 
 } // namespace
 
-Answer MediaItems::batchCreate(const Call& call, std::int64_t albumCapacity, Date now) {
+Answer MediaItems::batchCreate(const Call& call, const Behaviour& behaviour, Date now) {
     const QJsonObject body = jsonBody(call);
     requireKnown(body, {}, {u"albumId"_s, u"newMediaItems"_s, u"albumPosition"_s});
     const std::vector<NewItem> items = newItems(body);
@@ -68,7 +73,7 @@ Answer MediaItems::batchCreate(const Call& call, std::int64_t albumCapacity, Dat
     QJsonArray results;
     bool allSucceeded = true;
     for (const NewItem& item : items) {
-        const QJsonObject result = create(item, albumId, albumCapacity, now);
+        const QJsonObject result = create(item, albumId, behaviour, now);
         allSucceeded = allSucceeded && result.contains(u"mediaItem"_s);
         results.append(result);
     }
@@ -100,8 +105,8 @@ std::vector<MediaItems::NewItem> MediaItems::newItems(const QJsonObject& body) {
     return items;
 }
 
-QJsonObject MediaItems::create(const NewItem& item, const QString& albumId, std::int64_t capacity,
-                               Date now) {
+QJsonObject MediaItems::create(const NewItem& item, const QString& albumId,
+                               const Behaviour& behaviour, Date now) {
     const Upload* upload = uploads_.find(item.uploadToken, now);
     if (!upload)
         return failure(item.uploadToken, invalidArgumentCode, u"Invalid upload token."_s);
@@ -109,7 +114,9 @@ QJsonObject MediaItems::create(const NewItem& item, const QString& albumId, std:
         return failure(item.uploadToken, invalidArgumentCode,
                        u"NOT_IMAGE: There was an error while trying to create this media item."_s);
     const QString id = idOf(*upload);
-    if (!albumId.isEmpty() && !albums_.hasRoomFor(albumId, id, capacity))
+    if (behaviour.duplicatesRefused && indexOfId_.contains(id))
+        return failure(item.uploadToken, alreadyExistsCode, u"The media item already exists."_s);
+    if (!albumId.isEmpty() && !albums_.hasRoomFor(albumId, id, behaviour.albumCapacity))
         return failure(item.uploadToken, resourceExhaustedCode,
                        u"ERR_PHOTO_PER_ALBUM_LIMIT: The maximum number of photos in an album has "
                        "been reached."_s);
@@ -136,6 +143,39 @@ const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item
                                               now.time_since_epoch().count(), QTimeZone::utc())
                                               .toString(u"yyyy-MM-dd'T'HH:mm:ss'Z'"_s)});
     return items_[entry->second];
+}
+
+Answer MediaItems::batchGet(const Call& call) const {
+    QStringList ids;
+    for (const auto& [name, value] : call.query().queryItems(QUrl::FullyDecoded)) {
+        if (name != u"mediaItemIds"_s)
+            throw Refusal(invalidArgument(u"Invalid JSON payload received. Unknown name \""_s +
+                                          name + u"\": Cannot bind query parameter."_s));
+        ids.append(value);
+    }
+    if (ids.isEmpty() || ids.size() > largestBatch || ids.removeDuplicates() > 0)
+        throw Refusal(
+            invalidArgument(u"Request must have between 1 and 50 distinct mediaItemIds."_s));
+    QJsonArray results;
+    for (const QString& id : ids) {
+        const auto found = indexOfId_.find(id);
+        if (found != indexOfId_.end())
+            results.append(QJsonObject{{u"mediaItem"_s, describe(items_[found->second])}});
+        else
+            results.append(QJsonObject{
+                {u"status"_s, id.isEmpty()
+                                  ? statusOf(invalidArgumentCode, u"Invalid media item ID."_s)
+                                  : statusOf(notFoundCode, u"Media item not found."_s)}});
+    }
+    return jsonAnswer({{u"mediaItemResults"_s, results}});
+}
+
+void MediaItems::remove(const QString& id) {
+    std::erase_if(items_, [&](const StoredMediaItem& item) { return item.id == id; });
+    indexOfId_.clear();
+    for (std::size_t i = 0; i < items_.size(); ++i)
+        indexOfId_.emplace(items_[i].id, i);
+    albums_.removeItem(id);
 }
 
 std::vector<StoredMediaItem> MediaItems::all() const {

@@ -5,14 +5,19 @@
 
 namespace quorvane::emulator {
 
-/// The account's library and `POST /v1/mediaItems:batchCreate`, which fills it. The same bytes
-/// are always the same item. The bearer token has been checked before. Not shared between threads.
+/// The account's library, `POST /v1/mediaItems:batchCreate`, which fills it, and
+/// `GET /v1/mediaItems:batchGet`. The same bytes are always the same item. The bearer token has
+/// been checked before. Not shared between threads.
 class MediaItems {
   public:
     MediaItems(Uploads& uploads, Albums& albums) : uploads_(uploads), albums_(albums) {}
 
-    /// Throws `Refusal`.
-    Answer batchCreate(const Call& call, std::int64_t albumCapacity, Date now);
+    /// These two throw `Refusal`.
+    Answer batchCreate(const Call& call, const Behaviour& behaviour, Date now);
+    Answer batchGet(const Call& call) const;
+
+    /// As when the person deletes it. An unknown one is left alone.
+    void remove(const QString& id);
 
     /// In order of creation.
     std::vector<StoredMediaItem> all() const;
@@ -26,7 +31,7 @@ class MediaItems {
     };
 
     static std::vector<NewItem> newItems(const QJsonObject& body);
-    QJsonObject create(const NewItem& item, const QString& albumId, std::int64_t capacity,
+    QJsonObject create(const NewItem& item, const QString& albumId, const Behaviour& behaviour,
                        Date now);
     const StoredMediaItem& add(const Upload& upload, const NewItem& item, const QString& id,
                                Date now);

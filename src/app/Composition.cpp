@@ -1,6 +1,7 @@
 #include "app/Composition.h"
 
-#include "platform/bundle/PhotosBundleLibrary.h"
+#include "foundation/File.h"
+#include "platform/folder/FolderIdentity.h"
 #include "platform/folder/FolderLibrary.h"
 
 namespace quorvane {
@@ -12,59 +13,102 @@ std::optional<QString> configuredBaseURL() {
     return value.isEmpty() ? std::nullopt : std::optional(value);
 }
 
-std::filesystem::path storeFile(const std::filesystem::path& file, CoreServices::Store store) {
-    std::error_code unreachable; // shows when it is opened
-    const bool isAbsent = !std::filesystem::exists(file, unreachable) && !unreachable;
-    return isAbsent && store == CoreServices::Store::leaveAbsent ? ":memory:" : file;
+std::vector<std::filesystem::path> otherStates(const CoreServices& core,
+                                               const std::optional<StatePlace>& own,
+                                               const AccountIdentity& account) {
+    return account.isKnown() ? core.states.othersOf(account, own.value_or(StatePlace()))
+                             : std::vector<std::filesystem::path>();
 }
 
 } // namespace
 
-CoreServices::CoreServices(UserFolders userFolders, Console& consoleToUse, Store store)
-    : folders(std::move(userFolders)),
-      console(consoleToUse),
+CoreServices::CoreServices(UserFolders userFolders, const Ports& outside)
+    : ports(outside),
+      folders(std::move(userFolders)),
+      console(ports.console),
+      clock(ports.clock),
       logger(folders.logs(), console, clock),
       preferences(folders.preferences()),
-      db(storeFile(folders.database(), store), console) {}
+      states(folders) {}
 
-GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& webAuthSession)
-    : config(AppConfig::standardCandidates(core.folders.home), core.logger),
+GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
+    : http(core.ports.http),
+      keychain(core.ports.keychain),
+      config(AppConfig::standardCandidates(core.folders.home), core.logger),
       endpoints(GoogleEndpoints::resolve(configuredBaseURL())),
       tokens(keychain, core.preferences, core.logger),
-      oauth({endpoints, config, http, webAuthSession, tokens, core.clock, core.logger}),
+      oauth({endpoints, config, http, browser, tokens, core.clock, core.logger}),
       tracker(core.clock),
-      uploadTask(http, oauth, tracker, endpoints),
       albums(http, oauth, core.preferences, core.logger, endpoints),
-      batchCoord(http, oauth, albums, core.db, core.preferences, core.logger, core.console,
-                 core.clock, endpoints) {}
+      destination(http, oauth, albums, endpoints) {}
 
-SourceServices::SourceServices(CoreServices& core, const std::filesystem::path& libraryPath,
-                               DeletionConfirmation& confirmation)
-    : path(libraryPath),
-      library(openPhotoLibrary(libraryPath, core.folders, confirmation, core.logger)),
-      metadata(*library, core.folders.pictures, core.logger, core.clock),
-      albums(*library, core.preferences, core.logger) {}
-
-LibraryServices::LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
-                                 DeletionConfirmation& confirmation)
-    : SourceServices(core, libraryPath, confirmation),
-      staging(*library, core.db, metadata, core.folders, core.console),
-      observer(*library, core.db, staging, albums, core.preferences, core.console),
-      deletion(core.db, staging, *library, core.logger) {}
-
-SyncServices::SyncServices(CoreServices& core, GoogleServices& google, LibraryServices& library)
-    : coordinator({core.db, library.staging, library.metadata, google.uploadTask, google.batchCoord,
-                   google.tracker, library.deletion, core.preferences, flags, core.logger,
-                   core.console, core.clock}) {
-    google.batchCoord.onStopAtLimit = [this] { flags.cancel(); };
+AccountIdentity GoogleServices::account() {
+    return {oauth.userID().value_or(QString()), oauth.email().value_or(QString())};
 }
 
-std::unique_ptr<PhotoLibrary> openPhotoLibrary(const std::filesystem::path& path,
-                                               const UserFolders& folders,
-                                               DeletionConfirmation& confirmation, Log& log) {
-    if (PhotosBundleLibrary::looksLikeBundle(path))
-        return std::make_unique<PhotosBundleLibrary>(path, folders.applicationSupport(), log);
-    return std::make_unique<FolderLibrary>(path, confirmation, log);
+StateServices::StateServices(CoreServices& core, const std::optional<StatePlace>& statePlace,
+                             const AccountIdentity& account)
+    : place(statePlace),
+      db(place ? place->database : std::filesystem::path(":memory:"), core.console),
+      life(db, account),
+      known(db, otherStates(core, place, account)),
+      files(db, life) {
+    db.requireUsable();
+}
+
+LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
+    : core_(core), path_(std::move(path)) {
+    if (PhotosBundleLibrary::looksLikeBundle(path_)) {
+        bundle_ = std::make_unique<PhotosBundleLibrary>(path_, core.folders.applicationSupport(),
+                                                        core.logger);
+        identity_ = bundle_->identity();
+    } else {
+        identity_ = folderLibraryIdentity(path_);
+    }
+    if (!identity_.isEmpty())
+        return;
+    std::error_code unreachable;
+    const auto canonical = std::filesystem::canonical(path_, unreachable);
+    identity_ = QStringLiteral("path:") + pathText(unreachable ? path_ : canonical);
+}
+
+std::unique_ptr<PhotoLibrary> LibraryAt::open(KnownFiles& known) {
+    if (bundle_)
+        return std::move(bundle_);
+    return std::make_unique<FolderLibrary>(path_, known, core_.ports.confirmation, core_.logger);
+}
+
+SourceServices::SourceServices(CoreServices& core, const AccountIdentity& account, LibraryAt at,
+                               const std::optional<StatePlace>& statePlace, Use use)
+    : path(at.path()),
+      identity(at.identity()),
+      state(core, statePlace, account),
+      lookedAt(state.files),
+      library(at.open(use == Use::work ? static_cast<KnownFiles&>(state.files) : lookedAt)),
+      metadata(*library, core.folders.pictures, core.logger, core.clock),
+      albums(*library, core.preferences, core.logger, identity) {}
+
+LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at)
+    : LibraryServices(core, google, core.states.open(at.identity(), google.account()),
+                      std::move(at)) {}
+
+LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
+                                 const StatePlace& place, LibraryAt&& at)
+    : SourceServices(core, google.account(), std::move(at), place, Use::work),
+      staging({*library, state.db, state.life, state.known, metadata, core.console}, place,
+              core.folders.stagingLock()),
+      observer(*library, state.db, state.life, staging, albums, core.preferences, core.console),
+      deletion({state.db, state.life, staging, *library, google.destination, core.logger}),
+      recognition(*library, state.known, state.life, google.destination, core.logger),
+      batches(google.destination, state.life, core.preferences, core.logger, core.console,
+              core.clock),
+      coordinator({state.db, state.life, staging, metadata, recognition, google.destination,
+                   batches, google.tracker, deletion, core.preferences, flags, core.logger,
+                   core.console, core.clock}),
+      run{state.db, *library, observer, staging, deletion, batches, coordinator, flags} {
+    batches.onCreated = [this](const SyncRecord& record) {
+        staging.wasSent(record.assetLocalIdentifier);
+    };
 }
 
 } // namespace quorvane

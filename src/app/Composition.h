@@ -6,12 +6,11 @@
 #include "foundation/Console.h"
 #include "foundation/Preferences.h"
 #include "foundation/UserFolders.h"
-#include "google/CurlHttpClient.h"
 #include "google/GoogleAlbumManager.h"
-#include "google/GoogleBatchCoordinator.h"
 #include "google/GoogleEndpoints.h"
 #include "google/GoogleOAuthManager.h"
-#include "google/GoogleUploadTask.h"
+#include "google/HttpClient.h"
+#include "google/SecretStore.h"
 #include "google/TokenStore.h"
 #include "google/TransferActivityTracker.h"
 #include "library/AssetStagingService.h"
@@ -19,83 +18,127 @@
 #include "library/PhotoAlbumService.h"
 #include "library/PhotoLibraryObserver.h"
 #include "library/SafeDeletionService.h"
+#include "library/StoredFiles.h"
 #include "metadata/MediaMetadataService.h"
-#include "platform/linux/LibsecretStore.h"
-#include "store/DatabaseManager.h"
-#include "sync/SyncCoordinator.h"
+#include "platform/bundle/PhotosBundleLibrary.h"
+#include "store/KnownContents.h"
+#include "store/StateCatalogue.h"
+#include "sync/GoogleDestination.h"
+#include "sync/SyncRun.h"
 
 #include <memory>
 
 /// The house, from the ground up. Each level builds its objects in the order in which they need one
-/// another, and is built on the one before.
+/// another, and is built on the one before. What is of this computer comes in from outside, so that
+/// the two programs, a test and a benchmark build the same house.
 namespace quorvane {
+
+/// The world outside. Not owned; it outlives the house.
+struct Ports {
+    Console& console;
+    Clock& clock;
+    HttpClient& http;
+    SecretStore& keychain;
+    DeletionConfirmation& confirmation;
+};
 
 /// What every command needs.
 struct CoreServices {
-    enum class Store {
-        createWhenAbsent,
-        leaveAbsent, ///< an empty one in memory takes its place
-    };
-    CoreServices(UserFolders userFolders, Console& consoleToUse,
-                 Store store = Store::createWhenAbsent);
+    CoreServices(UserFolders userFolders, const Ports& ports);
 
+    const Ports ports;
     UserFolders folders;
     Console& console;
-    SystemClock clock;
+    Clock& clock;
     AppLogger logger;
     Preferences preferences;
-    DatabaseManager db;
+    StateCatalogue states;
 };
 
 /// Google, signed in or not.
 struct GoogleServices {
     /// Throws `Error` when QUORVANE_GOOGLE_BASE_URL is not this computer.
-    GoogleServices(CoreServices& core, WebAuthSession& webAuthSession);
+    GoogleServices(CoreServices& core, WebAuthSession& browser);
 
+    /// Of whoever is signed in.
+    AccountIdentity account();
+
+    HttpClient& http;
+    SecretStore& keychain;
     AppConfig config;
     GoogleEndpoints endpoints;
-    CurlHttpClient http;
-    LibsecretStore keychain;
     TokenStore tokens;
     GoogleOAuthManager oauth;
     TransferActivityTracker tracker;
-    GoogleUploadTask uploadTask;
     GoogleAlbumManager albums;
-    GoogleBatchCoordinator batchCoord;
+    GoogleDestination destination;
+};
+
+/// The state of one library and account.
+struct StateServices {
+    /// `place` none: an empty one in memory.
+    StateServices(CoreServices& core, const std::optional<StatePlace>& statePlace,
+                  const AccountIdentity& account);
+
+    std::optional<StatePlace> place;
+    DatabaseManager db;
+    RecordLife life;
+    KnownContents known;
+    StoredFiles files;
+};
+
+/// What is at a path, before its state is known: a Photos bundle, or a plain folder.
+class LibraryAt {
+  public:
+    LibraryAt(CoreServices& core, std::filesystem::path path);
+
+    const std::filesystem::path& path() const { return path_; }
+    /// What tells the library from every other: what it or its file system says, else its path.
+    const QString& identity() const { return identity_; }
+
+    /// The adapter; once. `known` outlives it.
+    std::unique_ptr<PhotoLibrary> open(KnownFiles& known);
+
+  private:
+    CoreServices& core_;
+    std::filesystem::path path_;
+    std::unique_ptr<PhotosBundleLibrary> bundle_; ///< read already, for its identity
+    QString identity_;
 };
 
 /// One photo library, only read.
 struct SourceServices {
-    SourceServices(CoreServices& core, const std::filesystem::path& libraryPath,
-                   DeletionConfirmation& confirmation);
+    enum class Use { work, look }; ///< `look` changes nothing in the state either
 
-    std::filesystem::path path;
+    /// Throws `Error` when the state of the library cannot be used.
+    SourceServices(CoreServices& core, const AccountIdentity& account, LibraryAt at,
+                   const std::optional<StatePlace>& statePlace, Use use);
+
+    const std::filesystem::path path;
+    const QString identity; ///< what tells the library from every other
+    StateServices state;
+    LookedAtFiles lookedAt;
     std::unique_ptr<PhotoLibrary> library;
     MediaMetadataService metadata;
     PhotoAlbumService albums;
 };
 
-/// And what works on it. Creates the staging folders.
+/// And what works on it: discovery, staging, the engine. Creates the state and the staging folders.
 struct LibraryServices : SourceServices {
-    LibraryServices(CoreServices& core, const std::filesystem::path& libraryPath,
-                    DeletionConfirmation& confirmation);
+    LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at);
 
     AssetStagingService staging;
     PhotoLibraryObserver observer;
     SafeDeletionService deletion;
-};
-
-/// The engine over all of them.
-struct SyncServices {
-    SyncServices(CoreServices& core, GoogleServices& google, LibraryServices& library);
-
+    Recognition recognition;
+    BatchCoordinator batches;
     RunFlags flags;
     SyncCoordinator coordinator;
-};
+    SyncRunServices run;
 
-/// The adapter for what is at `path`: a Photos bundle or a plain folder.
-std::unique_ptr<PhotoLibrary> openPhotoLibrary(const std::filesystem::path& path,
-                                               const UserFolders& folders,
-                                               DeletionConfirmation& confirmation, Log& log);
+  private:
+    LibraryServices(CoreServices& core, GoogleServices& google, const StatePlace& place,
+                    LibraryAt&& at);
+};
 
 } // namespace quorvane

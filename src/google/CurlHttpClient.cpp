@@ -183,6 +183,46 @@ class CurlHttpClient::Lane {
         bool operator==(const Activity&) const = default;
     };
 
+    /// How long a transfer may still go on.
+    class Patience {
+      public:
+        using Steady = std::chrono::steady_clock;
+        using Duration = Steady::duration;
+
+        Patience(const HttpRequest& request, std::int64_t bodySize)
+            : request_(request), bodySize_(bodySize) {}
+
+        /// More than nothing. Throws `TransportError` when it is used up.
+        Duration left(const Activity& activity) {
+            const auto now = Steady::now();
+            if (activity != last_)
+                lastMoved_ = now;
+            last_ = activity;
+            if (!sent_ && activity.sent >= bodySize_ && activity.waitingInSystem == 0)
+                sent_ = now;
+            const Duration quiet = request_.timeout - (now - lastMoved_);
+            if (quiet <= Duration::zero())
+                throw TransportError(QStringLiteral("Sunucu %1 saniyedir yanıt vermiyor "
+                                                    "(connection): zaman aşımı")
+                                         .arg(request_.timeout.count()));
+            if (!sent_)
+                return quiet;
+            const Duration answer = request_.answerLimit - (now - *sent_);
+            if (answer <= Duration::zero())
+                throw TransportError(QStringLiteral("Sunucunun yanıtı %1 saniyede tamamlanmadı "
+                                                    "(connection): zaman aşımı")
+                                         .arg(request_.answerLimit.count()));
+            return std::min(quiet, answer);
+        }
+
+      private:
+        const HttpRequest& request_;
+        const std::int64_t bodySize_;
+        Activity last_;
+        Steady::time_point lastMoved_ = Steady::now();
+        std::optional<Steady::time_point> sent_;
+    };
+
     /// The transfer is part of the engine for as long as this lives.
     class Attachment {
       public:
@@ -219,6 +259,9 @@ class CurlHttpClient::Lane {
         set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
         set(CURLOPT_NOSIGNAL, 1L);
         set(CURLOPT_QUICK_EXIT, 1L); // a stop does not wait for a name server
+        // A request is repeated when a connection from an earlier one breaks, whether or not the
+        // service had it already.
+        set(CURLOPT_FRESH_CONNECT, request.isCreation ? 1L : 0L);
         if (isLoopbackHost(request.url.host()))
             set(CURLOPT_PROXY, "");
         set(CURLOPT_OPENSOCKETFUNCTION, &Lane::openSocket);
@@ -248,34 +291,25 @@ class CurlHttpClient::Lane {
     }
 
     CURLcode run(const HttpRequest& request, std::int64_t bodySize, const std::stop_token& stop) {
-        using Steady = std::chrono::steady_clock;
-        using Milliseconds = std::chrono::milliseconds;
         const Attachment attachment(multi_.get(), easy_.get());
         const std::stop_callback wake(stop, [this] { curl_multi_wakeup(multi_.get()); });
-        Activity last;
-        Steady::time_point since = Steady::now();
+        Patience patience(request, bodySize);
+        std::int64_t sent = 0;
         while (true) {
             int running = 0;
             require(curl_multi_perform(multi_.get(), &running));
             const Activity now = activity();
-            if (request.onProgress && now.sent != last.sent)
+            if (request.onProgress && now.sent != sent)
                 request.onProgress(now.sent, bodySize);
+            sent = now.sent;
             if (running == 0)
                 return result();
             if (stop.stop_requested())
                 throw Cancelled();
-            if (now != last)
-                since = Steady::now();
-            last = now;
-            const auto patience = request.timeout - (Steady::now() - since);
-            if (patience <= Milliseconds(0))
-                throw TransportError(QStringLiteral("Sunucu %1 saniyedir yanıt vermiyor "
-                                                    "(connection): zaman aşımı")
-                                         .arg(request.timeout.count()));
             // Nothing wakes the engine when the system's own send buffer drains: look once a
             // second.
-            const auto wait = std::chrono::ceil<Milliseconds>(
-                std::min<Steady::duration>(patience, std::chrono::seconds(1)));
+            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(
+                std::min<Patience::Duration>(patience.left(now), std::chrono::seconds(1)));
             require(
                 curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(wait.count()), nullptr));
         }

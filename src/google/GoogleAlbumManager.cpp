@@ -144,6 +144,7 @@ GoogleAlbum GoogleAlbumManager::createAlbum(const QString& title, std::stop_toke
     HttpRequest request;
     request.method = "POST";
     request.url = albumsEndpoint_;
+    request.isCreation = true;
     request.headers = {{"Authorization", bearer(tokens_.validAccessToken(stop))},
                        {"Content-Type", "application/json"}};
     request.body = QJsonDocument(QJsonObject{{QStringLiteral("album"),

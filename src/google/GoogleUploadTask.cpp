@@ -5,49 +5,55 @@
 
 #include <QStringDecoder>
 
+#include <algorithm>
+
 namespace quorvane {
 
 namespace {
 
 /// What a URL path may hold unencoded besides letters, digits and "-._~" (RFC 3986, `pchar` and
-/// "/").
-constexpr const char* pathCharacters = "!$&'()*+,;=:@/";
+/// "/"), without the ";" that separates a segment's parameters.
+constexpr const char* pathCharacters = "!$&'()*+,=:@/";
+
+constexpr qsizetype largestToken = 8 << 10; // bytes
+
+/// White space and the like, or the page of somebody between us and Google.
+bool isNoTokenCharacter(QChar character) {
+    return character.isSpace() || !character.isPrint() || character == u'<';
+}
 
 QString uploadTokenFrom(const QByteArray& body) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString token = QString(decoder(body)).trimmed();
     if (decoder.hasError() || token.isEmpty())
         throw UploadError::emptyToken();
+    if (body.size() > largestToken || std::ranges::any_of(token, isNoTokenCharacter))
+        throw UploadError::noToken();
     return token;
 }
 
 } // namespace
 
 GoogleUploadTask::GoogleUploadTask(HttpClient& http, AccessTokenProvider& tokens,
-                                   TransferActivityTracker& tracker,
                                    const GoogleEndpoints& endpoints)
     : http_(http),
       tokens_(tokens),
-      tracker_(tracker),
       uploadEndpoint_(endpoints.library(QStringLiteral("/v1/uploads"))) {}
 
-QString GoogleUploadTask::upload(const SyncRecord& record, const std::filesystem::path& file,
-                                 const QString& fileName, std::stop_token stop) {
-    const QString token = tokens_.validAccessToken(stop);
+QString GoogleUploadTask::upload(const std::filesystem::path& file, const QString& fileName,
+                                 const HttpRequest::Progress& progress, std::stop_token stop) {
     HttpRequest request;
     request.method = "POST";
     request.url = uploadEndpoint_;
     request.headers = {
-        {"Authorization", "Bearer " + token.toUtf8()},
+        {"Authorization", "Bearer " + tokens_.validAccessToken(stop).toUtf8()},
         {"Content-Type", "application/octet-stream"},
         {"X-Goog-Upload-Content-Type", mimeType(file)},
         {"X-Goog-Upload-Protocol", "raw"},
         {"X-Goog-Upload-File-Name", QUrl::toPercentEncoding(fileName, pathCharacters)},
     };
     request.bodyFile = file;
-    request.onProgress = [&](std::int64_t sent, std::int64_t total) {
-        tracker_.updateProgress(record.assetLocalIdentifier, sent, total);
-    };
+    request.onProgress = progress;
     const HttpResponse response = http_.send(request, stop);
     if (response.status != 200)
         throw UploadError::httpError(response.status);

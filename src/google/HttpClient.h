@@ -25,8 +25,12 @@ struct HttpRequest {
     QByteArray body;
     std::optional<std::filesystem::path> bodyFile; ///< streamed instead of `body`
     std::chrono::seconds timeout{60};              ///< the longest time without any data
+    std::chrono::seconds answerLimit{300}; ///< from the request's last byte to the answer's last
+    /// Makes something at the service: never sent a second time on the client's own account.
+    bool isCreation = false;
     /// Bytes of the body sent so far and in all; called on the sending thread.
-    std::function<void(std::int64_t sent, std::int64_t total)> onProgress;
+    using Progress = std::function<void(std::int64_t sent, std::int64_t total)>;
+    Progress onProgress;
 };
 
 struct HttpResponse {

@@ -13,4 +13,8 @@ UploadError UploadError::emptyToken() {
     return {Case::emptyToken, 0, QStringLiteral("[Upload] Bos uploadToken")};
 }
 
+UploadError UploadError::noToken() {
+    return {Case::noToken, 0, QStringLiteral("[Upload] Gecersiz uploadToken")};
+}
+
 } // namespace quorvane

@@ -9,11 +9,13 @@ class UploadError : public Error {
   public:
     enum class Case {
         httpError,  ///< carries the HTTP status
-        emptyToken, ///< answered without an upload token
+        emptyToken, ///< answered with nothing
+        noToken,    ///< answered with something that is no upload token
     };
 
     static UploadError httpError(int status);
     static UploadError emptyToken();
+    static UploadError noToken();
 
     Case which() const noexcept { return case_; }
     int status() const noexcept { return status_; } ///< 0 unless `httpError`

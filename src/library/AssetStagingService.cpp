@@ -1,13 +1,11 @@
 #include "library/AssetStagingService.h"
 
-#include "foundation/Crypto.h"
 #include "foundation/File.h"
 #include "library/StagedName.h"
 
 #include <algorithm>
 #include <cerrno>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,7 +15,6 @@ namespace {
 
 /// How many pending records one call looks at.
 constexpr size_t recordsPerCall = 10;
-constexpr qsizetype chunkSize = 1 << 20;
 
 /// True when a staged file is there. Something else in its place is refused: what a link leads to
 /// is not ours to rewrite.
@@ -28,6 +25,18 @@ bool isStaged(const std::filesystem::path& file) {
     if (!S_ISREG(info.st_mode))
         throw FileError(QStringLiteral("Hazırlık dosyası yerinde başka bir şey var"), file, EEXIST);
     return true;
+}
+
+bool isDiskFull(const FileError& error) {
+    return error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT;
+}
+
+StagedFile proven(const std::filesystem::path& file, const HashAndSize& content,
+                  const QString& originalName = {}) {
+    const auto version = fileVersion(file);
+    if (!version)
+        throw FileError(QStringLiteral("Dosya okunamadı"), file, ENOENT);
+    return {file, originalName, content, *version};
 }
 
 } // namespace
@@ -42,50 +51,44 @@ resourceToStage(const std::vector<PhotoAssetResource>& resources) {
     return std::nullopt;
 }
 
-AssetStagingService::AssetStagingService(PhotoLibrary& library, DatabaseManager& database,
-                                         MediaMetadataService& metadata, const UserFolders& folders,
-                                         Console& console)
-    : library_(library),
-      database_(database),
-      metadata_(metadata),
-      console_(console),
-      permanent_(folders.permanentStaging(), StagingFolder::Access::any),
-      temporary_(folders.temporaryStaging, StagingFolder::Access::privateOnly) {
-    permanent_.create();
-    temporary_.create();
-    if (!temporary_.isUsable())
-        console_.print(
+AssetStagingService::AssetStagingService(Services services, const StatePlace& place,
+                                         std::filesystem::path lockFile)
+    : s_(services), lockFile_(std::move(lockFile)), copies_(place, services.database) {
+    if (!copies_.create())
+        s_.console.print(
             QStringLiteral("[Staging] Geçici klasör bu kullanıcıya özel değil, kullanılmayacak: ") +
-            pathText(temporary_.path()));
+            pathText(place.temporaryStaging));
 }
 
 void AssetStagingService::stageDiscoveredAssets(std::stop_token stop) {
     std::vector<SyncRecord> records;
     try {
+        const std::lock_guard lock(mutex_);
         records = recordsToStage();
     } catch (const DBError& error) {
-        console_.print(QStringLiteral("[Staging] Bekleyen kayıtlar okunamadı: ") +
-                       error.localizedDescription());
+        s_.console.print(QStringLiteral("[Staging] Bekleyen kayıtlar okunamadı: ") +
+                         error.localizedDescription());
     }
-    stageDiscoveredAssets(records, stop);
-}
-
-void AssetStagingService::stageDiscoveredAssets(const std::vector<SyncRecord>& records,
-                                                std::stop_token stop) {
     for (const SyncRecord& record : records) {
-        const std::lock_guard lock(mutex_);
         if (stop.stop_requested())
             throw Cancelled();
-        stageAsset(record, stop);
+        try {
+            const std::lock_guard lock(mutex_);
+            const FileLock processLock(lockFile_, stop);
+            const auto source = sourceOf(record.assetLocalIdentifier);
+            if (source && !mayBeKnown(source->resource))
+                stageLocked(record, stop);
+        } catch (const Error& error) {
+            printError(record.assetLocalIdentifier, error.localizedDescription());
+        }
     }
 }
 
 /// Records whose asset was missing would fill the ten places for ever and keep all younger ones
 /// from being staged. So they take no place, and at most ten of them, in turn, are tried again.
 std::vector<SyncRecord> AssetStagingService::recordsToStage() {
-    const std::lock_guard lock(mutex_);
     const std::vector<SyncRecord> pending =
-        database_.fetchPendingRecords(static_cast<int>(recordsPerCall + unavailable_.size()));
+        s_.database.fetchPendingRecords(static_cast<int>(recordsPerCall + unavailable_.size()));
     const auto wasMissing = [this](const SyncRecord& record) {
         return unavailable_.contains(record.assetLocalIdentifier);
     };
@@ -110,41 +113,113 @@ std::vector<SyncRecord> AssetStagingService::recordsToStage() {
     return due;
 }
 
-void AssetStagingService::stageAsset(const SyncRecord& record, const std::stop_token& stop) {
-    const QString& identifier = record.assetLocalIdentifier;
+bool AssetStagingService::mayBeKnown(const PhotoAssetResource& resource) {
+    const auto sample = s_.library.sampleOf(resource);
+    return sample && s_.known.hasSample(*sample);
+}
+
+std::optional<StagedFile> AssetStagingService::stage(const SyncRecord& record,
+                                                     const std::stop_token& stop) {
+    const std::lock_guard lock(mutex_);
+    const FileLock processLock(lockFile_, stop);
+    if (stop.stop_requested())
+        throw Cancelled();
+    return stageLocked(record, stop);
+}
+
+/// The record is read again: another caller, in this process or another, may have staged it since.
+std::optional<StagedFile> AssetStagingService::stageLocked(const SyncRecord& before,
+                                                           const std::stop_token& stop) {
+    const QString& identifier = before.assetLocalIdentifier;
+    const auto record = s_.database.fetchRecord(identifier, before.providerID, before.accountID);
+    const bool isStaged = record && record->syncStatus == SyncStatus::staged;
+    if (!record || (!isStaged && record->syncStatus != SyncStatus::discovered))
+        return std::nullopt;
+    if (isStaged)
+        if (auto file = provenCopy(*record, stop))
+            return file;
     std::optional<Source> source;
     try {
-        // Another caller may have staged it since the records were read.
-        if (!database_.ifStatusIs(SyncStatus::discovered, record, [] {}))
-            return;
         source = sourceOf(identifier);
-    } catch (const Cancelled&) {
-        throw;
-    } catch (const std::exception& error) { // the store or the library cannot be read
-        printError(identifier, describe(error));
-        return; // nothing was tried yet: the record stays as it is
+    } catch (const PhotoLibraryError& error) { // nothing was tried yet: the record stays as it is
+        printError(identifier, error.localizedDescription());
+        return std::nullopt;
     }
-    if (!source)
-        return;
+    if (!source && isStaged && !record->sha256Hash)
+        return rescue(*record, stop);
+    if (isStaged)
+        s_.life.requeued(*record);
+    if (!source) {
+        const auto file = provenCopy(*record, stop);
+        return file ? recordCopy(*record, *file, s_.life.sourceOf(identifier)) : std::nullopt;
+    }
     unavailable_.erase(identifier);
+    return stageAsset(*record, *source, stop);
+}
+
+std::optional<StagedFile> AssetStagingService::stageAsset(const SyncRecord& record,
+                                                          const Source& source,
+                                                          const std::stop_token& stop) {
+    const QString& identifier = record.assetLocalIdentifier;
     try {
-        exportAndRecord(record, *source, stop);
-    } catch (const Cancelled&) {
+        if (isUnchanged(identifier, source.resource))
+            if (const auto file = provenCopy(record, stop)) // its run was stopped while sending
+                return recordCopy(record, *file, s_.life.sourceOf(identifier));
+        return exportAndRecord(record, source, stop);
+    } catch (const FileError& error) {
+        if (isDiskFull(error))
+            throw StagingDiskFull(error.localizedDescription());
+        printError(identifier, error.localizedDescription());
+        s_.life.stageFailed(record, error.localizedDescription());
+    } catch (const DBError&) {
         throw;
-    } catch (const std::exception& error) {
-        printError(identifier, describe(error));
-        recordFailure(record, describe(error));
+    } catch (const Error& error) {
+        printError(identifier, error.localizedDescription());
+        s_.life.stageFailed(record, error.localizedDescription());
     }
+    return std::nullopt;
+}
+
+/// None when there is no copy, or when its bytes are not those of the record.
+std::optional<StagedFile> AssetStagingService::provenCopy(const SyncRecord& record,
+                                                          const std::stop_token& stop) {
+    if (!record.sha256Hash || !record.fileSizeBytes)
+        return std::nullopt;
+    const auto file = copies_.find(record.assetLocalIdentifier);
+    if (!file)
+        return std::nullopt;
+    const HashAndSize expected{*record.sha256Hash, *record.fileSizeBytes};
+    try {
+        if (copies_.hashOf(*file, stop) == expected)
+            return proven(*file, expected);
+    } catch (const FileError& error) { // a copy that cannot be read is made anew
+        printError(record.assetLocalIdentifier, error.localizedDescription());
+    }
+    return std::nullopt;
+}
+
+/// The copy is all that is left of the asset. It is sent as it is and never proves anything, since
+/// nobody knows what it was made of.
+std::optional<StagedFile> AssetStagingService::rescue(SyncRecord record,
+                                                      const std::stop_token& stop) {
+    const auto file = copies_.find(record.assetLocalIdentifier);
+    if (!file)
+        return std::nullopt;
+    unavailable_.erase(record.assetLocalIdentifier);
+    const HashAndSize content = copies_.hashOf(*file, stop);
+    record.sha256Hash = content.sha256;
+    record.fileSizeBytes = content.sizeBytes;
+    return s_.life.redated(record) ? std::optional(proven(*file, content)) : std::nullopt;
 }
 
 std::optional<AssetStagingService::Source>
 AssetStagingService::sourceOf(const QString& identifier) {
-    const AssetFetchResult assets = library_.fetchAssets(QStringList{identifier});
+    const AssetFetchResult assets = s_.library.fetchAssets(QStringList{identifier});
     if (!assets || assets->empty()) {
         missing(QStringLiteral("Asset"), identifier);
         return std::nullopt;
     }
-    const auto resource = resourceToStage(library_.assetResources(assets->front()));
+    const auto resource = resourceToStage(s_.library.assetResources(assets->front()));
     if (!resource) {
         missing(QStringLiteral("Resource"), identifier);
         return std::nullopt;
@@ -152,123 +227,190 @@ AssetStagingService::sourceOf(const QString& identifier) {
     return Source{assets->front(), *resource};
 }
 
-void AssetStagingService::exportAndRecord(const SyncRecord& record, const Source& source,
-                                          const std::stop_token& stop) {
-    StagingFolder& folder = folderForStaging();
+/// None when the record was cleared or moved on meanwhile: it is not brought back to this state.
+std::optional<StagedFile>
+AssetStagingService::recordCopy(const SyncRecord& record, const StagedFile& copy,
+                                const std::optional<RecordSource>& source) {
+    SyncRecord staged = record;
+    staged.sha256Hash = copy.content.sha256;
+    staged.fileSizeBytes = copy.content.sizeBytes;
+    if (!s_.life.staged(staged, source))
+        return std::nullopt;
+    return copy;
+}
+
+std::optional<StagedFile> AssetStagingService::exportAndRecord(const SyncRecord& record,
+                                                               const Source& source,
+                                                               const std::stop_token& stop) {
+    StagingFolder& folder = copies_.folderForStaging();
     const std::filesystem::path name =
         stagedFileName(record.assetLocalIdentifier, source.resource.originalFilename);
     const std::filesystem::path file = folder.path() / name;
+    auto aside = makeWay(source, file);
     const StagingFolder::OwnChange change(folder, name);
     try {
-        if (!isStaged(file))
-            library_.writeData(source.resource, file, stop);
-        // Without a fallback: whether a file with no date may be uploaded is decided by the sync.
-        metadata_.ensureMetadata(file, source.asset.facts(), std::nullopt,
-                                 DateFallbackMode::strictNone);
-        const HashAndSize content = computeHashAndSize(file, stop);
-        console_.print(
-            QStringLiteral("[Staging] Tamamlandı (Metadata Enjekte Edildi): %1 (%2 bytes)")
-                .arg(source.resource.originalFilename, QString::number(content.sizeBytes)));
-        SyncRecord staged = record;
-        staged.sha256Hash = content.sha256;
-        staged.fileSizeBytes = content.sizeBytes;
-        staged.uploadToken.reset();
-        staged.syncStatus = SyncStatus::staged;
-        // A record that was cleared or moved on meanwhile must not be brought back to this state.
-        database_.ifStatusIs(SyncStatus::discovered, record,
-                             [&] { database_.upsertRecord(staged); });
-    } catch (const Cancelled&) {
-        throw;
-    } catch (...) {
-        ::unlink(file.c_str());
+        if (source.resource.fileSize && !copies_.makeRoom(*source.resource.fileSize))
+            throw FileError(QStringLiteral("Dosya kopyalanamadı"), file, ENOSPC);
+        const auto [copy, original] = exportDated(record, source, file, stop);
+        if (aside)
+            settleAside(*aside, original, copy, stop);
+        aside.reset();
+        auto staged = recordCopy(record, copy, original);
+        if (!staged) // recovery would bring it back to the queue
+            ::unlink(file.c_str());
+        return staged;
+    } catch (const std::exception& error) {
+        if (aside)
+            tellAside(*aside);
+        if (dynamic_cast<const Cancelled*>(&error) == nullptr) // a large file takes its time
+            ::unlink(file.c_str());
         throw;
     }
 }
 
-void AssetStagingService::recordFailure(const SyncRecord& record, const QString& reason) {
-    try {
-        database_.ifStatusIs(SyncStatus::discovered, record, [&] {
-            database_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID,
-                                   SyncStatus::failed, std::nullopt, std::nullopt, reason);
-        });
-    } catch (const DBError& error) {
-        printError(record.assetLocalIdentifier, error.localizedDescription());
-    }
+/// What is in the place of the copy to come has bytes that nobody knows. It may be the last of an
+/// original that has changed since; then its new place is returned.
+std::optional<std::filesystem::path>
+AssetStagingService::makeWay(const Source& source, const std::filesystem::path& file) {
+    const QString& identifier = source.asset.localIdentifier;
+    std::optional<std::filesystem::path> old;
+    if (isStaged(file))
+        old = file;
+    else if (s_.life.sourceOf(identifier)) // else nothing was ever staged of it, by any name
+        old = copies_.find(identifier);
+    if (!old)
+        return std::nullopt;
+    if (!isUnchanged(identifier, source.resource))
+        return copies_.setAside(*old);
+    copies_.removeAll(identifier);
+    return std::nullopt;
+}
+
+std::pair<StagedFile, RecordSource>
+AssetStagingService::exportDated(const SyncRecord& record, const Source& source,
+                                 const std::filesystem::path& file, const std::stop_token& stop) {
+    const SourceContent content = s_.library.writeData(source.resource, file, stop);
+    const RecordSource original{content.sha256, content.version, content.sample};
+    // A movie is dated in place: a kill in between leaves bytes that nobody else could explain.
+    if (record.mediaType == MediaType::video)
+        s_.life.exporting(record, original);
+    // Without a fallback: whether a file with no date may be uploaded is decided by the sync.
+    s_.metadata.ensureMetadata(file, source.asset.facts(), std::nullopt,
+                               DateFallbackMode::strictNone, source.resource.originalFilename,
+                               stop);
+    const HashAndSize dated = copies_.hashOf(file, stop);
+    s_.console.print(QStringLiteral("[Staging] Tamamlandı (Metadata Enjekte Edildi): %1 (%2 bytes)")
+                         .arg(source.resource.originalFilename, QString::number(dated.sizeBytes)));
+    return {proven(file, dated, source.resource.originalFilename), original};
+}
+
+/// The original gave the same bytes again, or this is all that is left of another version.
+void AssetStagingService::settleAside(const std::filesystem::path& aside,
+                                      const RecordSource& original, const StagedFile& copy,
+                                      const std::stop_token& stop) {
+    const HashAndSize old = copies_.hashOf(aside, stop);
+    if (old == copy.content || old.sha256 == original.sha256)
+        copies_.removeAside(aside);
+    else
+        tellAside(aside);
+}
+
+/// True when the original is, as far as its file system tells, what was staged from it last.
+bool AssetStagingService::isUnchanged(const QString& identifier,
+                                      const PhotoAssetResource& resource) {
+    const auto source = s_.life.sourceOf(identifier);
+    return source && s_.library.versionOf(resource) == source->version;
+}
+
+bool AssetStagingService::isOriginalUnchanged(const QString& identifier) {
+    const AssetFetchResult assets = s_.library.fetchAssets(QStringList{identifier});
+    const auto resource = assets && !assets->empty()
+                              ? resourceToStage(s_.library.assetResources(assets->front()))
+                              : std::nullopt;
+    return resource && isUnchanged(identifier, *resource);
 }
 
 void AssetStagingService::missing(const QString& what, const QString& identifier) {
     unavailable_.insert(identifier);
-    console_.print(QStringLiteral("[Staging] %1 bulunamadı: ").arg(what) + identifier);
+    s_.console.print(QStringLiteral("[Staging] %1 bulunamadı: ").arg(what) + identifier);
 }
 
 void AssetStagingService::printError(const QString& identifier, const QString& reason) {
-    console_.print(QStringLiteral("[Staging] Hata ") + identifier + QStringLiteral(": ") + reason);
+    s_.console.print(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason));
 }
 
-StagingFolder& AssetStagingService::folderForStaging() {
-    if (permanent_.isUsable())
-        return permanent_;
-    if (temporary_.isUsable())
-        return temporary_;
-    throw Error(QStringLiteral("Hazırlık klasörü yok: ") + pathText(permanent_.path()));
-}
-
-bool AssetStagingService::isUnavailable(const QString& identifier) const {
-    const std::lock_guard lock(mutex_);
-    return unavailable_.contains(identifier);
+void AssetStagingService::tellAside(const std::filesystem::path& aside) {
+    s_.console.print(
+        QStringLiteral("[Staging] ⚠️ Aslı değişmiş bir kopya kenara alındı: ") +
+        pathText(aside));
 }
 
 std::optional<std::filesystem::path>
 AssetStagingService::findStagingFile(const QString& identifier) {
     const std::lock_guard lock(mutex_);
-    const QString prefix = safeId(identifier);
-    auto file = permanent_.find(prefix);
-    return file ? file : temporary_.find(prefix);
+    return copies_.find(identifier);
 }
 
-void AssetStagingService::removeFromStaging(const QString& identifier) {
-    const std::lock_guard lock(mutex_);
-    const QString prefix = safeId(identifier);
-    permanent_.removeAll(prefix);
-    temporary_.removeAll(prefix);
+void AssetStagingService::removeFromStaging(const QString& identifier) noexcept {
+    try {
+        const std::lock_guard lock(mutex_);
+        const FileLock processLock(lockFile_);
+        copies_.removeAll(identifier);
+    } catch (const std::exception& error) { // the copy stays a while longer
+        printError(identifier, describe(error));
+    }
 }
 
-MetadataResult AssetStagingService::ensureMetadata(const std::filesystem::path& stagedFile,
-                                                   const QString& identifier,
-                                                   DateFallbackMode fallbackMode) {
+bool AssetStagingService::discard(const QString& identifier) noexcept {
+    try {
+        const std::lock_guard lock(mutex_);
+        const FileLock processLock(lockFile_);
+        const auto file = copies_.find(identifier);
+        if (!file)
+            return true;
+        if (isOriginalUnchanged(identifier))
+            copies_.removeAll(identifier);
+        else
+            tellAside(copies_.setAside(*file));
+        return true;
+    } catch (const std::exception& error) { // nothing is lost
+        printError(identifier, describe(error));
+        return false;
+    }
+}
+
+void AssetStagingService::wasSent(const QString& identifier) noexcept {
+    try {
+        const std::lock_guard lock(mutex_);
+        copies_.wasSent(identifier);
+    } catch (const std::exception& error) { // the copy stays a while longer
+        printError(identifier, describe(error));
+    }
+}
+
+MetadataResult AssetStagingService::ensureMetadata(StagedFile& file, const SyncRecord& record,
+                                                   DateFallbackMode fallbackMode,
+                                                   const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
-    StagingFolder& folder = stagedFile.parent_path() == temporary_.path() ? temporary_ : permanent_;
-    const StagingFolder::OwnChange change(folder, stagedFile.filename());
-    return metadata_.ensureMetadata(stagedFile, std::nullopt, identifier, fallbackMode);
+    const FileLock processLock(lockFile_, stop);
+    const StagingFolder::OwnChange change(copies_.folderOf(file.path), file.path.filename());
+    const MetadataResult result =
+        s_.metadata.ensureMetadata(file.path, std::nullopt, record.assetLocalIdentifier,
+                                   fallbackMode, file.originalName, stop);
+    if (result.which != MetadataResult::Case::success)
+        return result;
+    SyncRecord redated = record;
+    file = proven(file.path, copies_.hashOf(file.path, stop), file.originalName);
+    redated.sha256Hash = file.content.sha256;
+    redated.fileSizeBytes = file.content.sizeBytes;
+    s_.life.redated(redated);
+    return result;
 }
 
 void AssetStagingService::removeLeftovers(const std::stop_token& stop) {
     const std::lock_guard lock(mutex_);
-    permanent_.removeLeftovers(stop);
-    temporary_.removeLeftovers(stop);
-}
-
-HashAndSize AssetStagingService::computeHashAndSize(const std::filesystem::path& file,
-                                                    std::stop_token stop) {
-    const FileDescriptor descriptor = openFile(file, O_RDONLY);
-    QByteArray chunk(chunkSize, Qt::Uninitialized);
-    Sha256 hash;
-    HashAndSize result;
-    while (true) {
-        if (stop.stop_requested())
-            throw Cancelled();
-        const ssize_t n = ::read(descriptor.get(), chunk.data(), static_cast<size_t>(chunkSize));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0)
-            throw FileError(QStringLiteral("Dosya okunamadı"), file, errno);
-        if (n == 0)
-            break;
-        hash.add(QByteArrayView(chunk.constData(), n));
-        result.sizeBytes += n;
-    }
-    result.sha256 = QString::fromLatin1(hash.finish().toHex());
-    return result;
+    const FileLock processLock(lockFile_, stop);
+    copies_.removeLeftovers(stop);
 }
 
 } // namespace quorvane

@@ -1,72 +1,87 @@
 #pragma once
 
 #include "foundation/Console.h"
-#include "foundation/UserFolders.h"
+#include "foundation/FileLock.h"
 #include "library/PhotoLibrary.h"
-#include "library/StagingFolder.h"
+#include "library/StagedCopies.h"
 #include "metadata/MediaMetadataService.h"
-#include "store/DatabaseManager.h"
+#include "store/KnownContents.h"
+#include "store/RecordLife.h"
 
-#include <cstdint>
-#include <filesystem>
 #include <mutex>
-#include <optional>
 #include <set>
-#include <stop_token>
-#include <vector>
 
 namespace quorvane {
-
-/// The whole file's digest (64 lower-case hexadecimal digits) and its length in bytes.
-struct HashAndSize {
-    QString sha256;
-    std::int64_t sizeBytes = 0;
-};
 
 /// The resource that stands for an asset: the first, in the library's order, that is a photo, a
 /// video or a full-size photo.
 std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
 
+/// A staged file whose bytes are those that its record tells of.
+struct StagedFile {
+    std::filesystem::path path;
+    QString originalName; ///< in the library; empty where only the copy's own is known
+    HashAndSize content;
+    FileVersion version; ///< as it was when the content was made sure of
+};
+
+/// The disk has no room for the next file, not even without the copies that are no longer needed.
+class StagingDiskFull : public Error {
+  public:
+    using Error::Error;
+};
+
 /// Exports assets into a staging folder, has their capture date made explicit there, and finds and
-/// removes the staged files. Any thread; one asset is worked on at a time, whoever asks, and the
-/// others wait: an asset's file is never looked for, rewritten or removed while it is being made.
+/// removes the staged files. Any thread; one asset is worked on at a time, whoever asks, in all of
+/// the user's processes, and the others wait: an asset's file is never looked for, rewritten or
+/// removed while it is being made.
 class AssetStagingService {
   public:
-    /// Creates both staging folders, mode 0700.
-    AssetStagingService(PhotoLibrary& library, DatabaseManager& database,
-                        MediaMetadataService& metadata, const UserFolders& folders,
-                        Console& console);
+    struct Services {
+        PhotoLibrary& library;
+        DatabaseManager& database;
+        RecordLife& life;
+        KnownContents& known;
+        MediaMetadataService& metadata;
+        Console& console;
+    };
 
-    /// Stages the DISCOVERED ones of the oldest ten pending records, one after another. Outcomes go
-    /// to the store and the console. Throws `Cancelled` when stopped: the record at hand stays as
-    /// it was.
+    /// Creates both staging folders, mode 0700. `lockFile` is one for all states of the user.
+    AssetStagingService(Services services, const StatePlace& place, std::filesystem::path lockFile);
+
+    /// Stages the DISCOVERED ones of the oldest ten pending records, one after another, without
+    /// those whose bytes may be at the destination already. Outcomes go to the store and the
+    /// console. Throws `Cancelled` when stopped: the record at hand stays as it was.
     void stageDiscoveredAssets(std::stop_token stop = {});
 
-    /// The same for these records, whatever their place in the queue.
-    void stageDiscoveredAssets(const std::vector<SyncRecord>& records, std::stop_token stop);
+    /// The record's staged file, made anew from the original unless there is one whose bytes are
+    /// proven. None when no file came of it: the record failed, or its original is not there now.
+    /// Throws `Cancelled`, `DBError`, and `StagingDiskFull`; the record stays pending then.
+    std::optional<StagedFile> stage(const SyncRecord& record, const std::stop_token& stop);
 
-    /// True when the asset, or a file of it that can be staged, was missing when last tried.
-    bool isUnavailable(const QString& identifier) const;
-
-    /// The asset's staged file; the permanent folder comes before the temporary one.
+    /// The asset's staged file, whatever its bytes.
     std::optional<std::filesystem::path> findStagingFile(const QString& identifier);
 
     /// Deletes every staged file of the asset; failures are ignored.
-    void removeFromStaging(const QString& identifier);
+    void removeFromStaging(const QString& identifier) noexcept;
 
-    /// `MediaMetadataService::ensureMetadata` for a staged file, in turn with the staging.
-    MetadataResult ensureMetadata(const std::filesystem::path& stagedFile,
-                                  const QString& identifier, DateFallbackMode fallbackMode);
+    /// The record left the queue unsent: its staged file goes, unless its original is not there as
+    /// it was any more. Then it is set aside, and the console says where. False when nobody could
+    /// tell: the file stays.
+    bool discard(const QString& identifier) noexcept;
 
-    /// Removes the temporary files of runs that died or were stopped. Call once, when no other
-    /// process stages.
+    /// The record was sent: its staged file is kept only as long as there is room.
+    void wasSent(const QString& identifier) noexcept;
+
+    /// `MediaMetadataService::ensureMetadata` for a staged file, in turn with the staging. The file
+    /// and its record tell of the new bytes afterwards.
+    MetadataResult ensureMetadata(StagedFile& file, const SyncRecord& record,
+                                  DateFallbackMode fallbackMode, const std::stop_token& stop);
+
+    /// Removes the temporary files of runs that died or were stopped.
     void removeLeftovers(const std::stop_token& stop = {});
 
-    const std::filesystem::path& permanentFolder() const { return permanent_.path(); }
-
-    /// Reads in chunks of 1 MiB. Throws `FileError`, or `Cancelled` between two chunks.
-    static HashAndSize computeHashAndSize(const std::filesystem::path& file,
-                                          std::stop_token stop = {});
+    const std::filesystem::path& permanentFolder() const { return copies_.permanentFolder(); }
 
   private:
     struct Source {
@@ -75,23 +90,34 @@ class AssetStagingService {
     };
 
     std::vector<SyncRecord> recordsToStage();
-    void stageAsset(const SyncRecord& record, const std::stop_token& stop);
+    bool mayBeKnown(const PhotoAssetResource& resource);
+    std::optional<StagedFile> stageLocked(const SyncRecord& record, const std::stop_token& stop);
+    std::optional<StagedFile> stageAsset(const SyncRecord& record, const Source& source,
+                                         const std::stop_token& stop);
+    std::optional<StagedFile> provenCopy(const SyncRecord& record, const std::stop_token& stop);
+    std::optional<StagedFile> rescue(SyncRecord record, const std::stop_token& stop);
     std::optional<Source> sourceOf(const QString& identifier);
-    void exportAndRecord(const SyncRecord& record, const Source& source,
-                         const std::stop_token& stop);
-    void recordFailure(const SyncRecord& record, const QString& reason);
+    std::optional<StagedFile> recordCopy(const SyncRecord& record, const StagedFile& copy,
+                                         const std::optional<RecordSource>& source);
+    std::optional<StagedFile> exportAndRecord(const SyncRecord& record, const Source& source,
+                                              const std::stop_token& stop);
+    std::pair<StagedFile, RecordSource> exportDated(const SyncRecord& record, const Source& source,
+                                                    const std::filesystem::path& file,
+                                                    const std::stop_token& stop);
+    std::optional<std::filesystem::path> makeWay(const Source& source,
+                                                 const std::filesystem::path& file);
+    void settleAside(const std::filesystem::path& aside, const RecordSource& original,
+                     const StagedFile& copy, const std::stop_token& stop);
+    bool isUnchanged(const QString& identifier, const PhotoAssetResource& resource);
+    bool isOriginalUnchanged(const QString& identifier);
     void missing(const QString& what, const QString& identifier);
     void printError(const QString& identifier, const QString& reason);
-    StagingFolder& folderForStaging();
+    void tellAside(const std::filesystem::path& aside);
 
-    PhotoLibrary& library_;
-    DatabaseManager& database_;
-    MediaMetadataService& metadata_;
-    Console& console_;
-    mutable std::mutex
-        mutex_; ///< held while one asset is exported: that wait is meant to be serial
-    StagingFolder permanent_;
-    StagingFolder temporary_;
+    Services s_;
+    const std::filesystem::path lockFile_;
+    std::mutex mutex_; ///< held while one asset is exported: that wait is meant to be serial
+    StagedCopies copies_;
     std::set<QString> unavailable_;
     size_t passes_ = 0;
 };

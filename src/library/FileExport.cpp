@@ -1,9 +1,13 @@
 #include "library/FileExport.h"
 
+#include "foundation/Crypto.h"
 #include "library/PhotoLibrary.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include <fcntl.h>
@@ -27,17 +31,13 @@ constexpr off_t removalStep = 32 << 20;
 // O_NONBLOCK: a FIFO that took a file's place must not hang the reader.
 constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
-struct stat statusOf(const FileDescriptor& file, const std::filesystem::path& path) {
+FileDescriptor requireRegularFile(FileDescriptor file, const std::filesystem::path& path) {
     struct stat status {};
     if (::fstat(file.get(), &status) != 0)
         throw FileError(QStringLiteral("Dosya okunamadı"), path, errno);
-    return status;
-}
-
-FileDescriptor requireRegularFile(FileDescriptor file, const std::filesystem::path& path) {
-    const mode_t mode = statusOf(file, path).st_mode;
-    if (!S_ISREG(mode))
-        throw FileError(QStringLiteral("Dosya okunamadı"), path, S_ISDIR(mode) ? EISDIR : EINVAL);
+    if (!S_ISREG(status.st_mode))
+        throw FileError(QStringLiteral("Dosya okunamadı"), path,
+                        S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
     return file;
 }
 
@@ -54,7 +54,7 @@ FileDescriptor openIn(const FileDescriptor& folder, const std::filesystem::path&
 
 [[noreturn]] void throwChanged(const std::filesystem::path& path) {
     throw PhotoLibraryError(
-        QStringLiteral("Özgün dosya kopyalanırken değişti: %1").arg(pathText(path)));
+        QStringLiteral("Özgün dosya okunurken değişti: %1").arg(pathText(path)));
 }
 
 bool cloneWhole(int from, int to) {
@@ -62,15 +62,6 @@ bool cloneWhole(int from, int to) {
     return ::ioctl(to, FICLONE, from) == 0;
 #else
     return from == to;
-#endif
-}
-
-/// Bytes copied inside the kernel, 0 or less where it cannot.
-ssize_t copyInKernel(int from, int to, size_t count) {
-#ifdef __linux__
-    return ::copy_file_range(from, nullptr, to, nullptr, count, 0);
-#else
-    return from == to ? static_cast<ssize_t>(count) : -1;
 #endif
 }
 
@@ -85,12 +76,10 @@ void requireRoom(std::int64_t bytes, const std::filesystem::path& destination) {
 /// A hidden sibling of the destination; removed unless it was published.
 class PartFile {
   public:
-    PartFile(const std::filesystem::path& destination, const std::stop_token& stop)
-        : path_(destination.parent_path() / ("." + destination.filename().native() + ".part")) {
-        if (!removeInSteps(path_, stop) && stop.stop_requested())
-            throw Cancelled();
-        file_ = openFile(path_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-    }
+    explicit PartFile(const std::filesystem::path& destination)
+        : path_(destination.parent_path() /
+                ("." + secureRandomBytes(8).toHex().toStdString() + ".part")),
+          file_(openFile(path_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, 0600)) {}
     ~PartFile() {
         if (file_.isOpen() && !isLeft_)
             ::unlink(path_.c_str());
@@ -105,70 +94,86 @@ class PartFile {
     }
 
     int fd() const { return file_.get(); }
-    const std::filesystem::path& path() const { return path_; }
+
+    void write(ByteView bytes) {
+        writeAll(file_.get(), bytes, path_);
+        unflushed_ += static_cast<std::int64_t>(bytes.size());
+        if (unflushed_ >= flushInterval)
+            flush();
+    }
+
+    void setModified(std::int64_t nanoseconds) {
+        constexpr std::int64_t second = 1'000'000'000;
+        const std::int64_t fraction = ((nanoseconds % second) + second) % second;
+        const struct timespec times[2] = {{0, UTIME_OMIT},
+                                          {(nanoseconds - fraction) / second, fraction}};
+        if (::futimens(file_.get(), times) != 0)
+            throw FileError(QStringLiteral("Dosyanın tarihi yazılamadı"), path_, errno);
+    }
 
     /// The content is flushed first, so that a whole name never stands for half a file. The folder
     /// is not: a name that a power cut takes back is exported again.
-    void publish(const std::filesystem::path& destination) {
-        flushFile(file_.get(), path_);
-        if (::rename(path_.c_str(), destination.c_str()) != 0)
-            throw FileError(QStringLiteral("Dosya yerine konamadı"), destination, errno);
+    void publish(const std::filesystem::path& destination, std::int64_t size) {
+        flush();
+        struct stat written {};
+        struct stat named {};
+        if (::fstat(file_.get(), &written) != 0 || ::lstat(path_.c_str(), &named) != 0 ||
+            written.st_dev != named.st_dev || written.st_ino != named.st_ino ||
+            written.st_size != size)
+            throw PhotoLibraryError(
+                QStringLiteral("Kopya yazılırken başka bir program onu değiştirdi: %1")
+                    .arg(pathText(destination)));
+        if (const int error = renameToNew(AT_FDCWD, path_, AT_FDCWD, destination))
+            throw FileError(QStringLiteral("Dosya yerine konamadı"), destination, error);
         file_ = FileDescriptor();
     }
 
   private:
+    void flush() {
+        flushFile(file_.get(), path_);
+        unflushed_ = 0;
+    }
+
     std::filesystem::path path_;
     FileDescriptor file_;
+    std::int64_t unflushed_ = 0;
     bool isLeft_ = false;
 };
 
-class Copy {
-  public:
-    Copy(int from, const std::filesystem::path& originalPath, const PartFile& part)
-        : from_(from), originalPath_(originalPath), part_(part) {}
-
-    void run(std::int64_t size, const std::stop_token& stop) {
-        std::int64_t flushed = 0;
-        for (std::int64_t done = 0; done < size;) {
-            if (stop.stop_requested())
-                throw Cancelled();
-            done += chunk(static_cast<size_t>(std::min(chunkSize, size - done)));
-            if (done - flushed >= flushInterval) {
-                flushFile(part_.fd(), part_.path());
-                flushed = done;
-            }
-        }
+/// Reads `size` bytes up to the end of a file, handing each chunk to `take`. Returns their digest.
+template <typename Take>
+QString digestOf(int file, std::int64_t size, const std::filesystem::path& path,
+                 const std::stop_token& stop, Take take) {
+    std::vector<std::uint8_t> buffer(
+        static_cast<size_t>(std::clamp(size, std::int64_t(1), chunkSize)));
+    Sha256 hash;
+    std::int64_t done = 0;
+    while (true) {
         if (stop.stop_requested())
             throw Cancelled();
-    }
-
-  private:
-    ssize_t chunk(size_t count) {
-        if (inKernel_) {
-            const ssize_t copied = copyInKernel(from_, part_.fd(), count);
-            if (copied > 0)
-                return copied;
-            inKernel_ = false; // Streaming either works or says what is wrong.
-        }
-        buffer_.resize(chunkSize);
-        ssize_t n = 0;
-        do {
-            n = ::read(from_, buffer_.data(), count);
-        } while (n < 0 && errno == EINTR);
+        const ssize_t n = ::read(file, buffer.data(), buffer.size());
+        if (n < 0 && errno == EINTR)
+            continue;
         if (n < 0)
-            throw FileError(QStringLiteral("Dosya okunamadı"), originalPath_, errno);
+            throw FileError(QStringLiteral("Dosya okunamadı"), path, errno);
+        done += n;
+        if (n == 0 ? done < size : done > size)
+            throwChanged(path);
         if (n == 0)
-            throwChanged(originalPath_);
-        writeAll(part_.fd(), {buffer_.data(), static_cast<size_t>(n)}, part_.path());
-        return n;
+            return QString::fromLatin1(hash.finish().toHex());
+        const ByteView chunk(buffer.data(), static_cast<size_t>(n));
+        hash.add(QByteArrayView(chunk.data(), n));
+        take(chunk);
     }
+}
 
-    int from_;
-    const std::filesystem::path& originalPath_;
-    const PartFile& part_;
-    bool inKernel_ = true;
-    std::vector<std::uint8_t> buffer_;
-};
+/// What the version still has, now that it was read.
+SourceContent settled(const FileDescriptor& original, const std::filesystem::path& path,
+                      const FileVersion& before, const QString& digest) {
+    if (fileVersion(original.get(), path) != before)
+        throwChanged(path);
+    return {digest, before, contentSample(original, path)};
+}
 
 } // namespace
 
@@ -176,8 +181,8 @@ FileDescriptor openOriginal(const std::filesystem::path& file) {
     return requireRegularFile(openFile(file, readFlags), file);
 }
 
-FileDescriptor openOriginalBeneath(const std::filesystem::path& root,
-                                   const std::filesystem::path& relative) {
+FileDescriptor openFolderOf(const std::filesystem::path& root,
+                            const std::filesystem::path& relative) {
     const std::filesystem::path path = root / relative;
     if (relative.empty() || relative.is_absolute())
         throw FileError(QStringLiteral("Dosya açılamadı"), path, EACCES);
@@ -188,33 +193,80 @@ FileDescriptor openOriginalBeneath(const std::filesystem::path& root,
             throw FileError(QStringLiteral("Dosya açılamadı"), path, EACCES);
         folder = openIn(folder, name, readFlags | O_DIRECTORY, path);
     }
-    return requireRegularFile(openIn(folder, relative.filename(), readFlags, path), path);
+    return folder;
 }
 
-void exportFile(const FileDescriptor& original, const std::filesystem::path& originalPath,
-                const std::filesystem::path& destination, std::stop_token stop) {
+FileDescriptor openOriginalBeneath(const std::filesystem::path& root,
+                                   const std::filesystem::path& relative) {
+    const std::filesystem::path path = root / relative;
+    return requireRegularFile(
+        openIn(openFolderOf(root, relative), relative.filename(), readFlags, path), path);
+}
+
+SourceContent readContent(const FileDescriptor& original, const std::filesystem::path& originalPath,
+                          const std::stop_token& stop) {
+    const FileVersion before = fileVersion(original.get(), originalPath);
+    const QString digest =
+        digestOf(original.get(), before.size, originalPath, stop, [](ByteView) {});
+    return settled(original, originalPath, before, digest);
+}
+
+SourceContent exportFile(const FileDescriptor& original, const std::filesystem::path& originalPath,
+                         const std::filesystem::path& destination, const std::stop_token& stop) {
     struct stat there {};
     if (::lstat(destination.c_str(), &there) == 0)
         throw FileError(QStringLiteral("Dosya kopyalanamadı"), destination, EEXIST);
-    const struct stat before = statusOf(original, originalPath);
-    PartFile part(destination, stop);
-    if (!cloneWhole(original.get(), part.fd())) {
-        requireRoom(before.st_size, destination);
-        try {
-            Copy(original.get(), originalPath, part).run(before.st_size, stop);
-        } catch (const Cancelled&) {
-            part.leaveIfLarge();
-            throw;
+    const FileVersion before = fileVersion(original.get(), originalPath);
+    PartFile part(destination);
+    QString digest;
+    try {
+        if (cloneWhole(original.get(), part.fd())) {
+            digest = digestOf(part.fd(), before.size, originalPath, stop, [](ByteView) {});
+        } else {
+            requireRoom(before.size, destination);
+            digest = digestOf(original.get(), before.size, originalPath, stop,
+                              [&part](ByteView chunk) { part.write(chunk); });
         }
+    } catch (const Cancelled&) {
+        part.leaveIfLarge();
+        throw;
     }
-    const struct stat after = statusOf(original, originalPath);
-    if (after.st_size != before.st_size || after.st_mtim.tv_sec != before.st_mtim.tv_sec ||
-        after.st_mtim.tv_nsec != before.st_mtim.tv_nsec)
-        throwChanged(originalPath);
-    const struct timespec times[2] = {{0, UTIME_OMIT}, before.st_mtim};
-    if (::futimens(part.fd(), times) != 0)
-        throw FileError(QStringLiteral("Dosyanın tarihi yazılamadı"), part.path(), errno);
-    part.publish(destination);
+    const SourceContent content = settled(original, originalPath, before, digest);
+    part.setModified(before.modified);
+    part.publish(destination, before.size);
+    return content;
+}
+
+std::int64_t contentSample(const FileDescriptor& original,
+                           const std::filesystem::path& originalPath) {
+    constexpr std::int64_t part = 4096;
+    const std::int64_t size = fileVersion(original.get(), originalPath).size;
+    std::array<char, part> bytes{};
+    Sha256 hash;
+    for (const std::int64_t offset : {std::int64_t{0}, std::max(std::int64_t{0}, size - part)}) {
+        const ssize_t n = ::pread(original.get(), bytes.data(), bytes.size(), offset);
+        if (n < 0)
+            throw FileError(QStringLiteral("Dosya okunamadı"), originalPath, errno);
+        hash.add(QByteArrayView(bytes.data(), n));
+    }
+    std::int64_t sample = 0;
+    std::memcpy(&sample, hash.finish().constData(), sizeof sample);
+    return sample ^ size;
+}
+
+int renameToNew(int fromFolder, const std::filesystem::path& from, int toFolder,
+                const std::filesystem::path& to) noexcept {
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(fromFolder, from.c_str(), toFolder, to.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+#endif
+    // A file system that cannot promise it: what appears in between is not expected.
+    struct stat there {};
+    if (::fstatat(toFolder, to.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0)
+        return EEXIST;
+    return ::renameat(fromFolder, from.c_str(), toFolder, to.c_str()) == 0 ? 0 : errno;
 }
 
 bool removeInSteps(const std::filesystem::path& file, const std::stop_token& stop) noexcept {

@@ -4,6 +4,10 @@
 
 #include <stop_token>
 
+namespace quorvane {
+struct SourceContent;
+}
+
 /// Reading originals and copying them out of a library. An original is only ever opened for
 /// reading. Any thread.
 namespace quorvane {
@@ -12,19 +16,37 @@ namespace quorvane {
 /// `FileError`.
 FileDescriptor openOriginal(const std::filesystem::path& file);
 
-/// The same for a file below `root`, given by its path inside it: no name on the way may be ".." or
-/// a symbolic link, so the file opened really is in `root`.
+/// The folder in which a file below `root`, given by its path inside it, has its name: no name on
+/// the way may be ".." or a symbolic link, so the folder really is in `root`. Throws `FileError`.
+FileDescriptor openFolderOf(const std::filesystem::path& root,
+                            const std::filesystem::path& relative);
+
+/// Opens the file itself in the same manner.
 FileDescriptor openOriginalBeneath(const std::filesystem::path& root,
                                    const std::filesystem::path& relative);
 
-/// Copies the opened `original` to `destination`, which must not exist: through a hidden sibling
-/// ".<name>.part" (one left by a dead run is replaced), flushed, with the original's modification
-/// time and mode 0600. The destination appears whole or not at all. Throws `FileError` (ENOSPC
-/// before the first byte when the disk has no room), `PhotoLibraryError` when the original changed
-/// meanwhile, `Cancelled` within a chunk after `stop`: a large sibling is then left to whoever
-/// removes leftovers. `originalPath` is for messages.
-void exportFile(const FileDescriptor& original, const std::filesystem::path& originalPath,
-                const std::filesystem::path& destination, std::stop_token stop);
+/// Reads the opened original from its beginning to its end. Throws `FileError`,
+/// `PhotoLibraryError` when it changed meanwhile, `Cancelled` within a chunk after `stop`.
+/// `originalPath` is for messages.
+SourceContent readContent(const FileDescriptor& original, const std::filesystem::path& originalPath,
+                          const std::stop_token& stop);
+
+/// The same, and what was read goes to `destination`, which must not exist: through a hidden
+/// sibling ".<16 digits>.part" that nobody else writes, flushed, with the original's modification
+/// time and mode 0600. The destination appears whole or not at all. Throws also when the disk has
+/// no room (ENOSPC, mostly before the first byte). When stopped, a large sibling is left to whoever
+/// removes leftovers.
+SourceContent exportFile(const FileDescriptor& original, const std::filesystem::path& originalPath,
+                         const std::filesystem::path& destination, const std::stop_token& stop);
+
+/// The sample of an opened original's content, for `SourceContent`. Throws `FileError`.
+std::int64_t contentSample(const FileDescriptor& original,
+                           const std::filesystem::path& originalPath);
+
+/// Renames a file, each name in a folder (a descriptor, or AT_FDCWD), but never over something that
+/// has the new name: EEXIST then. 0, or the system's error number.
+int renameToNew(int fromFolder, const std::filesystem::path& from, int toFolder,
+                const std::filesystem::path& to) noexcept;
 
 /// Deletes a file of any size. Freeing gigabytes at once takes seconds that no stop can cut short,
 /// so the file is shortened step by step first. False, with what is left of it, when stopped or

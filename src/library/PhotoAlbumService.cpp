@@ -73,8 +73,12 @@ std::optional<LocalAlbumItem> albumOf(const QString& line) {
 } // namespace
 
 PhotoAlbumService::PhotoAlbumService(PhotoLibrary& library, Preferences& preferences, Log& log,
-                                     PhotosAppScripts* photosApp)
-    : library_(library), preferences_(preferences), log_(log), photosApp_(photosApp) {}
+                                     QString libraryIdentity, PhotosAppScripts* photosApp)
+    : library_(library),
+      preferences_(preferences),
+      log_(log),
+      libraryIdentity_(std::move(libraryIdentity)),
+      photosApp_(photosApp) {}
 
 std::vector<LocalAlbumItem> PhotoAlbumService::performFetchLocalAlbums() {
     std::vector<LocalAlbumItem> albums;
@@ -145,24 +149,43 @@ std::vector<LocalAlbumItem> PhotoAlbumService::cachedAlbums() const {
 
 std::optional<QString> PhotoAlbumService::selectedSourceAlbumID() const {
     const auto albumID = preferences_.string(preferenceKeys::sourceAlbumID);
-    return albumID && !albumID->isEmpty() ? albumID : std::nullopt;
+    if (!albumID || albumID->isEmpty())
+        return std::nullopt;
+    const auto library = preferences_.string(preferenceKeys::sourceAlbumLibrary);
+    if (!library || *library == libraryIdentity_)
+        return albumID;
+    log_.log(
+        QStringLiteral("[PhotoAlbumService] ⚠️ Kayıtlı kaynak albüm başka bir arşive ait, "
+                       "uygulanmadı: ") +
+        preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(*albumID));
+    return std::nullopt;
 }
 
 void PhotoAlbumService::setSelectedSourceAlbumID(const std::optional<QString>& albumID) {
-    if (albumID && !albumID->isEmpty())
+    if (albumID && !albumID->isEmpty()) {
+        preferences_.setString(preferenceKeys::sourceAlbumLibrary, libraryIdentity_);
         preferences_.setString(preferenceKeys::sourceAlbumID, *albumID);
-    else
+    } else {
         preferences_.remove(preferenceKeys::sourceAlbumID);
+        preferences_.remove(preferenceKeys::sourceAlbumLibrary);
+    }
 }
 
-AssetFetchResult PhotoAlbumService::fetchAssets(const std::optional<QString>& albumID) {
+void PhotoAlbumService::selectForThisRun(const LocalAlbumItem& album) {
+    preferences_.setVolatile(preferenceKeys::sourceAlbumLibrary, libraryIdentity_);
+    preferences_.setVolatile(preferenceKeys::sourceAlbumID, album.id);
+    preferences_.setVolatile(preferenceKeys::sourceAlbumTitle, album.title);
+}
+
+AssetFetchResult PhotoAlbumService::fetchAssets(const std::optional<QString>& albumID,
+                                                std::stop_token stop) {
     if (albumID && albumID->startsWith(photosAppPrefix))
         return oldestFirst(library_.fetchAssets(
             fetchItemIDsFromApplePhotos(albumID->mid(photosAppPrefix.size()))));
     if (albumID)
         if (const auto album = library_.fetchAssetCollection(*albumID))
             return oldestFirst(library_.fetchAssets(*album));
-    return library_.fetchAssets();
+    return library_.fetchAssets(std::move(stop));
 }
 
 std::vector<LocalAlbumItem> PhotoAlbumService::fetchApplePhotosAlbums() {

@@ -28,9 +28,10 @@ struct LocalAlbumItem {
 /// assets. Failures are logged and yield empty lists. Any thread.
 class PhotoAlbumService {
   public:
-    /// `photosApp` is none where there is no Photos application; else it must outlive this.
+    /// `libraryIdentity` tells this library from every other. `photosApp` is none where there is no
+    /// Photos application; else it must outlive this.
     PhotoAlbumService(PhotoLibrary& library, Preferences& preferences, Log& log,
-                      PhotosAppScripts* photosApp = nullptr);
+                      QString libraryIdentity = {}, PhotosAppScripts* photosApp = nullptr);
 
     /// Builds the list of albums, keeps and returns it. Blocks.
     std::vector<LocalAlbumItem> performFetchLocalAlbums();
@@ -41,13 +42,16 @@ class PhotoAlbumService {
     /// The list last built; empty before the first.
     std::vector<LocalAlbumItem> cachedAlbums() const;
 
-    /// None is the whole library.
+    /// None is the whole library. A choice that was made in another library does not hold here,
+    /// which is logged.
     std::optional<QString> selectedSourceAlbumID() const;
     void setSelectedSourceAlbumID(const std::optional<QString>& albumID);
+    /// The source of this process only.
+    void selectForThisRun(const LocalAlbumItem& album);
 
     /// The album's assets, oldest first. Those of the whole library when `albumID` is none or names
     /// an album that is no more. Throws `PhotoLibraryError` when the library cannot be read.
-    AssetFetchResult fetchAssets(const std::optional<QString>& albumID);
+    AssetFetchResult fetchAssets(const std::optional<QString>& albumID, std::stop_token stop = {});
 
     /// Albums as the Photos application tells them; empty where there is none.
     std::vector<LocalAlbumItem> fetchApplePhotosAlbums();
@@ -62,6 +66,7 @@ class PhotoAlbumService {
     PhotoLibrary& library_;
     Preferences& preferences_;
     Log& log_;
+    const QString libraryIdentity_;
     PhotosAppScripts* photosApp_;
     mutable std::mutex cacheLock_;
     std::vector<LocalAlbumItem> cachedAlbums_;

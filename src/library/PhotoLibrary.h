@@ -2,6 +2,7 @@
 
 #include "foundation/Date.h"
 #include "foundation/Error.h"
+#include "foundation/FileVersion.h"
 #include "metadata/MetadataTypes.h"
 
 #include <QString>
@@ -63,6 +64,55 @@ struct PhotoAssetResource {
     QString originalFilename;
     std::optional<std::int64_t> fileSize; ///< bytes; absent when the bytes are not on this machine
     std::filesystem::path location;       ///< inside the library; absolute when it lies elsewhere
+};
+
+/// One version of an original: the digest of its bytes, and what its file system says of them. Two
+/// versions of the same digest are the same picture, whatever the times.
+struct SourceContent {
+    QString sha256; ///< 64 lower-case hexadecimal digits
+    FileVersion version;
+    std::int64_t sample = 0; ///< follows from the size, the beginning and the end of the bytes
+
+    bool operator==(const SourceContent&) const = default;
+};
+
+/// What a library left out when it was last listed. The first two are pictures and movies that a
+/// person would miss.
+struct LeftOut {
+    int unreadable = 0; ///< closed by permissions, or a fault of the disk
+    int inUse = 0;      ///< being written by another program
+    int hidden = 0;     ///< hidden pictures and movies, and links to some
+    int otherFiles = 0; ///< neither picture nor movie
+
+    int missed() const { return unreadable + inUse; }
+    bool operator==(const LeftOut&) const = default;
+};
+
+/// An original whose copy is safe, as far as the store knows.
+struct DeletionCandidate {
+    PhotoAsset asset;
+    SourceContent source; ///< what was staged and sent
+
+    bool operator==(const DeletionCandidate&) const = default;
+};
+
+/// Stands beside a library that removes originals. All calls come on the removing thread.
+class DeletionGuard {
+  public:
+    virtual ~DeletionGuard() = default;
+
+    /// Right before they would go, after the person's answer, at most `atOnce` at a time: those
+    /// that are still safe elsewhere. The others are left out without a further word.
+    virtual std::vector<DeletionCandidate>
+    stillSafe(const std::vector<DeletionCandidate>& candidates) = 0;
+
+    /// The very next thing is the removal. What this throws leaves the asset out.
+    virtual void willDelete(const DeletionCandidate& candidate) = 0;
+    virtual void didDelete(const DeletionCandidate& candidate) = 0;
+    /// It stays, and `reason` (one line, for a person) says why.
+    virtual void leftOut(const DeletionCandidate& candidate, const QString& reason) = 0;
+
+    static constexpr std::size_t atOnce = 50;
 };
 
 /// An immutable list of assets in the order of the fetch. Shared between threads.
@@ -137,8 +187,9 @@ class PhotoLibrary : public AssetFactsSource {
   public:
     virtual AuthorizationStatus authorizationStatus() const = 0;
 
-    /// Assets sorted by creation date, oldest first, then by the adapter's own stable order.
-    virtual AssetFetchResult fetchAssets() = 0;
+    /// Assets sorted by creation date, oldest first, then by the adapter's own stable order. It may
+    /// take as long as reading them all. Throws also `Cancelled`.
+    virtual AssetFetchResult fetchAssets(std::stop_token stop = {}) = 0;
     /// In the album's own order.
     virtual AssetFetchResult fetchAssets(const AssetCollection& collection) = 0;
     /// In the order asked for, without those that are not there.
@@ -155,14 +206,34 @@ class PhotoLibrary : public AssetFactsSource {
     virtual std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) = 0;
 
     /// Writes the resource's bytes to `destination`, which must not exist; it appears whole and
-    /// flushed, with the original's modification time, or not at all. Throws `PhotoLibraryError`,
-    /// `FileError`, or `Cancelled` when `stop` was requested.
-    virtual void writeData(const PhotoAssetResource& resource,
-                           const std::filesystem::path& destination, std::stop_token stop) = 0;
+    /// flushed, with the original's modification time, or not at all. Returns what was written, as
+    /// the original was before and after. Throws `PhotoLibraryError`, `FileError`, or `Cancelled`
+    /// when `stop` was requested.
+    virtual SourceContent writeData(const PhotoAssetResource& resource,
+                                    const std::filesystem::path& destination,
+                                    std::stop_token stop) = 0;
 
-    /// Asks the person, then removes all the assets, or none. Throws with the reason when the
-    /// person or the system refused.
-    virtual void deleteAssets(const std::vector<PhotoAsset>& assets) = 0;
+    /// The same without writing anything: reads the original from beginning to end.
+    virtual SourceContent readContent(const PhotoAssetResource& resource, std::stop_token stop) = 0;
+
+    /// The same originals have the same sample, and hardly any others: read in a moment. None when
+    /// it cannot be read.
+    virtual std::optional<std::int64_t> sampleOf(const PhotoAssetResource& resource) = 0;
+
+    /// What the file system says of the original now, without reading it; none when it is not
+    /// there.
+    virtual std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) = 0;
+
+    /// Asks the person once, adding `warning` to the question unless it is empty, then removes the
+    /// assets one after another, each only if its bytes are, now, those of its candidate. What
+    /// cannot be removed stays and is told to the guard. Throws `PhotoLibraryError` with the reason
+    /// when the person or the system refused: nothing was removed then. A stop leaves the rest.
+    virtual void deleteAssets(const std::vector<DeletionCandidate>& candidates,
+                              const QString& warning, DeletionGuard& guard,
+                              std::stop_token stop) = 0;
+
+    /// Of the last listing of the whole library.
+    virtual LeftOut leftOut() const { return {}; }
 
     /// At most one observer at a time, another one takes its place; it must outlive its
     /// registration. After `unregister` it is not called any more.

@@ -56,6 +56,14 @@ std::optional<SyncRecord> recordOf(const std::filesystem::directory_entry& file)
     return record;
 }
 
+QStringList identifiersOf(const std::vector<PhotoAsset>& assets) {
+    QStringList identifiers;
+    identifiers.reserve(static_cast<qsizetype>(assets.size()));
+    for (const PhotoAsset& asset : assets)
+        identifiers += asset.localIdentifier;
+    return identifiers;
+}
+
 /// The records of the staged files in a folder, one by one. Hidden temporary files have no staged
 /// name; folders and links are not ours. Throws `FileError`.
 class StagedFiles {
@@ -93,10 +101,12 @@ class StagedFiles {
 } // namespace
 
 PhotoLibraryObserver::PhotoLibraryObserver(PhotoLibrary& library, DatabaseManager& database,
-                                           AssetStagingService& staging, PhotoAlbumService& albums,
+                                           RecordLife& life, AssetStagingService& staging,
+                                           PhotoAlbumService& albums,
                                            const Preferences& preferences, Console& console)
     : library_(library),
       database_(database),
+      life_(life),
       staging_(staging),
       albums_(albums),
       preferences_(preferences),
@@ -142,6 +152,8 @@ void PhotoLibraryObserver::performInitialScan() {
     tasks_.post([this](const std::stop_token& stop) {
         try {
             initialScan(stop);
+        } catch (const DBError&) {
+            return; // told by then
         } catch (const Error& error) {
             console_.print(QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: ") +
                            error.localizedDescription());
@@ -149,19 +161,45 @@ void PhotoLibraryObserver::performInitialScan() {
     });
 }
 
+/// Before the recovery of staged files, which would bring them back.
+void PhotoLibraryObserver::discardLeft() {
+    try {
+        for (const QString& identifier : life_.left())
+            if (staging_.discard(identifier))
+                life_.discarded(identifier);
+    } catch (const DBError& error) { // the next scan asks again
+        console_.print(QStringLiteral("[PhotoKit] Kuyruktan çıkan dosyalar okunamadı: ") +
+                       error.localizedDescription());
+    }
+}
+
 void PhotoLibraryObserver::initialScan(std::stop_token stop) {
+    discardLeft();
     reconcilePermanentStagingAssets();
     // A library that cannot be read throws here: the last result stays.
-    const AssetFetchResult assets = albums_.fetchAssets(albums_.selectedSourceAlbumID());
+    const auto album = albums_.selectedSourceAlbumID();
+    const AssetFetchResult assets = albums_.fetchAssets(album, stop);
+    try {
+        database_.limitTo(album ? std::optional(identifiersOf(*assets)) : std::nullopt);
+    } catch (const DBError& error) {
+        tellRefusal(error);
+        throw;
+    }
     {
         const std::lock_guard lock(mutex_);
         fetchResult_ = assets;
     }
     const QString title =
-        preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(wholeLibraryTitle);
+        album ? preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(wholeLibraryTitle)
+              : wholeLibraryTitle;
     console_.print(QStringLiteral("[PhotoKit] İlk tarama: %1 medya (%2)")
                        .arg(QString::number(assets->size()), title));
     processInitialAssets(*assets, stop);
+}
+
+void PhotoLibraryObserver::tellRefusal(const DBError& error) {
+    console_.print(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
+                   error.localizedDescription());
 }
 
 void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
@@ -185,6 +223,7 @@ void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
 void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& assets,
                                                 std::stop_token stop) {
     std::size_t recorded = 0;
+    std::optional<DBError> refusal;
     try {
         recorded =
             database_.insertDiscoveredBatch([asset = assets.begin(), end = assets.end()]() mutable {
@@ -196,11 +235,14 @@ void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& a
         console_.print(
             QStringLiteral("[PhotoKit] %1 medya veritabanına atomik olarak eklendi").arg(recorded));
     } catch (const DBError& error) {
-        console_.print(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
-                       error.localizedDescription());
+        tellRefusal(error);
+        refusal = error;
     }
-    assetsRecorded.send(recorded);
+    discardLeft();
+    assetsRecorded.send({RecordedAssets::Cause::scan, recorded});
     staging_.stageDiscoveredAssets(stop);
+    if (refusal)
+        throw DBError(*refusal);
 }
 
 void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& assets,
@@ -211,12 +253,14 @@ void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& asset
             continue;
         try {
             database_.insertIfNotExists(*record);
+            database_.extendLimit(asset.localIdentifier);
         } catch (const DBError& error) {
             console_.print(QStringLiteral("[PhotoKit] Kayıt hatası ") + asset.localIdentifier +
                            QStringLiteral(": ") + error.localizedDescription());
         }
     }
-    assetsRecorded.send(assets.size());
+    discardLeft();
+    assetsRecorded.send({RecordedAssets::Cause::change, assets.size()});
     staging_.stageDiscoveredAssets(stop);
 }
 
@@ -233,7 +277,7 @@ void PhotoLibraryObserver::photoLibraryDidChange(const LibraryChange& change) {
         inserted = std::move(details->insertedObjects);
     }
     if (inserted.empty()) {
-        assetsRecorded.send(0);
+        assetsRecorded.send({RecordedAssets::Cause::change, 0});
         return;
     }
     console_.print(QStringLiteral("[PhotoKit] %1 yeni medya algılandı").arg(inserted.size()));

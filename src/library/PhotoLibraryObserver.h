@@ -16,13 +16,20 @@
 
 namespace quorvane {
 
+/// The assets of a scan or of a change that are in the store now.
+struct RecordedAssets {
+    enum class Cause { scan, change };
+    Cause cause = Cause::scan;
+    std::size_t count = 0; ///< 0 also after a change that only took some away
+};
+
 /// The one way by which assets become records: files left in the permanent staging folder, the
 /// chosen source as a whole, and what is added to it while registered. After every insertion the
 /// staging service is asked to stage. Failures are told on the console and swallowed. Created and
 /// destroyed on the main thread.
 class PhotoLibraryObserver final : public LibraryChangeObserver {
   public:
-    PhotoLibraryObserver(PhotoLibrary& library, DatabaseManager& database,
+    PhotoLibraryObserver(PhotoLibrary& library, DatabaseManager& database, RecordLife& life,
                          AssetStagingService& staging, PhotoAlbumService& albums,
                          const Preferences& preferences, Console& console);
     ~PhotoLibraryObserver() override;
@@ -41,26 +48,30 @@ class PhotoLibraryObserver final : public LibraryChangeObserver {
     void performInitialScan();
 
     /// Recovers staged files, then records the source's assets and stages the first of them, on the
-    /// calling thread. Throws `PhotoLibraryError` when the library cannot be read, or `Cancelled`.
+    /// calling thread. What is pending or may be deleted is from then on told of the source's
+    /// assets only. Throws `PhotoLibraryError` when the library cannot be read, `DBError` when the
+    /// store refused the assets, or `Cancelled`.
     void initialScan(std::stop_token stop = {});
 
     /// Records the files in the permanent staging folder as STAGED, known assets excepted.
     void reconcilePermanentStagingAssets();
 
-    /// All assets in one transaction, then staging. Throws `Cancelled` from the staging.
+    /// All assets in one transaction, then staging. Throws `DBError`, or `Cancelled` from the
+    /// staging.
     void processInitialAssets(const std::vector<PhotoAsset>& assets, std::stop_token stop = {});
 
     /// One asset after another, then staging. Throws `Cancelled` from the staging.
     void processNewAssets(const std::vector<PhotoAsset>& assets, std::stop_token stop = {});
 
-    /// Sent on a background thread once the assets of a scan or a change are in the store: how many
-    /// there were; 0 after a change that only took some away.
-    Publisher<std::size_t> assetsRecorded;
+    /// Sent on the thread of the scan or of the change.
+    Publisher<RecordedAssets> assetsRecorded;
 
     /// Any thread. Insertions are processed in the background; nothing else is of interest.
     void photoLibraryDidChange(const LibraryChange& change) override;
 
   private:
+    void discardLeft();
+    void tellRefusal(const DBError& error);
     void startOnMainThread();
     void stopOnMainThread();
     /// Runs `operation` later on the main thread, unless this object is gone by then.
@@ -68,6 +79,7 @@ class PhotoLibraryObserver final : public LibraryChangeObserver {
 
     PhotoLibrary& library_;
     DatabaseManager& database_;
+    RecordLife& life_;
     AssetStagingService& staging_;
     PhotoAlbumService& albums_;
     const Preferences& preferences_;

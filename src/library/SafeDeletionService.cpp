@@ -1,7 +1,6 @@
 #include "library/SafeDeletionService.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 namespace quorvane {
@@ -9,6 +8,10 @@ namespace quorvane {
 namespace {
 
 constexpr int identifiersShown = 20;
+
+const QString cannotAskText =
+    QStringLiteral("Google hesabı okuma izni vermediği için öğelerin Google Photos'ta durduğu "
+                   "yeniden sorulamadı.");
 
 bool isSafelyStored(const SyncRecord& record) {
     return record.syncStatus == SyncStatus::verified && record.remoteMediaID &&
@@ -23,51 +26,127 @@ QString listed(const QStringList& identifiers) {
     return text;
 }
 
-/// What was backed up is the asset as it was when it was discovered: one that changed later, or
-/// another file under the same name, has no copy yet. The store's times are whole seconds, so one
-/// that changed in the very second of its discovery counts as changed.
-bool changedSince(const PhotoAsset& asset, const std::vector<const SyncRecord*>& records) {
-    return asset.modificationDate &&
-           std::any_of(records.begin(), records.end(), [&](const SyncRecord* record) {
-               return *asset.modificationDate >= record->createdAt;
-           });
-}
-
 } // namespace
 
-SafeDeletionService::SafeDeletionService(DatabaseManager& database, AssetStagingService& staging,
-                                         PhotoLibrary& library, Log& log)
-    : database_(database), staging_(staging), library_(library), log_(log) {}
+QStringList SafeDeletionService::remoteIDsOf(const std::vector<DeletionCandidate>& candidates,
+                                             const RecordsOf& records) {
+    QStringList ids;
+    for (const DeletionCandidate& candidate : candidates)
+        for (const SyncRecord& record : records.at(candidate.asset.localIdentifier))
+            ids += record.remoteMediaID.value_or(QString());
+    return ids;
+}
 
-void SafeDeletionService::performDeletion(bool deletionEnabled, std::stop_token stop) noexcept {
+/// What stands between the person's answer and each removal.
+class SafeDeletionService::Guard final : public DeletionGuard {
+  public:
+    /// `mayAssume`: the person was told that the destination cannot be asked.
+    Guard(SafeDeletionService& service, const RecordsOf& records, DeletionSummary& summary,
+          bool mayAssume, std::stop_token stop)
+        : service_(service),
+          records_(records),
+          summary_(summary),
+          mayAssume_(mayAssume),
+          stop_(std::move(stop)) {}
+
+    std::vector<DeletionCandidate>
+    stillSafe(const std::vector<DeletionCandidate>& candidates) override {
+        const auto leaveAll = [&](const QString& reason) {
+            for (const DeletionCandidate& candidate : candidates)
+                leftOut(candidate, reason);
+            return std::vector<DeletionCandidate>();
+        };
+        std::optional<std::set<QString>> existing;
+        try {
+            existing = service_.existing(remoteIDsOf(candidates, records_), stop_);
+        } catch (const Error& error) {
+            return leaveAll(QStringLiteral("Google Photos'a sorulamadı: ") +
+                            error.localizedDescription());
+        }
+        if (!existing)
+            return mayAssume_ ? candidates : leaveAll(cannotAskText);
+        std::vector<DeletionCandidate> safe;
+        for (const DeletionCandidate& candidate : candidates)
+            if (std::ranges::all_of(remoteIDsOf({candidate}, records_),
+                                    [&](const QString& id) { return existing->contains(id); }))
+                safe.push_back(candidate);
+            else
+                leftOut(candidate, QStringLiteral("Google Photos'ta artık yok"));
+        return safe;
+    }
+
+    void willDelete(const DeletionCandidate& candidate) override {
+        for (const SyncRecord& record : recordsOf(candidate))
+            if (!service_.s_.life.deleting(record))
+                throw Error(QStringLiteral("kaydı bu arada değişti"));
+    }
+
+    void didDelete(const DeletionCandidate& candidate) override {
+        ++summary_.deleted;
+        service_.recordDeletion(recordsOf(candidate));
+    }
+
+    void leftOut(const DeletionCandidate& candidate, const QString& reason) override {
+        try {
+            for (const SyncRecord& record : recordsOf(candidate))
+                service_.s_.life.kept(record);
+        } catch (const DBError& error) { // the next run finds the original in its place
+            service_.s_.log.log(QStringLiteral("[SafeDeletion] ⚠️ DB güncelleme hatası: ") +
+                                error.localizedDescription());
+        }
+        service_.leaveOut(summary_, service_.nameOf(candidate.asset), reason);
+    }
+
+  private:
+    const std::vector<SyncRecord>& recordsOf(const DeletionCandidate& candidate) const {
+        return records_.at(candidate.asset.localIdentifier);
+    }
+
+    SafeDeletionService& service_;
+    const RecordsOf& records_;
+    DeletionSummary& summary_;
+    const bool mayAssume_;
+    std::stop_token stop_;
+};
+
+DeletionSummary SafeDeletionService::performDeletion(bool deletionEnabled,
+                                                     std::stop_token stop) noexcept {
+    DeletionSummary summary;
     if (!deletionEnabled) {
-        log_.log(QStringLiteral("[SafeDeletion] Otomatik silme kapalı, işlem atlandı."));
-        return;
+        s_.log.log(QStringLiteral("[SafeDeletion] Otomatik silme kapalı, işlem atlandı."));
+        return summary;
+    }
+    if (!s_.life.account().isKnown()) {
+        s_.log.log(QStringLiteral("[SafeDeletion] ⚠️ Google hesabı bilinmiyor, hiçbir şey "
+                                  "silinmeyecek."));
+        return summary;
     }
     const std::vector<SyncRecord> candidates = deletionCandidates();
     if (candidates.empty()) {
-        log_.log(QStringLiteral("[SafeDeletion] Silinecek VERIFIED aday bulunamadı."));
-        return;
+        s_.log.log(QStringLiteral("[SafeDeletion] Silinecek VERIFIED aday bulunamadı."));
+        return summary;
     }
-    log_.log(
+    s_.log.log(
         QStringLiteral("[SafeDeletion] %1 silme adayı bulundu, güvenlik doğrulaması yapılıyor...")
             .arg(candidates.size()));
     const QStringList passing = safelyStored(candidates);
     if (passing.isEmpty()) {
-        log_.log(QStringLiteral("[SafeDeletion] Güvenlik kontrolünden geçen aday yok "
-                                "(Zero-Data-Loss koruması devrede)."));
-        return;
+        s_.log.log(QStringLiteral("[SafeDeletion] Güvenlik kontrolünden geçen aday yok "
+                                  "(Zero-Data-Loss koruması devrede)."));
+        return summary;
     }
-    log_.log(QStringLiteral("[SafeDeletion] %1 doğrulanmış medya için Apple Photos sistem onayına "
-                            "sunuluyor...")
-                 .arg(passing.size()));
-    deleteFromPhotoLibrary(passing, candidates, stop);
+    s_.log.log(
+        QStringLiteral("[SafeDeletion] %1 doğrulanmış medya için Apple Photos sistem onayına "
+                       "sunuluyor...")
+            .arg(passing.size()));
+    deleteFromPhotoLibrary(passing, candidates, summary, stop);
+    return summary;
 }
 
 /// A store that fails has no candidates: a broken store never leads to a deletion.
 std::vector<SyncRecord> SafeDeletionService::deletionCandidates() {
     try {
-        return database_.fetchVerifiedForDeletion();
+        return s_.database.fetchVerifiedForDeletion();
     } catch (const std::exception&) {
         return {};
     }
@@ -82,7 +161,7 @@ QStringList SafeDeletionService::safelyStored(const std::vector<SyncRecord>& can
         if (!seen.insert(identifier).second)
             continue;
         try {
-            const std::vector<SyncRecord> records = database_.fetchRecordsOfAsset(identifier);
+            const std::vector<SyncRecord> records = s_.database.fetchRecordsOfAsset(identifier);
             if (!records.empty() && std::all_of(records.begin(), records.end(), isSafelyStored))
                 identifiers.append(identifier);
         } catch (const std::exception&) {
@@ -94,56 +173,118 @@ QStringList SafeDeletionService::safelyStored(const std::vector<SyncRecord>& can
 
 void SafeDeletionService::deleteFromPhotoLibrary(const QStringList& identifiers,
                                                  const std::vector<SyncRecord>& records,
+                                                 DeletionSummary& summary,
                                                  const std::stop_token& stop) {
-    std::map<QString, std::vector<const SyncRecord*>> recordsOfAsset;
+    RecordsOf recordsOf;
     for (const SyncRecord& record : records)
-        recordsOfAsset[record.assetLocalIdentifier].push_back(&record);
-    QStringList changed;
+        recordsOf[record.assetLocalIdentifier].push_back(record);
     try {
-        const AssetFetchResult found = library_.fetchAssets(identifiers);
+        const AssetFetchResult found = s_.library.fetchAssets(identifiers);
         if (!found || found->empty()) {
-            log_.log(QStringLiteral("[SafeDeletion] PHAsset bulunamadı: ") + listed(identifiers));
+            s_.log.log(QStringLiteral("[SafeDeletion] PHAsset bulunamadı: ") + listed(identifiers));
             return;
         }
-        std::vector<PhotoAsset> assets;
+        std::vector<DeletionCandidate> offered;
         for (const PhotoAsset& asset : *found)
-            if (changedSince(asset, recordsOfAsset[asset.localIdentifier]))
-                changed += asset.localIdentifier;
-            else
-                assets.push_back(asset);
-        if (!changed.isEmpty())
-            log_.log(QStringLiteral(
-                         "[SafeDeletion] ⚠️ Yedeklendikten sonra değişmiş, silinmeyecek: ") +
-                     listed(changed));
-        if (assets.empty() || stop.stop_requested())
+            if (auto candidate = candidateFor(asset, summary))
+                offered.push_back(std::move(*candidate));
+        if (offered.empty() || stop.stop_requested())
             return;
-        library_.deleteAssets(assets);
+        const QString warning = warningFor(offered, recordsOf, stop);
+        Guard guard(*this, recordsOf, summary, !warning.isEmpty(), stop);
+        s_.library.deleteAssets(offered, warning, guard, stop);
     } catch (const std::exception& error) {
-        log_.log(
+        s_.log.log(
             QStringLiteral(
                 "[SafeDeletion] ℹ️ Sistem silme diyaloğu iptal edildi veya reddedildi: ") +
             describe(error));
-        return;
     }
-    for (const QString& identifier : identifiers)
-        if (!changed.contains(identifier))
-            recordDeletion(identifier, recordsOfAsset[identifier]);
 }
 
-void SafeDeletionService::recordDeletion(const QString& identifier,
-                                         const std::vector<const SyncRecord*>& records) {
-    for (const SyncRecord* record : records) {
+/// None for what nobody could prove: an asset of which only a part went up, or whose bytes nobody
+/// knew when they were sent.
+std::optional<DeletionCandidate> SafeDeletionService::candidateFor(const PhotoAsset& asset,
+                                                                   DeletionSummary& summary) {
+    const std::vector<PhotoAssetResource> resources = s_.library.assetResources(asset);
+    const auto sent = resourceToStage(resources);
+    const auto isPicture = [&](const PhotoAssetResource& resource) {
+        return resource.type != AssetResourceType::adjustmentData;
+    };
+    if (!sent || std::ranges::count_if(resources, isPicture) > 1) {
+        leaveOut(summary, nameOf(asset),
+                 QStringLiteral("yalnızca bir parçası yüklendi (canlı fotoğrafın videosu, "
+                                "düzenlenmiş hali veya RAW eşi yüklenmez)"));
+        return std::nullopt;
+    }
+    const auto source = s_.life.sourceOf(asset.localIdentifier);
+    if (!source) {
+        leaveOut(summary, nameOf(asset), QStringLiteral("hangi asıldan yüklendiği kanıtlanamıyor"));
+        return std::nullopt;
+    }
+    return DeletionCandidate{asset, {source->sha256, source->version}};
+}
+
+/// What the person has to know before the answer. Found out with the first of the candidates.
+QString SafeDeletionService::warningFor(const std::vector<DeletionCandidate>& candidates,
+                                        const RecordsOf& records, const std::stop_token& stop) {
+    try {
+        const QStringList ids = remoteIDsOf({candidates.front()}, records);
+        return existing(ids, stop) ? QString() : cannotAskText;
+    } catch (const Error&) {
+        return {}; // asked again when it matters
+    }
+}
+
+/// Those of any number of items that are still there.
+std::optional<std::set<QString>> SafeDeletionService::existing(const QStringList& remoteIDs,
+                                                               const std::stop_token& stop) {
+    std::set<QString> all;
+    for (qsizetype from = 0; from < remoteIDs.size(); from += RemoteItems::atOnce) {
+        auto some = s_.remote.existing(remoteIDs.mid(from, RemoteItems::atOnce), stop);
+        if (!some)
+            return std::nullopt;
+        all.merge(*some);
+    }
+    return all;
+}
+
+void SafeDeletionService::settleInterrupted() {
+    RecordsOf records;
+    for (SyncRecord& record : s_.life.unfinishedDeletions())
+        records[record.assetLocalIdentifier].push_back(std::move(record));
+    for (const auto& [identifier, ofAsset] : records) {
+        const auto found = s_.library.fetchAssets(QStringList{identifier});
+        if (!found || found->empty())
+            recordDeletion(ofAsset);
+        else
+            s_.life.kept(ofAsset.front());
+    }
+}
+
+void SafeDeletionService::recordDeletion(const std::vector<SyncRecord>& records) {
+    for (const SyncRecord& record : records) {
         try {
-            database_.updateStatus(identifier, record->providerID, record->accountID,
-                                   SyncStatus::deletedLocally);
+            s_.life.deleted(record);
         } catch (const std::exception& error) {
-            log_.log(QStringLiteral("[SafeDeletion] ⚠️ DB güncelleme hatası: ") +
-                     describe(error));
+            s_.log.log(QStringLiteral("[SafeDeletion] ⚠️ DB güncelleme hatası: ") +
+                       describe(error));
         }
     }
-    staging_.removeFromStaging(identifier);
-    log_.log(QStringLiteral("[SafeDeletion] ✅ Güvenle silindi ve staging temizlendi: ") +
-             identifier);
+    const QString& identifier = records.front().assetLocalIdentifier;
+    s_.staging.removeFromStaging(identifier);
+    s_.log.log(QStringLiteral("[SafeDeletion] ✅ Güvenle silindi ve staging temizlendi: ") +
+               identifier);
+}
+
+QString SafeDeletionService::nameOf(const PhotoAsset& asset) {
+    const auto resource = resourceToStage(s_.library.assetResources(asset));
+    return resource ? resource->originalFilename : asset.localIdentifier;
+}
+
+void SafeDeletionService::leaveOut(DeletionSummary& summary, const QString& name,
+                                   const QString& reason) {
+    s_.log.log(QStringLiteral("[SafeDeletion] ⚠️ Silinmedi: %1 (%2)").arg(name, reason));
+    summary.leftOut.push_back({name, reason});
 }
 
 } // namespace quorvane

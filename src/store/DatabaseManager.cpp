@@ -40,19 +40,12 @@ bool step(sqlite::Statement& statement) {
     }
 }
 
-void execute(sqlite::Connection& connection, const char* sql, const QString& prefix = {}) {
-    try {
-        connection.execute(sql);
-    } catch (const sqlite::SqliteError& error) {
-        throw DBError(DBError::Case::stepFailed, prefix + error.localizedDescription());
-    }
-}
-
 /// Time stamps are UTC text as SQLite's datetime('now') writes it; an unreadable one reads as now.
 Date timestamp(const sqlite::Statement& row, int column) {
-    QDateTime parsed =
-        QDateTime::fromString(row.text(column), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    parsed.setTimeZone(QTimeZone::utc());
+    const QString text = row.text(column);
+    // Not one QDateTime from the whole text: that would be local time first, a costly one.
+    const QDateTime parsed(QDate::fromString(text.left(10), Qt::ISODate),
+                           QTime::fromString(text.mid(11), Qt::ISODate), QTimeZone::utc());
     return parsed.isValid() ? Date(std::chrono::milliseconds(parsed.toMSecsSinceEpoch()))
                             : std::chrono::time_point_cast<std::chrono::milliseconds>(
                                   std::chrono::system_clock::now());
@@ -108,10 +101,10 @@ void DatabaseManager::open(Console& console) {
     connection_->setBusyTimeout(busyTimeoutMilliseconds);
     for (const char* sql :
          {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::synchronous,
-          statements::schema, statements::partialIndexes})
+          statements::schema, statements::partialIndexes, statements::besides})
         tryToExecute(sql);
     if (!hasPlanStatistics() && !tryToExecute(statements::planStatistics))
-        tryToExecute(statements::rollback); // they are a matter of speed only
+        tryToExecute("ROLLBACK;"); // they are a matter of speed only
 }
 
 /// A file that is no database fails again, with its reason, at the first real statement.
@@ -195,30 +188,73 @@ void DatabaseManager::updateStatus(const QString& identifier, const QString& pro
     });
 }
 
-bool DatabaseManager::ifStatusIs(SyncStatus status, const SyncRecord& record,
-                                 const std::function<void()>& work) {
-    return executeOnQueue([&] {
+std::optional<SyncRecord> DatabaseManager::fetchRecord(const QString& identifier,
+                                                       const QString& provider,
+                                                       const QString& account) {
+    auto records = fetchRecords(statements::fetchOne, [&](sqlite::Statement& statement) {
+        statement.bind(1, identifier);
+        statement.bind(2, provider);
+        statement.bind(3, account);
+    });
+    return records.empty() ? std::nullopt : std::optional(std::move(records.front()));
+}
+
+std::optional<SyncStatus> DatabaseManager::fetchStatus(const SyncRecord& record) {
+    return executeOnQueue([&]() -> std::optional<SyncStatus> {
         sqlite::Statement statement = prepare(connection(), statements::statusOf);
         statement.bind(1, record.assetLocalIdentifier);
         statement.bind(2, record.providerID);
         statement.bind(3, record.accountID);
-        if (!step(statement) || statement.text(0) != rawValue(status))
-            return false;
-        statement.reset(); // the work may write
-        work();
-        return true;
+        if (!step(statement))
+            return std::nullopt;
+        return syncStatusFrom(statement.text(0)).value_or(SyncStatus::discovered);
     });
 }
 
+void DatabaseManager::limitTo(const std::optional<QStringList>& identifiers) {
+    onConnection([&](sqlite::Connection& database) {
+        isLimited_ = false;
+        database.execute(statements::makeLimit);
+        if (!identifiers)
+            return;
+        sqlite::Statement statement(database, statements::addToLimit);
+        for (const QString& identifier : *identifiers) {
+            statement.reset();
+            statement.bind(1, identifier);
+            statement.step();
+        }
+        isLimited_ = true;
+    });
+}
+
+void DatabaseManager::extendLimit(const QString& identifier) {
+    onConnection([&](sqlite::Connection& database) {
+        if (!isLimited_)
+            return;
+        sqlite::Statement statement(database, statements::addToLimit);
+        statement.bind(1, identifier);
+        statement.step();
+    });
+}
+
+const char* DatabaseManager::chosen(const char* sql, const char* limited) const {
+    return isLimited_ ? limited : sql;
+}
+
 std::vector<SyncRecord> DatabaseManager::fetchPendingRecords(int limit, int skipped) {
-    return fetchRecords(statements::fetchPending, [&](sqlite::Statement& statement) {
-        statement.bind(1, limit);
-        statement.bind(2, skipped);
+    return executeOnQueue([&] {
+        return fetchRecords(chosen(statements::fetchPending, statements::fetchPendingLimited),
+                            [&](sqlite::Statement& statement) {
+                                statement.bind(1, limit);
+                                statement.bind(2, skipped);
+                            });
     });
 }
 
 std::vector<SyncRecord> DatabaseManager::fetchVerifiedForDeletion() {
-    return fetchRecords(statements::fetchVerified);
+    return executeOnQueue([&] {
+        return fetchRecords(chosen(statements::fetchVerified, statements::fetchVerifiedLimited));
+    });
 }
 
 std::vector<SyncRecord> DatabaseManager::fetchRecordsOfAsset(const QString& identifier) {
@@ -231,8 +267,14 @@ std::vector<SyncRecord> DatabaseManager::fetchUnfinishedRecords(int limit) {
                         [&](sqlite::Statement& statement) { statement.bind(1, limit); });
 }
 
+std::vector<SyncRecord> DatabaseManager::fetchRecords(SyncStatus status) {
+    return fetchRecords(statements::fetchOfStatus,
+                        [&](sqlite::Statement& statement) { statement.bind(1, rawValue(status)); });
+}
+
 int DatabaseManager::countPendingRecords() {
-    return count(statements::countPending);
+    return executeOnQueue(
+        [&] { return count(chosen(statements::countPending, statements::countPendingLimited)); });
 }
 
 int DatabaseManager::countFailedRecords() {
@@ -285,7 +327,8 @@ void DatabaseManager::retryFailedRecords(bool resetRetryCount) {
 }
 
 void DatabaseManager::retryDateUnresolvedRecords() {
-    executeOnQueue([&] { execute(connection(), statements::retryDateUnresolved); });
+    onConnection(
+        [](sqlite::Connection& database) { database.execute(statements::retryDateUnresolved); });
 }
 
 void DatabaseManager::write(const char* sql, const Bind& bind) {
@@ -319,28 +362,15 @@ std::vector<SyncRecord> DatabaseManager::fetchRecords(const char* sql, const Bin
 std::size_t DatabaseManager::insertBatch(
     const char* sql, const RecordSource& next,
     const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind) {
-    return executeOnQueue([&] {
+    return transaction([&](sqlite::Connection& database) {
         std::size_t count = 0;
-        sqlite::Connection& database = connection();
-        execute(database, statements::begin, QStringLiteral("BEGIN failed: "));
-        try {
-            sqlite::Statement statement = prepare(database, sql);
-            for (; const auto record = next(); ++count) {
-                statement.reset();
-                bind(statement, *record);
-                step(statement);
-            }
+        sqlite::Statement statement = prepare(database, sql);
+        for (; const auto record = next(); ++count) {
             statement.reset();
-            execute(database, statements::commit, QStringLiteral("COMMIT failed: "));
-            return count;
-        } catch (...) {
-            try {
-                database.execute(statements::rollback);
-            } catch (const sqlite::SqliteError&) { // NOLINT(bugprone-empty-catch)
-                // SQLite has rolled back by itself (a full disk does that).
-            }
-            throw;
+            bind(statement, *record);
+            step(statement);
         }
+        return count;
     });
 }
 

@@ -6,9 +6,12 @@
 #include "store/Sqlite.h"
 #include "store/SyncRecord.h"
 
+#include <QStringList>
+
 #include <functional>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 namespace quorvane {
@@ -58,9 +61,19 @@ class DatabaseManager {
                       const std::optional<QString>& remoteMediaID = {},
                       const std::optional<QString>& error = {});
 
-    /// Runs `work` if the stored record still has this status, with no other operation in between.
-    /// False when it has another one or is gone.
-    bool ifStatusIs(SyncStatus status, const SyncRecord& record, const std::function<void()>& work);
+    /// The record as it is stored now; none when it is gone.
+    std::optional<SyncRecord> fetchRecord(const QString& identifier,
+                                          const QString& provider = googlePhotosProvider,
+                                          const QString& account = pendingAccount);
+
+    /// Only its status; none when it is gone.
+    std::optional<SyncStatus> fetchStatus(const SyncRecord& record);
+
+    /// What is pending, or may be deleted, is from now on told of these assets only; none takes the
+    /// limit away. It holds for this object, not for the file.
+    void limitTo(const std::optional<QStringList>& identifiers);
+    /// One more; without a limit nothing happens.
+    void extendLimit(const QString& identifier);
 
     /// DISCOVERED and STAGED records, oldest first, without the first `skipped` of them.
     std::vector<SyncRecord> fetchPendingRecords(int limit, int skipped = 0);
@@ -70,6 +83,9 @@ class DatabaseManager {
 
     /// All records of one asset, whatever their status.
     std::vector<SyncRecord> fetchRecordsOfAsset(const QString& identifier);
+
+    /// In no order.
+    std::vector<SyncRecord> fetchRecords(SyncStatus status);
 
     int countPendingRecords();
     int countFailedRecords();
@@ -90,6 +106,35 @@ class DatabaseManager {
     void retryFailedRecords(bool resetRetryCount);
     void retryDateUnresolvedRecords();
 
+    /// Runs `work(connection)` on the queue. SQLite's failures become `DBError`.
+    template <typename Work>
+    auto onConnection(Work&& work) {
+        return executeOnQueue([&] {
+            try {
+                return work(connection());
+            } catch (const sqlite::SqliteError& error) {
+                throw DBError(DBError::Case::stepFailed, error.localizedDescription());
+            }
+        });
+    }
+
+    /// The same with nobody else writing in between, in any process; what it throws takes all of it
+    /// back. Inside another one it is a part of that.
+    template <typename Work>
+    auto transaction(Work&& work) {
+        return onConnection([&](sqlite::Connection& database) {
+            sqlite::Transaction transaction(database);
+            if constexpr (std::is_void_v<decltype(work(database))>) {
+                work(database);
+                transaction.commit();
+            } else {
+                auto result = work(database);
+                transaction.commit();
+                return result;
+            }
+        });
+    }
+
   private:
     using Bind = std::function<void(sqlite::Statement&)>;
 
@@ -105,6 +150,8 @@ class DatabaseManager {
     void write(const char* sql, const Bind& bind = {});
     int count(const char* sql);
     std::vector<SyncRecord> fetchRecords(const char* sql, const Bind& bind = {});
+    /// `limited` where `limitTo` is in force.
+    const char* chosen(const char* sql, const char* limited) const;
     std::size_t insertBatch(const char* sql, const RecordSource& next,
                             const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
 
@@ -112,6 +159,7 @@ class DatabaseManager {
     const std::filesystem::path file_;
     std::unique_ptr<sqlite::Connection> connection_;
     QString openError_;
+    bool isLimited_ = false; ///< on the queue
 };
 
 } // namespace quorvane

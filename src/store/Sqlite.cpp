@@ -35,19 +35,66 @@ void Connection::execute(const char* sql) {
         throw SqliteError(errorMessage());
 }
 
+bool Connection::isInTransaction() const {
+    return sqlite3_get_autocommit(handle_.get()) == 0;
+}
+
+int Connection::changedRows() const {
+    return sqlite3_changes(handle_.get());
+}
+
 QString Connection::errorMessage() const {
     return messageOf(handle_.get());
 }
 
-void Statement::Finalize::operator()(sqlite3_stmt* statement) const {
+Transaction::Transaction(Connection& connection)
+    : connection_(connection), isOpen_(!connection.isInTransaction()) {
+    if (!isOpen_)
+        return;
+    try {
+        connection_.execute("BEGIN IMMEDIATE TRANSACTION;");
+    } catch (const SqliteError& error) {
+        isOpen_ = false;
+        throw SqliteError(QStringLiteral("BEGIN failed: ") + error.localizedDescription());
+    }
+}
+
+Transaction::~Transaction() {
+    // SQLite may have rolled back by itself (a full disk does that).
+    if (isOpen_ && connection_.isInTransaction())
+        sqlite3_exec(connection_.handle(), "ROLLBACK;", nullptr, nullptr, nullptr);
+}
+
+void Transaction::commit() {
+    if (!isOpen_)
+        return;
+    try {
+        connection_.execute("COMMIT;");
+    } catch (const SqliteError& error) {
+        throw SqliteError(QStringLiteral("COMMIT failed: ") + error.localizedDescription());
+    }
+    isOpen_ = false;
+}
+
+void Connection::Finalize::operator()(sqlite3_stmt* statement) const {
     sqlite3_finalize(statement);
 }
 
-Statement::Statement(Connection& connection, const char* sql) : connection_(connection) {
+Connection::Compiled Connection::compile(const char* sql) {
+    if (const auto idle = idle_.find(std::string_view(sql)); idle != idle_.end())
+        return std::move(idle_.extract(idle).mapped());
     sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(connection.handle(), sql, -1, &statement, nullptr) != SQLITE_OK)
-        throw SqliteError(connection.errorMessage());
-    statement_.reset(statement);
+    if (sqlite3_prepare_v2(handle_.get(), sql, -1, &statement, nullptr) != SQLITE_OK)
+        throw SqliteError(errorMessage());
+    return Compiled(statement);
+}
+
+Statement::Statement(Connection& connection, const char* sql)
+    : connection_(connection), sql_(sql), statement_(connection.compile(sql)) {}
+
+Statement::~Statement() {
+    reset();
+    connection_.idle_.emplace(std::move(sql_), std::move(statement_));
 }
 
 Statement::Statement(Connection& connection, const QString& sql)
@@ -61,6 +108,11 @@ void Statement::bind(int index, const QString& text) {
 
 void Statement::bind(int index, std::int64_t number) {
     sqlite3_bind_int64(statement_.get(), index, number);
+}
+
+void Statement::bind(int index, const QByteArray& bytes) {
+    sqlite3_bind_blob(statement_.get(), index, bytes.constData(), static_cast<int>(bytes.size()),
+                      SQLITE_TRANSIENT); // NOLINT: SQLite's own macro casts
 }
 
 void Statement::bindNull(int index) {
@@ -95,6 +147,11 @@ QString Statement::text(int column) const {
 
 std::optional<QString> Statement::optionalText(int column) const {
     return isNull(column) ? std::nullopt : std::optional(text(column));
+}
+
+QByteArray Statement::bytes(int column) const {
+    const void* data = sqlite3_column_blob(statement_.get(), column);
+    return {static_cast<const char*>(data), sqlite3_column_bytes(statement_.get(), column)};
 }
 
 std::int64_t Statement::integer(int column) const {

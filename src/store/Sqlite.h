@@ -2,12 +2,16 @@
 
 #include "foundation/Error.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -38,26 +42,67 @@ class Connection {
     /// Runs all statements of `sql`, ignoring rows. Throws `SqliteError`.
     void execute(const char* sql);
 
+    /// True between a BEGIN and its end.
+    bool isInTransaction() const;
+
+    /// How many rows the last INSERT, UPDATE or DELETE touched.
+    int changedRows() const;
+
     QString errorMessage() const;
     sqlite3* handle() const { return handle_.get(); }
 
   private:
+    friend class Statement;
+
     struct Close {
         void operator()(sqlite3* handle) const;
     };
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    using Compiled = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+    Compiled compile(const char* sql);
+
     std::unique_ptr<sqlite3, Close> handle_;
+    /// Statements that are not in use, by the text that they were compiled from: compiling costs
+    /// more than most of them do.
+    std::multimap<std::string, Compiled, std::less<>> idle_;
 };
 
-/// Parameters are numbered from 1, columns from 0.
+/// Keeps every other writer out from its making on; rolls back at its end unless it was committed.
+/// Inside another one it is a part of that.
+class Transaction {
+  public:
+    /// Throws `SqliteError`: "BEGIN failed: " and SQLite's message.
+    explicit Transaction(Connection& connection);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    /// Throws `SqliteError`: "COMMIT failed: " and SQLite's message.
+    void commit();
+
+  private:
+    Connection& connection_;
+    bool isOpen_;
+};
+
+/// Parameters are numbered from 1, columns from 0. What was compiled is kept by the connection for
+/// the next statement of the same text.
 class Statement {
   public:
     /// Throws `SqliteError` when the text does not compile.
     Statement(Connection& connection, const char* sql);
     Statement(Connection& connection, const QString& sql);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
 
     void bind(int index, const QString& text);
     void bind(int index, std::int64_t number);
     void bind(int index, int number) { bind(index, static_cast<std::int64_t>(number)); }
+    void bind(int index, const QByteArray& bytes);
     void bindNull(int index);
     template <typename Value>
     void bind(int index, const std::optional<Value>& value) {
@@ -73,15 +118,14 @@ class Statement {
     bool isNull(int column) const;
     QString text(int column) const;
     std::optional<QString> optionalText(int column) const;
+    QByteArray bytes(int column) const;
     std::int64_t integer(int column) const;
     double real(int column) const;
 
   private:
-    struct Finalize {
-        void operator()(sqlite3_stmt* statement) const;
-    };
     Connection& connection_;
-    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+    std::string sql_;
+    Connection::Compiled statement_;
 };
 
 } // namespace quorvane::sqlite

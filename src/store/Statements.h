@@ -38,6 +38,39 @@ CREATE INDEX IF NOT EXISTS idx_failed ON sync_records(sync_status, last_error)
 CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
     WHERE sync_status IN ('FAILED', 'DATE_UNRESOLVED');)sql";
 
+/// What is remembered beside the records: the bytes that each was staged from, the removals that
+/// have begun, the assets whose staged files are nobody's any more, the files of a folder library,
+/// and whose state this is.
+inline constexpr const char* besides =
+    R"sql(CREATE TABLE IF NOT EXISTS record_sources (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    sha256                 TEXT NOT NULL,
+    size                   INTEGER NOT NULL,
+    modified               INTEGER NOT NULL,
+    changed                INTEGER NOT NULL,
+    inode                  INTEGER NOT NULL,
+    sample                 INTEGER NOT NULL
+) WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS idx_source_sample ON record_sources(sample, sha256);
+CREATE TABLE IF NOT EXISTS record_deletions (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_leavings (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS library_files (
+    path       BLOB NOT NULL PRIMARY KEY,
+    identifier TEXT NOT NULL,
+    size       INTEGER NOT NULL,
+    modified   INTEGER NOT NULL,
+    changed    INTEGER NOT NULL,
+    inode      INTEGER NOT NULL
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS state_facts (
+    name  TEXT NOT NULL PRIMARY KEY,
+    value TEXT NOT NULL
+) WITHOUT ROWID;)sql";
+
 inline constexpr const char* hasPlanStatistics =
     R"sql(SELECT 1 FROM sqlite_stat1 WHERE idx = 'idx_unfinished')sql";
 
@@ -100,9 +133,26 @@ WHERE asset_local_identifier = ?
   AND provider_id = ?
   AND account_id  = ?)sql";
 
+inline constexpr const char* fetchOne =
+    R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
+       sha256_hash, file_size_bytes, upload_token, remote_media_id,
+       sync_status, retry_count, last_error, created_at, updated_at
+FROM sync_records
+WHERE asset_local_identifier = ? AND provider_id = ? AND account_id = ?)sql";
+
 inline constexpr const char* statusOf =
     R"sql(SELECT sync_status FROM sync_records
 WHERE asset_local_identifier = ? AND provider_id = ? AND account_id = ?)sql";
+
+/// The assets that `DatabaseManager::limitTo` speaks of, for one connection.
+inline constexpr const char* makeLimit =
+    R"sql(CREATE TEMP TABLE IF NOT EXISTS asset_limit (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY
+) WITHOUT ROWID;
+DELETE FROM temp.asset_limit;)sql";
+
+inline constexpr const char* addToLimit =
+    R"sql(INSERT OR IGNORE INTO temp.asset_limit VALUES (?))sql";
 
 inline constexpr const char* fetchPending =
     R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
@@ -110,6 +160,16 @@ inline constexpr const char* fetchPending =
        sync_status, retry_count, last_error, created_at, updated_at
 FROM sync_records
 WHERE sync_status IN ('DISCOVERED', 'STAGED')
+ORDER BY created_at ASC
+LIMIT ? OFFSET ?)sql";
+
+inline constexpr const char* fetchPendingLimited =
+    R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
+       sha256_hash, file_size_bytes, upload_token, remote_media_id,
+       sync_status, retry_count, last_error, created_at, updated_at
+FROM sync_records
+WHERE sync_status IN ('DISCOVERED', 'STAGED')
+  AND asset_local_identifier IN temp.asset_limit
 ORDER BY created_at ASC
 LIMIT ? OFFSET ?)sql";
 
@@ -123,6 +183,17 @@ WHERE sync_status = 'VERIFIED'
   AND remote_media_id != ''
 ORDER BY updated_at ASC)sql";
 
+inline constexpr const char* fetchVerifiedLimited =
+    R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
+       sha256_hash, file_size_bytes, upload_token, remote_media_id,
+       sync_status, retry_count, last_error, created_at, updated_at
+FROM sync_records
+WHERE sync_status = 'VERIFIED'
+  AND remote_media_id IS NOT NULL
+  AND remote_media_id != ''
+  AND asset_local_identifier IN temp.asset_limit
+ORDER BY updated_at ASC)sql";
+
 inline constexpr const char* fetchOfAsset =
     R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
        sha256_hash, file_size_bytes, upload_token, remote_media_id,
@@ -130,8 +201,19 @@ inline constexpr const char* fetchOfAsset =
 FROM sync_records
 WHERE asset_local_identifier = ?)sql";
 
+inline constexpr const char* fetchOfStatus =
+    R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
+       sha256_hash, file_size_bytes, upload_token, remote_media_id,
+       sync_status, retry_count, last_error, created_at, updated_at
+FROM sync_records
+WHERE sync_status = ?)sql";
+
 inline constexpr const char* countPending =
     R"sql(SELECT COUNT(*) FROM sync_records WHERE sync_status IN ('DISCOVERED', 'STAGED');)sql";
+
+inline constexpr const char* countPendingLimited =
+    R"sql(SELECT COUNT(*) FROM sync_records WHERE sync_status IN ('DISCOVERED', 'STAGED')
+  AND asset_local_identifier IN temp.asset_limit;)sql";
 
 inline constexpr const char* countFailed =
     R"sql(SELECT COUNT(*) FROM sync_records WHERE sync_status = 'FAILED';)sql";
@@ -165,9 +247,5 @@ FROM sync_records
 WHERE sync_status IN ('FAILED', 'DATE_UNRESOLVED')
 ORDER BY updated_at DESC
 LIMIT ?)sql";
-
-inline constexpr const char* begin = "BEGIN IMMEDIATE TRANSACTION;";
-inline constexpr const char* commit = "COMMIT;";
-inline constexpr const char* rollback = "ROLLBACK;";
 
 } // namespace quorvane::statements

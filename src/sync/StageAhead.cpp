@@ -2,10 +2,8 @@
 
 namespace quorvane {
 
-StageAhead::StageAhead(AssetStagingService& staging, DatabaseManager& database,
-                       const std::stop_token& run, Limits limits)
+StageAhead::StageAhead(AssetStagingService& staging, const std::stop_token& run, Limits limits)
     : staging_(staging),
-      database_(database),
       limits_(limits),
       thread_([this](const std::stop_token& stop) { this->run(stop); }),
       onStop_(run, [this] { thread_.request_stop(); }) {}
@@ -33,8 +31,7 @@ void StageAhead::expect(const std::vector<SyncRecord>& records) {
     changed_.notify_all();
 }
 
-std::optional<std::filesystem::path> StageAhead::take(const SyncRecord& record,
-                                                      const std::stop_token& stop) {
+std::optional<StagedFile> StageAhead::take(const SyncRecord& record, const std::stop_token& stop) {
     const Key key = keyOf(record);
     Staged staged;
     {
@@ -85,34 +82,13 @@ StageAhead::Staged StageAhead::stage(const SyncRecord& record,
                                      const std::stop_token& stop) noexcept {
     Staged staged;
     try {
-        staged.file = stagedFile(record, stop);
-        std::error_code vanished; // the upload will say so
-        if (staged.file) {
-            const auto size = std::filesystem::file_size(*staged.file, vanished);
-            staged.bytes = vanished ? 0 : static_cast<std::int64_t>(size);
-        }
+        staged.file = staging_.stage(record, stop);
+        if (staged.file)
+            staged.bytes = staged.file->content.sizeBytes;
     } catch (...) {
         staged.error = std::current_exception();
     }
     return staged;
-}
-
-/// Also a DISCOVERED record that has a file is staged: a run that died may have left the file
-/// without its date. Staging does not export it a second time.
-std::optional<std::filesystem::path> StageAhead::stagedFile(const SyncRecord& record,
-                                                            const std::stop_token& stop) {
-    const QString& identifier = record.assetLocalIdentifier;
-    if (record.syncStatus == SyncStatus::staged) {
-        if (auto file = staging_.findStagingFile(identifier))
-            return file;
-        // The file was lost since; only DISCOVERED records are staged.
-        database_.ifStatusIs(SyncStatus::staged, record, [&] {
-            database_.updateStatus(identifier, record.providerID, record.accountID,
-                                   SyncStatus::discovered);
-        });
-    }
-    staging_.stageDiscoveredAssets({record}, stop);
-    return staging_.findStagingFile(identifier);
 }
 
 /// Called with `mutex_` held.

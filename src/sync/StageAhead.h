@@ -1,7 +1,6 @@
 #pragma once
 
 #include "library/AssetStagingService.h"
-#include "store/DatabaseManager.h"
 
 #include <condition_variable>
 #include <cstdint>
@@ -27,8 +26,7 @@ class StageAhead {
         std::uintmax_t freeBytes = std::uintmax_t{1} << 30U; ///< left on the disk
     };
 
-    StageAhead(AssetStagingService& staging, DatabaseManager& database, const std::stop_token& run,
-               Limits limits);
+    StageAhead(AssetStagingService& staging, const std::stop_token& run, Limits limits);
     ~StageAhead();
     StageAhead(const StageAhead&) = delete;
     StageAhead& operator=(const StageAhead&) = delete;
@@ -38,14 +36,13 @@ class StageAhead {
     void expect(const std::vector<SyncRecord>& records);
 
     /// Waits for the staged file of an expected record, each of which is taken once. None when no
-    /// file came of it. Throws `Cancelled`, and `DBError` when the store refused. Any thread.
-    std::optional<std::filesystem::path> take(const SyncRecord& record,
-                                              const std::stop_token& stop);
+    /// file came of it. Throws what `AssetStagingService::stage` throws. Any thread.
+    std::optional<StagedFile> take(const SyncRecord& record, const std::stop_token& stop);
 
   private:
     using Key = std::tuple<QString, QString, QString>; ///< asset, provider, account
     struct Staged {
-        std::optional<std::filesystem::path> file;
+        std::optional<StagedFile> file;
         std::int64_t bytes = 0;
         std::exception_ptr error; ///< why it is not known whether there is a file
     };
@@ -54,13 +51,10 @@ class StageAhead {
     void run(const std::stop_token& stop) noexcept;
     std::optional<SyncRecord> next(const std::stop_token& stop);
     Staged stage(const SyncRecord& record, const std::stop_token& stop) noexcept;
-    std::optional<std::filesystem::path> stagedFile(const SyncRecord& record,
-                                                    const std::stop_token& stop);
     bool hasRoom() const;
     bool isDiskLow() const;
 
     AssetStagingService& staging_;
-    DatabaseManager& database_;
     const Limits limits_;
 
     std::mutex mutex_; ///< guards the fields below; never held over the disk

@@ -17,6 +17,8 @@ QString uploadName(const SyncRecord& record, const std::filesystem::path& file) 
 
 namespace {
 
+const QString storeText = QStringLiteral("durum veritabanına yazılamadı (%1)");
+
 /// Removes the transfer from the live table on every way out.
 class ActiveTransfer {
   public:
@@ -50,14 +52,16 @@ SyncCoordinator::Summary SyncCoordinator::drainPendingQueue(bool deletionEnabled
         currentProgressHandler_ = std::move(progressHandler);
     }
     if (!s_.flags.isCancelled()) {
-        stageAhead_.emplace(s_.staging, s_.db, s_.flags.stopToken(), stagingLimits_);
+        stageAhead_.emplace(s_.staging, s_.flags.stopToken(), stagingLimits_);
         runPasses();
         stageAhead_.reset(); // nothing is staged any more while originals are deleted
     }
+    DeletionSummary deletion;
     if (!s_.flags.isCancelled())
-        s_.deletion.performDeletion(deletionEnabled, s_.flags.stopToken());
+        deletion = s_.deletion.performDeletion(deletionEnabled, s_.flags.stopToken());
 
     const std::lock_guard lock(mutex_);
+    summary_.deletion = std::move(deletion);
     currentProgressHandler_ = nullptr;
     summary_.cancelled = s_.flags.isCancelled();
     summary_.unavailable = static_cast<int>(unavailable_.size());
@@ -89,7 +93,7 @@ void SyncCoordinator::runPasses() {
         {
             const std::lock_guard lock(mutex_);
             summary_.passes = pass;
-            if (summary_.storeFailure)
+            if (summary_.failure)
                 return;
         }
         if (!triedAny) {
@@ -120,8 +124,9 @@ bool SyncCoordinator::runSyncLoop() {
         records = nextRecords();
     } catch (const DBError& error) {
         s_.console.print(QStringLiteral("[Sync] DB okuma hatasi: ") + error.localizedDescription());
-        const std::lock_guard lock(mutex_);
-        summary_.storeFailure = error.localizedDescription();
+        endBecauseOf(storeText.arg(error.localizedDescription()));
+        return false;
+    } catch (const Cancelled&) {
         return false;
     }
     if (records.empty()) {
@@ -135,20 +140,18 @@ bool SyncCoordinator::runSyncLoop() {
     s_.console.print(QStringLiteral("[Sync] %1 kayit isleniyor").arg(records.size()));
     processAll(std::move(records));
     s_.batchCoord.flush(s_.flags.stopToken());
-    if (auto refusal = s_.batchCoord.takeStoreRefusal()) {
-        const std::lock_guard lock(mutex_);
-        summary_.storeFailure = std::move(refusal); // else the same bytes again in every pass
-    }
+    if (const auto refusal = s_.batchCoord.takeStoreRefusal())
+        endBecauseOf(storeText.arg(*refusal)); // else the same bytes again in every pass
     return true;
 }
 
-/// The oldest pending records without those found unavailable: this pass, and the next one for the
-/// staging to go on with. The unavailable stay pending at the head of the queue and are stepped
-/// over unread. A record that came back among them meanwhile is found when nothing else is left.
-/// Called between two passes, when no worker runs.
+/// The oldest pending records that are to be sent: this pass, and the next one for the staging to
+/// go on with. Those found unavailable stay pending at the head of the queue and are stepped over
+/// unread; one that came back among them meanwhile is found when nothing else is left. A copy of
+/// bytes that are under way waits until nothing else is left. Called between two passes, when no
+/// worker runs.
 std::vector<SyncRecord> SyncCoordinator::nextRecords() {
     constexpr int window = 2 * passSize;
-    const auto known = static_cast<int>(unavailable_.size());
     const auto fetch = [&](int limit, int skipped) {
         auto records = s_.db.fetchPendingRecords(limit, skipped);
         std::erase_if(records, [&](const SyncRecord& record) {
@@ -156,12 +159,25 @@ std::vector<SyncRecord> SyncCoordinator::nextRecords() {
         });
         return records;
     };
-    auto records = fetch(window, known);
-    if (records.empty() && known > 0)
-        records = fetch(window + known, 0);
-    if (records.size() > window)
-        records.resize(window);
-    return records;
+    while (true) {
+        const auto known = static_cast<int>(unavailable_.size());
+        auto records = fetch(window, known);
+        if (records.empty() && known > 0)
+            records = fetch(window + known, 0);
+        if (records.size() > window)
+            records.resize(window);
+        const auto found = s_.recognition.examine(records, s_.flags.stopToken());
+        if (found.recognised > 0) {
+            finishRecognised(found.recognised);
+            continue;
+        }
+        const auto isWaiting = [&](const SyncRecord& record) {
+            return found.waiting.contains(record.assetLocalIdentifier);
+        };
+        if (!std::ranges::all_of(records, isWaiting))
+            std::erase_if(records, isWaiting);
+        return records;
+    }
 }
 
 void SyncCoordinator::processAll(std::vector<SyncRecord> records) {
@@ -177,7 +193,7 @@ void SyncCoordinator::work(Pass& pass) {
         const SyncRecord* record = nullptr;
         {
             const std::lock_guard lock(mutex_);
-            if (pass.next == pass.records.size() || summary_.storeFailure)
+            if (pass.next == pass.records.size() || summary_.failure)
                 return;
             if (!s_.flags.isCancelled())
                 record = &pass.records[pass.next++];
@@ -192,28 +208,33 @@ void SyncCoordinator::work(Pass& pass) {
     }
 }
 
-/// Every error of a record ends here: in its status, or, when the store refuses even that, in the
+/// Every error of a record ends here: in its status, or, when it is this computer's fault, in the
 /// end of the run.
 void SyncCoordinator::processRecord(const SyncRecord& record) noexcept {
     try {
         try {
             upload(record, s_.flags.stopToken());
+        } catch (const DBError&) {
+            throw;
+        } catch (const StagingDiskFull& error) {
+            endBecauseOf(error.localizedDescription());
         } catch (const std::exception& error) {
             handleFailure(record, error);
         }
     } catch (const std::exception& error) {
-        endBecauseOfStore(error);
+        s_.console.print(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
+        endBecauseOf(storeText.arg(describe(error)));
     }
 }
 
 void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
-    const auto file = stageAhead_->take(record, stop);
+    auto file = stageAhead_->take(record, stop);
     if (!file)
         return leaveOut(record);
     if (!passesDateGate(record, *file))
         return;
-    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(*file));
-    const QString name = uploadName(record, *file);
+    const std::int64_t bytes = file->content.sizeBytes;
+    const QString name = uploadName(record, file->path);
     {
         ActiveTransferItem item;
         item.id = record.assetLocalIdentifier;
@@ -222,7 +243,14 @@ void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
         item.totalBytes = bytes;
         item.startedAt = s_.clock.now();
         const ActiveTransfer transfer(s_.tracker, item);
-        const QString token = s_.uploadTask.upload(record, *file, name, stop);
+        const auto progress = [&](std::int64_t sent, std::int64_t total) {
+            s_.tracker.updateProgress(item.id, sent, total);
+        };
+        const QString token = s_.destination.upload(file->path, name, progress, stop);
+        if (fileVersion(file->path) != file->version) { // nobody knows what was sent
+            s_.life.requeued(record);
+            return;
+        }
         s_.batchCoord.enqueue(token, record, name, stop);
     }
     finishRecord(bytes);
@@ -230,10 +258,7 @@ void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
 
 /// No file came of the record. Unless its staging failed, it stays pending for a later run.
 void SyncCoordinator::leaveOut(const SyncRecord& record) {
-    // Written once more as it is: a store that refused the staging refuses this too, and says so.
-    const bool isPending = s_.db.ifStatusIs(SyncStatus::discovered, record,
-                                            [&] { setStatus(record, SyncStatus::discovered); });
-    if (!isPending)
+    if (s_.db.fetchStatus(record) != SyncStatus::discovered)
         return;
     const std::lock_guard lock(mutex_);
     unavailable_.insert(record.assetLocalIdentifier);
@@ -241,41 +266,31 @@ void SyncCoordinator::leaveOut(const SyncRecord& record) {
 
 /// False when the file has no trustworthy date: the record is then held back. The destination would
 /// otherwise file it under the upload day.
-bool SyncCoordinator::passesDateGate(const SyncRecord& record, const std::filesystem::path& file) {
+bool SyncCoordinator::passesDateGate(const SyncRecord& record, StagedFile& file) {
     MetadataResult result = MetadataResult::failed({});
-    if (!s_.metadata.hasEmbeddedDate(file)) {
+    const std::stop_token stop = s_.flags.stopToken();
+    if (!s_.metadata.hasEmbeddedDate(file.path, file.originalName, stop)) {
         const auto mode =
             dateFallbackModeFrom(
                 s_.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString()))
                 .value_or(DateFallbackMode::strictNone);
-        result = s_.staging.ensureMetadata(file, record.assetLocalIdentifier, mode);
-        if (result.which == MetadataResult::Case::success)
-            recordContent(record, file);
+        result = s_.staging.ensureMetadata(file, record, mode, stop);
     }
     if (result.which == MetadataResult::Case::unresolvedDate)
         s_.console.print(
             QStringLiteral(
                 "[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload engellendi: ") +
             record.assetLocalIdentifier);
-    else if (!s_.metadata.hasEmbeddedDate(file))
+    else if (!s_.metadata.carriesDate(file.path, result, file.originalName, stop))
         s_.console.print(
             QStringLiteral(
                 "[Sync] 🛑 Dosyada geçerli gömülü tarih bulunamadı, upload engellendi: ") +
             record.assetLocalIdentifier);
     else
         return true;
-    setStatus(record, SyncStatus::dateUnresolved,
-              QStringLiteral("Tarih tespit edilemedi - Google Photos hatalı tarih koruması"));
+    s_.life.heldBack(
+        record, QStringLiteral("Tarih tespit edilemedi - Google Photos hatalı tarih koruması"));
     return false;
-}
-
-/// The file is not the one that was hashed when it was staged any more.
-void SyncCoordinator::recordContent(SyncRecord record, const std::filesystem::path& file) {
-    const HashAndSize content = AssetStagingService::computeHashAndSize(file, s_.flags.stopToken());
-    record.sha256Hash = content.sha256;
-    record.fileSizeBytes = content.sizeBytes;
-    record.syncStatus = SyncStatus::staged;
-    s_.db.upsertRecord(record);
 }
 
 void SyncCoordinator::handleFailure(const SyncRecord& record, const std::exception& error) {
@@ -285,7 +300,7 @@ void SyncCoordinator::handleFailure(const SyncRecord& record, const std::excepti
         s_.console.print(QStringLiteral("[Sync] İptal bayrağı/cancellation algılandı, dosya FAILED "
                                         "yapılmıyor: ") +
                          record.assetLocalIdentifier);
-        setStatus(record, SyncStatus::discovered);
+        s_.life.requeued(record);
         return;
     }
     int errors = 0;
@@ -300,20 +315,23 @@ void SyncCoordinator::handleFailure(const SyncRecord& record, const std::excepti
         QStringLiteral("[Sync] Hata (%1x), %2s bekleniyor: %3")
             .arg(errors)
             .arg(QString::number(static_cast<double>(wait.count()), 'f', 1), description));
-    setStatus(record, SyncStatus::failed, description);
+    if (!s_.life.refused(record, description))
+        s_.life.stageFailed(record, description);
     s_.clock.sleep(wait, s_.flags.stopToken());
 }
 
-void SyncCoordinator::setStatus(const SyncRecord& record, SyncStatus status,
-                                const std::optional<QString>& error) {
-    s_.db.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, status, {},
-                       {}, error);
+void SyncCoordinator::endBecauseOf(const QString& failure) {
+    const std::lock_guard lock(mutex_);
+    summary_.failure = failure;
 }
 
-void SyncCoordinator::endBecauseOfStore(const std::exception& error) {
-    s_.console.print(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
-    const std::lock_guard lock(mutex_);
-    summary_.storeFailure = describe(error);
+void SyncCoordinator::finishRecognised(int count) {
+    {
+        const std::lock_guard lock(mutex_);
+        summary_.completed += count;
+        summary_.recognised += count;
+    }
+    reportProgress();
 }
 
 void SyncCoordinator::finishRecord(std::int64_t bytes) {

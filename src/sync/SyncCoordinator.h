@@ -1,12 +1,13 @@
 #pragma once
 
-#include "google/GoogleBatchCoordinator.h"
-#include "google/GoogleUploadTask.h"
 #include "google/TransferActivityTracker.h"
 #include "library/AssetStagingService.h"
 #include "library/SafeDeletionService.h"
 #include "metadata/MediaMetadataService.h"
-#include "store/DatabaseManager.h"
+#include "store/RecordLife.h"
+#include "sync/BatchCoordinator.h"
+#include "sync/Destination.h"
+#include "sync/Recognition.h"
 #include "sync/RunFlags.h"
 #include "sync/StageAhead.h"
 
@@ -31,10 +32,12 @@ class SyncCoordinator {
     /// What the services of a run are. Not owned; they outlive the coordinator.
     struct Services {
         DatabaseManager& db;
+        RecordLife& life;
         AssetStagingService& staging;
         MediaMetadataService& metadata;
-        GoogleUploadTask& uploadTask;
-        GoogleBatchCoordinator& batchCoord;
+        Recognition& recognition;
+        Destination& destination;
+        BatchCoordinator& batchCoord;
         TransferActivityTracker& tracker;
         SafeDeletionService& deletion;
         Preferences& preferences;
@@ -50,9 +53,11 @@ class SyncCoordinator {
         int total = 0;
         int passes = 0;
         int unavailable = 0; ///< stayed pending: the library cannot hand them out now
+        int recognised = 0;  ///< became VERIFIED unsent: the same bytes were there already
         std::int64_t uploadedBytes = 0;
         bool cancelled = false;
-        std::optional<QString> storeFailure; ///< the run ended because the store refused a write
+        std::optional<QString> failure; ///< why this computer could not go on; nothing FAILED by it
+        DeletionSummary deletion;
     };
 
     explicit SyncCoordinator(Services services, StageAhead::Limits stagingLimits = {});
@@ -85,13 +90,11 @@ class SyncCoordinator {
     void processRecord(const SyncRecord& record) noexcept;
     void upload(const SyncRecord& record, std::stop_token stop);
     void leaveOut(const SyncRecord& record);
-    bool passesDateGate(const SyncRecord& record, const std::filesystem::path& file);
-    void recordContent(SyncRecord record, const std::filesystem::path& file);
+    bool passesDateGate(const SyncRecord& record, StagedFile& file);
     void handleFailure(const SyncRecord& record, const std::exception& error);
-    void endBecauseOfStore(const std::exception& error);
-    void setStatus(const SyncRecord& record, SyncStatus status,
-                   const std::optional<QString>& error = {});
+    void endBecauseOf(const QString& failure);
     void finishRecord(std::int64_t bytes);
+    void finishRecognised(int count);
     void catchUpProgress(int pending);
     void reportProgress();
 

@@ -32,8 +32,6 @@ MenuBarViewModel::MenuBarViewModel(const Services& services,
          {&MenuBarViewModel::routeChanged, &MenuBarViewModel::googleAlbumsChanged})
         connect(this, source, this, &MenuBarViewModel::targetChanged);
     connect(this, &MenuBarViewModel::routeChanged, this, &MenuBarViewModel::localAlbumsChanged);
-    albumLimit_ = s_.batchCoord.googlePhotosAlbumLimitReached.subscribe(
-        [this](const AlbumLimitReached&) { handleAlbumLimitReached(); });
     transferTimer_.setInterval(transferInterval);
     connect(&transferTimer_, &QTimer::timeout, this, &MenuBarViewModel::sampleTransfers);
     refreshState();
@@ -43,6 +41,9 @@ void MenuBarViewModel::setLibrary(std::shared_ptr<const LibrarySession> session)
     if (isSyncing_)
         stopSync();
     session_ = std::move(session);
+    albumLimit_ = !session_ ? Subscription()
+                            : session_->run.batches.googlePhotosAlbumLimitReached.subscribe(
+                                  [this](const AlbumLimitReached&) { handleAlbumLimitReached(); });
     isLibraryStale_ = true;
     publish(localAlbums_, {}, &MenuBarViewModel::localAlbumsChanged);
     Q_EMIT routeChanged();
@@ -71,12 +72,13 @@ void MenuBarViewModel::refreshThen(std::function<void()> then) {
     publishRoute();
     countLibrary();
     if (!isRefreshWaiting_.exchange(true)) {
-        stateTasks_.post([this, number = ++refreshNumber_](const std::stop_token&) {
-            isRefreshWaiting_ = false;
-            const Account account = readAccount();
-            const Counts counts = readCounts();
-            post([this, number, account, counts] { publishState(number, account, counts); });
-        });
+        stateTasks_.post(
+            [this, session = session_, number = ++refreshNumber_](const std::stop_token&) {
+                isRefreshWaiting_ = false;
+                const Account account = readAccount();
+                const Counts counts = session ? readCounts(session->run.db) : Counts();
+                post([this, number, account, counts] { publishState(number, account, counts); });
+            });
     }
     if (then)
         afterRefresh_.emplace_back(refreshNumber_, std::move(then));
@@ -89,11 +91,11 @@ MenuBarViewModel::Account MenuBarViewModel::readAccount() {
     return account;
 }
 
-MenuBarViewModel::Counts MenuBarViewModel::readCounts() {
+MenuBarViewModel::Counts MenuBarViewModel::readCounts(DatabaseManager& db) {
     Counts counts;
     try {
-        counts.records = StoreCounts::of(s_.db);
-        counts.categories = s_.db.fetchFailedCategorySummaries();
+        counts.records = StoreCounts::of(db);
+        counts.categories = db.fetchFailedCategorySummaries();
     } catch (const DBError&) { // NOLINT(bugprone-empty-catch)
         // A store that is busy or broken reads as empty: the display must not fail with it.
     }
@@ -152,10 +154,10 @@ void MenuBarViewModel::countLibrary() {
                 if (session == session_)
                     publish(localAlbums_, albums, &MenuBarViewModel::localAlbumsChanged);
             });
-            const AuthorizationStatus status = session->library.authorizationStatus();
+            const AuthorizationStatus status = session->run.library.authorizationStatus();
             if (status != AuthorizationStatus::authorized && status != AuthorizationStatus::limited)
                 return;
-            const int total = static_cast<int>(session->library.fetchAssets()->size());
+            const int total = static_cast<int>(session->run.library.fetchAssets()->size());
             post([this, session, total] {
                 if (session == session_)
                     publish(totalPhotoCount_, total, &MenuBarViewModel::localAlbumsChanged);

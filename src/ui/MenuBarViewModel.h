@@ -2,7 +2,6 @@
 
 #include "foundation/MainThread.h"
 #include "google/GoogleAlbumManager.h"
-#include "google/GoogleBatchCoordinator.h"
 #include "google/GoogleOAuthManager.h"
 #include "library/TaskRunner.h"
 #include "metadata/MetadataTypes.h"
@@ -10,7 +9,6 @@
 #include "ui/Desktop.h"
 #include "ui/LibrarySession.h"
 #include "ui/LogListModel.h"
-#include "ui/SyncRun.h"
 #include "ui/ViewTypes.h"
 
 #include <QPointer>
@@ -93,10 +91,8 @@ class MenuBarViewModel final : public QObject {
   public:
     /// Not owned; they outlive the model.
     struct Services {
-        DatabaseManager& db;
         GoogleOAuthManager& oauth;
         GoogleAlbumManager& albums;
-        GoogleBatchCoordinator& batchCoord;
         TransferActivityTracker& tracker;
         Preferences& preferences;
         Log& log;
@@ -107,6 +103,8 @@ class MenuBarViewModel final : public QObject {
         /// Held for the length of a run; throws `Error` while another process runs one.
         std::function<std::shared_ptr<void>()> acquireRunLock;
         std::filesystem::path logFile;
+        /// Somebody signed in or out: the open library's state may be another's now.
+        std::function<void()> accountDidChange = [] {};
         /// Gives a pasted callback to the sign-in that waits; false when it is not the awaited one.
         /// Blocks for moments.
         std::function<bool(const QString& url)> handOverURL = [](const QString&) { return false; };
@@ -295,7 +293,7 @@ class MenuBarViewModel final : public QObject {
 
     void refreshThen(std::function<void()> then);
     Account readAccount();
-    Counts readCounts();
+    static Counts readCounts(DatabaseManager& db);
     void publishRoute();
     void publishState(int refresh, Account account, Counts counts);
     void countLibrary();

@@ -30,8 +30,8 @@ void MenuBarViewModel::selectSourceAlbum(const QString& id) {
     // In the runs' order: a run that begins after the choice sees nothing of the earlier source.
     runTasks_.post([this, session = session_](const std::stop_token& end) {
         try {
-            s_.db.clearPendingRecords();
-            session->observer.initialScan(end);
+            session->life.cleared();
+            session->run.observer.initialScan(end);
         } catch (const Error& error) {
             s_.log.log(QStringLiteral("[MenuBarViewModel] Kaynak taranamadı: ") +
                        error.localizedDescription());
@@ -196,11 +196,13 @@ void MenuBarViewModel::retryQuarantinedItems(const QString& rawMode) {
         dateFallbackModeFrom(rawMode).value_or(DateFallbackMode::strictNone);
     store([&] { s_.preferences.setString(preferenceKeys::dateFallbackMode, rawValue(mode)); });
     Q_EMIT settingsChanged();
-    stateTasks_.post([this, mode](const std::stop_token&) {
+    if (!session_)
+        return;
+    stateTasks_.post([this, mode, session = session_](const std::stop_token&) {
         try {
-            s_.db.retryFailedRecords(true);
+            session->life.retriedFailed(true);
             if (mode != DateFallbackMode::strictNone)
-                s_.db.retryDateUnresolvedRecords();
+                session->life.retriedUndated();
         } catch (const DBError& error) {
             s_.log.log(
                 QStringLiteral("[MenuBarViewModel] Karantina sıfırlama hatası (date fallback): ") +

@@ -19,7 +19,7 @@ QString grouped(qint64 number) {
 
 /// One run on the run thread: under the lock that keeps other processes out, unless it was stopped
 /// while it waited for its turn.
-SyncRunOutcome runLocked(const LibrarySession& session, DatabaseManager& db, bool deletionEnabled,
+SyncRunOutcome runLocked(const LibrarySession& session, bool deletionEnabled,
                          const SyncRunCallbacks& callbacks,
                          const std::function<std::shared_ptr<void>()>& acquireRunLock,
                          const std::stop_token& stop) {
@@ -30,7 +30,7 @@ SyncRunOutcome runLocked(const LibrarySession& session, DatabaseManager& db, boo
     }
     try {
         const std::shared_ptr<void> lock = acquireRunLock();
-        return runSync(session, db, deletionEnabled, callbacks, stop);
+        return runSync(session.run, deletionEnabled, callbacks, stop);
     } catch (const Error& error) {
         outcome.error = error.localizedDescription();
     }
@@ -92,6 +92,7 @@ void MenuBarViewModel::signInEnded(bool isRenewal, const std::optional<QString>&
     }
     if (isRenewal)
         s_.log.log(QStringLiteral("[MenuBarViewModel] Yeniden yetkilendirme başarılı"));
+    s_.accountDidChange();
     refreshState();
     loadGoogleAlbums();
 }
@@ -124,6 +125,7 @@ void MenuBarViewModel::signOut() {
     googleTasks_.post([this](const std::stop_token& end) {
         try {
             s_.oauth.signOut(end);
+            s_.preferences.removeDamaged();
         } catch (const Error& error) {
             s_.log.log(QStringLiteral("[MenuBarViewModel] Çıkış hatası: ") +
                        error.localizedDescription());
@@ -133,6 +135,7 @@ void MenuBarViewModel::signOut() {
         post([this] {
             knowsGoogleAlbums_ = false;
             publish(googleAlbums_, {}, &MenuBarViewModel::googleAlbumsChanged);
+            s_.accountDidChange();
             refreshState();
         });
     });
@@ -200,8 +203,8 @@ void MenuBarViewModel::executeSyncLoop() {
     runTasks_.post([this, callbacks, session = session_, run = runNumber_, source = runStop_,
                     deletionEnabled = isAutoDeleteEnabled_](const std::stop_token& end) {
         const std::stop_callback onEnd(end, [source]() mutable { source.request_stop(); });
-        const SyncRunOutcome outcome = runLocked(*session, s_.db, deletionEnabled, callbacks,
-                                                 s_.acquireRunLock, source.get_token());
+        const SyncRunOutcome outcome =
+            runLocked(*session, deletionEnabled, callbacks, s_.acquireRunLock, source.get_token());
         post([this, run, outcome] { finishRun(run, outcome); });
     });
 }
@@ -227,8 +230,8 @@ void MenuBarViewModel::finishRun(int run, const SyncRunOutcome& outcome) {
         refreshState(); // a later run has begun: the display is its own
         return;
     }
-    if (outcome.wasStopped && endCause_ == EndCause::none)
-        endCause_ = EndCause::albumFull; // nobody else stops a run
+    if (outcome.albumFull)
+        endCause_ = EndCause::albumFull;
     const bool isFailed = outcome.hasFailed() || endCause_ == EndCause::albumFull;
     if (!outcome.error)
         lastSyncTime_ = s_.clock.now();

@@ -64,6 +64,29 @@ TEST_F(MediaItemsTest, aFullAlbumTakesOnlyWhatItHolds) {
     EXPECT_EQ(emulator->albums().at(0).itemCount, 3);
 }
 
+TEST_F(MediaItemsTest, tellsInOrderWhichItemsItHas) {
+    ASSERT_EQ(statusOf(create({uploadToken(jpeg), uploadToken(movie, "video/quicktime")})), 200);
+    const QString deleted = emulator->mediaItems().at(0).id;
+    const QString kept = emulator->mediaItems().at(1).id;
+    emulator->deleteMediaItem(deleted);
+    const auto ask = [&](const QStringList& ids) {
+        const QString query = (QStringList(QString()) + ids).join(u"&mediaItemIds="_s);
+        return client->Get((u"/v1/mediaItems:batchGet?"_s + query.mid(1)).toStdString(), bearer());
+    };
+    const QJsonArray results = json(ask({deleted, kept}))[u"mediaItemResults"_s].toArray();
+    ASSERT_EQ(results.size(), 2);
+    EXPECT_EQ(results[0][u"status"_s][u"code"_s].toInt(), 5);
+    EXPECT_EQ(results[1][u"mediaItem"_s][u"id"_s].toString(), kept);
+    QStringList many;
+    for (int i = 0; i < 51; ++i)
+        many.append(QString::number(i));
+    for (const QStringList& ids : {QStringList(), many, QStringList{kept, kept}})
+        EXPECT_EQ(statusOf(ask(ids)), 400) << ids.size();
+    token = emulator->issueTokens(u"https://www.googleapis.com/auth/photoslibrary.appendonly"_s)
+                .accessToken;
+    EXPECT_EQ(statusOf(ask({kept})), 403);
+}
+
 TEST_F(MediaItemsTest, refusesAWholeRequestThatIsWrong) {
     const QString good = uploadToken(jpeg);
     const QJsonObject item = batch({good})[u"newMediaItems"_s][0].toObject();

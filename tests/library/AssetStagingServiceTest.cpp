@@ -81,45 +81,192 @@ TEST(AssetStagingService, TakesTheFirstResourceThatIsAPhotoAVideoOrAFullSizePhot
         } else {
             EXPECT_EQ(lines, QStringList{u"[Staging] Resource bulunamadı: "_s + assetID(number)});
             EXPECT_EQ(world.status(assetID(number)), SyncStatus::discovered);
-            EXPECT_TRUE(world.staging.isUnavailable(assetID(number)));
         }
     }
 }
 
-TEST_F(AssetStagingServiceTest, ReusesAWholeFileOfAnEarlierRunButNotAPart) {
-    discover(assetID(1));
-    discover(assetID(2));
-    replaceFile(permanent / pathFrom(stagedName(assetID(1), u"a.bin"_s)), "kept");
-    replaceFile(permanent / pathFrom(u'.' + stagedName(assetID(2), u"a.bin.part"_s)), "tor");
-    staging.stageDiscoveredAssets();
+TEST(AssetStagingService, HandsOutNoCopyButTheOneThatItsRecordTellsOf) {
+    const QByteArray bytes = "bytes of a.bin";
+    const auto write = [](const QByteArray& content) {
+        return [content](const std::filesystem::path& file) { replaceFile(file, content); };
+    };
+    const auto edit = [](FakePhotoLibrary& library) { library.replace(assetID(1), "edited"); };
+    const auto touch = [](FakePhotoLibrary& library) {
+        library.replace(assetID(1), "bytes of a.bin");
+    };
+    const auto take = [](FakePhotoLibrary& library) { library.remove(assetID(1)); };
+    const struct {
+        const char* name;
+        std::function<void(const std::filesystem::path&)> damage;
+        std::function<void(FakePhotoLibrary&)> change;
+        QByteArray handedOut; ///< none: empty
+        int exports;
+        QByteArray aside; ///< none: empty
+    } cases[] = {
+        {"whole", {}, {}, bytes, 1, {}},
+        {"cut", write(bytes.first(8)), {}, bytes, 2, {}},
+        {"one byte short", write(bytes.chopped(1)), {}, bytes, 2, {}},
+        {"another of the same length", write(QByteArray(bytes.size(), 'x')), {}, bytes, 2, {}},
+        {"gone", [](auto& file) { std::filesystem::remove(file); }, {}, bytes, 2, {}},
+        {"whole, original edited", {}, edit, bytes, 1, {}},
+        {"cut, original edited", write("byt"), edit, "edited", 2, "byt"},
+        {"cut, original touched", write("byt"), touch, bytes, 2, "byt"},
+        {"whole, original gone", {}, take, bytes, 1, {}},
+        {"cut, original gone", write("byt"), take, {}, 1, {}},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.name);
+        World world;
+        world.discover(assetID(1));
+        world.staging.stageDiscoveredAssets();
+        const auto file = world.staging.findStagingFile(assetID(1)).value();
+        if (each.damage)
+            each.damage(file);
+        if (each.change)
+            each.change(world.library);
+        std::optional<StagedFile> copy;
+        const QStringList lines =
+            printedBy([&] { copy = world.staging.stage(world.record(assetID(1)).value(), {}); });
+        EXPECT_EQ(copy ? readFile(copy->path) : QByteArray(), each.handedOut);
+        EXPECT_EQ(world.library.exported().size(), each.exports);
+        const auto aside = world.permanent / "Kenara Alinanlar" / file.filename();
+        EXPECT_EQ(std::filesystem::exists(aside), !each.aside.isEmpty());
+        EXPECT_EQ(lines.filter(pathText(aside)).size(), each.aside.isEmpty() ? 0 : 1);
+        if (!each.aside.isEmpty()) {
+            EXPECT_EQ(readFile(aside), each.aside);
+        }
+        const SyncRecord record = world.record(assetID(1)).value();
+        EXPECT_EQ(record.syncStatus, copy ? SyncStatus::staged : SyncStatus::discovered);
+        if (copy) {
+            EXPECT_EQ(record.sha256Hash, copy->content.sha256);
+            EXPECT_EQ(copy->content,
+                      (HashAndSize{sha256Of(each.handedOut), each.handedOut.size()}));
+        }
+    }
+}
 
-    EXPECT_EQ(library.exported(), QStringList{assetID(2)});
-    EXPECT_EQ(record(assetID(1))->sha256Hash, sha256Of("kept"));
-    EXPECT_EQ(record(assetID(2))->sha256Hash, sha256Of("bytes of a.bin"));
+TEST_F(AssetStagingServiceTest, AFileOfUnknownBytesIsReplacedOrRescued) {
+    discover(assetID(1));
+    replaceFile(permanent / pathFrom(stagedName(assetID(1), u"a.bin"_s)), "whose?");
+    staging.stageDiscoveredAssets();
+    EXPECT_EQ(record(assetID(1))->sha256Hash, sha256Of("bytes of a.bin"));
+    EXPECT_EQ(
+        readFile(permanent / "Kenara Alinanlar" / pathFrom(stagedName(assetID(1), u"a.bin"_s))),
+        "whose?");
+
+    SyncRecord recovered; // by the scan, and nothing else is left of it
+    recovered.assetLocalIdentifier = assetID(2);
+    recovered.syncStatus = SyncStatus::staged;
+    database.upsertRecord(recovered);
+    replaceFile(permanent / pathFrom(stagedName(assetID(2), u"a.bin"_s)), "rescued");
+    const auto copy = staging.stage(recovered, {});
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(readFile(copy->path), "rescued");
+    EXPECT_EQ(record(assetID(2))->sha256Hash, sha256Of("rescued"));
+    EXPECT_EQ(life.sourceOf(assetID(2)), std::nullopt) << "it proves nothing";
 }
 
 TEST(AssetStagingService, RecordsAFailedExportAndLeavesNoFile) {
+    const QString reason = u"Özgün dosya bu bilgisayarda değil"_s;
+    const QString full = u"Dosyaya yazılamadı: /x (diskte yer kalmadı)"_s;
+    World world;
+    world.discover(assetID(1));
+    world.library.onExport = [] { throw FileError(u"Dosyaya yazılamadı"_s, "/x", ENOSPC); };
+    EXPECT_EQ(printedBy([&] { world.staging.stageDiscoveredAssets(); }),
+              QStringList{u"[Staging] Hata %1: %2"_s.arg(assetID(1), full)});
+    EXPECT_THROW(world.staging.stage(world.record(assetID(1)).value(), {}), StagingDiskFull);
+    EXPECT_EQ(world.status(assetID(1)), SyncStatus::discovered) << "its turn comes";
+
+    world.library.onExport = [&] { throw PhotoLibraryError(reason); };
+    EXPECT_EQ(printedBy([&] { world.staging.stageDiscoveredAssets(); }),
+              QStringList{u"[Staging] Hata %1: %2"_s.arg(assetID(1), reason)});
+    EXPECT_EQ(world.status(assetID(1)), SyncStatus::failed);
+    EXPECT_EQ(world.record(assetID(1))->lastError, reason);
+    EXPECT_EQ(world.stagedNames(), QStringList());
+}
+
+TEST_F(AssetStagingServiceTest, SentCopiesGoOldestFirstAndMakeRoom) {
+    const auto sparse = [&](int number, std::uintmax_t size) {
+        discoverRecord(assetID(number));
+        const auto file = permanent / pathFrom(stagedName(assetID(number), u"a.mov"_s));
+        replaceFile(file, "");
+        std::filesystem::resize_file(file, size);
+        setStatus(assetID(number), SyncStatus::verified, u"remote"_s);
+    };
+    discover(assetID(9));
+    staging.stageDiscoveredAssets();
+    for (const int number : {1, 2, 3}) {
+        sparse(number, std::uintmax_t(900) << 20);
+        staging.wasSent(assetID(number));
+    }
+    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
+    EXPECT_TRUE(staging.findStagingFile(assetID(2)));
+    EXPECT_TRUE(staging.findStagingFile(assetID(3)));
+
+    FakePhotoLibrary::Entry large;
+    large.asset.localIdentifier = assetID(4);
+    large.resources = {{AssetResourceType::video, u"b.mov"_s, std::int64_t(1) << 60, {}}};
+    library.add(large);
+    discoverRecord(assetID(4));
+    EXPECT_THROW(staging.stage(record(assetID(4)).value(), {}), StagingDiskFull);
+    EXPECT_FALSE(library.exported().contains(assetID(4)));
+    EXPECT_FALSE(staging.findStagingFile(assetID(3)));
+    EXPECT_TRUE(staging.findStagingFile(assetID(9))) << "what is pending stays";
+}
+
+TEST(AssetStagingService, DiscardsACopyOnlyWhileItsOriginalIsUnchanged) {
     const struct {
-        std::function<void()> fail;
-        QString reason;
+        std::function<void(World&)> change;
+        bool isDone, isKept, isAside;
     } cases[] = {
-        {[] { throw PhotoLibraryError(u"Özgün dosya bu bilgisayarda değil"_s); },
-         u"Özgün dosya bu bilgisayarda değil"_s},
-        {[] { throw FileError(u"Dosyaya yazılamadı"_s, "/x", ENOSPC); },
-         u"Dosyaya yazılamadı: /x (diskte yer kalmadı)"_s},
+        {[](auto&) {}, true, false, false},
+        {[](auto& world) { world.library.replace(assetID(1), "edited"); }, true, false, true},
+        {[](auto& world) { world.library.remove(assetID(1)); }, true, false, true},
+        {[](auto& world) { world.library.unreadable = u"yok"_s; }, false, true, false},
     };
     for (const auto& each : cases) {
         World world;
         world.discover(assetID(1));
-        world.library.onExport = each.fail;
-        const QStringList lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
-        EXPECT_EQ(lines, QStringList{u"[Staging] Hata %1: %2"_s.arg(assetID(1), each.reason)});
-        const SyncRecord record = world.record(assetID(1)).value();
-        EXPECT_EQ(record.syncStatus, SyncStatus::failed);
-        EXPECT_EQ(record.lastError, each.reason);
-        EXPECT_EQ(record.retryCount, 1);
-        EXPECT_EQ(world.stagedNames(), QStringList());
+        world.staging.stageDiscoveredAssets();
+        each.change(world);
+        bool isDone = false;
+        const QStringList lines = printedBy([&] { isDone = world.staging.discard(assetID(1)); });
+        EXPECT_EQ(isDone, each.isDone);
+        EXPECT_EQ(world.staging.findStagingFile(assetID(1)).has_value(), each.isKept);
+        EXPECT_EQ(lines.filter(u"kenara alındı"_s).size(), each.isAside ? 1 : 0);
+        EXPECT_TRUE(world.staging.discard(assetID(2))) << "there is nothing";
     }
+}
+
+TEST(AssetStagingService, TwoProcessesAtOnceTearNothingAndExportNothingTwice) {
+    constexpr int assets = 20;
+    World world;
+    world.library.onExport = [] { std::this_thread::yield(); };
+    for (int i = 0; i < assets; ++i)
+        world.discover(assetID(i), u"%1.bin"_s.arg(i));
+    {
+        std::vector<std::jthread> processes;
+        for (int process = 0; process < 2; ++process)
+            processes.emplace_back([&] {
+                DatabaseManager database(world.place.database, world.console);
+                RecordLife life(database);
+                KnownContents known(database, {});
+                MediaMetadataService metadata(world.library, world.folders.pictures, world.log,
+                                              world.clock);
+                AssetStagingService staging(
+                    {world.library, database, life, known, metadata, world.console}, world.place,
+                    world.folders.stagingLock());
+                for (int i = 0; i < assets; ++i) {
+                    staging.removeLeftovers();
+                    const auto record = database.fetchRecord(assetID(i));
+                    const auto copy = staging.stage(record.value(), {});
+                    ASSERT_TRUE(copy);
+                    EXPECT_EQ(readFile(copy->path), "bytes of " + QByteArray::number(i) + ".bin");
+                }
+            });
+    }
+    EXPECT_EQ(world.library.exported().size(), assets);
+    EXPECT_EQ(world.stagedNames().size(), assets);
 }
 
 TEST_F(AssetStagingServiceTest, RefusesALinkInPlaceOfAStagedFile) {
@@ -167,8 +314,9 @@ TEST(AssetStagingService, NeverTakesBackARecordThatMovedOnMeanwhile) {
         World world;
         world.discover(assetID(1));
         world.library.onExport = [&] { each.meanwhile(world); };
-        world.staging.stageDiscoveredAssets();
+        EXPECT_FALSE(world.staging.stage(world.record(assetID(1)).value(), {}));
         EXPECT_EQ(world.status(assetID(1)), each.expected);
+        EXPECT_EQ(world.stagedNames(), QStringList()) << "recovery would bring it back";
     }
 }
 
@@ -179,8 +327,6 @@ TEST_F(AssetStagingServiceTest, LooksAtTheOldestTenAndIsNotHeldUpByMissingAssets
         discover(assetID(i));
     QStringList lines = printedBy([&] { staging.stageDiscoveredAssets(); });
     EXPECT_EQ(lines.filter(u"[Staging] Asset bulunamadı: "_s).size(), 10);
-    EXPECT_TRUE(staging.isUnavailable(assetID(0)));
-    EXPECT_FALSE(staging.isUnavailable(assetID(30)));
     for (int i = 0; i < 6; ++i) {
         lines = printedBy([&] { staging.stageDiscoveredAssets(); });
         EXPECT_LE(lines.filter(u"Asset bulunamadı"_s).size(), 20);
@@ -191,7 +337,6 @@ TEST_F(AssetStagingServiceTest, LooksAtTheOldestTenAndIsNotHeldUpByMissingAssets
     for (int i = 0; i < 3; ++i) // twenty-five missing ones are tried again in three turns
         staging.stageDiscoveredAssets();
     EXPECT_EQ(status(assetID(3)), SyncStatus::staged);
-    EXPECT_FALSE(staging.isUnavailable(assetID(3)));
 }
 
 TEST_F(AssetStagingServiceTest, LeavesRecordsAloneWhenTheLibraryOrTheStoreCannotBeRead) {
@@ -200,30 +345,15 @@ TEST_F(AssetStagingServiceTest, LeavesRecordsAloneWhenTheLibraryOrTheStoreCannot
     EXPECT_EQ(printedBy([&] { staging.stageDiscoveredAssets(); }),
               QStringList{u"[Staging] Hata %1: Kitaplık yok"_s.arg(assetID(1))});
     EXPECT_EQ(status(assetID(1)), SyncStatus::discovered);
-    EXPECT_FALSE(staging.isUnavailable(assetID(1)));
 
     DatabaseManager broken(folder.path(), console);
-    AssetStagingService idle(library, broken, metadata, folders, console);
+    KnownContents nothing(broken, {});
+    AssetStagingService idle({library, broken, life, nothing, metadata, console}, place,
+                             folders.stagingLock());
     EXPECT_EQ(printedBy([&] { idle.stageDiscoveredAssets(); })
                   .filter(u"[Staging] Bekleyen kayıtlar okunamadı: "_s)
                   .size(),
               1);
-}
-
-TEST_F(AssetStagingServiceTest, ConcurrentCallersExportEachAssetOnce) {
-    for (int i = 0; i < 10; ++i)
-        discover(assetID(i));
-    {
-        std::vector<std::jthread> callers;
-        for (int i = 0; i < 4; ++i)
-            callers.emplace_back([&] {
-                staging.stageDiscoveredAssets();
-                for (int asset = 0; asset < 10; ++asset)
-                    EXPECT_TRUE(staging.findStagingFile(assetID(asset)));
-            });
-    }
-    EXPECT_EQ(library.exported().size(), 10);
-    EXPECT_EQ(stagedNames().size(), 10);
 }
 
 TEST_F(AssetStagingServiceTest, UsesTheTemporaryFolderWithoutAPermanentOneAndOnlyWhenItIsPrivate) {
@@ -245,9 +375,7 @@ TEST_F(AssetStagingServiceTest, UsesTheTemporaryFolderWithoutAPermanentOneAndOnl
     std::filesystem::rename(folders.temporaryStaging, elsewhere);
     std::filesystem::create_symlink(elsewhere, folders.temporaryStaging);
     EXPECT_EQ(
-        printedBy([&] {
-            const AssetStagingService other(library, database, metadata, folders, console);
-        }),
+        printedBy([&] { const AssetStagingService other(services, place, folders.stagingLock()); }),
         QStringList{u"[Staging] Geçici klasör bu kullanıcıya özel değil, kullanılmayacak: "_s +
                     pathText(folders.temporaryStaging)});
     EXPECT_FALSE(staging.findStagingFile(assetID(1)));
@@ -278,17 +406,16 @@ TEST(AssetStagingService, HashesWholeFilesOfAnyLength) {
     const TemporaryFolder folder;
     for (const qsizetype length : {0, 1, 1 << 20, (1 << 20) + 1, 3 << 20}) {
         const QByteArray bytes(length, 'q');
-        const auto result = AssetStagingService::computeHashAndSize(folder.write("f", bytes));
+        const auto result = computeHashAndSize(folder.write("f", bytes));
         EXPECT_EQ(result.sizeBytes, length);
         EXPECT_EQ(result.sha256, sha256Of(bytes));
     }
-    EXPECT_EQ(AssetStagingService::computeHashAndSize(folder.write("f", "")).sha256,
+    EXPECT_EQ(computeHashAndSize(folder.write("f", "")).sha256,
               u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s);
-    EXPECT_THROW(AssetStagingService::computeHashAndSize(folder / "absent"), FileError);
+    EXPECT_THROW(computeHashAndSize(folder / "absent"), FileError);
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_THROW(AssetStagingService::computeHashAndSize(folder / "f", stop.get_token()),
-                 Cancelled);
+    EXPECT_THROW(computeHashAndSize(folder / "f", stop.get_token()), Cancelled);
 }
 
 } // namespace quorvane::test

@@ -1,8 +1,10 @@
 #include "FakePhotoLibrary.h"
 
+#include "foundation/Crypto.h"
 #include "foundation/File.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace quorvane::test {
 
@@ -23,6 +25,10 @@ AssetFetchResult resultOf(std::vector<PhotoAsset> assets) {
     return std::make_shared<const std::vector<PhotoAsset>>(std::move(assets));
 }
 
+SourceContent contentOf(const FakePhotoLibrary::Entry& entry) {
+    return {QString::fromLatin1(Sha256::digest(entry.bytes).toHex()), entry.version};
+}
+
 } // namespace
 
 void FakePhotoLibrary::add(const QString& identifier, const QString& filename,
@@ -32,14 +38,23 @@ void FakePhotoLibrary::add(const QString& identifier, const QString& filename,
     asset.localIdentifier = identifier;
     asset.mediaType = mediaType;
     asset.mediaSubtypes = subtypes;
-    add({asset, {{resourceType, filename, std::nullopt, {}}}, "bytes of " + filename.toUtf8()});
+    add({asset, {{resourceType, filename, std::nullopt, {}}}, "bytes of " + filename.toUtf8(), {}});
 }
 
 void FakePhotoLibrary::add(Entry entry) {
     for (PhotoAssetResource& resource : entry.resources)
         resource.location = pathFrom(entry.asset.localIdentifier);
     const std::lock_guard lock(mutex_);
+    ++changes_;
+    entry.version = {entry.bytes.size(), changes_, changes_, static_cast<std::uint64_t>(changes_)};
     entries_.push_back(std::move(entry));
+}
+
+void FakePhotoLibrary::replace(const QString& identifier, const QByteArray& bytes) {
+    Entry entry = entryOf(identifier).value();
+    entry.bytes = bytes;
+    remove(identifier);
+    add(std::move(entry));
 }
 
 void FakePhotoLibrary::remove(const QString& identifier) {
@@ -72,7 +87,7 @@ void FakePhotoLibrary::requireReadable() const {
         throw PhotoLibraryError(*unreadable);
 }
 
-AssetFetchResult FakePhotoLibrary::fetchAssets() {
+AssetFetchResult FakePhotoLibrary::fetchAssets(std::stop_token) {
     requireReadable();
     return resultOf(assets());
 }
@@ -119,37 +134,81 @@ std::vector<Collection> FakePhotoLibrary::fetchCollections(const CollectionList&
     return inList[list.localIdentifier];
 }
 
-std::vector<PhotoAssetResource> FakePhotoLibrary::assetResources(const PhotoAsset& asset) {
+std::optional<FakePhotoLibrary::Entry> FakePhotoLibrary::entryOf(const QString& identifier) const {
     const std::lock_guard lock(mutex_);
     for (const Entry& entry : entries_)
-        if (entry.asset.localIdentifier == asset.localIdentifier)
-            return entry.resources;
-    return {};
+        if (entry.asset.localIdentifier == identifier)
+            return entry;
+    return std::nullopt;
 }
 
-void FakePhotoLibrary::writeData(const PhotoAssetResource& resource,
-                                 const std::filesystem::path& destination, std::stop_token stop) {
-    QByteArray bytes;
+std::vector<PhotoAssetResource> FakePhotoLibrary::assetResources(const PhotoAsset& asset) {
+    const auto entry = entryOf(asset.localIdentifier);
+    return entry ? entry->resources : std::vector<PhotoAssetResource>();
+}
+
+SourceContent FakePhotoLibrary::writeData(const PhotoAssetResource& resource,
+                                          const std::filesystem::path& destination,
+                                          std::stop_token stop) {
+    const QString identifier = pathText(resource.location);
+    const Entry entry = entryOf(identifier).value_or(Entry());
     {
         const std::lock_guard lock(mutex_);
-        const QString identifier = pathText(resource.location);
         exported_.append(identifier);
-        for (const Entry& entry : entries_)
-            if (entry.asset.localIdentifier == identifier)
-                bytes = entry.bytes;
     }
     if (onExport)
         onExport();
     if (stop.stop_requested())
         throw Cancelled();
-    replaceFile(destination, bytes);
+    if (std::filesystem::exists(destination))
+        throw FileError(QStringLiteral("Dosya kopyalanamadı"), destination, EEXIST);
+    replaceFile(destination, entry.bytes);
+    return contentOf(entry);
 }
 
-void FakePhotoLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
+SourceContent FakePhotoLibrary::readContent(const PhotoAssetResource& resource, std::stop_token) {
+    const auto entry = entryOf(pathText(resource.location));
+    if (!entry)
+        throw PhotoLibraryError(QStringLiteral("Özgün dosya yok"));
+    return contentOf(*entry);
+}
+
+std::optional<std::int64_t> FakePhotoLibrary::sampleOf(const PhotoAssetResource& resource) {
+    const auto entry = entryOf(pathText(resource.location));
+    return entry ? std::optional(std::int64_t{entry->bytes.size()}) : std::nullopt;
+}
+
+std::optional<FileVersion> FakePhotoLibrary::versionOf(const PhotoAssetResource& resource) {
+    const auto entry = entryOf(pathText(resource.location));
+    return entry ? std::optional(entry->version) : std::nullopt;
+}
+
+void FakePhotoLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
+                                    const QString& warning, DeletionGuard& guard,
+                                    std::stop_token stop) {
+    warned = warning;
     if (onDelete)
         onDelete();
-    for (const PhotoAsset& asset : assets)
-        remove(asset.localIdentifier);
+    for (auto from = candidates.begin(); from != candidates.end() && !stop.stop_requested();) {
+        const auto to = from + std::min(candidates.end() - from,
+                                        static_cast<std::ptrdiff_t>(DeletionGuard::atOnce));
+        for (const DeletionCandidate& candidate : guard.stillSafe({from, to})) {
+            const QString& identifier = candidate.asset.localIdentifier;
+            try {
+                if (contentOf(entryOf(identifier).value()).sha256 != candidate.source.sha256)
+                    throw PhotoLibraryError(QStringLiteral("değişmiş"));
+                guard.willDelete(candidate);
+            } catch (const Error& error) {
+                guard.leftOut(candidate, error.localizedDescription());
+                continue;
+            }
+            if (onRemoval)
+                onRemoval(identifier);
+            remove(identifier);
+            guard.didDelete(candidate);
+        }
+        from = to;
+    }
 }
 
 void FakePhotoLibrary::registerChangeObserver(LibraryChangeObserver& observer) {

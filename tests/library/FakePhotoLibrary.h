@@ -18,6 +18,7 @@ class FakePhotoLibrary final : public PhotoLibrary {
         PhotoAsset asset;
         std::vector<PhotoAssetResource> resources;
         QByteArray bytes;
+        FileVersion version; ///< kept by the library
     };
 
     /// An asset with one resource.
@@ -26,14 +27,18 @@ class FakePhotoLibrary final : public PhotoLibrary {
              AssetResourceType resourceType = AssetResourceType::photo);
     void add(Entry entry);
     void remove(const QString& identifier);
+    /// Another version of the original takes its place; the same bytes are one, too.
+    void replace(const QString& identifier, const QByteArray& bytes);
     std::vector<PhotoAsset> assets() const;
     /// Tells the observer; any fetch result is told to have changed like this.
     void announce(const std::vector<PhotoAsset>& inserted, const std::vector<PhotoAsset>& removed);
 
     // What may be set before use.
     AuthorizationStatus status = AuthorizationStatus::authorized;
-    std::function<void()> onExport;    ///< called before a byte is written; may throw
-    std::function<void()> onDelete;    ///< the dialog; throws when refused
+    std::function<void()> onExport; ///< called before a byte is written; may throw
+    std::function<void()> onDelete; ///< the dialog; throws when refused
+    /// Called when the guard has heard that the asset goes, and before it does.
+    std::function<void(const QString& identifier)> onRemoval;
     std::optional<QString> unreadable; ///< every fetch throws this
     std::vector<AssetCollection> albums;
     std::vector<Collection> topLevel;
@@ -42,10 +47,11 @@ class FakePhotoLibrary final : public PhotoLibrary {
     std::map<QString, QStringList> inAlbum;
 
     QStringList exported() const;
+    QString warned; ///< the warning of the last question
     bool hasObserver() const { return observer_ != nullptr; }
 
     AuthorizationStatus authorizationStatus() const override { return status; }
-    AssetFetchResult fetchAssets() override;
+    AssetFetchResult fetchAssets(std::stop_token stop = {}) override;
     AssetFetchResult fetchAssets(const AssetCollection& collection) override;
     AssetFetchResult fetchAssets(const QStringList& localIdentifiers) override;
     std::vector<AssetCollection> fetchAssetCollections(CollectionType type,
@@ -55,19 +61,26 @@ class FakePhotoLibrary final : public PhotoLibrary {
     std::vector<CollectionList> fetchCollectionLists(CollectionListType type) override;
     std::vector<Collection> fetchCollections(const CollectionList& list) override;
     std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) override;
-    void writeData(const PhotoAssetResource& resource, const std::filesystem::path& destination,
-                   std::stop_token stop) override;
-    void deleteAssets(const std::vector<PhotoAsset>& assets) override;
+    SourceContent writeData(const PhotoAssetResource& resource,
+                            const std::filesystem::path& destination,
+                            std::stop_token stop) override;
+    SourceContent readContent(const PhotoAssetResource& resource, std::stop_token stop) override;
+    std::optional<std::int64_t> sampleOf(const PhotoAssetResource& resource) override;
+    std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) override;
+    void deleteAssets(const std::vector<DeletionCandidate>& candidates, const QString& warning,
+                      DeletionGuard& guard, std::stop_token stop) override;
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
     std::optional<AssetFacts> factsOf(const QString& localIdentifier) override;
 
   private:
     void requireReadable() const;
+    std::optional<Entry> entryOf(const QString& identifier) const;
 
     mutable std::mutex mutex_;
     std::vector<Entry> entries_;
     QStringList exported_;
+    std::int64_t changes_ = 0;
     std::atomic<LibraryChangeObserver*> observer_ = nullptr;
 };
 

@@ -1,5 +1,6 @@
 #include "library/FileExport.h"
 
+#include "foundation/Crypto.h"
 #include "library/PhotoLibrary.h"
 #include "support/TemporaryFolder.h"
 
@@ -43,20 +44,24 @@ QByteArray patternOf(qsizetype size) {
 TEST(FileExport, CopiesBytesAndModificationTimeIntoAPrivateFile) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "out");
-    folder.write("out/.5000001.part", "left by a dead run");
+    folder.write("out/.5000001.part", "of another process");
     for (const int size : {0, 1, 5'000'001}) {
         const QByteArray bytes = patternOf(size);
         const auto original = folder.write("original.jpg", bytes);
         const struct timespec times[2] = {{1'400'000'000, 5}, {1'400'000'000, 123'456'789}};
         ASSERT_EQ(::utimensat(AT_FDCWD, original.c_str(), times, 0), 0);
         const auto destination = folder / "out" / std::to_string(size);
-        exportFile(openOriginal(original), original, destination, {});
+        const SourceContent content = exportFile(openOriginal(original), original, destination, {});
         EXPECT_EQ(test::readFile(destination), bytes);
+        EXPECT_EQ(content.sha256, QString::fromLatin1(Sha256::digest(bytes).toHex()));
+        EXPECT_EQ(content.version, fileVersion(original));
+        EXPECT_EQ(content, readContent(openOriginal(original), original, {}));
         EXPECT_EQ(statusOf(destination).st_mode & 0777, 0600u);
         EXPECT_EQ(statusOf(destination).st_mtim.tv_sec, 1'400'000'000);
         EXPECT_EQ(statusOf(destination).st_mtim.tv_nsec, 123'456'789);
     }
-    EXPECT_EQ(entries(folder / "out"), 3u);
+    EXPECT_EQ(entries(folder / "out"), 4u);
+    EXPECT_EQ(test::readFile(folder / "out/.5000001.part"), "of another process");
 }
 
 TEST(FileExport, NeverReplacesWhatIsThere) {
@@ -83,7 +88,7 @@ class FileExportUnderWay : public testing::Test {
 
     std::jthread whenTheCopyHasBegun(std::function<void()> act) {
         return std::jthread([this, act = std::move(act)](const std::stop_token& end) {
-            while (!end.stop_requested() && !std::filesystem::exists(folder / "out/.staged.part"))
+            while (!end.stop_requested() && std::filesystem::is_empty(folder / "out"))
                 std::this_thread::yield();
             act();
         });
@@ -104,9 +109,14 @@ TEST_F(FileExportUnderWay, LeavesNothingBehindWhenStopped) {
     EXPECT_EQ(entries(folder / "out"), 0u);
 }
 
-TEST_F(FileExportUnderWay, NoticesAnOriginalThatShrinksOrIsRewritten) {
+TEST_F(FileExportUnderWay, NoticesAnOriginalOrACopyThatSomebodyElseChanges) {
+    const auto part = [this] {
+        return std::filesystem::directory_iterator(folder / "out")->path();
+    };
     for (const auto& change : std::vector<std::function<void()>>{
              [this] { std::filesystem::resize_file(path, 1000); },
+             [&] { std::filesystem::remove(part()); }, // the copy's name
+             [&] { std::filesystem::rename(folder.write("x", "another"), part()); },
              [this] { std::ofstream(path, std::ios::in | std::ios::out) << "other"; }}) {
         std::filesystem::resize_file(path, 512 << 20);
         const auto writer = whenTheCopyHasBegun(change);

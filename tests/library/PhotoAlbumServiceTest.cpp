@@ -41,7 +41,7 @@ class PhotoAlbumServiceTest : public testing::Test {
     RecordingLog log;
     FakePhotoLibrary library;
     FakeScripts scripts;
-    PhotoAlbumService albums{library, preferences, log, &scripts};
+    PhotoAlbumService albums{library, preferences, log, u"library"_s, &scripts};
 
     QStringList identifiers(const std::optional<QString>& albumID) {
         QStringList found;
@@ -139,6 +139,13 @@ TEST_F(PhotoAlbumServiceTest, RemembersTheChosenSource) {
     EXPECT_EQ(Preferences(folder / "preferences.json").string(preferenceKeys::sourceAlbumID),
               u"album"_s);
     EXPECT_EQ(albums.selectedSourceAlbumID(), u"album"_s);
+    PhotoAlbumService elsewhere{library, preferences, log, u"another"_s};
+    EXPECT_EQ(elsewhere.selectedSourceAlbumID(), std::nullopt) << "chosen in another library";
+    EXPECT_TRUE(log.contains(u"başka bir arşive ait"_s));
+    elsewhere.selectForThisRun({u"theirs"_s, u"t"_s});
+    EXPECT_EQ(elsewhere.selectedSourceAlbumID(), u"theirs"_s);
+    EXPECT_EQ(Preferences(folder / "preferences.json").string(preferenceKeys::sourceAlbumID),
+              u"album"_s);
     albums.setSelectedSourceAlbumID(std::nullopt);
     EXPECT_EQ(albums.selectedSourceAlbumID(), std::nullopt);
 }
@@ -148,7 +155,7 @@ TEST_F(PhotoAlbumServiceTest, AnAlbumGivesItsAssetsAndAVanishedOneTheWholeLibrar
         PhotoAsset asset;
         asset.localIdentifier = identifier;
         asset.creationDate = date;
-        library.add({asset, {}, {}});
+        library.add({asset, {}, {}, {}});
     };
     add(u"new"_s, dateFromUnixSeconds(2000));
     add(u"old"_s, dateFromUnixSeconds(1000));

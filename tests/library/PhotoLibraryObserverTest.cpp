@@ -15,7 +15,7 @@ const QString uuid = u"0A1B2C3D-0000-4000-8000-000000000000"_s;
 struct ObserverWorld : World {
     Preferences preferences{folders.preferences()};
     PhotoAlbumService albums{library, preferences, log};
-    PhotoLibraryObserver observer{library, database, staging, albums, preferences, console};
+    PhotoLibraryObserver observer{library, database, life, staging, albums, preferences, console};
 
     /// The background has done all it was asked until now.
     bool waitForStatus(const QString& identifier, SyncStatus expected) {
@@ -68,6 +68,36 @@ TEST_F(PhotoLibraryObserverTest, ScansTheChosenAlbumAndNamesIt) {
     EXPECT_TRUE(record(assetID(2)));
 }
 
+TEST_F(PhotoLibraryObserverTest, ARunOfAnAlbumIsToldOfNothingElse) {
+    for (int i = 1; i <= 3; ++i)
+        discover(assetID(i));
+    staging.stageDiscoveredAssets();
+    setStatus(assetID(1), SyncStatus::verified, u"remote"_s);
+    AssetCollection album;
+    album.localIdentifier = u"album"_s;
+    library.albums = {album};
+    library.inAlbum[u"album"_s] = {assetID(2)};
+    const LocalAlbumItem item{u"album"_s, u"Yaz"_s};
+    albums.selectForThisRun(item);
+    observer.initialScan();
+    EXPECT_EQ(database.countPendingRecords(), 1);
+    EXPECT_TRUE(database.fetchVerifiedForDeletion().empty());
+    library.add(assetID(4), u"4.bin"_s);
+    observer.processNewAssets({library.assets().back()});
+    EXPECT_EQ(database.countPendingRecords(), 2) << "what is added to it belongs to it";
+
+    // The source changes: what leaves the queue is not brought back by its staged copy.
+    RecordLife(database).cleared();
+    replaceFile(permanent / pathFrom(QString(assetID(5)).replace(u'/', u'_') + u"_a.bin"_s), "own");
+    observer.initialScan();
+    EXPECT_EQ(status(assetID(3)), std::nullopt);
+    EXPECT_FALSE(staging.findStagingFile(assetID(3)));
+    EXPECT_EQ(status(assetID(2)), SyncStatus::staged);
+    EXPECT_TRUE(staging.findStagingFile(assetID(1)));
+    EXPECT_EQ(status(assetID(5)), SyncStatus::staged) << "a copy of unknown origin is recovered";
+    EXPECT_TRUE(life.left().isEmpty());
+}
+
 TEST_F(PhotoLibraryObserverTest, AnEmptyOrUnreadableSourceRecordsNothing) {
     EXPECT_EQ(printedBy([&] { observer.initialScan(); }),
               (QStringList{u"[PhotoKit] İlk tarama: 0 medya (Tüm Kütüphane)"_s,
@@ -112,9 +142,9 @@ TEST_F(PhotoLibraryObserverTest, AStagingFolderThatCannotBeListedDoesNotStopTheS
 
 TEST_F(PhotoLibraryObserverTest, TellsAStoreThatFails) {
     DatabaseManager broken(folder.path(), console);
-    PhotoLibraryObserver helpless(library, broken, staging, albums, preferences, console);
+    PhotoLibraryObserver helpless(library, broken, life, staging, albums, preferences, console);
     library.add(assetID(1), u"1.bin"_s);
-    QStringList lines = printedBy([&] { helpless.initialScan(); });
+    QStringList lines = printedBy([&] { EXPECT_THROW(helpless.initialScan(), DBError); });
     EXPECT_EQ(lines.filter(u"[PhotoKit] İlk tarama DB hatası: [DB] "_s).size(), 1);
     lines = printedBy([&] { helpless.processNewAssets(library.assets()); });
     EXPECT_EQ(lines.filter(u"[PhotoKit] Kayıt hatası %1: [DB] "_s.arg(assetID(1))).size(), 1);
@@ -174,8 +204,8 @@ TEST(PhotoLibraryObserver, EndsPromptlyWithAScanInFlight) {
             std::this_thread::yield();
     };
     {
-        PhotoLibraryObserver observer(world.library, world.database, world.staging, albums,
-                                      preferences, world.console);
+        PhotoLibraryObserver observer(world.library, world.database, world.life, world.staging,
+                                      albums, preferences, world.console);
         std::thread([&] { observer.start(); }).join();
         ASSERT_TRUE(waitOnMainThread([&] { return isExporting.load(); }));
         std::thread([&] { observer.start(); }).join(); // posted, and never run: it is gone by then

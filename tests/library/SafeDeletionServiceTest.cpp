@@ -1,7 +1,6 @@
 #include "World.h"
 
 #include "library/SafeDeletionService.h"
-#include "store/Sqlite.h"
 
 using namespace Qt::StringLiterals;
 
@@ -12,13 +11,19 @@ namespace {
 const QString prefix = u"[SafeDeletion] "_s;
 
 struct DeletionWorld : World {
-    SafeDeletionService deletion{database, staging, library, log};
+    FakeRemoteItems remote;
+    SafeDeletionService deletion{{database, life, staging, library, remote, log}};
 
     /// A staged asset whose copy is safe.
     void verify(int number) {
         discover(assetID(number));
         staging.stageDiscoveredAssets();
-        setStatus(assetID(number), SyncStatus::verified, u"remote"_s);
+        const QString remoteID = u"remote-%1"_s.arg(number);
+        setStatus(assetID(number), SyncStatus::verified, remoteID);
+        remote.items.insert(remoteID);
+    }
+    void execute(const char* sql) {
+        database.onConnection([&](sqlite::Connection& connection) { connection.execute(sql); });
     }
 };
 
@@ -30,7 +35,8 @@ TEST_F(SafeDeletionServiceTest, RemovesVerifiedOriginalsAfterConsent) {
     verify(1);
     discover(assetID(2));
     staging.stageDiscoveredAssets();
-    deletion.performDeletion(true);
+    library.replace(assetID(1), "bytes of a.bin"); // another version of the same bytes
+    EXPECT_EQ(deletion.performDeletion(true).deleted, 1);
 
     EXPECT_EQ(log.messages().filter(prefix),
               (QStringList{
@@ -39,8 +45,9 @@ TEST_F(SafeDeletionServiceTest, RemovesVerifiedOriginalsAfterConsent) {
                            "sunuluyor..."_s,
                   prefix + u"✅ Güvenle silindi ve staging temizlendi: "_s + assetID(1),
               }));
+    EXPECT_EQ(library.warned, QString());
     EXPECT_EQ(status(assetID(1)), SyncStatus::deletedLocally);
-    EXPECT_EQ(record(assetID(1))->remoteMediaID, u"remote"_s);
+    EXPECT_EQ(record(assetID(1))->remoteMediaID, u"remote-1"_s);
     EXPECT_FALSE(staging.findStagingFile(assetID(1)));
     ASSERT_EQ(library.assets().size(), 1U);
     EXPECT_EQ(library.assets().front().localIdentifier, assetID(2));
@@ -50,32 +57,86 @@ TEST_F(SafeDeletionServiceTest, RemovesVerifiedOriginalsAfterConsent) {
     EXPECT_EQ(log.messages().last(), prefix + u"Silinecek VERIFIED aday bulunamadı."_s);
 }
 
+TEST(SafeDeletionService, LeavesOutWhatCannotBeProvenAndRemovesTheRest) {
+    const auto duringTheQuestion = [](auto change) {
+        return [change](DeletionWorld& world) { world.library.onDelete = [&] { change(world); }; };
+    };
+    const auto addResource = [](DeletionWorld& world) {
+        FakePhotoLibrary::Entry live;
+        live.asset = world.library.assets().front();
+        live.resources = {{AssetResourceType::photo, u"a.bin"_s, std::nullopt, {}},
+                          {AssetResourceType::pairedVideo, u"a.mov"_s, std::nullopt, {}}};
+        live.bytes = "bytes of a.bin";
+        world.library.remove(assetID(1));
+        world.library.add(live);
+    };
+    const struct {
+        std::function<void(DeletionWorld&)> change;
+        QString reason;
+        SyncStatus status = SyncStatus::verified;
+    } cases[] = {
+        {[](auto& world) { world.library.replace(assetID(1), "edited since"); }, u"değişmiş"_s},
+        {duringTheQuestion([](auto& world) { world.library.replace(assetID(1), "edited now"); }),
+         u"değişmiş"_s},
+        {duringTheQuestion([](auto& world) { world.setStatus(assetID(1), SyncStatus::failed); }),
+         u"kaydı bu arada değişti"_s, SyncStatus::failed},
+        {[](auto& world) { world.remote.items.erase(u"remote-1"_s); },
+         u"Google Photos'ta artık yok"_s},
+        {duringTheQuestion([](auto& world) { world.remote.items.erase(u"remote-1"_s); }),
+         u"Google Photos'ta artık yok"_s},
+        {[](auto& world) {
+             world.execute("DELETE FROM record_sources WHERE asset_local_identifier LIKE '%1-0000-"
+                           "4000-8000-000000000000/L0/001'");
+         },
+         u"hangi asıldan yüklendiği kanıtlanamıyor"_s},
+        {addResource, u"yalnızca bir parçası yüklendi (canlı fotoğrafın videosu, düzenlenmiş hali "
+                      "veya RAW eşi yüklenmez)"_s},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason.toStdString());
+        DeletionWorld world;
+        world.verify(1);
+        world.verify(2);
+        each.change(world);
+        const DeletionSummary summary = world.deletion.performDeletion(true);
+        EXPECT_EQ(summary.deleted, 1);
+        ASSERT_EQ(summary.leftOut.size(), 1U);
+        EXPECT_EQ(summary.leftOut.front().name, u"a.bin"_s);
+        EXPECT_EQ(summary.leftOut.front().reason, each.reason);
+        EXPECT_EQ(world.status(assetID(1)), each.status);
+        EXPECT_EQ(world.status(assetID(2)), SyncStatus::deletedLocally);
+        EXPECT_TRUE(world.staging.findStagingFile(assetID(1)));
+        ASSERT_EQ(world.library.assets().size(), 1U);
+        EXPECT_EQ(world.library.assets().front().localIdentifier, assetID(1));
+        EXPECT_TRUE(world.life.unfinishedDeletions().empty());
+    }
+}
+
 TEST(SafeDeletionService, LeavesEverythingWhereItMayNotDelete) {
-    const auto refuse = [](DeletionWorld& world) {
-        world.library.onDelete = [] { throw PhotoLibraryError(u"Vazgeçildi"_s); };
-    };
-    const auto changeOriginal = [](DeletionWorld& world) {
-        PhotoAsset changed = world.library.assets().front();
-        world.library.remove(changed.localIdentifier);
-        changed.modificationDate = world.record(assetID(1))->createdAt;
-        world.library.add({changed, {}, {}});
-    };
     const struct {
         std::function<void(DeletionWorld&)> prepare;
         bool isEnabled;
         QString line;
     } cases[] = {
         {[](auto&) {}, false, u"Otomatik silme kapalı, işlem atlandı."_s},
-        {refuse, true,
-         u"ℹ️ Sistem silme diyaloğu iptal edildi veya reddedildi: Vazgeçildi"_s},
-        {changeOriginal, true,
-         u"⚠️ Yedeklendikten sonra değişmiş, silinmeyecek: "_s + assetID(1)},
+        {[](auto& world) {
+             world.library.onDelete = [] { throw PhotoLibraryError(u"Vazgeçildi"_s); };
+         },
+         true, u"ℹ️ Sistem silme diyaloğu iptal edildi veya reddedildi: Vazgeçildi"_s},
+        {[](auto& world) { world.remote.failure = u"yanıt yok"_s; }, true,
+         u"⚠️ Silinmedi: a.bin (Google Photos'a sorulamadı: yanıt yok)"_s},
+        {[](auto& world) { // nobody told the person that it would not be asked
+             world.library.onDelete = [&] { world.remote.mayAsk = false; };
+         },
+         true,
+         u"⚠️ Silinmedi: a.bin (Google hesabı okuma izni vermediği için öğelerin Google "
+         "Photos'ta durduğu yeniden sorulamadı.)"_s},
     };
     for (const auto& each : cases) {
         DeletionWorld world;
         world.verify(1);
         each.prepare(world);
-        world.deletion.performDeletion(each.isEnabled);
+        EXPECT_EQ(world.deletion.performDeletion(each.isEnabled).deleted, 0);
         EXPECT_EQ(world.log.messages().last(), prefix + each.line);
         EXPECT_EQ(world.status(assetID(1)), SyncStatus::verified);
         EXPECT_TRUE(world.staging.findStagingFile(assetID(1)));
@@ -90,6 +151,7 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
         bool isDeleted;
     } cases[] = {
         {SyncStatus::verified, u"remote too"_s, true},
+        {SyncStatus::verified, u"gone"_s, false},
         {SyncStatus::verified, QString(QLatin1String("")), false},
         {SyncStatus::verified, std::nullopt, false},
         {SyncStatus::staged, u"remote too"_s, false},
@@ -98,6 +160,7 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
     for (const auto& each : cases) {
         DeletionWorld world;
         world.verify(1);
+        world.remote.items.insert(u"remote too"_s);
         SyncRecord other;
         other.assetLocalIdentifier = assetID(1);
         other.accountID = u"second"_s;
@@ -109,11 +172,14 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
         EXPECT_EQ(world.library.assets().empty(), each.isDeleted);
         for (const SyncRecord& record : world.database.fetchRecordsOfAsset(assetID(1)))
             EXPECT_EQ(record.syncStatus == SyncStatus::deletedLocally, each.isDeleted);
-        if (!each.isDeleted) {
-            EXPECT_EQ(world.log.messages().last(), prefix + u"Güvenlik kontrolünden geçen aday yok "
-                                                            "(Zero-Data-Loss koruması devrede)."_s);
-        }
     }
+}
+
+TEST_F(SafeDeletionServiceTest, SaysInTheQuestionThatTheDestinationMayNotBeAsked) {
+    verify(1);
+    remote.mayAsk = false;
+    EXPECT_EQ(deletion.performDeletion(true).deleted, 1);
+    EXPECT_TRUE(library.warned.contains(u"okuma izni"_s));
 }
 
 TEST_F(SafeDeletionServiceTest, DoesNotAskForAssetsThatAreGoneNorAfterAStop) {
@@ -134,28 +200,61 @@ TEST_F(SafeDeletionServiceTest, DoesNotAskForAssetsThatAreGoneNorAfterAStop) {
     EXPECT_EQ(status(assetID(1)), SyncStatus::verified);
 }
 
-TEST_F(SafeDeletionServiceTest, ABrokenStoreHasNoCandidates) {
+TEST_F(SafeDeletionServiceTest, ABrokenStoreOrAnUnknownAccountHasNoCandidates) {
+    verify(1);
     DatabaseManager broken(folder.path(), console);
-    SafeDeletionService helpless(broken, staging, library, log);
+    SafeDeletionService helpless({broken, life, staging, library, remote, log});
     helpless.performDeletion(true);
-    EXPECT_EQ(log.messages().filter(prefix),
-              QStringList{prefix + u"Silinecek VERIFIED aday bulunamadı."_s});
+    EXPECT_EQ(log.messages().last(), prefix + u"Silinecek VERIFIED aday bulunamadı."_s);
+    RecordLife nobodys(database);
+    SafeDeletionService unknown({database, nobodys, staging, library, remote, log});
+    unknown.performDeletion(true);
+    EXPECT_EQ(library.assets().size(), 1U);
 }
 
-TEST_F(SafeDeletionServiceTest, CleansUpAlsoWhenTheStoreFailsAfterTheDeletion) {
-    verify(1);
-    library.onDelete = [&] {
-        sqlite::Connection other(folders.database(), sqlite::Connection::Mode::readWriteCreate);
-        other.execute("CREATE TRIGGER refuse BEFORE UPDATE ON sync_records "
-                      "BEGIN SELECT RAISE(ABORT, 'refused'); END;");
+TEST(SafeDeletionService, TheNextRunFindsOutHowARemovalEnded) {
+    struct Killed : std::exception {};
+    const struct {
+        std::function<void(DeletionWorld&, const QString&)> end;
+        int gone;
+    } cases[] = {
+        {[](auto&, auto&) { throw Killed(); }, 1},
+        {[](auto& world, auto& identifier) {
+             world.library.remove(identifier);
+             throw Killed();
+         },
+         2},
+        {[](auto& world, auto&) { // the store fails after the removal
+             world.execute("CREATE TRIGGER refuse BEFORE UPDATE ON sync_records "
+                           "BEGIN SELECT RAISE(ABORT, 'refused'); END;");
+         },
+         3},
     };
-    deletion.performDeletion(true);
-    EXPECT_TRUE(
-        log.contains(prefix + u"⚠️ DB güncelleme hatası: [DB] Step failed: refused"_s));
-    EXPECT_EQ(status(assetID(1)), SyncStatus::verified);
-    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
-    EXPECT_EQ(log.messages().last(),
-              prefix + u"✅ Güvenle silindi ve staging temizlendi: "_s + assetID(1));
+    for (const auto& each : cases) {
+        DeletionWorld world;
+        for (const int number : {1, 2, 3})
+            world.verify(number);
+        world.library.onRemoval = [&](const QString& identifier) {
+            if (identifier == assetID(2))
+                each.end(world, identifier);
+        };
+        world.deletion.performDeletion(true);
+        EXPECT_EQ(world.status(assetID(2)), SyncStatus::verified);
+        world.execute("DROP TRIGGER IF EXISTS refuse");
+        for (int run = 0; run < 2; ++run)
+            world.deletion.settleInterrupted();
+
+        EXPECT_TRUE(world.life.unfinishedDeletions().empty());
+        int gone = 0;
+        for (const int number : {1, 2, 3}) {
+            const bool isThere = !world.library.fetchAssets(QStringList{assetID(number)})->empty();
+            EXPECT_EQ(world.status(assetID(number)),
+                      isThere ? SyncStatus::verified : SyncStatus::deletedLocally);
+            EXPECT_EQ(world.staging.findStagingFile(assetID(number)).has_value(), isThere);
+            gone += !isThere;
+        }
+        EXPECT_EQ(gone, each.gone);
+    }
 }
 
 } // namespace quorvane::test

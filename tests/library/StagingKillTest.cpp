@@ -30,13 +30,17 @@ constexpr int kills = 200;
 struct StagedWorld {
     explicit StagedWorld(const std::filesystem::path& home)
         : folders{home, home / "Pictures", home / "temporary/QuorvaneStaging"},
-          library(home / "library", consent, log) {}
+          library(home / "library", known, consent, log) {}
 
     void stage() {
         MediaMetadataService metadata(library, folders.pictures, log, clock);
-        AssetStagingService staging(library, database, metadata, folders, console);
+        RecordLife life(database);
+        KnownContents contents(database, {});
+        AssetStagingService staging({library, database, life, contents, metadata, console},
+                                    StateCatalogue(folders).first(), folders.stagingLock());
         staging.removeLeftovers();
-        staging.stageDiscoveredAssets();
+        for (const SyncRecord& record : database.fetchPendingRecords(pictures))
+            staging.stage(record, {});
     }
 
     UserFolders folders;
@@ -44,6 +48,7 @@ struct StagedWorld {
     RecordingLog log;
     FakeClock clock;
     NoConsent consent;
+    NoKnownFiles known;
     FolderLibrary library;
     DatabaseManager database{folders.database(), console};
 };
@@ -54,7 +59,7 @@ using Contents = std::map<std::filesystem::path, QByteArray>;
 Contents stagedIn(const UserFolders& folders) {
     Contents contents;
     for (const auto& entry : std::filesystem::directory_iterator(folders.permanentStaging()))
-        if (!entry.path().filename().native().starts_with('.'))
+        if (entry.is_regular_file() && !entry.path().filename().native().starts_with('.'))
             contents[entry.path()] = readFile(entry.path());
     return contents;
 }

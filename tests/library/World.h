@@ -3,6 +3,7 @@
 #include "FakePhotoLibrary.h"
 #include "library/AssetStagingService.h"
 #include "library/DeletionConfirmation.h"
+#include "library/RemoteItems.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -26,7 +27,30 @@ QStringList printedBy(Work&& work) {
 
 class NoConsent final : public DeletionConfirmation {
   public:
-    bool confirmDeletion(int) override { return false; }
+    bool confirmDeletion(const DeletionQuestion&) override { return false; }
+};
+
+/// The items at the destination.
+class FakeRemoteItems final : public RemoteItems {
+  public:
+    std::set<QString> items;
+    bool mayAsk = true;
+    std::optional<QString> failure; ///< thrown instead of an answer
+    std::vector<QStringList> asked;
+
+    std::optional<std::set<QString>> existing(const QStringList& remoteIDs,
+                                              std::stop_token) override {
+        asked.push_back(remoteIDs);
+        if (failure)
+            throw Error(*failure);
+        if (!mayAsk)
+            return std::nullopt;
+        std::set<QString> found;
+        for (const QString& id : remoteIDs)
+            if (items.contains(id))
+                found.insert(id);
+        return found;
+    }
 };
 
 /// A staging service over a real store and real folders.
@@ -37,10 +61,14 @@ struct World {
     Console console;
     RecordingLog log;
     FakeClock clock;
-    DatabaseManager database{folders.database(), console};
+    StatePlace place = StateCatalogue(folders).first();
+    DatabaseManager database{place.database, console};
+    RecordLife life{database, {QStringLiteral("1"), QStringLiteral("a@example.com")}};
+    KnownContents known{database, {}};
     FakePhotoLibrary library;
     MediaMetadataService metadata{library, folders.pictures, log, clock};
-    AssetStagingService staging{library, database, metadata, folders, console};
+    AssetStagingService::Services services{library, database, life, known, metadata, console};
+    AssetStagingService staging{services, place, folders.stagingLock()};
 
     /// Adds an asset to the library and its DISCOVERED record to the store.
     void discover(const QString& identifier, const QString& filename = QStringLiteral("a.bin")) {

@@ -242,7 +242,7 @@ TEST_F(BrowserAuthSessionTest, EndsWhenAbandonedOrOvertaken) {
     auto second = start();
     EXPECT_EQ(failureOf(std::move(first)),
               QStringLiteral("OAuth: Yeni bir giriş başlatıldı, bu giriş kapatıldı"));
-    EXPECT_TRUE(handOverURL(environment, callback));
+    EXPECT_TRUE(test::waitOnMainThread([&] { return handOverURL(environment, callback); }));
     EXPECT_EQ(second.get(), QUrl(callback));
 }
 

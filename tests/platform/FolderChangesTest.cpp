@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 class NoConsent final : public DeletionConfirmation {
   public:
-    bool confirmDeletion(int) override { return false; }
+    bool confirmDeletion(const DeletionQuestion&) override { return false; }
 };
 
 /// A watched folder. Every file is expected to be told of once, whatever happens to it.
@@ -54,7 +54,8 @@ class FolderChanges : public testing::Test {
     std::filesystem::path root = folder / "library";
     NoConsent consent;
     RecordingLog log;
-    FolderLibrary library{root, consent, log, {20ms, 200ms, 100ms, 300ms}};
+    NoKnownFiles known;
+    FolderLibrary library{root, known, consent, log, {20ms, 200ms, 100ms, 300ms}};
     std::optional<ChangeRecorder> observer;
 };
 
@@ -125,9 +126,9 @@ TEST_F(FolderChanges, TellsOfTheAlbumThatTheObserverHolds) {
     folder.write("library/elsewhere.jpg", "x");
     folder.write("library/album/2.jpg", "x");
     EXPECT_THAT(told(1), testing::ElementsAre("album/2.jpg"));
-    folder.write("library/album/1.jpg", "edited");
-    EXPECT_TRUE(observer->waitFor([&] { return !observer->changed().isEmpty(); }));
-    EXPECT_EQ(observer->inserted().size(), 1);
+    folder.write("library/album/1.jpg", "edited"); // another picture
+    EXPECT_TRUE(observer->waitFor([&] { return !observer->removed().isEmpty(); }));
+    EXPECT_EQ(observer->inserted().size(), 2);
 }
 
 } // namespace quorvane::test

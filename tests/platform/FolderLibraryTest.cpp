@@ -1,4 +1,5 @@
 #include "platform/folder/FolderLibrary.h"
+#include "FolderWorld.h"
 
 #include "foundation/File.h"
 #include "support/Fakes.h"
@@ -17,22 +18,8 @@ namespace quorvane {
 
 namespace {
 
+using test::setModified;
 using test::TemporaryFolder;
-
-class FakeConfirmation final : public DeletionConfirmation {
-  public:
-    bool answer = true;
-    std::vector<int> asked;
-    bool confirmDeletion(int count) override {
-        asked.push_back(count);
-        return answer;
-    }
-};
-
-void setModified(const std::filesystem::path& file, time_t seconds) {
-    const struct timespec times[2] = {{seconds, 0}, {seconds, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
-}
 
 std::vector<PhotoAsset> all(PhotoLibrary& library) {
     return *library.fetchAssets();
@@ -66,9 +53,11 @@ class FolderLibraryTest : public testing::Test {
 
     TemporaryFolder folder;
     std::filesystem::path root = folder / "library";
-    FakeConfirmation confirmation;
+    test::RememberedFiles known;
+    NoKnownFiles nothing;
+    test::FakeConfirmation confirmation;
     test::RecordingLog log;
-    FolderLibrary library{root, confirmation, log};
+    FolderLibrary library{root, known, confirmation, log};
 };
 
 QString titleOf(const Collection& collection) {
@@ -82,10 +71,12 @@ TEST_F(FolderLibraryTest, FindsPicturesAndMoviesByExtensionOldestFirst) {
     add("b.heic", 3000);
     add("a.Mov", 3000);
     add("new.m4v", 4000);
+    add("camera.CR2", 5000);
     add("notes.txt");
-    add("raw.cr2");
+    add("tape.avi");
     const auto assets = library.fetchAssets();
-    EXPECT_THAT(locations(assets), testing::ElementsAre("z/old.JPG", "a.Mov", "b.heic", "new.m4v"));
+    EXPECT_THAT(locations(assets),
+                testing::ElementsAre("z/old.JPG", "a.Mov", "b.heic", "new.m4v", "camera.CR2"));
     EXPECT_EQ(assets->at(0).mediaType, AssetMediaType::image);
     EXPECT_EQ(assets->at(1).mediaType, AssetMediaType::video);
     EXPECT_FALSE(assets->at(0).creationDate || assets->at(0).location);
@@ -115,20 +106,22 @@ TEST_F(FolderLibraryTest, ExportsEveryFileUnderAnIdentifierOfItsOwnAcrossRunsAnd
         EXPECT_TRUE(resource.originalFilename.endsWith(pathText(resource.location.extension())));
         EXPECT_FALSE(resource.originalFilename.contains(u'\n'));
         const auto exported = folder / std::to_string(identifiers.size());
-        library.writeData(resource, exported, {});
+        const SourceContent content = library.writeData(resource, exported, {});
         EXPECT_EQ(test::readFile(exported), "picture");
+        EXPECT_EQ(content, library.readContent(resource, {}));
+        EXPECT_EQ(content.version, library.versionOf(resource));
     }
     EXPECT_EQ(identifiers.size(), names.size());
     EXPECT_THAT(locations(assets), testing::UnorderedElementsAreArray(names));
 
     std::filesystem::create_directory_symlink(root, folder / "link");
-    FolderLibrary same(folder / "link", confirmation, log);
+    FolderLibrary same(folder / "link", nothing, confirmation, log);
     for (const PhotoAsset& asset : all(same))
         EXPECT_TRUE(identifiers.contains(asset.localIdentifier));
 
     // A file of the same name in another library is another picture.
     std::filesystem::copy(root, folder / "other");
-    FolderLibrary other(folder / "other", confirmation, log);
+    FolderLibrary other(folder / "other", nothing, confirmation, log);
     for (const PhotoAsset& asset : all(other))
         EXPECT_FALSE(identifiers.contains(asset.localIdentifier));
 }
@@ -139,6 +132,9 @@ TEST_F(FolderLibraryTest, LeavesOutHiddenLinkedAndForeignThingsWithOneLineEach) 
     add("._kept.jpg");
     add(".cache/inside.jpg");
     add("QuorvaneStaging_Permanent/staged.jpg");
+    add("album/QuorvaneStaging_Other/staged.jpg");
+    add("notes.txt");
+    add("tape.avi");
     add("Fotoğraflar.photoslibrary/originals/1/x.jpg");
     folder.write("outside/elsewhere.jpg", "other");
     std::filesystem::create_symlink(folder / "outside", root / "away");
@@ -148,6 +144,10 @@ TEST_F(FolderLibraryTest, LeavesOutHiddenLinkedAndForeignThingsWithOneLineEach) 
     ASSERT_EQ(::mkfifo((root / "pipe.jpg").c_str(), 0600), 0);
     EXPECT_THAT(locations(library.fetchAssets()), testing::ElementsAre("kept.jpg"));
     library.fetchAssets(); // a second scan does not repeat the lines
+    // Hidden: a file, links to a folder, to a picture, to the library and to nothing.
+    EXPECT_EQ(library.leftOut(), (LeftOut{0, 0, 5, 3}));
+    EXPECT_EQ(log.messages().filter(QStringLiteral("Resim veya film olmayan 3 dosya")).size(), 1);
+    EXPECT_TRUE(log.contains(QStringLiteral("tape.avi")));
     QStringList skipped;
     for (const QString& line : log.messages())
         if (line.startsWith(QStringLiteral("[FolderLibrary] Atlandı: ")))
@@ -169,6 +169,7 @@ TEST_F(FolderLibraryTest, SkipsWhatItMayNotRead) {
     EXPECT_THAT(locations(library.fetchAssets()), testing::ElementsAre("kept.jpg"));
     EXPECT_TRUE(log.contains(QStringLiteral("locked.jpg (izin yok)")));
     EXPECT_TRUE(log.contains(QStringLiteral("closed (izin yok)")));
+    EXPECT_EQ(library.leftOut().unreadable, 2);
     ::chmod((root / "closed").c_str(), 0700);
 }
 
@@ -208,7 +209,7 @@ TEST_F(FolderLibraryTest, LooksUpFilesThatCameAndWentSinceTheScan) {
     const QString goes = assetAt("goes.jpg").localIdentifier;
     std::filesystem::remove(root / "goes.jpg");
     add("sub/comes.jpg");
-    FolderLibrary other(root, confirmation, log);
+    FolderLibrary other(root, nothing, confirmation, log);
     QStringList identifiers{goes};
     for (const PhotoAsset& asset : all(other))
         identifiers.append(asset.localIdentifier);
@@ -221,82 +222,19 @@ TEST_F(FolderLibraryTest, LooksUpFilesThatCameAndWentSinceTheScan) {
 
 TEST_F(FolderLibraryTest, AnswersForItsAuthorization) {
     add("a.jpg");
-    EXPECT_EQ(FolderLibrary({}, confirmation, log).authorizationStatus(),
+    EXPECT_EQ(FolderLibrary({}, nothing, confirmation, log).authorizationStatus(),
               AuthorizationStatus::notDetermined);
     EXPECT_EQ(library.authorizationStatus(), AuthorizationStatus::authorized);
-    FolderLibrary gone(folder / "gone", confirmation, log);
+    FolderLibrary gone(folder / "gone", nothing, confirmation, log);
     EXPECT_EQ(gone.authorizationStatus(), AuthorizationStatus::denied);
     EXPECT_THROW(gone.fetchAssets(), PhotoLibraryError); // never an empty library
     if (::geteuid() == 0)
         GTEST_SKIP() << "the superuser may write everywhere";
     ::chmod(root.c_str(), 0500);
     EXPECT_EQ(library.authorizationStatus(), AuthorizationStatus::limited);
-    EXPECT_THROW(library.deleteAssets({assetAt("a.jpg")}), PhotoLibraryError);
+    test::AgreeingGuard guard;
+    EXPECT_THROW(library.deleteAssets({{assetAt("a.jpg"), {}}}, {}, guard, {}), PhotoLibraryError);
     ::chmod(root.c_str(), 0700);
-}
-
-/// With a Trash of its own below the temporary folder.
-class FolderDeletionTest : public FolderLibraryTest {
-  protected:
-    FolderDeletionTest() {
-        std::filesystem::create_directory(folder / "data");
-        qputenv("XDG_DATA_HOME", pathText(folder / "data").toUtf8());
-    }
-    ~FolderDeletionTest() override { qunsetenv("XDG_DATA_HOME"); }
-
-    std::set<std::string> trashed(const char* part) const {
-        std::set<std::string> names;
-        std::error_code error;
-        for (const auto& entry :
-             std::filesystem::directory_iterator(folder / "data/Trash" / part, error))
-            names.insert(entry.path().filename().native());
-        return names;
-    }
-};
-
-TEST_F(FolderDeletionTest, MovesToTheTrashOnlyWithConsent) {
-    add("a.jpg");
-    add("sub/b.jpg");
-    add("kept.jpg");
-    const std::vector<PhotoAsset> assets{assetAt("a.jpg"), assetAt("sub/b.jpg"), assetAt("a.jpg")};
-    confirmation.answer = false;
-    EXPECT_THROW(library.deleteAssets(assets), PhotoLibraryError);
-    EXPECT_EQ(library.fetchAssets()->size(), 3u);
-    confirmation.answer = true;
-    library.deleteAssets(assets);
-    EXPECT_THAT(confirmation.asked, testing::ElementsAre(2, 2));
-    EXPECT_THAT(locations(library.fetchAssets()), testing::ElementsAre("kept.jpg"));
-    EXPECT_THAT(trashed("files"), testing::ElementsAre("a.jpg", "b.jpg"));
-    EXPECT_EQ(test::readFile(folder / "data/Trash/files/b.jpg"), "picture");
-    EXPECT_THROW(library.deleteAssets(assets), PhotoLibraryError); // already gone: nobody is asked
-    EXPECT_EQ(confirmation.asked.size(), 2u);
-}
-
-TEST_F(FolderDeletionTest, TakesEverythingBackWhenOneMoveFails) {
-    add("a.jpg");
-    add("b.jpg");
-    add("bad\xe9.jpg"); // the Trash takes no name that is not text
-    try {
-        library.deleteAssets({assetAt("a.jpg"), assetAt("b.jpg"), assetAt("bad\xe9.jpg")});
-        FAIL() << "deleted what cannot be trashed";
-    } catch (const PhotoLibraryError& error) {
-        EXPECT_TRUE(error.localizedDescription().contains(QStringLiteral("bad")));
-    }
-    EXPECT_EQ(library.fetchAssets()->size(), 3u);
-    EXPECT_EQ(test::readFile(root / "a.jpg"), "picture");
-    EXPECT_TRUE(trashed("files").empty());
-    EXPECT_TRUE(trashed("info").empty());
-}
-
-TEST_F(FolderDeletionTest, RefusesAFileThatBecameALink) {
-    add("a.jpg");
-    add("sub/b.jpg");
-    const std::vector<PhotoAsset> assets{assetAt("a.jpg"), assetAt("sub/b.jpg")};
-    std::filesystem::rename(root / "sub", folder / "elsewhere");
-    std::filesystem::create_symlink(folder / "elsewhere", root / "sub");
-    EXPECT_ANY_THROW(library.deleteAssets(assets));
-    EXPECT_TRUE(std::filesystem::exists(folder / "elsewhere/b.jpg"));
-    EXPECT_TRUE(std::filesystem::exists(root / "a.jpg"));
 }
 
 } // namespace quorvane

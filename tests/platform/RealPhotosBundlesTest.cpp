@@ -1,3 +1,4 @@
+#include "FolderWorld.h"
 #include "platform/bundle/PhotosBundleLibrary.h"
 
 #include "foundation/Crypto.h"
@@ -163,9 +164,12 @@ TEST_F(RealBundle, ListsTheFilesOfAnEditedLivePhotoInPhotoKitsOrder) {
                                     std::pair(adjustmentData, "Adjustments.plist"),
                                     std::pair(fullSizePhoto, "FullSizeRender.heic"),
                                     std::pair(fullSizePairedVideo, "FullSizeRender.mov")));
-    library->writeData(resources[0], folder / "staged.heic", {});
+    const SourceContent content = library->writeData(resources[0], folder / "staged.heic", {});
     EXPECT_EQ(test::readFile(folder / "staged.heic"),
               test::readFile(bundle / resources[0].location));
+    EXPECT_EQ(content, library->readContent(resources[0], {}));
+    EXPECT_EQ(content.version, library->versionOf(resources[0]));
+    EXPECT_EQ(library->identity(), QStringLiteral("photos:3C434AF9-440E-438B-8D5C-7E017CAAA61D"));
 }
 
 TEST_F(RealBundle, SaysThatAnOriginalIsNotOnThisMachine) {
@@ -226,7 +230,8 @@ TEST_F(RealBundle, IsNeverWrittenNorNeedsToBe) {
         EXPECT_EQ(library->authorizationStatus(), AuthorizationStatus::limited);
     }
     permit(0700, 0600);
-    EXPECT_THROW(library->deleteAssets(*assets), PhotoLibraryError);
+    test::AgreeingGuard guard;
+    EXPECT_THROW(library->deleteAssets({{assets->front(), {}}}, {}, guard, {}), PhotoLibraryError);
 }
 
 } // namespace quorvane

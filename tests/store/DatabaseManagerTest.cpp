@@ -116,28 +116,6 @@ TEST_F(DatabaseManagerTest, readsLeniently) {
     EXPECT_GT(records[0].createdAt, Date(std::chrono::seconds(1'700'000'000)));
 }
 
-TEST_F(DatabaseManagerTest, upsertWritesEveryFieldAndReadsBack) {
-    SyncRecord record = recordOf(QStringLiteral("ş/L0/001"));
-    db.insertIfNotExists(record);
-    record.mediaType = MediaType::livePhoto;
-    record.sha256Hash = QStringLiteral("ab");
-    record.fileSizeBytes = 7;
-    record.remoteMediaID = QStringLiteral("r");
-    record.retryCount = 4;
-    record.lastError = QStringLiteral("e");
-    record.syncStatus = SyncStatus::staged;
-    db.upsertRecord(record);
-    const SyncRecord read = db.fetchPendingRecords(1).at(0);
-    EXPECT_EQ(read.assetLocalIdentifier, record.assetLocalIdentifier);
-    EXPECT_EQ(read.mediaType, MediaType::livePhoto);
-    EXPECT_EQ(read.sha256Hash, record.sha256Hash);
-    EXPECT_EQ(read.fileSizeBytes, 7);
-    EXPECT_EQ(read.remoteMediaID, record.remoteMediaID);
-    EXPECT_EQ(read.retryCount, 4);
-    EXPECT_EQ(read.lastError, record.lastError);
-    EXPECT_EQ(read.uploadToken, std::nullopt);
-}
-
 TEST_F(DatabaseManagerTest, onlyVerifiedRecordsWithARemoteIdAreOfferedForDeletion) {
     db.insertDiscoveredBatch(
         test::batchOf({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b")),
@@ -151,40 +129,25 @@ TEST_F(DatabaseManagerTest, onlyVerifiedRecordsWithARemoteIdAreOfferedForDeletio
     EXPECT_EQ(offered[0].assetLocalIdentifier, QStringLiteral("a"));
 }
 
-TEST_F(DatabaseManagerTest, retryAndClearTouchOnlyTheirStatuses) {
+TEST_F(DatabaseManagerTest, countsWhatDidNotGoWellAndResetsItsTriesOnlyWhenAsked) {
     db.insertDiscoveredBatch(
-        test::batchOf({recordOf(QStringLiteral("f")), recordOf(QStringLiteral("u")),
-                       recordOf(QStringLiteral("v")), recordOf(QStringLiteral("p"))}));
-    setStatus(QStringLiteral("f"), SyncStatus::failed, {}, {}, QStringLiteral("HTTP 500"));
+        test::batchOf({recordOf(QStringLiteral("f")), recordOf(QStringLiteral("u"))}));
     setStatus(QStringLiteral("u"), SyncStatus::dateUnresolved, {}, {}, QStringLiteral("e"));
-    setStatus(QStringLiteral("v"), SyncStatus::verified, {}, QStringLiteral("r"));
-    EXPECT_EQ(db.countFailedRecords(), 1);
-    EXPECT_EQ(db.countDateUnresolvedRecords(), 1);
-    EXPECT_EQ(db.fetchFailedCategorySummaries().at(0).count, 1);
-    EXPECT_EQ(db.fetchUnfinishedRecords(10).size(), 2U);
-
-    db.retryFailedRecords(false);
-    EXPECT_EQ(db.countPendingRecords(), 2);
-    EXPECT_EQ(value("SELECT retry_count FROM sync_records WHERE asset_local_identifier = 'f'"),
-              QStringLiteral("1"));
-    EXPECT_EQ(value("SELECT last_error FROM sync_records WHERE asset_local_identifier = 'f'"),
-              QStringLiteral("NULL"));
-    setStatus(QStringLiteral("f"), SyncStatus::failed);
-    db.retryFailedRecords(true);
-    EXPECT_EQ(value("SELECT retry_count FROM sync_records WHERE asset_local_identifier = 'f'"),
-              QStringLiteral("0"));
-    db.retryDateUnresolvedRecords();
-    EXPECT_EQ(db.countPendingRecords(), 3);
-    db.clearPendingRecords();
-    EXPECT_EQ(value("SELECT group_concat(asset_local_identifier) FROM sync_records"),
-              QStringLiteral("v"));
+    for (const bool isReset : {false, true}) {
+        setStatus(QStringLiteral("f"), SyncStatus::failed, {}, {}, QStringLiteral("HTTP 500"));
+        EXPECT_EQ(db.countFailedRecords(), 1);
+        EXPECT_EQ(db.countDateUnresolvedRecords(), 1);
+        EXPECT_EQ(db.fetchFailedCategorySummaries().at(0).count, 1);
+        EXPECT_EQ(db.fetchUnfinishedRecords(10).size(), 2U);
+        db.retryFailedRecords(isReset);
+        EXPECT_EQ(db.fetchPendingRecords(1).at(0).retryCount, isReset ? 0 : 1);
+    }
 }
 
 TEST_F(DatabaseManagerTest, nestedAndConcurrentCallsNeitherDeadlockNorLoseRows) {
     db.insertIfNotExists(recordOf(QStringLiteral("x")));
     bool nested = false;
-    EXPECT_TRUE(db.ifStatusIs(SyncStatus::discovered, recordOf(QStringLiteral("x")),
-                              [&] { nested = db.countPendingRecords() == 1; }));
+    db.transaction([&](sqlite::Connection&) { nested = db.countPendingRecords() == 1; });
     EXPECT_TRUE(nested);
     std::vector<std::jthread> threads;
     for (int t = 0; t < 4; ++t)

@@ -112,7 +112,7 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     }
 
     program.preferences.setString(preferenceKeys::dateFallbackMode, u"fileSaveDate"_s);
-    program.database.retryDateUnresolvedRecords();
+    program.life.retriedUndated();
     program.run();
     EXPECT_EQ(program.record(u"undated.jpg"_s).syncStatus, SyncStatus::verified);
     EXPECT_EQ(program.record(u"undated.gif"_s).syncStatus, SyncStatus::dateUnresolved);
@@ -158,7 +158,7 @@ TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
         EXPECT_EQ(record.retryCount, 1);
     }
 
-    program.database.retryFailedRecords(true);
+    program.life.retriedFailed(true);
     program.run();
     expectAllStoredOnce(world, program, 6);
 }
@@ -171,12 +171,12 @@ TEST_F(SyncRun, WhatTheLibraryCannotHandOutKeepsNobodyWaiting) {
         std::filesystem::remove(world.pictures / pathFrom(u"%1.jpg"_s.arg(i, 3, 10, QChar(u'0'))));
     world.google.addFault(refusal(1, 1)); // the oldest fails, and comes back in front of those
     program.clock.skipSleeps(true);
-    program.coordinator.onPassEnded = [&] { program.database.retryFailedRecords(false); };
+    program.coordinator.onPassEnded = [&] { program.life.retriedFailed(false); };
     const auto summary = program.run();
     EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 60}, {SyncStatus::verified, 31}}));
     EXPECT_EQ(program.record(u"060.jpg"_s).syncStatus, SyncStatus::discovered);
     EXPECT_EQ(summary.unavailable, 60);
-    EXPECT_FALSE(summary.storeFailure);
+    EXPECT_FALSE(summary.failure);
     EXPECT_EQ(
         program.messagesWith(u"alınamıyor"_s),
         QStringList{u"[Sync] ⚠️ 60 medya şu anda arşivden alınamıyor; sonraki eşitlemede "
@@ -220,7 +220,7 @@ TEST_F(SyncRun, AServiceThatIsDownForAnHourCostsEachPictureOneTry) {
     EXPECT_EQ(world.google.requests().size(), 70U);
     EXPECT_EQ(program.printed.size(), 2 * 70 + 2) << "staged, failed; and one line a pass";
     world.google.clearFaults();
-    program.database.retryFailedRecords(true);
+    program.life.retriedFailed(true);
     program.run();
     expectAllStoredOnce(world, program, 70);
 }
@@ -243,7 +243,8 @@ TEST_F(SyncRun, AStagedFileThatWasLostIsStagedAgain) {
     world.addPictures(2);
     SyncProgram program(world);
     program.discover();
-    program.staging.stageDiscoveredAssets();
+    for (const SyncRecord& record : program.database.fetchPendingRecords(10))
+        program.staging.stage(record, {});
     ASSERT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
     ASSERT_TRUE(std::filesystem::remove(program.stagedPath(u"000.jpg"_s)));
     program.run();

@@ -153,13 +153,13 @@ TEST(InterruptedOnItsOwn, EndsWhenTheStoreRefusesAndLosesNothing) {
                               "BEGIN SELECT RAISE(FAIL, 'no space left'); END;");
         };
         const auto summary = program.run();
-        EXPECT_TRUE(summary.storeFailure.value_or(QString()).contains(u"no space left"_s));
+        EXPECT_TRUE(summary.failure.value_or(QString()).contains(u"no space left"_s));
         EXPECT_EQ(summary.passes, 1);
         EXPECT_EQ(program.database.countPendingRecords(), count);
         EXPECT_LE(world.google.requestCount(RequestKind::upload), count);
 
         other.execute("DROP TRIGGER full;");
-        EXPECT_FALSE(program.run().storeFailure);
+        EXPECT_FALSE(program.run().failure);
         expectAllStoredOnce(world, program, count);
     }
 }

@@ -1,7 +1,6 @@
 #include "SyncWorld.h"
 
 #include "library/StagedName.h"
-#include "platform/folder/FolderIndex.h"
 #include "sample/SampleMedia.h"
 #include "support/Records.h"
 
@@ -51,26 +50,21 @@ HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop)
     return response;
 }
 
+Surroundings::Surroundings(SyncWorld& world, const std::filesystem::path& home)
+    : folders{home, home / "Pictures", home / "temporary"},
+      preferences(folders.preferences()),
+      endpoints(GoogleEndpoints::resolve(world.google.baseURL())),
+      albums(http, tokens, preferences, log, endpoints),
+      destination(http, tokens, albums, endpoints) {
+    tokens.token = world.accessToken;
+}
+
 SyncProgram::SyncProgram(SyncWorld& world, const std::filesystem::path& home,
                          StageAhead::Limits stagingLimits)
-    : pictures_(world.pictures),
-      folders_{home, home / "Pictures", home / "temporary"},
-      preferences(folders_.preferences()),
-      database(folders_.database(), console),
-      library(world.pictures, confirmation_, log),
-      metadata(library, folders_.pictures, log, clock),
-      staging(library, database, metadata, folders_, console),
-      deletion(database, staging, library, log),
-      endpoints(GoogleEndpoints::resolve(world.google.baseURL())),
-      uploadTask(http, tokens_, tracker, endpoints),
-      albums(http, tokens_, preferences, log, endpoints),
-      batches(http, tokens_, albums, database, preferences, log, console, batchClock, endpoints),
-      coordinator({database, staging, metadata, uploadTask, batches, tracker, deletion, preferences,
-                   flags, log, console, clock},
-                  stagingLimits) {
-    tokens_.token = world.accessToken;
-    batches.onStopAtLimit = [this] { flags.cancel(); };
-}
+    : Surroundings(world, home),
+      Engine({world.pictures, folders, destination, tracker, preferences, log, console, clock,
+              batchClock},
+             stagingLimits) {}
 
 void SyncProgram::discover() {
     const AssetFetchResult assets = library.fetchAssets();
@@ -78,6 +72,7 @@ void SyncProgram::discover() {
     for (const PhotoAsset& asset : *assets) {
         SyncRecord record;
         record.assetLocalIdentifier = asset.localIdentifier;
+        identifiers_[library.assetResources(asset).at(0).originalFilename] = asset.localIdentifier;
         records.push_back(record);
     }
     database.insertDiscoveredBatch(test::batchOf(records));
@@ -113,10 +108,7 @@ std::chrono::milliseconds SyncProgram::stop() {
 }
 
 QString SyncProgram::identifierOf(const QString& name) const {
-    return folderFileIdentifier(folderLibraryIdentifier(pictures_), name.toStdString())
-               .toString(QUuid::WithoutBraces)
-               .toUpper() +
-           QStringLiteral("/L0/001");
+    return identifiers_.at(name);
 }
 
 SyncRecord SyncProgram::record(const QString& name) {
@@ -133,10 +125,10 @@ std::filesystem::path SyncProgram::stagedPath(const QString& name) const {
 }
 
 int SyncProgram::stagedFiles() const {
-    int files = 0;
+    int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(staging.permanentFolder()))
-        files += entry.path().extension() == ".jpg" ? 1 : 0;
-    return files;
+        count += entry.path().extension() == ".jpg" ? 1 : 0;
+    return count;
 }
 
 void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count) {

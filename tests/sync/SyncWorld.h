@@ -7,11 +7,9 @@
 #include "google/CurlHttpClient.h"
 #include "google/GoogleAlbumManager.h"
 #include "google/ScriptedHttp.h"
-#include "library/DeletionConfirmation.h"
-#include "platform/folder/FolderLibrary.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
-#include "sync/SyncCoordinator.h"
+#include "sync/Engine.h"
 
 #include <future>
 
@@ -60,14 +58,39 @@ class WatchedHttp final : public HttpClient {
     std::atomic<int> mostAtOnce_ = 0;
 };
 
+/// What the engine of a test works with.
+struct Surroundings {
+    Surroundings(SyncWorld& world, const std::filesystem::path& home);
+
+    UserFolders folders;
+    FixedToken tokens;
+    Console console;
+    RecordingLog log;
+    FakeClock clock;
+    FakeClock batchClock;
+    Preferences preferences;
+    WatchedHttp http;
+    TransferActivityTracker tracker{clock};
+    GoogleEndpoints endpoints;
+    GoogleAlbumManager albums;
+    GoogleDestination destination;
+};
+
 /// The sync engine and all it works with, over one home folder. Only the clocks are not real, and
 /// the batches' own stands still: nothing is sent before the 25th entry or the end of a pass.
-class SyncProgram {
+class SyncProgram : public Surroundings, private Engine {
   public:
     explicit SyncProgram(SyncWorld& world, StageAhead::Limits stagingLimits = {})
         : SyncProgram(world, world.folder / "home", stagingLimits) {}
     SyncProgram(SyncWorld& world, const std::filesystem::path& home,
                 StageAhead::Limits stagingLimits = {});
+
+    using Engine::coordinator;
+    using Engine::database;
+    using Engine::flags;
+    using Engine::library;
+    using Engine::life;
+    using Engine::staging;
 
     /// Records every picture of the library as DISCOVERED, in its order.
     void discover();
@@ -91,38 +114,10 @@ class SyncProgram {
     std::filesystem::path stagedPath(const QString& name) const;
     int stagedFiles() const;
 
-  private:
-    struct NoConfirmation final : DeletionConfirmation {
-        bool confirmDeletion(int /*count*/) override { return false; }
-    };
-
-    const std::filesystem::path pictures_;
-    UserFolders folders_;
-    NoConfirmation confirmation_;
-    FixedToken tokens_;
-
-  public:
-    Console console;
-    RecordingLog log;
-    FakeClock clock;
-    FakeClock batchClock;
-    Preferences preferences;
-    DatabaseManager database;
-    WatchedHttp http;
-    TransferActivityTracker tracker{clock};
-    FolderLibrary library;
-    MediaMetadataService metadata;
-    AssetStagingService staging;
-    SafeDeletionService deletion;
-    GoogleEndpoints endpoints;
-    GoogleUploadTask uploadTask;
-    GoogleAlbumManager albums;
-    GoogleBatchCoordinator batches;
-    RunFlags flags;
-    SyncCoordinator coordinator;
     SyncCoordinator::ProgressHandler onProgress;
 
   private:
+    std::map<QString, QString> identifiers_; ///< by name, as discovered
     std::future<SyncCoordinator::Summary> run_;
 };
 

@@ -285,7 +285,8 @@ TEST_F(MenuBarViewModelTest, foreseesTheLimitOfAnAlbum) {
         SCOPED_TRACE(testing::Message() << row.items << " + " << row.pending);
         ModelWorld fresh;
         const QString id = fresh.world.google.addAlbum(u"Aile"_s, row.items);
-        fresh.database.insertDiscoveredBatch(numberedBatch(row.pending));
+        fresh.engine.database.insertDiscoveredBatch(numberedBatch(row.pending));
+        fresh.openLibrary();
         fresh.signIn();
         fresh.model->selectTargetAlbum(id);
         EXPECT_EQ(fresh.model->isSelectedTargetAlbumNearLimit(), row.isNear);
@@ -328,7 +329,7 @@ TEST_F(MenuBarViewModelTest, keepsItsSettings) {
 }
 
 TEST_F(MenuBarViewModelTest, refreshingHardlyTouchesTheMainThread) {
-    database.insertDiscoveredBatch(numberedBatch(200'000));
+    engine.database.insertDiscoveredBatch(numberedBatch(200'000));
     openLibrary();
     std::vector<std::chrono::duration<double, std::milli>> times;
     for (int i = 0; i < 20; ++i) {

@@ -67,29 +67,23 @@ QString textOf(const QJsonValue& value) {
 ModelWorld::ModelWorld()
     : folders_{world.folder / "home", world.folder / "home/Pictures", world.folder / "home/temp"},
       preferences(folders_.preferences()),
-      database(folders_.database(), console),
       endpoints(GoogleEndpoints::resolve(world.google.baseURL())),
-      library(world.pictures, confirmation_, log),
-      metadata(library, folders_.pictures, log, clock),
-      staging(library, database, metadata, folders_, console),
-      coordinator({database, staging, metadata, uploadTask, batches, tracker, deletion, preferences,
-                   flags, log, console, clock}) {
+      engine({world.pictures, folders_, destination, tracker, preferences, log, console, clock,
+              batchClock}) {
     QLocale::setDefault(QLocale(QLocale::Turkish, QLocale::Turkey));
     clock.skipSleeps(true);
-    batches.onStopAtLimit = [this] { flags.cancel(); };
     restart();
     lastState_ = stateOf(*model);
 }
 
 void ModelWorld::restart() {
     model = std::make_unique<MenuBarViewModel>(MenuBarViewModel::Services{
-        database, oauth, albums, batches, tracker, preferences, log, logPublisher, console, clock,
-        desktop,
+        oauth, albums, tracker, preferences, log, logPublisher, console, clock, desktop,
         [this] {
             ++locksTaken;
             return std::make_shared<int>(locksTaken);
         },
-        "quorvane.log", [this](const QString& url) { return handOverURL(url); }});
+        "quorvane.log", [] {}, [this](const QString& url) { return handOverURL(url); }});
 }
 
 ModelWorld::~ModelWorld() {
@@ -98,13 +92,13 @@ ModelWorld::~ModelWorld() {
 }
 
 void ModelWorld::openLibrary() {
-    model->setLibrary(std::make_shared<LibrarySession>(
-        LibrarySession{library, sources, observer, coordinator, flags}));
+    model->setLibrary(
+        std::make_shared<LibrarySession>(LibrarySession{engine.run, engine.life, engine.sources}));
     scan();
 }
 
 void ModelWorld::scan() {
-    observer.initialScan();
+    engine.observer.initialScan();
     model->libraryDidChange();
     settle();
 }

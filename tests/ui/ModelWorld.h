@@ -48,11 +48,7 @@ class ModelWorld {
     QString changes();
 
   private:
-    struct NoConfirmation final : DeletionConfirmation {
-        bool confirmDeletion(int /*count*/) override { return false; }
-    };
     UserFolders folders_;
-    NoConfirmation confirmation_;
     QJsonObject lastState_;
 
   public:
@@ -67,24 +63,14 @@ class ModelWorld {
     ScriptedSession browser;
     std::function<bool(const QString&)> handOverURL;
     Preferences preferences;
-    DatabaseManager database;
     GoogleEndpoints endpoints;
     WatchedHttp http;
     TokenStore tokens{keychain, preferences, log};
     GoogleOAuthManager oauth{{endpoints, client, http, browser, tokens, clock, log}};
     TransferActivityTracker tracker{clock, [] { return 12; }};
-    GoogleUploadTask uploadTask{http, oauth, tracker, endpoints};
     GoogleAlbumManager albums{http, oauth, preferences, log, endpoints};
-    GoogleBatchCoordinator batches{http, oauth,   albums,     database, preferences,
-                                   log,  console, batchClock, endpoints};
-    FolderLibrary library;
-    MediaMetadataService metadata;
-    AssetStagingService staging;
-    PhotoAlbumService sources{library, preferences, log};
-    SafeDeletionService deletion{database, staging, library, log};
-    PhotoLibraryObserver observer{library, database, staging, sources, preferences, console};
-    RunFlags flags;
-    SyncCoordinator coordinator;
+    GoogleDestination destination{http, oauth, albums, endpoints};
+    Engine engine;
     int locksTaken = 0;
 
     /// Last: it uses the rest.

@@ -1,7 +1,5 @@
-#include "app/cli/Command.h"
 #include "app/cli/LibraryChoice.h"
-#include "app/cli/SignIn.h"
-#include "app/cli/TerminalConfirmation.h"
+#include "app/cli/Program.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -16,29 +14,31 @@ struct Row {
     std::int64_t count = 0;
 };
 
-std::vector<Row> localAlbums(Invocation& invocation, CoreServices& core) {
+std::vector<Row> localAlbums(Invocation& invocation, Program& program) {
+    CoreServices& core = program.core;
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
                                     core.preferences, core.folders);
-    TerminalConfirmation confirmation(core.console, false, invocation.stop);
-    const auto library = openPhotoLibrary(path, core.folders, confirmation, core.logger);
-    requireReadable(*library, path);
-    PhotoAlbumService albums(*library, core.preferences, core.logger);
+    const AccountIdentity account = program.google.account();
+    LibraryAt at(core, path);
+    const auto place = core.states.find(at.identity(), account);
+    SourceServices source(core, account, std::move(at), place, SourceServices::Use::look);
+    requireReadable(*source.library, path);
+    source.library->fetchAssets(); // what cannot be read has no list of albums, not an empty one
     std::vector<Row> rows;
-    for (const LocalAlbumItem& album : albums.performFetchLocalAlbums())
+    for (const LocalAlbumItem& album : source.albums.performFetchLocalAlbums())
         rows.push_back({album.id, album.title, album.count});
-    rememberLibrary(path, core.preferences);
+    rememberLibrary(source, core.preferences);
     return rows;
 }
 
-std::vector<Row> googleAlbums(Invocation& invocation, CoreServices& core) {
-    NoAuthSession noSignIn;
-    GoogleServices google(core, noSignIn);
+std::vector<Row> googleAlbums(Invocation& invocation, Program& program) {
+    GoogleServices& google = program.google;
     requireSignedIn(google.oauth);
     std::vector<Row> rows;
     for (const GoogleAlbum& album : google.albums.listAlbums(invocation.stop))
         rows.push_back({album.id, album.title.value_or(QString()), album.itemCount()});
     if (google.albums.lacksReadPermission())
-        core.console.error(
+        program.core.console.error(
             QStringLiteral("Albümleri görme izni yok, yalnız bilinen albümler listelendi. İzin "
                            "vermek için: quorvane-cli login"));
     return rows;
@@ -49,8 +49,10 @@ int albums(Invocation& invocation) {
     if (local == invocation.arguments.has(QStringLiteral("google")))
         throw UsageError(QStringLiteral("albums: --local veya --google seçin"));
     invocation.console.setChannel(Console::Channel::silent);
-    CoreServices core(invocation.folders, invocation.console);
-    for (const Row& row : local ? localAlbums(invocation, core) : googleAlbums(invocation, core)) {
+    Program program(invocation);
+    CoreServices& core = program.core;
+    for (const Row& row :
+         local ? localAlbums(invocation, program) : googleAlbums(invocation, program)) {
         if (invocation.arguments.has(QStringLiteral("json")))
             printJson(core.console, {{QStringLiteral("id"), row.id},
                                      {QStringLiteral("title"), row.title},

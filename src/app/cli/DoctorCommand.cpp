@@ -1,8 +1,6 @@
-#include "app/cli/Command.h"
 #include "app/cli/Diagnosis.h"
 #include "app/cli/LibraryChoice.h"
-#include "app/cli/SignIn.h"
-#include "app/cli/TerminalConfirmation.h"
+#include "app/cli/Program.h"
 #include "google/OAuthMessages.h"
 
 #include <QJsonDocument>
@@ -108,21 +106,22 @@ std::optional<QString> lockHolder(const std::filesystem::path& file) {
     }
 }
 
-StagingFacts stagingFacts(CoreServices& core, PhotoLibrary& library, const std::stop_token& stop) {
+StagingFacts stagingFacts(CoreServices& core, SourceServices& source, const std::stop_token& stop) {
     StagingFacts facts;
     std::error_code unreachable;
     facts.freeBytes =
         static_cast<std::int64_t>(std::filesystem::space(core.folders.home, unreachable).available);
     std::map<QString, SyncStatus> known;
-    for (const auto& [identifier, status] : core.db.fetchStatuses())
+    for (const auto& [identifier, status] : source.state.db.fetchStatuses())
         known.insert_or_assign(identifier, status);
-    for (const PhotoAsset& asset : *library.fetchAssets()) {
+    const AssetFetchResult assets = source.library->fetchAssets(stop);
+    for (const PhotoAsset& asset : *assets) {
         if (stop.stop_requested())
             throw Cancelled();
         const auto status = known.find(asset.localIdentifier);
         if (status != known.end() && status->second != SyncStatus::discovered)
             continue;
-        const auto resource = resourceToStage(library.assetResources(asset));
+        const auto resource = resourceToStage(source.library->assetResources(asset));
         if (!resource || !resource->fileSize)
             continue;
         facts.pendingBytes += *resource->fileSize;
@@ -131,14 +130,17 @@ StagingFacts stagingFacts(CoreServices& core, PhotoLibrary& library, const std::
     return facts;
 }
 
-std::vector<Finding> libraryFindings(Invocation& invocation, CoreServices& core) {
+std::vector<Finding> libraryFindings(Invocation& invocation, Program& program) {
+    CoreServices& core = program.core;
     try {
         const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
                                         core.preferences, core.folders);
-        TerminalConfirmation confirmation(core.console, false, invocation.stop);
-        const auto library = openPhotoLibrary(path, core.folders, confirmation, core.logger);
-        requireReadable(*library, path);
-        const StagingFacts staging = stagingFacts(core, *library, invocation.stop);
+        const AccountIdentity account = program.google.account();
+        LibraryAt at(core, path);
+        const auto place = core.states.find(at.identity(), account);
+        SourceServices source(core, account, std::move(at), place, SourceServices::Use::look);
+        requireReadable(*source.library, path);
+        const StagingFacts staging = stagingFacts(core, source, invocation.stop);
         return {libraryFinding(pathText(path), {}), stagingFinding(staging)};
     } catch (const Error& error) {
         return {libraryFinding({}, error.localizedDescription()), stagingFinding({})};
@@ -147,9 +149,9 @@ std::vector<Finding> libraryFindings(Invocation& invocation, CoreServices& core)
 
 int doctor(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
-    CoreServices core(invocation.folders, invocation.console, CoreServices::Store::leaveAbsent);
-    NoAuthSession noSignIn;
-    GoogleServices services(core, noSignIn);
+    Program program(invocation);
+    CoreServices& core = program.core;
+    GoogleServices& services = program.google;
     const ClientFacts client = clientFacts(services);
     const GoogleFacts google = googleFacts(services, invocation.stop);
     std::vector<Finding> findings{clientFinding(client),
@@ -162,7 +164,7 @@ int doctor(Invocation& invocation) {
                                   storageFinding({}),
                                   keyringFinding(keyringFacts(services)),
                                   clockFinding(google)};
-    for (const Finding& finding : libraryFindings(invocation, core))
+    for (const Finding& finding : libraryFindings(invocation, program))
         findings.push_back(finding);
     findings.push_back(lockFinding(lockHolder(core.folders.runLock())));
     if (invocation.arguments.has(QStringLiteral("json")))

@@ -4,19 +4,23 @@
 #include "app/cli/TextTable.h"
 
 #include <algorithm>
-#include <set>
+#include <map>
 
 namespace quorvane::cli {
 
 namespace {
 
-std::set<QString> finishedIdentifiers(DatabaseManager& db) {
-    std::set<QString> finished;
+/// The assets that a run would not touch, with what they are.
+std::map<QString, SyncStatus> settledAssets(DatabaseManager& db) {
+    std::map<QString, SyncStatus> settled;
     for (const auto& [identifier, status] : db.fetchStatuses())
-        if (status == SyncStatus::verified || status == SyncStatus::deletedLocally ||
-            status == SyncStatus::excluded)
-            finished.insert(identifier);
-    return finished;
+        if (status != SyncStatus::discovered && status != SyncStatus::staged)
+            settled.emplace(identifier, status);
+    return settled;
+}
+
+bool isHeld(SyncStatus status) {
+    return status == SyncStatus::failed || status == SyncStatus::dateUnresolved;
 }
 
 void countKind(Forecast& forecast, const PhotoAsset& asset) {
@@ -29,14 +33,16 @@ void countKind(Forecast& forecast, const PhotoAsset& asset) {
 }
 
 void countFile(Forecast& forecast, SourceServices& library, const PhotoAsset& asset,
-               DateFallbackMode fallbackMode) {
+               DateFallbackMode fallbackMode, const std::stop_token& stop) {
     const auto resource = resourceToStage(library.library->assetResources(asset));
     if (!resource || !resource->fileSize) {
         ++forecast.unavailable;
         return;
     }
-    if (library.metadata.resolveDate(library.path / resource->location, asset.facts(),
-                                     asset.localIdentifier, fallbackMode))
+    const MetadataForecast metadata = library.metadata.wouldEnsureMetadata(
+        library.path / resource->location, asset.facts(), asset.localIdentifier, fallbackMode,
+        resource->originalFilename, stop);
+    if (metadata.carriesDate)
         forecast.bytes += *resource->fileSize;
     else
         ++forecast.undated;
@@ -48,22 +54,23 @@ bool Forecast::overflowsTarget() const {
     return targetTitle && targetCount + toUpload() > GoogleAlbum::capacity;
 }
 
-Forecast forecast(CoreServices& core, SourceServices& library, GoogleServices* google,
-                  DateFallbackMode fallbackMode, std::stop_token stop) {
+Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackMode fallbackMode,
+                  std::stop_token stop) {
     Forecast result;
-    const auto finished = finishedIdentifiers(core.db);
+    const auto settled = settledAssets(library.state.db);
     const auto assets = library.albums.fetchAssets(library.albums.selectedSourceAlbumID());
+    result.leftOut = library.library->leftOut();
     for (const PhotoAsset& asset : *assets) {
         if (stop.stop_requested())
             throw Cancelled();
         if (asset.mediaType != AssetMediaType::image && asset.mediaType != AssetMediaType::video)
             continue;
-        if (finished.contains(asset.localIdentifier)) {
-            ++result.alreadyDone;
+        if (const auto known = settled.find(asset.localIdentifier); known != settled.end()) {
+            ++(isHeld(known->second) ? result.held : result.alreadyDone);
             continue;
         }
         countKind(result, asset);
-        countFile(result, library, asset, fallbackMode);
+        countFile(result, library, asset, fallbackMode, stop);
     }
     if (google == nullptr)
         return result;
@@ -87,6 +94,8 @@ QString Forecast::table() const {
     text += tableRow(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
     text += tableRow(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
     text += tableRow(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
+    text += tableRow(QStringLiteral("Daha önce bekletilen"), QString::number(held));
+    text += leftOutRows(leftOut);
     text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
     text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
     if (targetTitle)
@@ -108,6 +117,8 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("alreadyDone"), alreadyDone},
                        {QStringLiteral("unavailable"), unavailable},
                        {QStringLiteral("undated"), undated},
+                       {QStringLiteral("held"), held},
+                       {QStringLiteral("leftOut"), leftOutJson(leftOut)},
                        {QStringLiteral("toUpload"), toUpload()},
                        {QStringLiteral("bytes"), qint64(bytes)}};
     if (targetTitle) {

@@ -14,12 +14,16 @@ struct Forecast {
     int alreadyDone = 0; ///< verified earlier
     int unavailable = 0; ///< the original is not on this machine
     int undated = 0;     ///< would be held back
+    int held = 0;        ///< failed or held back earlier; a run leaves them until they are retried
+    LeftOut leftOut;     ///< by the library
     std::int64_t bytes = 0;
     std::optional<QString> targetTitle;
     std::int64_t targetCount = 0; ///< items now in the target album
 
     int toUpload() const { return photos + videos + livePhotos - undated - unavailable; }
     bool overflowsTarget() const;
+    /// A run would not end with everything at Google.
+    bool leavesSomeOut() const { return undated + unavailable + held + leftOut.missed() > 0; }
 
     QString table() const;
     QJsonObject json() const;
@@ -27,7 +31,7 @@ struct Forecast {
 
 /// Reads the source and every file's date. `google` is absent when nobody is signed in; the target
 /// album is then not looked at. Throws `PhotoLibraryError`, `DBError` and `Cancelled`.
-Forecast forecast(CoreServices& core, SourceServices& library, GoogleServices* google,
-                  DateFallbackMode fallbackMode, std::stop_token stop);
+Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackMode fallbackMode,
+                  std::stop_token stop);
 
 } // namespace quorvane::cli

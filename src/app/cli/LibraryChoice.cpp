@@ -1,6 +1,7 @@
 #include "app/cli/LibraryChoice.h"
 
 #include "foundation/File.h"
+#include "platform/folder/FolderIdentity.h"
 
 #include <algorithm>
 #include <set>
@@ -45,6 +46,10 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
         const std::filesystem::path path = std::filesystem::absolute(pathFrom(*named));
         if (!std::filesystem::is_directory(path))
             throw Error(QStringLiteral("Arşiv bulunamadı: ") + pathText(path));
+        if (isStagingFolder(path))
+            throw Error(QStringLiteral("Bu klasör Quorvane'in kendi kopyalarını tutar, arşiv "
+                                       "olamaz: ") +
+                        pathText(path));
         return path;
     }
     if (const auto remembered = preferences.string(preferenceKeys::libraryPath)) {
@@ -60,8 +65,20 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
                                "klasörü verin"));
 }
 
-void rememberLibrary(const std::filesystem::path& path, Preferences& preferences) {
-    preferences.setString(preferenceKeys::libraryPath, pathText(path));
+void rememberLibrary(const SourceServices& library, Preferences& preferences) {
+    preferences.setString(preferenceKeys::libraryPath, pathText(library.path));
+    preferences.setString(preferenceKeys::libraryIdentity, library.identity);
+}
+
+std::optional<StatePlace> rememberedState(const CoreServices& core,
+                                          const AccountIdentity& account) {
+    const auto identity = core.preferences.string(preferenceKeys::libraryIdentity);
+    if (identity)
+        return core.states.find(*identity, account);
+    const StatePlace first = core.states.first();
+    std::error_code unreachable;
+    const bool isThere = std::filesystem::exists(first.database, unreachable) || unreachable;
+    return isThere ? std::optional(first) : std::nullopt;
 }
 
 void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path) {
@@ -76,13 +93,10 @@ void requireReadable(const PhotoLibrary& library, const std::filesystem::path& p
     }
 }
 
-void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums,
-                       Preferences& preferences) {
+void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums) {
     const std::vector<LocalAlbumItem> all = albums.performFetchLocalAlbums();
-    const LocalAlbumItem& album =
-        findOne(all, idOrTitle, [](const LocalAlbumItem& item) { return item.title; });
-    preferences.setVolatile(preferenceKeys::sourceAlbumID, album.id);
-    preferences.setVolatile(preferenceKeys::sourceAlbumTitle, album.title);
+    albums.selectForThisRun(
+        findOne(all, idOrTitle, [](const LocalAlbumItem& item) { return item.title; }));
 }
 
 void chooseTargetAlbum(const QString& idOrTitle, GoogleAlbumManager& albums,

@@ -13,15 +13,18 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
                                     const Preferences& preferences, const UserFolders& folders);
 
 /// Makes it the library of later runs; call it once the library has proved readable.
-void rememberLibrary(const std::filesystem::path& path, Preferences& preferences);
+void rememberLibrary(const SourceServices& library, Preferences& preferences);
+
+/// The state of the remembered library, which may be away, for this account; before any library was
+/// chosen that of the first one. None when there is none yet.
+std::optional<StatePlace> rememberedState(const CoreServices& core, const AccountIdentity& account);
 
 /// Throws `Error` with the reason when the library cannot be read.
 void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path);
 
 /// Makes the album named by identifier or title the source of this run. Throws `Error` when there
 /// is none, or several of that title.
-void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums,
-                       Preferences& preferences);
+void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums);
 
 /// Makes the Google Photos album named by identifier or title the target of this run.
 void chooseTargetAlbum(const QString& idOrTitle, GoogleAlbumManager& albums,

@@ -1,6 +1,5 @@
 #include "app/RunLock.h"
-#include "app/cli/Command.h"
-#include "app/cli/SignIn.h"
+#include "app/cli/Program.h"
 #include "google/OAuthMessages.h"
 #include "platform/linux/BrowserAuthSession.h"
 
@@ -13,7 +12,9 @@ namespace {
 /// Opens the browser where there is a desktop; the callback URL comes from its URL handler or from
 /// standard input, whichever is first.
 int login(Invocation& invocation) {
-    CoreServices core(invocation.folders, invocation.console);
+    SystemPorts system;
+    TerminalConfirmation confirmation(invocation.console, false, invocation.stop);
+    CoreServices core(invocation.folders, system.with(invocation.console, confirmation));
     BrowserAuthSession session(DesktopEnvironment::ofProcess(core.folders), {STDIN_FILENO},
                                core.console, core.logger);
     GoogleServices google(core, session);
@@ -28,11 +29,10 @@ int login(Invocation& invocation) {
 int logout(Invocation& invocation) {
     const RunLock lock(invocation.folders.runLock()); // not under the feet of a running sync
     invocation.console.setChannel(Console::Channel::silent);
-    CoreServices core(invocation.folders, invocation.console);
-    NoAuthSession noSignIn;
-    GoogleServices google(core, noSignIn);
-    google.oauth.signOut(invocation.stop);
-    core.console.result(QStringLiteral("Oturum kapatıldı."));
+    Program program(invocation);
+    program.google.oauth.signOut(invocation.stop);
+    program.core.preferences.removeDamaged();
+    program.core.console.result(QStringLiteral("Oturum kapatıldı."));
     return done;
 }
 

@@ -1,5 +1,5 @@
-#include "app/cli/Command.h"
-#include "app/cli/SyncReport.h"
+#include "app/cli/LibraryChoice.h"
+#include "app/cli/Program.h"
 
 namespace quorvane::cli {
 
@@ -8,8 +8,10 @@ namespace {
 /// Puts failed records back in the queue, and undated ones too once a date may be invented.
 int retry(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
-    CoreServices core(invocation.folders, invocation.console);
-    core.db.requireUsable();
+    Program program(invocation);
+    CoreServices& core = program.core;
+    const AccountIdentity account = program.google.account();
+    StateServices state(core, rememberedState(core, account), account);
     if (const auto mode = invocation.arguments.value(QStringLiteral("date-fallback")))
         core.preferences.setString(preferenceKeys::dateFallbackMode, *mode);
     const QString mode =
@@ -17,11 +19,11 @@ int retry(Invocation& invocation) {
     const bool withUndated = dateFallbackModeFrom(mode).value_or(DateFallbackMode::strictNone) !=
                              DateFallbackMode::strictNone;
 
-    const StoreCounts before = StoreCounts::of(core.db);
-    core.db.retryFailedRecords(true);
+    const StoreCounts before = StoreCounts::of(state.db);
+    state.life.retriedFailed(true);
     if (withUndated)
-        core.db.retryDateUnresolvedRecords();
-    const StoreCounts after = StoreCounts::of(core.db);
+        state.life.retriedUndated();
+    const StoreCounts after = StoreCounts::of(state.db);
     core.console.result(
         QStringLiteral("%1 öğe yeniden sıraya alındı.").arg(after.pending - before.pending));
     if (after.undated > 0)

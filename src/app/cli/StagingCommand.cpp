@@ -1,8 +1,8 @@
 #include "app/RunLock.h"
-#include "app/cli/Command.h"
+#include "app/cli/LibraryChoice.h"
+#include "app/cli/Program.h"
 #include "app/cli/StagingContents.h"
 #include "app/cli/SyncReport.h"
-#include "app/cli/TerminalConfirmation.h"
 #include "app/cli/TextTable.h"
 
 #include <QJsonArray>
@@ -83,7 +83,8 @@ QJsonObject json(const std::vector<StagingContents>& folders) {
             {QStringLiteral("removable"), json(removable(folders))}};
 }
 
-int prune(Invocation& invocation, CoreServices& core, const std::vector<StagingContents>& folders) {
+int prune(Invocation& invocation, CoreServices& core, DatabaseManager& db,
+          const std::vector<StagingContents>& folders) {
     const FilesAndBytes before = removable(folders);
     TerminalConfirmation confirmation(core.console, invocation.arguments.has(QStringLiteral("yes")),
                                       invocation.stop);
@@ -97,7 +98,7 @@ int prune(Invocation& invocation, CoreServices& core, const std::vector<StagingC
     }
     FilesAndBytes removed;
     for (const StagingContents& contents : folders) {
-        const FilesAndBytes here = removeSafeCopies(contents, core.db);
+        const FilesAndBytes here = removeSafeCopies(contents, db);
         removed.files += here.files;
         removed.bytes += here.bytes;
     }
@@ -115,11 +116,13 @@ int staging(Invocation& invocation) {
     std::optional<RunLock> lock; // nobody stages or uploads what is being removed
     if (isPrune)
         lock.emplace(invocation.folders.runLock());
-    CoreServices core(invocation.folders, invocation.console, CoreServices::Store::leaveAbsent);
-    core.db.requireUsable();
-    const std::vector<StagingContents> folders = stagingContents(core.folders, core.db);
+    Program program(invocation);
+    CoreServices& core = program.core;
+    const AccountIdentity account = program.google.account();
+    StateServices state(core, rememberedState(core, account), account);
+    const auto folders = stagingContents(state.place.value_or(core.states.first()), state.db);
     if (isPrune)
-        return prune(invocation, core, folders);
+        return prune(invocation, core, state.db, folders);
     if (invocation.arguments.has(QStringLiteral("json")))
         printJson(core.console, json(folders));
     else

@@ -62,13 +62,13 @@ FilesAndBytes StagingContents::total() const {
     return total;
 }
 
-std::vector<StagingContents> stagingContents(const UserFolders& folders, DatabaseManager& db) {
+std::vector<StagingContents> stagingContents(const StatePlace& place, DatabaseManager& db) {
     StatusesOfAsset statuses;
     for (const auto& [identifier, status] : db.fetchStatuses())
         statuses[identifier].push_back(status);
     const StagingFolder all[] = {
-        {folders.permanentStaging(), StagingFolder::Access::any},
-        {folders.temporaryStaging, StagingFolder::Access::privateOnly},
+        {place.permanentStaging, StagingFolder::Access::any},
+        {place.temporaryStaging, StagingFolder::Access::privateOnly},
     };
     std::vector<StagingContents> contents;
     for (const StagingFolder& folder : all)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "foundation/UserFolders.h"
-#include "store/DatabaseManager.h"
+#include "store/StateCatalogue.h"
 
 #include <map>
 
@@ -32,7 +31,7 @@ struct StagingContents {
 
 /// Of the staging folders that are there, the permanent one first. Nothing is created. Throws
 /// `DBError`.
-std::vector<StagingContents> stagingContents(const UserFolders& folders, DatabaseManager& db);
+std::vector<StagingContents> stagingContents(const StatePlace& place, DatabaseManager& db);
 
 /// Deletes the removable files of assets all of whose records are, now, verified with a name at
 /// Google or deleted locally after that. Throws `DBError`.

@@ -1,5 +1,5 @@
-#include "app/cli/Command.h"
-#include "app/cli/SignIn.h"
+#include "app/cli/LibraryChoice.h"
+#include "app/cli/Program.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
 
@@ -17,7 +17,7 @@ struct Status {
     QString targetAlbum;
 };
 
-QString table(const Status& status, const UserFolders& folders) {
+QString table(const Status& status, const UserFolders& folders, const StatePlace& place) {
     const QString account = status.signedIn
                                 ? (status.email.isEmpty() ? QStringLiteral("açık") : status.email)
                                 : QStringLiteral("açılmamış");
@@ -31,38 +31,39 @@ QString table(const Status& status, const UserFolders& folders) {
     text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
     text += tableRow(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
     text += tableRow(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
-    text += tableRow(QStringLiteral("Durum veritabanı"), pathText(folders.database()));
+    text += tableRow(QStringLiteral("Durum veritabanı"), pathText(place.database));
     text += tableRow(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
-    text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(folders.permanentStaging()));
+    text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(place.permanentStaging));
     return text.chopped(1);
 }
 
 int status(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
-    CoreServices core(invocation.folders, invocation.console);
-    core.db.requireUsable();
-    NoAuthSession noSignIn;
-    GoogleServices google(core, noSignIn);
-    const Status now{StoreCounts::of(core.db), google.oauth.isSignedIn(),
+    Program program(invocation);
+    CoreServices& core = program.core;
+    GoogleServices& google = program.google;
+    const AccountIdentity account = google.account();
+    StateServices state(core, rememberedState(core, account), account);
+    const StatePlace place = state.place.value_or(core.states.first());
+    const Status now{StoreCounts::of(state.db), google.oauth.isSignedIn(),
                      google.oauth.email().value_or(QString()),
                      core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
                      core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString())};
     if (!invocation.arguments.has(QStringLiteral("json"))) {
-        core.console.result(table(now, core.folders));
+        core.console.result(table(now, core.folders, place));
         return done;
     }
-    printJson(core.console,
-              {{QStringLiteral("signedIn"), now.signedIn},
-               {QStringLiteral("email"), now.email},
-               {QStringLiteral("library"), now.library},
-               {QStringLiteral("targetAlbum"), now.targetAlbum},
-               {QStringLiteral("verified"), now.counts.verified},
-               {QStringLiteral("pending"), now.counts.pending},
-               {QStringLiteral("failed"), now.counts.failed},
-               {QStringLiteral("undated"), now.counts.undated},
-               {QStringLiteral("database"), pathText(core.folders.database())},
-               {QStringLiteral("log"), pathText(core.logger.logFile())},
-               {QStringLiteral("staging"), pathText(core.folders.permanentStaging())}});
+    printJson(core.console, {{QStringLiteral("signedIn"), now.signedIn},
+                             {QStringLiteral("email"), now.email},
+                             {QStringLiteral("library"), now.library},
+                             {QStringLiteral("targetAlbum"), now.targetAlbum},
+                             {QStringLiteral("verified"), now.counts.verified},
+                             {QStringLiteral("pending"), now.counts.pending},
+                             {QStringLiteral("failed"), now.counts.failed},
+                             {QStringLiteral("undated"), now.counts.undated},
+                             {QStringLiteral("database"), pathText(place.database)},
+                             {QStringLiteral("log"), pathText(core.logger.logFile())},
+                             {QStringLiteral("staging"), pathText(place.permanentStaging)}});
     return done;
 }
 

@@ -1,14 +1,10 @@
 #include "app/RunLock.h"
-#include "app/cli/Command.h"
 #include "app/cli/Forecast.h"
 #include "app/cli/LibraryChoice.h"
+#include "app/cli/Program.h"
 #include "app/cli/Progress.h"
-#include "app/cli/SignIn.h"
 #include "app/cli/SyncReport.h"
-#include "app/cli/TerminalConfirmation.h"
 #include "app/cli/Watching.h"
-
-#include <atomic>
 
 namespace quorvane::cli {
 
@@ -25,13 +21,21 @@ QString nameOf(const SyncRecord& record, LibraryServices& library) {
     return file ? uploadName(record, *file) : identifier;
 }
 
-/// Writes down how a run went, with the names a person knows the files by.
-void describeEnd(SyncReport& report, CoreServices& core, LibraryServices& library) {
-    report.after = StoreCounts::of(core.db);
-    report.failures = core.db.fetchFailedCategorySummaries();
-    for (const SyncRecord& record : core.db.fetchUnfinishedRecords(SyncReport::shownItems))
-        report.unfinished.push_back(
-            {nameOf(record, library), record.syncStatus, record.lastError.value_or(QString())});
+/// Writes down what the store holds after the run, with the names a person knows the files by. A
+/// store that has failed already tells nothing more.
+void describeEnd(SyncReport& report, LibraryServices& library) {
+    DatabaseManager& db = library.state.db;
+    try {
+        report.after = StoreCounts::of(db);
+        report.pending = db.countPendingRecords();
+        report.failures = db.fetchFailedCategorySummaries();
+        for (const SyncRecord& record : db.fetchUnfinishedRecords(SyncReport::shownItems))
+            report.unfinished.push_back(
+                {nameOf(record, library), record.syncStatus, record.lastError.value_or(QString())});
+    } catch (const Error& error) {
+        if (!report.run.error)
+            report.run.error = error.localizedDescription();
+    }
 }
 
 Progress::Form formOf(const Arguments& arguments) {
@@ -50,34 +54,26 @@ void applyOptions(const Arguments& arguments, Preferences& preferences) {
     }
 }
 
-SyncReport drain(Invocation& invocation, CoreServices& core, GoogleServices& google,
-                 LibraryServices& library) {
-    SyncServices sync(core, google, library);
+SyncReport run(Invocation& invocation, CoreServices& core, GoogleServices& google,
+               LibraryServices& library) {
     SyncReport report;
-    report.before = StoreCounts::of(core.db);
     const auto started = core.clock.monotonic();
-
-    std::atomic<bool> albumFull = false;
-    const Subscription limit =
-        google.batchCoord.googlePhotosAlbumLimitReached.subscribe([&](const AlbumLimitReached&) {
-            albumFull = true;
-            sync.flags.cancel(); // else a full album means the same bytes again and again
-        });
     const auto progress = std::make_shared<Progress>(formOf(invocation.arguments), core.console,
                                                      google.tracker, core.clock);
-    sync.flags.begin();
-    const std::stop_callback onStop(invocation.stop, [&] { sync.flags.cancel(); });
-    report.run = sync.coordinator.drainPendingQueue(
-        invocation.arguments.has(QStringLiteral("delete-verified")),
-        [weak = std::weak_ptr(progress)](int completed, int total) {
-            if (const auto shown = weak.lock())
-                shown->update(completed, total);
-        });
-    sync.flags.end();
-
-    report.albumFull = albumFull;
+    std::optional<Watching> watching; // what is added during the run is taken along
+    SyncRunCallbacks callbacks;
+    callbacks.progress = [weak = std::weak_ptr(progress)](int completed, int total) {
+        if (const auto shown = weak.lock())
+            shown->update(completed, total);
+    };
+    callbacks.discovered = [&] {
+        rememberLibrary(library, core.preferences);
+        watching.emplace(library);
+    };
+    report.run = runSync(library.run, invocation.arguments.has(QStringLiteral("delete-verified")),
+                         callbacks, invocation.stop);
     report.seconds = std::chrono::duration<double>(core.clock.monotonic() - started).count();
-    describeEnd(report, core, library);
+    describeEnd(report, library);
     return report;
 }
 
@@ -86,24 +82,29 @@ void choose(Invocation& invocation, CoreServices& core, GoogleServices& google,
             SourceServices& source) {
     requireReadable(*source.library, source.path);
     if (const auto album = invocation.arguments.value(QStringLiteral("album")))
-        chooseSourceAlbum(*album, source.albums, core.preferences);
+        chooseSourceAlbum(*album, source.albums);
     if (const auto album = invocation.arguments.value(QStringLiteral("target-album")))
         chooseTargetAlbum(*album, google.albums, core.preferences, invocation.stop);
 }
 
 /// Leaves no trace but log lines: neither a store nor a staging folder is created.
 int dryRun(Invocation& invocation, CoreServices& core, GoogleServices& google,
-           SourceServices& library) {
+           const std::filesystem::path& path) {
+    const AccountIdentity account = google.account();
+    LibraryAt at(core, path);
+    const auto place = core.states.find(at.identity(), account);
+    SourceServices source(core, account, std::move(at), place, SourceServices::Use::look);
+    choose(invocation, core, google, source);
     const QString mode =
         core.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString());
     const Forecast result = forecast(
-        core, library, google.oauth.isSignedIn() ? &google : nullptr,
+        source, google.oauth.isSignedIn() ? &google : nullptr,
         dateFallbackModeFrom(mode).value_or(DateFallbackMode::strictNone), invocation.stop);
     if (invocation.arguments.has(QStringLiteral("json")))
         printJson(core.console, result.json());
     else
         core.console.result(result.table());
-    return result.undated + result.unavailable > 0 ? someItemsLeft : done;
+    return result.leavesSomeOut() ? someItemsLeft : done;
 }
 
 int sync(Invocation& invocation) {
@@ -114,34 +115,22 @@ int sync(Invocation& invocation) {
         invocation.console.setChannel(Console::Channel::silent);
 
     const RunLock lock(invocation.folders.runLock());
-    const bool isDryRun = arguments.has(QStringLiteral("dry-run"));
-    CoreServices core(invocation.folders, invocation.console,
-                      isDryRun ? CoreServices::Store::leaveAbsent
-                               : CoreServices::Store::createWhenAbsent);
-    core.db.requireUsable();
+    Program program(invocation);
+    CoreServices& core = program.core;
     applyOptions(arguments, core.preferences);
-    NoAuthSession noSignIn;
-    GoogleServices google(core, noSignIn);
+    const bool isDryRun = arguments.has(QStringLiteral("dry-run"));
     if (!isDryRun)
-        requireSignedIn(google.oauth);
-
+        requireSignedIn(program.google.oauth);
     const auto path =
         chooseLibrary(arguments.value(QStringLiteral("library")), core.preferences, core.folders);
-    TerminalConfirmation confirmation(invocation.console, arguments.has(QStringLiteral("yes")),
-                                      invocation.stop);
-    if (isDryRun) {
-        SourceServices source(core, path, confirmation);
-        choose(invocation, core, google, source);
-        return dryRun(invocation, core, google, source);
-    }
-    LibraryServices library(core, path, confirmation);
-    choose(invocation, core, google, library);
+    if (isDryRun)
+        return dryRun(invocation, core, program.google, path);
 
-    library.staging.removeLeftovers(invocation.stop);
-    library.observer.initialScan(invocation.stop);
-    rememberLibrary(path, core.preferences);
-    const Watching watching(library);
-    const SyncReport report = drain(invocation, core, google, library);
+    LibraryServices library(core, program.google, LibraryAt(core, path));
+    choose(invocation, core, program.google, library);
+    const SyncReport report = run(invocation, core, program.google, library);
+    if (report.run.error)
+        core.console.error(*report.run.error);
     if (arguments.has(QStringLiteral("json")))
         printJson(core.console, report.json());
     else

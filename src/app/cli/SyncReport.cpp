@@ -17,16 +17,28 @@ QString countRow(const QString& label, int count) {
 }
 
 QString title(const SyncReport& report) {
-    if (report.run.storeFailure)
-        return QStringLiteral("Eşitleme yarıda kaldı: durum veritabanına yazılamadı (%1)")
-            .arg(*report.run.storeFailure);
-    if (report.albumFull)
+    if (report.run.error)
+        return QStringLiteral("Eşitleme yarıda kaldı: ") + *report.run.error;
+    if (report.run.albumFull)
         return QStringLiteral("Eşitleme durdu: hedef albüm dolu");
-    if (report.run.cancelled)
+    if (report.run.wasStopped)
         return QStringLiteral("Eşitleme durduruldu");
     if (report.run.total == 0)
         return QStringLiteral("Yüklenecek yeni öğe yok");
     return QStringLiteral("Eşitleme bitti");
+}
+
+/// Nothing for none.
+QString rowUnlessZero(const QString& label, int count) {
+    return count == 0 ? QString() : countRow(label, count);
+}
+
+QString deletionRows(const DeletionSummary& deletion) {
+    QString text = rowUnlessZero(QStringLiteral("Çöp'e taşınan"), deletion.deleted);
+    text += rowUnlessZero(QStringLiteral("Silinmeyen"), static_cast<int>(deletion.leftOut.size()));
+    for (const DeletionSummary::LeftOut& item : deletion.leftOut)
+        text += QStringLiteral("  %1: %2\n").arg(item.name, item.reason);
+    return text;
 }
 
 } // namespace
@@ -35,15 +47,33 @@ QString byteText(std::int64_t bytes) {
     return turkish.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
 }
 
+QString leftOutRows(const LeftOut& leftOut) {
+    return rowUnlessZero(QStringLiteral("Okunamadığı için atlanan"), leftOut.unreadable) +
+           rowUnlessZero(QStringLiteral("Yazıldığı için atlanan"), leftOut.inUse) +
+           rowUnlessZero(QStringLiteral("Gizli veya bağ, atlanan"), leftOut.hidden) +
+           rowUnlessZero(QStringLiteral("Resim veya video olmayan"), leftOut.otherFiles);
+}
+
+QJsonObject leftOutJson(const LeftOut& leftOut) {
+    return {{QStringLiteral("unreadable"), leftOut.unreadable},
+            {QStringLiteral("inUse"), leftOut.inUse},
+            {QStringLiteral("hidden"), leftOut.hidden},
+            {QStringLiteral("otherFiles"), leftOut.otherFiles}};
+}
+
 QString SyncReport::table() const {
     QString text = title(*this) + u'\n';
-    text += countRow(QStringLiteral("Doğrulanan (bu kez)"), after.verified - before.verified);
+    text += countRow(QStringLiteral("Doğrulanan (bu kez)"), run.verified);
+    text += rowUnlessZero(QStringLiteral("  zaten yüklü, tanınan"), run.recognised);
+    text += rowUnlessZero(QStringLiteral("  Google'da zaten varmış"), run.existing);
     text += countRow(QStringLiteral("Doğrulanan (toplam)"), after.verified);
     text += countRow(QStringLiteral("Başarısız"), after.failed);
     for (const FailedCategorySummary& failure : failures)
         text += countRow(QStringLiteral("  ") + failure.categoryName, failure.count);
     text += countRow(QStringLiteral("Tarihi bilinmeyen"), after.undated);
-    text += countRow(QStringLiteral("Bekleyen"), after.pending);
+    text += countRow(QStringLiteral("Bekleyen"), pending);
+    text += leftOutRows(run.leftOut);
+    text += deletionRows(run.deletion);
     text += tableRow(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
     text +=
         tableRow(QStringLiteral("Süre"), turkish.toString(seconds, 'f', 1) + QStringLiteral(" sn"));
@@ -67,27 +97,39 @@ QJsonObject SyncReport::json() const {
         items += QJsonObject{{QStringLiteral("name"), item.name},
                              {QStringLiteral("status"), rawValue(item.status)},
                              {QStringLiteral("reason"), item.reason}};
-    return {{QStringLiteral("event"), QStringLiteral("summary")},
-            {QStringLiteral("verified"), after.verified - before.verified},
-            {QStringLiteral("verifiedTotal"), after.verified},
-            {QStringLiteral("failed"), after.failed},
-            {QStringLiteral("failedByCategory"), categories},
-            {QStringLiteral("undated"), after.undated},
-            {QStringLiteral("pending"), after.pending},
-            {QStringLiteral("bytes"), qint64(run.uploadedBytes)},
-            {QStringLiteral("seconds"), seconds},
-            {QStringLiteral("passes"), run.passes},
-            {QStringLiteral("stopped"), run.cancelled},
-            {QStringLiteral("albumFull"), albumFull},
-            {QStringLiteral("items"), items}};
+    QJsonArray notDeleted;
+    for (const DeletionSummary::LeftOut& item : run.deletion.leftOut)
+        notDeleted += QJsonObject{{QStringLiteral("name"), item.name},
+                                  {QStringLiteral("reason"), item.reason}};
+    QJsonObject object{{QStringLiteral("event"), QStringLiteral("summary")},
+                       {QStringLiteral("verified"), run.verified},
+                       {QStringLiteral("recognised"), run.recognised},
+                       {QStringLiteral("existing"), run.existing},
+                       {QStringLiteral("verifiedTotal"), after.verified},
+                       {QStringLiteral("failed"), after.failed},
+                       {QStringLiteral("failedByCategory"), categories},
+                       {QStringLiteral("undated"), after.undated},
+                       {QStringLiteral("pending"), pending},
+                       {QStringLiteral("bytes"), qint64(run.uploadedBytes)},
+                       {QStringLiteral("seconds"), seconds},
+                       {QStringLiteral("passes"), run.passes},
+                       {QStringLiteral("stopped"), run.wasStopped},
+                       {QStringLiteral("albumFull"), run.albumFull},
+                       {QStringLiteral("leftOut"), leftOutJson(run.leftOut)},
+                       {QStringLiteral("deleted"), run.deletion.deleted},
+                       {QStringLiteral("notDeleted"), notDeleted},
+                       {QStringLiteral("items"), items}};
+    if (run.error)
+        object[QStringLiteral("error")] = *run.error;
+    return object;
 }
 
 int SyncReport::exitCode() const {
-    if (run.storeFailure)
+    if (run.error)
         return failedToRun;
-    if (run.cancelled && !albumFull)
+    if (run.wasStopped)
         return stopped;
-    return after.failed + after.undated + after.pending > 0 ? someItemsLeft : done;
+    return after.failed + after.undated + pending + run.leftOut.missed() > 0 ? someItemsLeft : done;
 }
 
 } // namespace quorvane::cli

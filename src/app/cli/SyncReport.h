@@ -1,7 +1,7 @@
 #pragma once
 
 #include "store/StoreCounts.h"
-#include "sync/SyncCoordinator.h"
+#include "sync/SyncRun.h"
 
 #include <QJsonObject>
 
@@ -16,13 +16,12 @@ struct UnfinishedItem {
 
 /// The end of a run.
 struct SyncReport {
-    StoreCounts before;
     StoreCounts after;
+    int pending = 0; ///< of this run's source
     std::vector<FailedCategorySummary> failures;
     std::vector<UnfinishedItem> unfinished; ///< at most `shownItems`
-    SyncCoordinator::Summary run;
+    SyncRunOutcome run;
     double seconds = 0;
-    bool albumFull = false;
 
     static constexpr int shownItems = 20;
 
@@ -30,6 +29,10 @@ struct SyncReport {
     QJsonObject json() const;
     int exitCode() const;
 };
+
+/// The pictures and movies that the library left out, by reason: of the table and of the JSON.
+QString leftOutRows(const LeftOut& leftOut);
+QJsonObject leftOutJson(const LeftOut& leftOut);
 
 /// "1,2 MB"
 QString byteText(std::int64_t bytes);

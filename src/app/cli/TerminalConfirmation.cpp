@@ -1,5 +1,6 @@
 #include "app/cli/TerminalConfirmation.h"
 
+#include "app/cli/SyncReport.h"
 #include "foundation/File.h"
 
 #include <array>
@@ -26,9 +27,16 @@ QString readLine(const std::stop_token& stop) {
 
 } // namespace
 
-bool TerminalConfirmation::confirmDeletion(int count) {
-    return confirm(
-        QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı Çöp'e taşınacak.").arg(count));
+bool TerminalConfirmation::confirmDeletion(const DeletionQuestion& question) {
+    QString text =
+        QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı (%2) Çöp'e taşınacak: "
+                       "%3.")
+            .arg(QString::number(question.count), byteText(question.bytes), question.place);
+    if (!question.warning.isEmpty())
+        text += u' ' + question.warning;
+    if (confirmedBeforehand_)
+        console_.error(text);
+    return confirm(text);
 }
 
 bool TerminalConfirmation::confirm(const QString& question) {

@@ -15,7 +15,7 @@ class TerminalConfirmation final : public DeletionConfirmation {
         : console_(console), confirmedBeforehand_(confirmedBeforehand), stop_(std::move(stop)) {}
 
     /// Of originals.
-    bool confirmDeletion(int count) override;
+    bool confirmDeletion(const DeletionQuestion& question) override;
 
     /// True when the person wrote "evet" below `question`.
     bool confirm(const QString& question);

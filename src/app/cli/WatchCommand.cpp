@@ -1,10 +1,7 @@
 #include "app/RunLock.h"
-#include "app/cli/Command.h"
 #include "app/cli/LibraryChoice.h"
-#include "app/cli/SignIn.h"
-#include "app/cli/TerminalConfirmation.h"
+#include "app/cli/Program.h"
 #include "app/cli/Watching.h"
-#include "ui/SyncRun.h"
 
 #include <condition_variable>
 
@@ -54,21 +51,21 @@ std::chrono::seconds settlingTime(const Arguments& arguments) {
     return std::chrono::seconds(seconds);
 }
 
-/// One run over what is pending. A run of somebody else goes first: what is left comes with the
-/// next arrival.
-void backUp(CoreServices& core, const LibrarySession& session, std::stop_token stop) {
-    if (core.db.countPendingRecords() == 0)
-        return;
+/// One run. Somebody else's goes first: what is left comes with the next arrival.
+void backUp(CoreServices& core, LibraryServices& library, std::stop_token stop) {
     try {
         const RunLock lock(core.folders.runLock());
-        const SyncRunOutcome outcome =
-            runSync(session, core.db, core.preferences.boolean(preferenceKeys::isAutoDeleteEnabled),
-                    {}, stop);
+        const SyncRunOutcome outcome = runSync(
+            library.run, core.preferences.boolean(preferenceKeys::isAutoDeleteEnabled), {}, stop);
         if (outcome.error)
             core.logger.log(QStringLiteral("[Watch] ⚠️ ") + *outcome.error);
         core.logger.log(QStringLiteral("[Watch] %1 öğe yüklendi, %2 başarısız, %3 tarihsiz")
                             .arg(QString::number(outcome.verified), QString::number(outcome.failed),
                                  QString::number(outcome.undated)));
+        if (outcome.leftOut.missed() > 0)
+            core.logger.log(
+                QStringLiteral("[Watch] ⚠️ %1 öğe okunamadı veya yazılıyordu, atlandı")
+                    .arg(outcome.leftOut.missed()));
     } catch (const RunLockHeld& error) {
         core.logger.log(QStringLiteral("[Watch] ⚠️ ") + error.localizedDescription());
     }
@@ -77,31 +74,28 @@ void backUp(CoreServices& core, const LibrarySession& session, std::stop_token s
 /// Watches the library and backs up what appears, until it is told to stop.
 int watch(Invocation& invocation) {
     const std::chrono::seconds settling = settlingTime(invocation.arguments);
-    CoreServices core(invocation.folders, invocation.console);
-    core.db.requireUsable();
-    NoAuthSession noSignIn;
-    GoogleServices google(core, noSignIn);
-    requireSignedIn(google.oauth);
+    Program program(invocation);
+    CoreServices& core = program.core;
+    requireSignedIn(program.google.oauth);
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
                                     core.preferences, core.folders);
-    TerminalConfirmation noConfirmation(core.console, false, invocation.stop);
-    LibraryServices library(core, path, noConfirmation);
+    LibraryServices library(core, program.google, LibraryAt(core, path));
     requireReadable(*library.library, path);
-    rememberLibrary(path, core.preferences);
-    SyncServices sync(core, google, library);
-    const LibrarySession session{*library.library, library.albums, library.observer,
-                                 sync.coordinator, sync.flags};
+    library.observer.initialScan(invocation.stop); // what cannot be read is said at once
+    rememberLibrary(library, core.preferences);
 
     Settling arrivals;
     const Subscription recorded =
-        library.observer.assetsRecorded.subscribe([&](std::size_t) { arrivals.somethingCame(); });
-    const Subscription limit = google.batchCoord.googlePhotosAlbumLimitReached.subscribe(
-        [&](const AlbumLimitReached&) { sync.flags.cancel(); });
+        library.observer.assetsRecorded.subscribe([&](const RecordedAssets& assets) {
+            if (assets.cause == RecordedAssets::Cause::change)
+                arrivals.somethingCame();
+        });
     const Watching watching(library);
-    library.observer.performInitialScan();
     core.logger.log(QStringLiteral("[Watch] Arşiv izleniyor: ") + pathText(path));
+    if (library.state.db.countPendingRecords() > 0)
+        arrivals.somethingCame();
     while (arrivals.wait(settling, invocation.stop))
-        backUp(core, session, invocation.stop);
+        backUp(core, library, invocation.stop);
     return done; // being stopped is how it ends
 }
 

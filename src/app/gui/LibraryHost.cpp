@@ -6,21 +6,18 @@ namespace quorvane {
 
 /// All that belongs to one library, from its adapter to the engine over it.
 struct LibraryHost::OpenLibrary {
-    OpenLibrary(CoreServices& core, GoogleServices& google, const std::filesystem::path& path,
-                DeletionConfirmation& confirmation)
-        : services(core, path, confirmation),
-          sync(core, google, services),
-          session{*services.library, services.albums, services.observer, sync.coordinator,
-                  sync.flags} {}
+    OpenLibrary(CoreServices& core, GoogleServices& google, const std::filesystem::path& path)
+        : services(core, google, LibraryAt(core, path)),
+          session{services.run, services.state.life, services.albums},
+          status(services.library->authorizationStatus()) {}
 
     LibraryServices services;
-    SyncServices sync;
     LibrarySession session;
+    const AuthorizationStatus status;
 };
 
-LibraryHost::LibraryHost(CoreServices& core, GoogleServices& google,
-                         DeletionConfirmation& confirmation)
-    : core_(core), google_(google), confirmation_(confirmation) {}
+LibraryHost::LibraryHost(CoreServices& core, GoogleServices& google)
+    : core_(core), google_(google) {}
 
 void LibraryHost::openRemembered(Answer answer) {
     const auto path = core_.preferences.string(preferenceKeys::libraryPath);
@@ -31,39 +28,57 @@ void LibraryHost::openRemembered(Answer answer) {
 }
 
 void LibraryHost::open(const std::filesystem::path& path, Answer answer) {
-    // Its last user may be a background thread; the library itself goes where it came from.
-    const std::shared_ptr<OpenLibrary> library(new OpenLibrary(core_, google_, path, confirmation_),
-                                               [](OpenLibrary* last) {
-                                                   if (isMainThread())
-                                                       delete last;
-                                                   else
-                                                       onMainThread([last] { delete last; });
-                                               });
-    tasks_.post([this, library, answer = std::move(answer)](const std::stop_token&) {
-        const AuthorizationStatus status = library->services.library->authorizationStatus();
-        onMainThread([this, library, status, answer] { adopt(library, status, answer); });
+    tasks_.post([this, path, answer = std::move(answer)](const std::stop_token&) {
+        try {
+            onMainThread([this, library = make(path), answer] { adopt(library, answer); });
+        } catch (const Error& error) {
+            core_.logger.log(QStringLiteral("[LibraryHost] ❌ Arşiv açılamadı: ") +
+                             error.localizedDescription());
+            onMainThread([answer] { answer(AuthorizationStatus::denied); });
+        }
     });
 }
 
-void LibraryHost::adopt(const std::shared_ptr<OpenLibrary>& library, AuthorizationStatus status,
-                        const Answer& answer) {
+/// Its last user may be a background thread; the library itself goes on the main one.
+std::shared_ptr<LibraryHost::OpenLibrary> LibraryHost::make(const std::filesystem::path& path) {
+    return {new OpenLibrary(core_, google_, path), [](OpenLibrary* last) {
+                if (isMainThread())
+                    delete last;
+                else
+                    onMainThread([last] { delete last; });
+            }};
+}
+
+void LibraryHost::accountDidChange() {
+    if (!open_ || open_->services.state.life.account() == google_.account())
+        return;
+    open(open_->services.path, [this](AuthorizationStatus status) {
+        if (status == AuthorizationStatus::authorized || status == AuthorizationStatus::limited)
+            startObserver();
+    });
+}
+
+void LibraryHost::adopt(const std::shared_ptr<OpenLibrary>& library, const Answer& answer) {
+    const AuthorizationStatus status = library->status;
     if (status == AuthorizationStatus::authorized || status == AuthorizationStatus::limited) {
         stopObserver();
         open_ = library;
         try {
             core_.preferences.setString(preferenceKeys::libraryPath,
                                         pathText(library->services.path));
-            library->services.staging.removeLeftovers();
+            core_.preferences.setString(preferenceKeys::libraryIdentity,
+                                        library->services.identity);
         } catch (const Error& error) {
             core_.logger.log(QStringLiteral("[LibraryHost] ⚠️ ") +
                              error.localizedDescription());
         }
-        changes_ = library->services.observer.assetsRecorded.subscribe([this](std::size_t) {
-            onMainThread([this] {
-                if (onChanged)
-                    onChanged();
+        changes_ =
+            library->services.observer.assetsRecorded.subscribe([this](const RecordedAssets&) {
+                onMainThread([this] {
+                    if (onChanged)
+                        onChanged();
+                });
             });
-        });
         if (onOpened)
             onOpened(std::shared_ptr<const LibrarySession>(library, &library->session));
     }

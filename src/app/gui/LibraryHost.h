@@ -15,7 +15,7 @@ class LibraryHost {
   public:
     using Answer = std::function<void(AuthorizationStatus)>;
 
-    LibraryHost(CoreServices& core, GoogleServices& google, DeletionConfirmation& confirmation);
+    LibraryHost(CoreServices& core, GoogleServices& google);
 
     /// Called with each library that proved readable, and with the session that works on it.
     std::function<void(std::shared_ptr<const LibrarySession>)> onOpened;
@@ -29,6 +29,10 @@ class LibraryHost {
     /// Opens the library at `path` and remembers it if it is readable; else the earlier one stays.
     void open(const std::filesystem::path& path, Answer answer);
 
+    /// Opens the same library again, with the state of the account that is signed in now, unless
+    /// that is the one that is open.
+    void accountDidChange();
+
     /// Starts and stops the discovery in the library that is open. None is open: nothing happens.
     void startObserver();
     void stopObserver();
@@ -36,12 +40,11 @@ class LibraryHost {
   private:
     struct OpenLibrary;
 
-    void adopt(const std::shared_ptr<OpenLibrary>& library, AuthorizationStatus status,
-               const Answer& answer);
+    std::shared_ptr<OpenLibrary> make(const std::filesystem::path& path);
+    void adopt(const std::shared_ptr<OpenLibrary>& library, const Answer& answer);
 
     CoreServices& core_;
     GoogleServices& google_;
-    DeletionConfirmation& confirmation_;
     std::shared_ptr<OpenLibrary> open_;
     Subscription changes_;
     TaskRunner tasks_; ///< last: its work uses the rest

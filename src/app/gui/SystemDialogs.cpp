@@ -60,12 +60,17 @@ void SystemDialogs::chooseLibrary(
     dialog->setWindowTitle(QStringLiteral("Fotoğraf Kitaplığını Seç"));
 }
 
-bool DialogConfirmation::confirmDeletion(int count) {
+bool DialogConfirmation::confirmDeletion(const DeletionQuestion& question) {
+    QString explanation =
+        QStringLiteral("Bu öğelerin Google Photos'a yüklendiği doğrulandı. Asılları (%1) Çöp'e "
+                       "taşınır: %2. Çöp boşaltılana kadar geri alınabilir.")
+            .arg(QLocale().formattedDataSize(question.bytes, 1, QLocale::DataSizeSIFormat),
+                 question.place);
+    if (!question.warning.isEmpty())
+        explanation += QStringLiteral("\n\n") + question.warning;
     const AlertText text{
-        QStringLiteral("%1 öğe Çöp'e taşınsın mı?").arg(QLocale().toString(count)),
-        QStringLiteral("Bu öğelerin Google Photos'a yüklendiği doğrulandı. Asılları Çöp'e taşınır; "
-                       "Çöp boşaltılana kadar geri alınabilir."),
-        QStringLiteral("Çöp'e Taşı"), QStringLiteral("Vazgeç"), true};
+        QStringLiteral("%1 öğe Çöp'e taşınsın mı?").arg(QLocale().toString(question.count)),
+        explanation, QStringLiteral("Çöp'e Taşı"), QStringLiteral("Vazgeç"), true};
     std::unique_lock lock(mutex_);
     if (isClosed_)
         return false;

@@ -37,7 +37,7 @@ class DialogConfirmation final : public DeletionConfirmation {
   public:
     explicit DialogConfirmation(SystemDialogs& dialogs) : dialogs_(dialogs) {}
 
-    bool confirmDeletion(int count) override;
+    bool confirmDeletion(const DeletionQuestion& question) override;
 
     /// From now on, and for whoever waits, the answer is no. Main thread.
     void close();

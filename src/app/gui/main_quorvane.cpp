@@ -1,4 +1,5 @@
 #include "app/RunLock.h"
+#include "app/SystemPorts.h"
 #include "app/gui/LibraryHost.h"
 #include "app/gui/SingleInstance.h"
 #include "app/gui/SystemDialogs.h"
@@ -74,13 +75,14 @@ class QuorvaneApp {
 
     const DesktopEnvironment environment_;
     Console console_;
-    CoreServices core_{UserFolders::ofCurrentUser(), console_};
+    SystemPorts system_;
+    SystemDialogs dialogs_;
+    DialogConfirmation confirmation_{dialogs_};
+    CoreServices core_{UserFolders::ofCurrentUser(), system_.with(console_, confirmation_)};
     BrowserAuthSession signIn_{environment_, {}, console_, core_.logger};
     GoogleServices google_{core_, signIn_};
     LinuxDesktop desktop_{environment_, core_.logger};
-    SystemDialogs dialogs_;
-    DialogConfirmation confirmation_{dialogs_};
-    LibraryHost library_{core_, google_, confirmation_};
+    LibraryHost library_{core_, google_};
     MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
     MainWindowController window_{model_, core_.preferences};
     LinuxStatusHost statusHost_;
@@ -115,10 +117,8 @@ QuorvaneApp::~QuorvaneApp() {
 }
 
 MenuBarViewModel::Services QuorvaneApp::modelServices() {
-    return {core_.db,
-            google_.oauth,
+    return {google_.oauth,
             google_.albums,
-            google_.batchCoord,
             google_.tracker,
             core_.preferences,
             core_.logger,
@@ -128,6 +128,7 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             desktop_,
             [file = core_.folders.runLock()] { return std::make_shared<RunLock>(file); },
             core_.logger.logFile(),
+            [this] { library_.accountDidChange(); },
             [this](const QString& url) { return handOverURL(environment_, url); }};
 }
 

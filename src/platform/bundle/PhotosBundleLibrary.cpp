@@ -4,6 +4,7 @@
 #include "library/LocalIdentifier.h"
 #include "platform/bundle/BundleFiles.h"
 #include "platform/bundle/SmartAlbums.h"
+#include "platform/folder/FolderIdentity.h"
 
 #include <algorithm>
 
@@ -196,6 +197,18 @@ auto PhotosBundleLibrary::query(Freshness freshness, Work&& work) {
     }
 }
 
+QString PhotosBundleLibrary::identity() {
+    try {
+        const QString uuid = query(Freshness::asLastRead,
+                                   [](Opened& opened) { return opened.database.libraryUuid(); });
+        if (!uuid.isEmpty())
+            return QStringLiteral("photos:") + uuid;
+    } catch (const Error&) {
+        // It may be readable later, and is still the same folder then.
+    }
+    return folderLibraryIdentity(bundle_);
+}
+
 template <typename List>
 AssetFetchResult PhotosBundleLibrary::remember(List list) {
     int seen = 0;
@@ -211,7 +224,7 @@ AssetFetchResult PhotosBundleLibrary::remember(List list) {
     });
 }
 
-AssetFetchResult PhotosBundleLibrary::fetchAssets() {
+AssetFetchResult PhotosBundleLibrary::fetchAssets(std::stop_token) {
     return remember([](Opened& opened) { return opened.database.assets(); });
 }
 
@@ -297,14 +310,14 @@ std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoA
     return files ? resourcesIn(bundle_, *files) : std::vector<PhotoAssetResource>();
 }
 
-void PhotosBundleLibrary::writeData(const PhotoAssetResource& resource,
-                                    const std::filesystem::path& destination,
-                                    std::stop_token stop) {
-    const bool isReferenced = resource.location.is_absolute();
-    FileDescriptor original;
+std::filesystem::path PhotosBundleLibrary::pathOf(const PhotoAssetResource& resource) const {
+    return bundle_ / resource.location; // an absolute one, of a referenced original, replaces it
+}
+
+FileDescriptor PhotosBundleLibrary::openResource(const PhotoAssetResource& resource) const {
     try {
-        original = isReferenced ? openOriginal(resource.location)
-                                : openOriginalBeneath(bundle_, resource.location);
+        return resource.location.is_absolute() ? openOriginal(resource.location)
+                                               : openOriginalBeneath(bundle_, resource.location);
     } catch (const FileError& error) {
         if (authorizationStatus() == AuthorizationStatus::denied)
             throw PhotoLibraryError(
@@ -312,12 +325,34 @@ void PhotosBundleLibrary::writeData(const PhotoAssetResource& resource,
         throw PhotoLibraryError(QStringLiteral("%1 adlı özgün dosya bu makinede değil (%2)")
                                     .arg(resource.originalFilename, error.localizedDescription()));
     }
-    exportFile(original, isReferenced ? resource.location : bundle_ / resource.location,
-               destination, stop);
 }
 
-void PhotosBundleLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
-    if (!assets.empty())
+SourceContent PhotosBundleLibrary::writeData(const PhotoAssetResource& resource,
+                                             const std::filesystem::path& destination,
+                                             std::stop_token stop) {
+    return exportFile(openResource(resource), pathOf(resource), destination, stop);
+}
+
+SourceContent PhotosBundleLibrary::readContent(const PhotoAssetResource& resource,
+                                               std::stop_token stop) {
+    return quorvane::readContent(openResource(resource), pathOf(resource), stop);
+}
+
+std::optional<std::int64_t> PhotosBundleLibrary::sampleOf(const PhotoAssetResource& resource) {
+    try {
+        return contentSample(openResource(resource), pathOf(resource));
+    } catch (const Error&) { // whoever reads it whole tells
+        return std::nullopt;
+    }
+}
+
+std::optional<FileVersion> PhotosBundleLibrary::versionOf(const PhotoAssetResource& resource) {
+    return resource.location.empty() ? std::nullopt : fileVersion(pathOf(resource));
+}
+
+void PhotosBundleLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
+                                       const QString&, DeletionGuard&, std::stop_token) {
+    if (!candidates.empty())
         throw PhotoLibraryError(
             QStringLiteral("Fotoğraflar arşivine hiçbir zaman yazılmaz; silme işlemi yalnızca "
                            "Fotoğraflar uygulamasında yapılabilir"));

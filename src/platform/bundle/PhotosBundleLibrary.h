@@ -21,9 +21,13 @@ class PhotosBundleLibrary final : public PhotoLibrary {
 
     static bool looksLikeBundle(const std::filesystem::path& path);
 
+    /// Tells this library from every other: what Photos calls it, else what the file system says of
+    /// it. Empty when neither can be read.
+    QString identity();
+
     AuthorizationStatus authorizationStatus() const override;
 
-    AssetFetchResult fetchAssets() override;
+    AssetFetchResult fetchAssets(std::stop_token stop = {}) override;
     AssetFetchResult fetchAssets(const AssetCollection& collection) override;
     AssetFetchResult fetchAssets(const QStringList& localIdentifiers) override;
 
@@ -37,10 +41,15 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     std::vector<Collection> fetchCollections(const CollectionList& list) override;
 
     std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) override;
-    void writeData(const PhotoAssetResource& resource, const std::filesystem::path& destination,
-                   std::stop_token stop) override;
+    SourceContent writeData(const PhotoAssetResource& resource,
+                            const std::filesystem::path& destination,
+                            std::stop_token stop) override;
+    SourceContent readContent(const PhotoAssetResource& resource, std::stop_token stop) override;
+    std::optional<std::int64_t> sampleOf(const PhotoAssetResource& resource) override;
+    std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) override;
     /// Always refuses.
-    void deleteAssets(const std::vector<PhotoAsset>& assets) override;
+    void deleteAssets(const std::vector<DeletionCandidate>& candidates, const QString& warning,
+                      DeletionGuard& guard, std::stop_token stop) override;
 
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
@@ -68,6 +77,8 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     /// Lists the open database, and each that follows it when the list is fetched again.
     template <typename List>
     AssetFetchResult remember(List list);
+    std::filesystem::path pathOf(const PhotoAssetResource& resource) const;
+    FileDescriptor openResource(const PhotoAssetResource& resource) const;
     ChangeWatch::Found look();
 
     const std::filesystem::path bundle_;

@@ -66,6 +66,11 @@ PhotosDatabase::PhotosDatabase(const std::filesystem::path& file)
     connection_.execute("PRAGMA trusted_schema = OFF");
 }
 
+QString PhotosDatabase::libraryUuid() {
+    Statement row(connection_, "SELECT Z_UUID FROM Z_METADATA"); // Core Data's own table
+    return row.step() ? row.text(0) : QString();
+}
+
 /// Puts the names of this version in place of {asset}, {join}, {joinAlbum}, {joinAsset}, ...
 Statement PhotosDatabase::prepare(const QString& sql) {
     QString text = sql;

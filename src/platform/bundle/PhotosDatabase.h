@@ -60,6 +60,9 @@ class PhotosDatabase {
   public:
     explicit PhotosDatabase(const std::filesystem::path& file);
 
+    /// The library's own identifier; empty when the database has none.
+    QString libraryUuid();
+
     /// Not trashed and visible: hidden ones too, burst frames that were not picked not. By creation
     /// date, then age in the library. `condition` is a part of an SQL WHERE over the asset table.
     std::vector<PhotoAsset> assets(const char* condition = "1");

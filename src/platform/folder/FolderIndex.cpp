@@ -1,5 +1,7 @@
 #include "platform/folder/FolderIndex.h"
 
+#include "platform/folder/FolderIdentity.h"
+
 #include <algorithm>
 #include <numeric>
 #include <tuple>
@@ -17,13 +19,22 @@ QUuid named(const char* space, const std::string& path) {
 } // namespace
 
 QUuid folderLibraryIdentifier(const std::filesystem::path& root) {
+    const QString identity = folderLibraryIdentity(root);
     std::error_code failure;
     const auto canonical = std::filesystem::canonical(root, failure);
-    return named("c1f0b6a4-7d15-4f0e-9a52-3f6c0d1e8b27", (failure ? root : canonical).native());
+    return named("c1f0b6a4-7d15-4f0e-9a52-3f6c0d1e8b27",
+                 !identity.isEmpty() ? identity.toStdString()
+                                     : (failure ? root : canonical).native());
 }
 
-QUuid folderFileIdentifier(const QUuid& library, const std::string& path) {
-    return QUuid::createUuidV5(library, QByteArray::fromStdString(path));
+QUuid folderFileIdentifier(const QUuid& library, const KnownFile& file, const QUuid& other) {
+    QByteArray name = QByteArray::fromStdString(file.path);
+    // No path contains a zero.
+    name += '\0' + QByteArray::number(qint64(file.version.size)) + '\0' +
+            QByteArray::number(qint64(file.version.modified));
+    if (!other.isNull())
+        name += '\0' + other.toByteArray(QUuid::Id128);
+    return QUuid::createUuidV5(library, name);
 }
 
 QUuid folderAlbumIdentifier(const std::string& path) {
@@ -34,18 +45,21 @@ QUuid folderListIdentifier(const std::string& path) {
     return named("e83d2c91-604a-47b5-b1f8-0a9d5e7c3612", path);
 }
 
-FolderIndex::FolderIndex(std::vector<FolderFile> files, std::vector<Folder> folders,
-                         std::vector<std::size_t> folderOfFile, bool hasUnfinished)
-    : folders_(std::move(folders)), hasUnfinished_(hasUnfinished) {
-    std::vector<std::size_t> order(files.size());
-    std::iota(order.begin(), order.end(), std::size_t(0));
+FolderIndex::FolderIndex(FolderScan scan)
+    : folders_(std::move(scan.folders)), hasUnfinished_(scan.leftOut.inUse > 0) {
+    std::vector<KnownFile>& files = scan.files;
+    std::vector<std::size_t> order;
+    order.reserve(files.size());
+    for (std::size_t position = 0; position < files.size(); ++position)
+        if (!files[position].identifier.isNull())
+            order.push_back(position);
     std::sort(order.begin(), order.end(), [&files](std::size_t a, std::size_t b) {
-        return std::tie(files[a].modified, files[a].path) <
-               std::tie(files[b].modified, files[b].path);
+        return std::tie(files[a].version.modified, files[a].path) <
+               std::tie(files[b].version.modified, files[b].path);
     });
-    files_.reserve(files.size());
+    files_.reserve(order.size());
     for (const std::size_t position : order) {
-        folders_[folderOfFile[position]].files.push_back(files_.size());
+        folders_[scan.folderOfFile[position]].files.push_back(files_.size());
         files_.push_back(std::move(files[position]));
     }
     byIdentifier_ = std::move(order);
@@ -55,7 +69,7 @@ FolderIndex::FolderIndex(std::vector<FolderFile> files, std::vector<Folder> fold
         folder->hasPicturesBelow = !folder->files.empty() || isList(*folder);
 }
 
-const FolderFile* FolderIndex::file(const QUuid& identifier) const {
+const KnownFile* FolderIndex::file(const QUuid& identifier) const {
     const auto found = std::ranges::lower_bound(byIdentifier_, identifier, {}, identifierAt());
     return found != byIdentifier_.end() && files_[*found].identifier == identifier ? &files_[*found]
                                                                                    : nullptr;

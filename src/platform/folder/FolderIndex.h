@@ -1,22 +1,9 @@
 #pragma once
 
-#include <QUuid>
-
-#include <cstdint>
-#include <filesystem>
-#include <string>
-#include <vector>
+#include "library/KnownFiles.h"
+#include "library/PhotoLibrary.h"
 
 namespace quorvane {
-
-/// One picture or movie. Paths are the bytes of the path inside the library, whatever they are.
-struct FolderFile {
-    std::string path;
-    QUuid identifier;          ///< made from the path
-    std::int64_t modified = 0; ///< nanoseconds since 1970
-
-    bool operator==(const FolderFile&) const = default;
-};
 
 /// One folder of the library; the numbers are positions in the index.
 struct Folder {
@@ -32,18 +19,26 @@ struct Folder {
     bool operator==(const Folder&) const = default;
 };
 
-/// What one scan of a folder tree found. Immutable once built; shared between threads.
+/// What one walk through a folder tree found.
+struct FolderScan {
+    std::vector<KnownFile> files;
+    std::vector<std::size_t> folderOfFile; ///< for each of the files
+    std::vector<Folder> folders; ///< each before its sub-folders, the library itself first
+    LeftOut leftOut;
+    std::vector<std::string> otherFiles; ///< the first of those that were only counted
+};
+
+/// The files of a library that have an identifier, and their folders. Immutable once built; shared
+/// between threads.
 class FolderIndex {
   public:
-    /// `folders` lists every folder before its sub-folders, the library itself first.
-    FolderIndex(std::vector<FolderFile> files, std::vector<Folder> folders,
-                std::vector<std::size_t> folderOfFile, bool hasUnfinished);
+    explicit FolderIndex(FolderScan scan);
 
     /// By modification time, then path.
-    const std::vector<FolderFile>& files() const { return files_; }
+    const std::vector<KnownFile>& files() const { return files_; }
     const std::vector<Folder>& folders() const { return folders_; }
 
-    const FolderFile* file(const QUuid& identifier) const;
+    const KnownFile* file(const QUuid& identifier) const;
     const Folder* album(const QUuid& identifier) const;
     const Folder* list(const QUuid& identifier) const;
     bool isList(const Folder& folder) const;
@@ -65,18 +60,23 @@ class FolderIndex {
         return [this](std::size_t position) -> const QUuid& { return files_[position].identifier; };
     }
 
-    std::vector<FolderFile> files_;
+    std::vector<KnownFile> files_;
     std::vector<Folder> folders_;
     bool hasUnfinished_;
     std::vector<std::size_t> byIdentifier_; ///< positions of the files
 };
 
-/// Tells libraries apart, so that files of the same path in two of them are two assets: follows
-/// from the canonical path of the root.
+/// Tells libraries apart: made from what the file system says of the root, else from its canonical
+/// path.
 QUuid folderLibraryIdentifier(const std::filesystem::path& root);
 
+/// A version 5 UUID (RFC 4122) out of the library, the path, the size and the modification time: a
+/// version of a file that nobody touched gets the same one again when everything was forgotten.
+/// `other` is an identifier that this version must not share: of the version before, or of another
+/// file that has the same one already.
+QUuid folderFileIdentifier(const QUuid& library, const KnownFile& file, const QUuid& other = {});
+
 /// The identifiers of what has this path inside the library.
-QUuid folderFileIdentifier(const QUuid& library, const std::string& path);
 QUuid folderAlbumIdentifier(const std::string& path);
 QUuid folderListIdentifier(const std::string& path);
 

@@ -2,12 +2,13 @@
 
 #include "library/FileExport.h"
 #include "library/LocalIdentifier.h"
+#include "platform/folder/FileRecognition.h"
+#include "platform/folder/FolderDeletion.h"
 #include "platform/folder/FolderScanner.h"
-#include "platform/folder/FolderTrash.h"
 
 #include <algorithm>
+#include <cerrno>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quorvane {
@@ -25,12 +26,12 @@ QUuid identifierFrom(const QString& text, const QString& tail) {
     return QUuid::fromString(uuidOf(text, tail));
 }
 
-PhotoAsset assetOf(const FolderFile& file) {
+PhotoAsset assetOf(const KnownFile& file) {
     PhotoAsset asset;
     asset.localIdentifier = identifierText(file.identifier, assetTail);
     asset.mediaType = mediaTypeOfName(file.path);
-    asset.modificationDate =
-        Date(std::chrono::duration_cast<Date::duration>(std::chrono::nanoseconds(file.modified)));
+    asset.modificationDate = Date(std::chrono::duration_cast<Date::duration>(
+        std::chrono::nanoseconds(file.version.modified)));
     return asset;
 }
 
@@ -49,14 +50,8 @@ AssetFetchResult assetsOf(const FolderIndex& index, const QUuid& album) {
     return assets;
 }
 
-/// When the file last got its content or its name: also a file that took another's place, whatever
-/// modification time it brought along.
-std::optional<Date> lastChange(const std::filesystem::path& file) {
-    struct stat status {};
-    if (::lstat(file.c_str(), &status) != 0)
-        return std::nullopt;
-    const auto seconds = std::max(status.st_mtim.tv_sec, status.st_ctim.tv_sec);
-    return Date(std::chrono::seconds(seconds));
+QString oneLine(const std::string& path) {
+    return pathText(path).replace(u'\n', u' ');
 }
 
 QString titleOf(const Folder& folder) {
@@ -88,10 +83,33 @@ std::vector<Collection> collectionsIn(const FolderIndex& index, const Folder& pa
 
 } // namespace
 
-FolderLibrary::FolderLibrary(std::filesystem::path root, DeletionConfirmation& confirmation,
-                             Log& log, const WatchTimes& times)
+/// The right to scan: what is known may be changed by one scan at a time.
+class FolderLibrary::ScanTurn {
+  public:
+    ScanTurn(FolderLibrary& library, const std::stop_token& stop) : library_(library) {
+        std::unique_lock lock(library_.mutex_);
+        if (!library_.scanEnded_.wait(lock, stop, [this] { return !library_.isScanning_; }))
+            throw Cancelled();
+        library_.isScanning_ = true;
+    }
+    ~ScanTurn() {
+        {
+            const std::lock_guard lock(library_.mutex_);
+            library_.isScanning_ = false;
+        }
+        library_.scanEnded_.notify_one();
+    }
+    ScanTurn(const ScanTurn&) = delete;
+    ScanTurn& operator=(const ScanTurn&) = delete;
+
+  private:
+    FolderLibrary& library_;
+};
+
+FolderLibrary::FolderLibrary(std::filesystem::path root, KnownFiles& known,
+                             DeletionConfirmation& confirmation, Log& log, const WatchTimes& times)
     : root_(std::move(root)),
-      library_(folderLibraryIdentifier(root_)),
+      known_(known),
       confirmation_(confirmation),
       log_(log),
       watch_(
@@ -110,14 +128,53 @@ AuthorizationStatus FolderLibrary::authorizationStatus() const {
 }
 
 FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
+    const ScanTurn turn(*this, stop);
     const auto report = [this](const std::string& path, const QString& reason) {
         reportSkip(path, reason);
     };
-    Index index = std::make_shared<const FolderIndex>(scanFolder(root_, report, stop));
+    FolderScan found = scanFolder(root_, report, stop);
+    absent_ = recognise(found, stop);
+    reportOthers(found);
+    const LeftOut leftOut = found.leftOut;
+    Index index = std::make_shared<const FolderIndex>(std::move(found));
     const std::lock_guard lock(mutex_);
+    leftOut_ = leftOut;
     if (!index_ || *index_ != *index) // the same index tells that nothing changed
         index_.swap(index);
     return index_;
+}
+
+std::vector<KnownFile> FolderLibrary::recognise(FolderScan& found, const std::stop_token& stop) {
+    if (!absent_)
+        absent_ = known_.files();
+    std::vector<const KnownFile*> known;
+    for (const KnownFile& file : *absent_)
+        known.push_back(&file);
+    if (index_) // only a scan changes it
+        for (const KnownFile& file : index_->files())
+            known.push_back(&file);
+    FileDifferences differences =
+        recogniseFiles(found.files, known, folderLibraryIdentifier(root_), known_,
+                       [&](const std::string& path) { return read(path, found.leftOut, stop); });
+    if (differences.areThere())
+        known_.update(differences.changed, differences.gone, differences.superseded);
+    return std::move(differences.absent);
+}
+
+std::optional<SourceContent> FolderLibrary::read(const std::string& path, LeftOut& leftOut,
+                                                 const std::stop_token& stop) {
+    try {
+        return quorvane::readContent(openOriginalBeneath(root_, path), root_ / path, stop);
+    } catch (const FileError& error) {
+        if (error.errorNumber() == ENOENT)
+            return std::nullopt; // went since it was seen
+        ++leftOut.unreadable;
+        reportSkip(path, errorNumberText(error.errorNumber()));
+    } catch (const PhotoLibraryError&) {
+        ++leftOut.inUse;
+        reportSkip(path, QStringLiteral("henüz yazılıyor"));
+    }
+    return std::nullopt;
 }
 
 FolderLibrary::Index FolderLibrary::lastScan() {
@@ -134,23 +191,17 @@ FolderLibrary::Index FolderLibrary::current() {
     return index->isOutdated(root_) ? scan() : index;
 }
 
-std::optional<std::filesystem::path> FolderLibrary::find(const QString& localIdentifier) {
+std::optional<KnownFile> FolderLibrary::find(const QString& localIdentifier) {
     const QUuid identifier = identifierFrom(localIdentifier, assetTail);
     if (identifier.isNull())
         return std::nullopt;
-    const auto pathIn = [&](const Index& index) -> std::optional<std::filesystem::path> {
-        const FolderFile* file = index->file(identifier);
-        struct stat status {};
-        if (!file || ::lstat((root_ / file->path).c_str(), &status) != 0 ||
-            !S_ISREG(status.st_mode))
-            return std::nullopt;
-        return file->path;
-    };
     const Index index = lastScan();
-    if (auto path = pathIn(index))
-        return path;
-    const Index newer = current();
-    return newer == index ? std::nullopt : pathIn(newer);
+    const KnownFile* file = index->file(identifier);
+    if (file && fileVersion(root_ / file->path) == file->version)
+        return *file;
+    const Index newer = file ? scan() : current();
+    file = newer->file(identifier);
+    return file && fileVersion(root_ / file->path) ? std::optional(*file) : std::nullopt;
 }
 
 void FolderLibrary::reportSkip(const std::string& path, const QString& reason) {
@@ -159,9 +210,20 @@ void FolderLibrary::reportSkip(const std::string& path, const QString& reason) {
         if (!reported_.insert(path).second)
             return;
     }
-    QString name = pathText(path);
-    name.replace(u'\n', u' ');
-    log_.log(QStringLiteral("[FolderLibrary] Atlandı: %1 (%2)").arg(name, reason));
+    log_.log(QStringLiteral("[FolderLibrary] Atlandı: %1 (%2)").arg(oneLine(path), reason));
+}
+
+void FolderLibrary::reportOthers(const FolderScan& found) {
+    if (std::exchange(othersReported_, found.leftOut.otherFiles) == found.leftOut.otherFiles)
+        return;
+    QStringList names;
+    for (const std::string& path : found.otherFiles)
+        names.append(oneLine(path));
+    const auto more = found.leftOut.otherFiles - static_cast<int>(found.otherFiles.size());
+    log_.log(QStringLiteral("[FolderLibrary] Resim veya film olmayan %1 dosya yedeklenmez: %2%3")
+                 .arg(found.leftOut.otherFiles)
+                 .arg(names.join(QStringLiteral(", ")),
+                      more > 0 ? QStringLiteral(" (+%1)").arg(more) : QString()));
 }
 
 template <typename List>
@@ -176,8 +238,8 @@ AssetFetchResult FolderLibrary::remember(const Index& index, List list) {
         });
 }
 
-AssetFetchResult FolderLibrary::fetchAssets() {
-    return remember(scan(), [](const FolderIndex& index) { return assetsOf(index); });
+AssetFetchResult FolderLibrary::fetchAssets(std::stop_token stop) {
+    return remember(scan(stop), [](const FolderIndex& index) { return assetsOf(index); });
 }
 
 AssetFetchResult FolderLibrary::fetchAssets(const AssetCollection& collection) {
@@ -188,14 +250,9 @@ AssetFetchResult FolderLibrary::fetchAssets(const AssetCollection& collection) {
 
 AssetFetchResult FolderLibrary::fetchAssets(const QStringList& localIdentifiers) {
     auto assets = std::make_shared<std::vector<PhotoAsset>>();
-    for (const QString& identifier : localIdentifiers) {
-        const auto path = find(identifier);
-        if (!path)
-            continue;
-        assets->push_back(
-            assetOf({path->native(), folderFileIdentifier(library_, path->native()), 0}));
-        assets->back().modificationDate = lastChange(root_ / *path);
-    }
+    for (const QString& identifier : localIdentifiers)
+        if (const auto file = find(identifier))
+            assets->push_back(assetOf(*file));
     return assets;
 }
 
@@ -241,41 +298,64 @@ std::vector<Collection> FolderLibrary::fetchCollections(const CollectionList& li
 }
 
 std::vector<PhotoAssetResource> FolderLibrary::assetResources(const PhotoAsset& asset) {
-    const auto path = find(asset.localIdentifier);
-    std::error_code error;
-    const auto size = path ? std::filesystem::file_size(root_ / *path, error) : 0;
-    if (!path || error)
+    const auto file = find(asset.localIdentifier);
+    if (!file)
         return {};
-    const bool isMovie = mediaTypeOfName(*path) == AssetMediaType::video;
-    const QString name = pathText(path->filename());
+    const std::filesystem::path path = file->path;
+    const bool isMovie = mediaTypeOfName(path) == AssetMediaType::video;
+    const QString name = pathText(path.filename());
     return {{isMovie ? AssetResourceType::video : AssetResourceType::photo,
-             resourceFilename(name, name), static_cast<std::int64_t>(size), *path}};
+             resourceFilename(name, name), file->version.size, path}};
 }
 
-void FolderLibrary::writeData(const PhotoAssetResource& resource,
-                              const std::filesystem::path& destination, std::stop_token stop) {
-    exportFile(openOriginalBeneath(root_, resource.location), root_ / resource.location,
-               destination, stop);
+SourceContent FolderLibrary::writeData(const PhotoAssetResource& resource,
+                                       const std::filesystem::path& destination,
+                                       std::stop_token stop) {
+    return exportFile(openOriginalBeneath(root_, resource.location), root_ / resource.location,
+                      destination, stop);
 }
 
-void FolderLibrary::deleteAssets(const std::vector<PhotoAsset>& assets) {
-    if (assets.empty())
+SourceContent FolderLibrary::readContent(const PhotoAssetResource& resource, std::stop_token stop) {
+    return quorvane::readContent(openOriginalBeneath(root_, resource.location),
+                                 root_ / resource.location, stop);
+}
+
+std::optional<std::int64_t> FolderLibrary::sampleOf(const PhotoAssetResource& resource) {
+    try {
+        return contentSample(openOriginalBeneath(root_, resource.location),
+                             root_ / resource.location);
+    } catch (const Error&) { // whoever reads it whole tells
+        return std::nullopt;
+    }
+}
+
+std::optional<FileVersion> FolderLibrary::versionOf(const PhotoAssetResource& resource) {
+    return fileVersion(root_ / resource.location);
+}
+
+void FolderLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
+                                 const QString& warning, DeletionGuard& guard,
+                                 std::stop_token stop) {
+    if (candidates.empty())
         return;
     if (authorizationStatus() != AuthorizationStatus::authorized)
         throw PhotoLibraryError(
             QStringLiteral("Resim klasörü yazılabilir değil: %1").arg(pathText(root_)));
-    std::vector<std::filesystem::path> files;
-    for (const PhotoAsset& asset : assets) {
-        const auto path = find(asset.localIdentifier);
-        if (!path)
-            throw PhotoLibraryError(QStringLiteral("Silinecek dosya kitaplıkta bulunamadı: %1")
-                                        .arg(asset.localIdentifier));
-        if (std::ranges::find(files, *path) == files.end())
-            files.push_back(*path);
+    const Index index = lastScan();
+    FolderDeletion deletion(root_, guard, stop);
+    for (const DeletionCandidate& candidate : candidates) {
+        const QString& identifier = candidate.asset.localIdentifier;
+        // One that changed since is told by its bytes; one that was moved has to be looked for.
+        const KnownFile* seen = index->file(identifierFrom(identifier, assetTail));
+        const auto found = seen && fileVersion(root_ / seen->path) ? *seen : find(identifier);
+        deletion.add(candidate, found ? std::optional(found->path) : std::nullopt);
     }
-    if (!confirmation_.confirmDeletion(static_cast<int>(files.size())))
-        throw PhotoLibraryError(QStringLiteral("Silme onayı verilmedi"));
-    moveToTrash(root_, files);
+    deletion.run(confirmation_, warning);
+}
+
+LeftOut FolderLibrary::leftOut() const {
+    const std::lock_guard lock(mutex_);
+    return leftOut_;
 }
 
 void FolderLibrary::registerChangeObserver(LibraryChangeObserver& observer) {

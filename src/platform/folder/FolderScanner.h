@@ -16,9 +16,9 @@ AssetMediaType mediaTypeOfName(const std::filesystem::path& name);
 
 /// Walks the tree below `root`. Left out: what is hidden, symbolic links (what they show inside the
 /// library is found on its own), Photos bundles, what may not be read, what is being written, and
-/// the product's own staging folder. Throws `PhotoLibraryError` when `root` itself cannot be read,
-/// or `Cancelled`.
-FolderIndex scanFolder(const std::filesystem::path& root, const SkipHandler& skipped,
-                       const std::stop_token& stop = {});
+/// the product's own staging folders. The files found have no identifiers yet. Throws
+/// `PhotoLibraryError` when `root` itself cannot be read, or `Cancelled`.
+FolderScan scanFolder(const std::filesystem::path& root, const SkipHandler& skipped,
+                      const std::stop_token& stop = {});
 
 } // namespace quorvane

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "app/Composition.h"
+#include "google/CurlHttpClient.h"
+#include "platform/linux/LibsecretStore.h"
+
+namespace quorvane {
+
+/// The real clock, network and keyring of this computer.
+struct SystemPorts {
+    SystemClock clock;
+    CurlHttpClient http;
+    LibsecretStore keychain;
+
+    Ports with(Console& console, DeletionConfirmation& confirmation) {
+        return {console, clock, http, keychain, confirmation};
+    }
+};
+
+} // namespace quorvane

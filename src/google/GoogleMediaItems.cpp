@@ -1,0 +1,156 @@
+#include "google/GoogleMediaItems.h"
+
+#include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUrlQuery>
+
+namespace quorvane {
+
+namespace {
+
+constexpr qint64 notFoundCode = 5; // google.rpc.Code
+
+QByteArray creationBody(const std::vector<NewMediaItem>& items,
+                        const std::optional<QString>& albumID) {
+    QJsonArray newItems;
+    for (const NewMediaItem& item : items) {
+        QJsonObject simple{{QStringLiteral("uploadToken"), item.uploadToken}};
+        if (!item.fileName.isEmpty())
+            simple.insert(QStringLiteral("fileName"), item.fileName);
+        newItems.append(QJsonObject{{QStringLiteral("simpleMediaItem"), simple}});
+    }
+    QJsonObject body{{QStringLiteral("newMediaItems"), newItems}};
+    if (albumID)
+        body.insert(QStringLiteral("albumId"), *albumID);
+    return QJsonDocument(body).toJson(QJsonDocument::Compact);
+}
+
+QJsonArray resultsIn(const HttpResponse& response, const QString& member) {
+    const QJsonValue results = QJsonDocument::fromJson(response.body).object().value(member);
+    if (!results.isArray())
+        throw BatchError::invalidResponse();
+    return results.toArray();
+}
+
+QString uploadTokenOf(const QJsonValue& result) {
+    return result[QStringLiteral("uploadToken")].toString();
+}
+
+qint64 codeOf(const QJsonValue& result) {
+    return result[QStringLiteral("status")][QStringLiteral("code")].toInteger();
+}
+
+QString mediaItemIDOf(const QJsonValue& result) {
+    return result[QStringLiteral("mediaItem")][QStringLiteral("id")].toString();
+}
+
+/// For each item the result that speaks of it: the one that names its upload token, where result
+/// and item are the only ones with that token, else the one at its place unless that names another
+/// item. An original must never be taken for saved by what was said about another one.
+std::vector<QJsonValue> paired(const std::vector<NewMediaItem>& items, const QJsonArray& results) {
+    QHash<QString, int> itemsWith;
+    for (const NewMediaItem& item : items)
+        ++itemsWith[item.uploadToken];
+    QMultiHash<QString, qsizetype> naming;
+    for (qsizetype i = 0; i < results.size(); ++i)
+        naming.insert(uploadTokenOf(results[i]), i);
+    std::vector<QJsonValue> pairs;
+    for (qsizetype i = 0; i < std::ssize(items); ++i) {
+        const QString& token = items[static_cast<std::size_t>(i)].uploadToken;
+        const QJsonValue atPlace = results.at(i);
+        const QString named = uploadTokenOf(atPlace);
+        if (itemsWith[token] == 1 && naming.count(token) == 1)
+            pairs.push_back(results[naming.value(token)]);
+        else if (named == token || !itemsWith.contains(named))
+            pairs.push_back(atPlace);
+        else
+            pairs.emplace_back(QJsonValue::Undefined);
+    }
+    return pairs;
+}
+
+NewMediaItemResult resultFrom(const QJsonValue& value) {
+    if (!value.isObject())
+        return {};
+    NewMediaItemResult result;
+    result.isAnswered = true;
+    result.id = mediaItemIDOf(value);
+    result.code = codeOf(value);
+    const QJsonValue status = value[QStringLiteral("status")];
+    if (status.isObject())
+        result.statusText =
+            QString::fromUtf8(QJsonDocument(status.toObject()).toJson(QJsonDocument::Compact));
+    return result;
+}
+
+} // namespace
+
+GoogleMediaItems::GoogleMediaItems(HttpClient& http, AccessTokenProvider& tokens,
+                                   const GoogleEndpoints& endpoints)
+    : http_(http),
+      tokens_(tokens),
+      batchCreateEndpoint_(endpoints.library(QStringLiteral("/v1/mediaItems:batchCreate"))),
+      batchGetEndpoint_(endpoints.library(QStringLiteral("/v1/mediaItems:batchGet"))) {}
+
+HttpResponse GoogleMediaItems::send(HttpRequest request, const std::stop_token& stop) {
+    request.headers.insert(request.headers.begin(),
+                           {"Authorization", "Bearer " + tokens_.validAccessToken(stop).toUtf8()});
+    return http_.send(request, stop);
+}
+
+std::vector<NewMediaItemResult>
+GoogleMediaItems::batchCreate(const std::vector<NewMediaItem>& items,
+                              const std::optional<QString>& albumID, const std::stop_token& stop) {
+    HttpRequest request;
+    request.method = "POST";
+    request.url = batchCreateEndpoint_;
+    request.isCreation = true;
+    request.headers = {{"Content-Type", "application/json"}};
+    request.body = creationBody(items, albumID);
+    const HttpResponse response = send(std::move(request), stop);
+    if (response.status != 200 && response.status != 207) // 207: some items failed
+        throw BatchError::httpError(response.status);
+    std::vector<NewMediaItemResult> results;
+    for (const QJsonValue& value :
+         paired(items, resultsIn(response, QStringLiteral("newMediaItemResults"))))
+        results.push_back(resultFrom(value));
+    return results;
+}
+
+std::optional<std::set<QString>> GoogleMediaItems::batchGet(const QStringList& ids,
+                                                            const std::stop_token& stop) {
+    if (ids.isEmpty())
+        return std::set<QString>();
+    const std::set<QString> asked(ids.begin(), ids.end()); // Google refuses repeated ones
+    QUrlQuery query;
+    for (const QString& id : asked)
+        query.addQueryItem(QStringLiteral("mediaItemIds"),
+                           QString::fromLatin1(QUrl::toPercentEncoding(id)));
+    HttpRequest request;
+    request.url = batchGetEndpoint_;
+    request.url.setQuery(query);
+    const HttpResponse response = send(std::move(request), stop);
+    if (response.status == 403)
+        return std::nullopt;
+    if (response.status != 200)
+        throw BatchError::httpError(response.status);
+    std::set<QString> existing;
+    std::size_t gone = 0;
+    for (const auto& value : resultsIn(response, QStringLiteral("mediaItemResults"))) {
+        const qint64 code = codeOf(value);
+        const QString id = mediaItemIDOf(value);
+        if (code == 0 && asked.contains(id))
+            existing.insert(id);
+        else if (code == notFoundCode)
+            ++gone;
+        else
+            throw BatchError::invalidResponse();
+    }
+    if (existing.size() + gone != asked.size())
+        throw BatchError::invalidResponse();
+    return existing;
+}
+
+} // namespace quorvane

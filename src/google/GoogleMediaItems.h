@@ -1,0 +1,52 @@
+#pragma once
+
+#include "google/AccessTokenProvider.h"
+#include "google/BatchError.h"
+#include "google/GoogleEndpoints.h"
+#include "google/HttpClient.h"
+
+#include <set>
+
+namespace quorvane {
+
+/// A media item that is to be made of uploaded bytes.
+struct NewMediaItem {
+    QString uploadToken;
+    QString fileName; ///< empty leaves the name to Google
+};
+
+/// What Google says about one of them.
+struct NewMediaItemResult {
+    bool isAnswered = false; ///< false: the answer held nothing about this item
+    QString id;              ///< of the item; counts only while `code` is 0
+    qint64 code = 0;         ///< google.rpc.Code, 0 for success
+    QString statusText;      ///< the whole status as JSON; empty when there was none
+};
+
+/// The requests about media items of the Google Photos Library API. Any thread; blocks its caller.
+/// Nothing is retried. Each throws `BatchError`, `TransportError`, the token provider's errors, or
+/// `Cancelled`.
+class GoogleMediaItems {
+  public:
+    GoogleMediaItems(HttpClient& http, AccessTokenProvider& tokens,
+                     const GoogleEndpoints& endpoints);
+
+    /// One result for each item, in their order. Without an album they go to the library alone.
+    std::vector<NewMediaItemResult> batchCreate(const std::vector<NewMediaItem>& items,
+                                                const std::optional<QString>& albumID,
+                                                const std::stop_token& stop);
+
+    /// Those of at most 50 `ids` that Google still has; none when the account does not allow to
+    /// read. An answer that leaves one of them open is a `BatchError`.
+    std::optional<std::set<QString>> batchGet(const QStringList& ids, const std::stop_token& stop);
+
+  private:
+    HttpResponse send(HttpRequest request, const std::stop_token& stop);
+
+    HttpClient& http_;
+    AccessTokenProvider& tokens_;
+    const QUrl batchCreateEndpoint_;
+    const QUrl batchGetEndpoint_;
+};
+
+} // namespace quorvane

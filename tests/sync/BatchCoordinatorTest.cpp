@@ -1,0 +1,308 @@
+#include "sync/BatchCoordinator.h"
+
+#include "store/DatabaseManager.h"
+#include "support/Fakes.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <latch>
+
+namespace quorvane {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using Outcome = NewItemResult::Outcome;
+
+NewItemResult made(const NewItem& item) {
+    return {Outcome::created, u"m-"_s + item.uploadToken};
+}
+
+/// Answers as a test says; asked for one request at a time.
+struct FakeDestination final : Destination {
+    std::function<NewItemResult(const NewItem&, const std::stop_token&)> answer =
+        [](const NewItem& item, const std::stop_token&) { return made(item); };
+    std::function<void()> makeAlbum;
+    std::vector<QStringList> batches; ///< the tokens of each request
+
+    std::vector<NewItemResult> create(const std::vector<NewItem>& items,
+                                      std::stop_token stop) override {
+        QStringList& tokens = batches.emplace_back();
+        std::vector<NewItemResult> results;
+        for (const NewItem& item : items) {
+            tokens.append(item.uploadToken);
+            results.push_back(answer(item, stop));
+        }
+        return results;
+    }
+    void makeNextAlbum(std::stop_token) override { makeAlbum(); }
+    bool hasTargetAlbum() const override { return true; }
+    QString upload(const std::filesystem::path&, const QString&, const Progress&,
+                   std::stop_token) override {
+        return {};
+    }
+    std::optional<std::set<QString>> existing(const QStringList&, std::stop_token) override {
+        return std::nullopt;
+    }
+};
+
+struct Batches : testing::Test {
+    test::TemporaryFolder folder;
+    FakeDestination destination;
+    test::RecordingLog log;
+    test::FakeClock clock;
+    Console console;
+    Preferences preferences{folder / "preferences.json"};
+    DatabaseManager database{folder / "quorvane.sqlite", console};
+    RecordLife life{database};
+    std::optional<BatchCoordinator> coordinator;
+
+    Batches() { coordinator.emplace(destination, life, preferences, log, console, clock); }
+
+    /// Records "0", "1"... with tokens "t0", "t1"... named "0.jpg", "1.jpg"...
+    void enqueue(int from, int to, const std::stop_token& stop = {}) {
+        for (int i = from; i < to; ++i) {
+            SyncRecord record;
+            record.assetLocalIdentifier = QString::number(i);
+            record.syncStatus = SyncStatus::staged;
+            database.upsertRecord(record);
+            coordinator->enqueue(u't' + QString::number(i), record, QString::number(i) + u".jpg"_s,
+                                 stop);
+        }
+    }
+
+    /// The status of record `number`, with its remote id or its error.
+    QString state(int number) {
+        const SyncRecord record = database.fetchRecordsOfAsset(QString::number(number)).at(0);
+        return QString(rawValue(record.syncStatus) + u' ' +
+                       record.remoteMediaID.value_or(record.lastError.value_or(QString())))
+            .trimmed();
+    }
+
+    void waitForTimer(std::size_t number) {
+        ASSERT_TRUE(test::waitOnMainThread([&] { return clock.sleeps().size() == number; }));
+    }
+
+    std::size_t verified() { return database.fetchVerifiedForDeletion().size(); }
+    int staged() { return database.countPendingRecords(); }
+};
+
+} // namespace
+
+TEST_F(Batches, The25thEntrySendsThemAll) {
+    coordinator->flush({}); // nothing yet
+    enqueue(0, 24);
+    EXPECT_TRUE(destination.batches.empty());
+    enqueue(24, 25);
+    EXPECT_EQ(destination.batches.size(), 1U);
+    EXPECT_EQ(verified(), 25U);
+    EXPECT_EQ(state(7), u"VERIFIED m-t7"_s);
+    EXPECT_EQ(database.fetchVerifiedForDeletion().at(0).uploadToken, u"t0"_s);
+}
+
+TEST_F(Batches, TheOldestEntryWaitsThirtySeconds) {
+    enqueue(0, 1);
+    waitForTimer(1);
+    clock.advance(20s);
+    enqueue(1, 24);
+    clock.advance(9'999ms);
+    EXPECT_TRUE(destination.batches.empty());
+    clock.advance(1ms);
+    ASSERT_TRUE(test::waitOnMainThread([&] { return verified() == 24; }));
+    EXPECT_EQ(destination.batches.size(), 1U);
+
+    enqueue(24, 25); // the next entry starts a timer of its own, and a flush ends it
+    waitForTimer(2);
+    coordinator->flush({});
+    enqueue(25, 26);
+    waitForTimer(3);
+    EXPECT_EQ(clock.sleeps(), (std::vector<std::chrono::milliseconds>{30s, 30s, 30s}));
+    coordinator.reset();
+    EXPECT_EQ(state(25), u"STAGED"_s);
+}
+
+TEST_F(Batches, EachResultDecidesItsOwnRecord) {
+    const struct {
+        NewItemResult result;
+        QString state, log;
+    } rows[] = {
+        {{Outcome::created, u"m"_s}, u"VERIFIED m"_s, u"[Batch] VERIFIED: 0.jpg -> m"_s},
+        {{Outcome::alreadyExists}, u"VERIFIED"_s, u"-> hedefte zaten vardı"_s},
+        {{Outcome::refused, {}, u"neden"_s, u"code 3"_s},
+         u"FAILED neden"_s,
+         u"[Batch] FAILED: 0.jpg -> code 3"_s},
+        {{Outcome::heldBack}, u"STAGED"_s, u"albüm sınırı (20.000 medya) doldu!"_s},
+    };
+    for (const auto& row : rows) {
+        destination.answer = [&](const NewItem&, const std::stop_token&) { return row.result; };
+        enqueue(0, 1);
+        coordinator->flush({});
+        EXPECT_EQ(state(0), row.state);
+        EXPECT_TRUE(log.contains(row.log)) << row.log.toStdString();
+        EXPECT_EQ(verified(), row.state == u"VERIFIED m"_s ? 1U : 0U);
+        EXPECT_EQ(coordinator->takeAlreadyExisting(), row.state == u"VERIFIED"_s ? 1 : 0);
+    }
+}
+
+TEST_F(Batches, AFailedRequestFailsItsRecordsAndAStopLeavesThemStaged) {
+    std::stop_source stop;
+    const QString kept = u"[Batch] İptal algılandı, batch öğeleri STAGED olarak korunuyor"_s;
+    const std::vector<std::tuple<std::function<void()>, QString, QString>> rows{
+        {[] { throw Error(u"HTTP 401"_s); }, u"FAILED HTTP 401"_s,
+         u"[Batch] Flush hatasi: HTTP 401"_s},
+        {[] { throw Cancelled(); }, u"STAGED"_s, kept},
+        {[] { throw Error(u"Request Cancelled"_s); }, u"STAGED"_s, kept},
+        {[&] {
+             stop.request_stop();
+             throw Error(u"HTTP 401"_s);
+         },
+         u"STAGED"_s, kept},
+        {[] {}, u"STAGED"_s, kept}, // stopped before it began
+    };
+    for (const auto& [fault, expected, message] : rows) {
+        destination.answer = [&](const NewItem& item, const std::stop_token&) {
+            fault();
+            return made(item);
+        };
+        enqueue(0, 2);
+        coordinator->flush(stop.get_token());
+        EXPECT_EQ(state(0), expected);
+        EXPECT_EQ(state(1), expected);
+        EXPECT_EQ(log.messages().back(), message);
+    }
+    EXPECT_EQ(destination.batches.size(), 4U);
+}
+
+TEST_F(Batches, ARecordThatCannotBeMarkedCostsNoOtherRecord) {
+    enqueue(0, 4);
+    sqlite::Connection(folder / "quorvane.sqlite", sqlite::Connection::Mode::readWriteCreate)
+        .execute("CREATE TRIGGER refuse BEFORE UPDATE ON sync_records "
+                 "WHEN NEW.asset_local_identifier = '1' "
+                 "BEGIN SELECT RAISE(FAIL, 'disk dolu'); END;");
+    database.updateStatus(u"2"_s, googlePhotosProvider, pendingAccount, SyncStatus::excluded);
+    coordinator->flush({});
+    EXPECT_EQ(state(0), u"VERIFIED m-t0"_s);
+    EXPECT_EQ(state(1), u"STAGED"_s);
+    EXPECT_EQ(state(2), u"EXCLUDED"_s);
+    EXPECT_EQ(state(3), u"VERIFIED m-t3"_s);
+    EXPECT_TRUE(log.contains(u"Kayıt bu arada değişti, sonuç yazılmadı (VERIFIED): 2"_s));
+    EXPECT_TRUE(coordinator->takeStoreRefusal().value().contains(u"disk dolu"_s));
+    EXPECT_FALSE(coordinator->takeStoreRefusal());
+}
+
+TEST_F(Batches, AFullAlbumStopsTheRunOrRollsOverAsTheSettingsSay) {
+    const std::string stopped =
+        "[Sync] 🛑 Albüm sınırı nedeniyle eşitleme otomatik durduruldu\n";
+    const std::string askedTo =
+        "[Batch] Albüm limiti aşıldı, stopAtLimit devrede. Senkronizasyon durduruluyor.\n" +
+        stopped;
+    const std::string rollsOver =
+        "[Batch] Albüm limiti aşıldı, otomatik yeni albüm oluşturuluyor...\n";
+    const struct {
+        bool autoRollover, canMakeAlbums, newAlbumIsFull;
+        std::string printed;
+        std::size_t verified;
+    } rows[] = {
+        {true, true, false, rollsOver, 3},
+        {true, true, true, rollsOver + askedTo, 1},
+        {true, false, false, rollsOver + askedTo, 1},
+        {false, true, false, askedTo, 1},
+        {false, true, false, stopped, 1},
+    };
+    int notifications = 0;
+    const Subscription subscription = coordinator->googlePhotosAlbumLimitReached.subscribe(
+        [&](const AlbumLimitReached&) { ++notifications; });
+    for (const auto& row : rows) {
+        preferences.setBoolean(preferenceKeys::autoRolloverOnLimit, row.autoRollover);
+        preferences.setBoolean(preferenceKeys::stopAtLimit, row.printed != stopped);
+        int told = 0;
+        bool isNew = false;
+        coordinator->onAlbumFull = [&] { ++told; };
+        destination.makeAlbum = [&] {
+            isNew = row.canMakeAlbums ? true : throw Error(u"albüm yok"_s);
+        };
+        destination.answer = [&](const NewItem& item, const std::stop_token&) {
+            const bool hasRoom = item.uploadToken == u"t1" || (isNew && !row.newAlbumIsFull);
+            return hasRoom ? made(item) : NewItemResult{Outcome::heldBack};
+        };
+        destination.batches.clear();
+        enqueue(0, 3);
+        testing::internal::CaptureStdout();
+        coordinator->flush({});
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), row.printed);
+        EXPECT_EQ(told, row.verified == 3 ? 0 : 1);
+        EXPECT_EQ(verified(), row.verified);
+        EXPECT_EQ(staged(), 3 - static_cast<int>(row.verified));
+        std::vector<QStringList> sent{{u"t0"_s, u"t1"_s, u"t2"_s}};
+        if (isNew)
+            sent.push_back({u"t0"_s, u"t2"_s});
+        EXPECT_EQ(destination.batches, sent);
+    }
+    EXPECT_TRUE(test::waitOnMainThread([&] { return notifications == 4; }));
+}
+
+TEST_F(Batches, EveryTokenOfTwoThreadsIsSentOnce) {
+    {
+        const std::jthread first([&] { enqueue(0, 100); });
+        const std::jthread second([&] { enqueue(100, 200); });
+    }
+    coordinator->flush({});
+    QStringList sent;
+    for (const QStringList& batch : destination.batches) {
+        EXPECT_LE(batch.size(), 25);
+        sent += batch;
+    }
+    EXPECT_EQ(sent.size(), 200);
+    EXPECT_EQ(sent.removeDuplicates(), 0);
+    EXPECT_EQ(verified(), 200U);
+}
+
+TEST_F(Batches, AFlushWaitsForTheOneUnderWayWhileEntriesComeIn) {
+    std::latch onTheNetwork(1);
+    std::latch mayAnswer(1);
+    destination.answer = [&](const NewItem& item, const std::stop_token&) {
+        if (item.uploadToken == u"t0") {
+            onTheNetwork.count_down();
+            mayAnswer.wait();
+        }
+        return made(item);
+    };
+    enqueue(0, 1);
+    const std::jthread first([&] { coordinator->flush({}); });
+    onTheNetwork.wait();
+    enqueue(1, 2); // not blocked
+    EXPECT_EQ(destination.batches.size(), 1U);
+    const std::jthread release([&] { mayAnswer.count_down(); });
+    coordinator->flush({});
+    EXPECT_EQ(verified(), 2U) << "also the other thread's entry is settled";
+}
+
+TEST_F(Batches, AStopOrTheEndReachesATimedFlushUnderWay) {
+    std::stop_source run;
+    std::atomic<int> onTheNetwork = 0;
+    destination.answer = [&](const NewItem&, const std::stop_token& stop) -> NewItemResult {
+        ++onTheNetwork;
+        SystemClock().sleep(1min, stop);
+        throw Cancelled();
+    };
+    const auto reachTheNetwork = [&](std::size_t times) {
+        enqueue(0, 1, run.get_token());
+        waitForTimer(times);
+        clock.advance(30s);
+        ASSERT_TRUE(test::waitOnMainThread([&] { return onTheNetwork == int(times); }));
+    };
+    const auto start = SystemClock().monotonic();
+    reachTheNetwork(1);
+    run.request_stop();
+    ASSERT_TRUE(test::waitOnMainThread([&] { return log.messages().size() == 1; }));
+    run = {};
+    reachTheNetwork(2);
+    coordinator.reset();
+    EXPECT_EQ(log.messages().size(), 2);
+    EXPECT_EQ(staged(), 1);
+    EXPECT_LT(SystemClock().monotonic() - start, 20s);
+}
+
+} // namespace quorvane
