@@ -60,9 +60,13 @@ struct GoogleServices {
     /// Throws `Error` when QUORVANE_GOOGLE_BASE_URL is not this computer.
     GoogleServices(CoreServices& core, WebAuthSession& browser);
 
-    /// Of whoever is signed in.
+    /// Of whoever is signed in, as far as it is known here.
     AccountIdentity account();
+    /// Asks Google whose session it is when that is not known. A failure is logged: the account
+    /// stays unknown. Throws `Cancelled`.
+    void learnAccount(const std::stop_token& stop);
 
+    Log& log;
     HttpClient& http;
     SecretStore& keychain;
     AppConfig config;
