@@ -23,12 +23,17 @@ constexpr int trayLookInterval = 500; // milliseconds
 template <typename Reply>
 using Owned = std::unique_ptr<Reply, decltype(&::free)>;
 
+/// Null where there is no X11 screen; a platform without a screen offers the interface as well.
+xcb_connection_t* x11Server() {
+    auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 == nullptr ? nullptr : x11->connection();
+}
+
 /// Whether somebody owns the tray's selection on the X11 screen.
 bool hasTray() {
-    auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr)
+    xcb_connection_t* const server = x11Server();
+    if (server == nullptr)
         return false;
-    xcb_connection_t* const server = x11->connection();
     const QByteArray name = "_NET_SYSTEM_TRAY_S0";
     const Owned<xcb_intern_atom_reply_t> atom(
         xcb_intern_atom_reply(
@@ -49,7 +54,7 @@ bool hasTray() {
 void LinuxStatusHost::await(std::function<void()> appeared) {
     appeared_ = std::move(appeared);
     // A tray tells only windows of its coming.
-    if (qGuiApp->nativeInterface<QNativeInterface::QX11Application>() != nullptr) {
+    if (x11Server() != nullptr) {
         connect(&trayTimer_, &QTimer::timeout, this, &LinuxStatusHost::lookForTray);
         trayTimer_.start(trayLookInterval);
         lookForTray();
