@@ -27,10 +27,6 @@ bool isStaged(const std::filesystem::path& file) {
     return true;
 }
 
-bool isDiskFull(const FileError& error) {
-    return error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT;
-}
-
 StagedFile proven(const std::filesystem::path& file, const HashAndSize& content,
                   const QString& originalName = {}) {
     const auto version = fileVersion(file);
@@ -40,16 +36,6 @@ StagedFile proven(const std::filesystem::path& file, const HashAndSize& content,
 }
 
 } // namespace
-
-std::optional<PhotoAssetResource>
-resourceToStage(const std::vector<PhotoAssetResource>& resources) {
-    for (const PhotoAssetResource& resource : resources)
-        if (resource.type == AssetResourceType::photo ||
-            resource.type == AssetResourceType::video ||
-            resource.type == AssetResourceType::fullSizePhoto)
-            return resource;
-    return std::nullopt;
-}
 
 AssetStagingService::AssetStagingService(Services services, const StatePlace& place,
                                          std::filesystem::path lockFile)
@@ -167,7 +153,7 @@ std::optional<StagedFile> AssetStagingService::stageAsset(const SyncRecord& reco
                 return recordCopy(record, *file, s_.life.sourceOf(identifier));
         return exportAndRecord(record, source, stop);
     } catch (const FileError& error) {
-        if (isDiskFull(error))
+        if (error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT)
             throw StagingDiskFull(error.localizedDescription());
         printError(identifier, error.localizedDescription());
         s_.life.stageFailed(record, error.localizedDescription());

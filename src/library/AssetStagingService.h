@@ -13,10 +13,6 @@
 
 namespace quorvane {
 
-/// The resource that stands for an asset: the first, in the library's order, that is a photo, a
-/// video or a full-size photo.
-std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
-
 /// A staged file whose bytes are those that its record tells of.
 struct StagedFile {
     std::filesystem::path path;

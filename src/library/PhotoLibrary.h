@@ -66,6 +66,10 @@ struct PhotoAssetResource {
     std::filesystem::path location;       ///< inside the library; absolute when it lies elsewhere
 };
 
+/// The resource that stands for an asset: the first, in the library's order, that is a photo, a
+/// video or a full-size photo.
+std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
+
 /// One version of an original: the digest of its bytes, and what its file system says of them. Two
 /// versions of the same digest are the same picture, whatever the times.
 struct SourceContent {

@@ -1,6 +1,8 @@
 #include "sync/Recognition.h"
 
-#include "library/AssetStagingService.h"
+#include "foundation/File.h"
+
+#include <algorithm>
 
 namespace quorvane {
 

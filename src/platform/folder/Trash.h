@@ -18,9 +18,9 @@ struct Mount {
     auto operator<=>(const Mount&) const = default;
 };
 
-/// A Trash of the user's desktop, after the freedesktop.org rules for Trash folders 1.0: the home Trash
-/// for what is on the home's file system, one at the top of every other file system. Nothing is
-/// ever copied into it or replaced in it. One thread at a time.
+/// A Trash of the user's desktop, after the freedesktop.org rules for Trash folders 1.0: the home
+/// Trash for what is on the home's file system, one at the top of every other file system. Nothing
+/// is ever copied into it or replaced in it. One thread at a time.
 class Trash {
   public:
     /// The one for files in `folder`, a canonical path; made when there is none. Throws
