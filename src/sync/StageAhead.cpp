@@ -20,7 +20,8 @@ void StageAhead::expect(const std::vector<SyncRecord>& records) {
     std::map<Key, Staged> stillExpected;
     stagedBytes_ = 0;
     for (const SyncRecord& record : records) {
-        if (auto known = staged_.extract(keyOf(record))) {
+        // What could not be staged then may be now.
+        if (auto known = staged_.extract(keyOf(record)); known && !known.mapped().error) {
             stagedBytes_ += known.mapped().bytes;
             stillExpected.insert(std::move(known));
         } else if (keyOf(record) != inHand_) {

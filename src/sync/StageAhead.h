@@ -32,7 +32,7 @@ class StageAhead {
     StageAhead& operator=(const StageAhead&) = delete;
 
     /// The pending records from now on, in the order in which they will be taken. What is staged of
-    /// them already stays so.
+    /// them already stays so; what failed is tried anew.
     void expect(const std::vector<SyncRecord>& records);
 
     /// Waits for the staged file of an expected record, each of which is taken once. None when no

@@ -138,8 +138,12 @@ bool SyncCoordinator::runSyncLoop() {
     if (records.size() > passSize)
         records.resize(passSize);
     s_.console.print(QStringLiteral("[Sync] %1 kayit isleniyor").arg(records.size()));
+    const int completedBefore = completed();
     processAll(std::move(records));
     s_.batchCoord.flush(s_.flags.stopToken());
+    // What was sent in this pass makes room for the next one.
+    if (const auto full = takeDiskFull(); full && completed() == completedBefore)
+        endBecauseOf(*full);
     if (const auto refusal = s_.batchCoord.takeStoreRefusal())
         endBecauseOf(storeText.arg(*refusal)); // else the same bytes again in every pass
     return true;
@@ -193,7 +197,7 @@ void SyncCoordinator::work(Pass& pass) {
         const SyncRecord* record = nullptr;
         {
             const std::lock_guard lock(mutex_);
-            if (pass.next == pass.records.size() || summary_.failure)
+            if (pass.next == pass.records.size() || summary_.failure || diskFull_)
                 return;
             if (!s_.flags.isCancelled())
                 record = &pass.records[pass.next++];
@@ -217,7 +221,8 @@ void SyncCoordinator::processRecord(const SyncRecord& record) noexcept {
         } catch (const DBError&) {
             throw;
         } catch (const StagingDiskFull& error) {
-            endBecauseOf(error.localizedDescription());
+            const std::lock_guard lock(mutex_);
+            diskFull_ = error.localizedDescription();
         } catch (const std::exception& error) {
             handleFailure(record, error);
         }
@@ -318,6 +323,16 @@ void SyncCoordinator::handleFailure(const SyncRecord& record, const std::excepti
     if (!s_.life.refused(record, description))
         s_.life.stageFailed(record, description);
     s_.clock.sleep(wait, s_.flags.stopToken());
+}
+
+std::optional<QString> SyncCoordinator::takeDiskFull() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(diskFull_, std::nullopt);
+}
+
+int SyncCoordinator::completed() {
+    const std::lock_guard lock(mutex_);
+    return summary_.completed;
 }
 
 void SyncCoordinator::endBecauseOf(const QString& failure) {

@@ -93,6 +93,8 @@ class SyncCoordinator {
     bool passesDateGate(const SyncRecord& record, StagedFile& file);
     void handleFailure(const SyncRecord& record, const std::exception& error);
     void endBecauseOf(const QString& failure);
+    std::optional<QString> takeDiskFull();
+    int completed();
     void finishRecord(std::int64_t bytes);
     void finishRecognised(int count);
     void catchUpProgress(int pending);
@@ -105,7 +107,8 @@ class SyncCoordinator {
     ProgressHandler currentProgressHandler_;
     Summary summary_;
     int consecutiveErrors_ = 0;
-    std::set<QString> unavailable_; ///< found without a file in this run; not tried again in it
+    std::optional<QString> diskFull_; ///< no further record of this pass can be staged
+    std::set<QString> unavailable_;   ///< found without a file in this run; not tried again in it
 
     std::optional<StageAhead> stageAhead_; ///< while the passes of a run last; not guarded
 };
