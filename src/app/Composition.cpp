@@ -32,8 +32,7 @@ CoreServices::CoreServices(UserFolders userFolders, const Ports& outside)
       states(folders) {}
 
 GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
-    : log(core.logger),
-      http(core.ports.http),
+    : http(core.ports.http),
       keychain(core.ports.keychain),
       config(AppConfig::standardCandidates(core.folders.home), core.logger),
       endpoints(GoogleEndpoints::resolve(configuredBaseURL())),
@@ -45,15 +44,6 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
 
 AccountIdentity GoogleServices::account() {
     return {oauth.userID().value_or(QString()), oauth.email().value_or(QString())};
-}
-
-void GoogleServices::learnAccount(const std::stop_token& stop) {
-    try {
-        oauth.learnIdentity(stop);
-    } catch (const Error& error) {
-        log.log(QStringLiteral("[OAuth] ⚠️ Hesabın kimliği öğrenilemedi: ") +
-                error.localizedDescription());
-    }
 }
 
 StateServices::StateServices(CoreServices& core, const std::optional<StatePlace>& statePlace,

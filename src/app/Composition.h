@@ -62,11 +62,7 @@ struct GoogleServices {
 
     /// Of whoever is signed in, as far as it is known here.
     AccountIdentity account();
-    /// Asks Google whose session it is when that is not known. A failure is logged: the account
-    /// stays unknown. Throws `Cancelled`.
-    void learnAccount(const std::stop_token& stop);
 
-    Log& log;
     HttpClient& http;
     SecretStore& keychain;
     AppConfig config;

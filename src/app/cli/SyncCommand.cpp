@@ -119,10 +119,8 @@ int sync(Invocation& invocation) {
     CoreServices& core = program.core;
     applyOptions(arguments, core.preferences);
     const bool isDryRun = arguments.has(QStringLiteral("dry-run"));
-    if (!isDryRun) {
+    if (!isDryRun)
         requireSignedIn(program.google.oauth);
-        program.google.learnAccount(invocation.stop);
-    }
     const auto path =
         chooseLibrary(arguments.value(QStringLiteral("library")), core.preferences, core.folders);
     if (isDryRun)

@@ -77,7 +77,6 @@ int watch(Invocation& invocation) {
     Program program(invocation);
     CoreServices& core = program.core;
     requireSignedIn(program.google.oauth);
-    program.google.learnAccount(invocation.stop);
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
                                     core.preferences, core.folders);
     LibraryServices library(core, program.google, LibraryAt(core, path));
