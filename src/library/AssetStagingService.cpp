@@ -15,6 +15,8 @@ namespace {
 
 /// How many pending records one call looks at.
 constexpr size_t recordsPerCall = 10;
+/// So much of a file is freed within some tens of milliseconds.
+constexpr std::int64_t removedAtOnce = 32 << 20;
 
 /// True when a staged file is there. Something else in its place is refused: what a link leads to
 /// is not ours to rewrite.
@@ -245,11 +247,16 @@ std::optional<StagedFile> AssetStagingService::exportAndRecord(const SyncRecord&
         if (!staged) // recovery would bring it back to the queue
             ::unlink(file.c_str());
         return staged;
-    } catch (const std::exception& error) {
+    } catch (const Cancelled&) {
+        if (aside) // the next run makes the same way again
+            copies_.putBack(*aside, file);
+        else if (fileVersion(file).value_or(FileVersion()).size <= removedAtOnce)
+            ::unlink(file.c_str()); // a large file takes its time
+        throw;
+    } catch (...) {
         if (aside)
             tellAside(*aside);
-        if (dynamic_cast<const Cancelled*>(&error) == nullptr) // a large file takes its time
-            ::unlink(file.c_str());
+        ::unlink(file.c_str());
         throw;
     }
 }

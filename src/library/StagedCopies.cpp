@@ -84,6 +84,11 @@ std::filesystem::path StagedCopies::setAside(const std::filesystem::path& file) 
     return aside;
 }
 
+void StagedCopies::putBack(const std::filesystem::path& aside, const std::filesystem::path& file) {
+    ::rename(aside.c_str(), file.c_str());
+    ::rmdir(aside.parent_path().c_str()); // unless there are others
+}
+
 void StagedCopies::removeAside(const std::filesystem::path& aside) {
     ::unlink(aside.c_str());
     ::rmdir(aside.parent_path().c_str()); // unless there are others

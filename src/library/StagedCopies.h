@@ -43,6 +43,8 @@ class StagedCopies {
     /// Moves the file where no staged file is looked for, and returns its new place. Throws
     /// `FileError`.
     std::filesystem::path setAside(const std::filesystem::path& file);
+    /// Back to `file`, over whatever is there.
+    void putBack(const std::filesystem::path& aside, const std::filesystem::path& file);
     /// Its bytes are known after all: it is not needed any more.
     void removeAside(const std::filesystem::path& aside);
 
