@@ -2,8 +2,10 @@
 
 namespace quorvane {
 
-Error::Error(QString description)
-    : description_(std::move(description)), utf8_(description_.toUtf8()) {}
+Error::Error(QString description, std::optional<Fault> fault)
+    : description_(std::move(description)),
+      utf8_(description_.toUtf8()),
+      fault_(std::move(fault)) {}
 
 QString describe(const std::exception& error) {
     if (const auto* own = dynamic_cast<const Error*>(&error))

@@ -1,23 +1,31 @@
 #pragma once
 
+#include "foundation/Fault.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <exception>
+#include <optional>
 
 namespace quorvane {
 
-/// Base of every area's error value. Its description is the product's own (Turkish) text.
+/// Base of every area's error value. Its description is the product's own (Turkish) text; what the
+/// program does about it follows from its fault, never from the text.
 class Error : public std::exception {
   public:
-    explicit Error(QString description);
+    explicit Error(QString description, std::optional<Fault> fault = {});
 
     const QString& localizedDescription() const noexcept { return description_; }
     const char* what() const noexcept override { return utf8_.constData(); }
 
+    /// None where nobody could tell whose fault it was: then it is the item's.
+    const std::optional<Fault>& fault() const noexcept { return fault_; }
+
   private:
     QString description_;
     QByteArray utf8_;
+    std::optional<Fault> fault_;
 };
 
 /// Thrown when a stop was asked for. Deliberately not an `Error`, so that no handler of an area's
