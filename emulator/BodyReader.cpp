@@ -31,7 +31,7 @@ class Throttle {
 } // namespace
 
 bool readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
-              const Fault& fault) {
+              const Disturbance& fault) {
     RecordedRequest& request = call.request;
     const Throttle throttle(upload ? behaviour.uploadBytesPerSecond : 0);
     const auto receive = [&](QByteArrayView bytes) {

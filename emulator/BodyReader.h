@@ -1,8 +1,8 @@
 #pragma once
 
 #include "emulator/Call.h"
+#include "emulator/Disturbance.h"
 #include "emulator/Exchange.h"
-#include "emulator/Fault.h"
 #include "emulator/UploadBody.h"
 
 namespace quorvane::emulator {
@@ -10,6 +10,6 @@ namespace quorvane::emulator {
 /// Reads a body into `call`; an upload's bytes go to `upload` instead. False when it is not there
 /// as a whole: the client broke off, a fault wants so, or it is too large to be meant.
 bool readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
-              const Fault& fault);
+              const Disturbance& fault);
 
 } // namespace quorvane::emulator

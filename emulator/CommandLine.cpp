@@ -23,13 +23,13 @@ std::int64_t number(const QString& text, std::int64_t least, std::int64_t most) 
 }
 
 /// KIND:N:ACTION, N followed by "+" for every request from the N-th on.
-Fault faultFrom(const QString& text) {
+Disturbance faultFrom(const QString& text) {
     const QString action = text.section(u':', 2);
     const std::optional<RequestKind> kind = requestKindFrom(text.section(u':', 0, 0));
     QString nth = text.section(u':', 1, 1);
     if (!kind || nth.isEmpty() || action.isEmpty())
         throw UsageError(u"Geçersiz hata tanımı: "_s + text);
-    Fault fault;
+    Disturbance fault;
     fault.kind = *kind;
     if (nth.endsWith(u'+')) {
         fault.times = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "emulator/Disturbance.h"
 #include "emulator/EmulatorTypes.h"
-#include "emulator/Fault.h"
 #include "foundation/Error.h"
 
 namespace quorvane::emulator {
@@ -14,7 +14,7 @@ struct CommandLine {
     };
 
     EmulatorOptions options;
-    std::vector<Fault> faults;
+    std::vector<Disturbance> faults;
     std::vector<Seed> seeds;
     std::filesystem::path portFile;
     std::filesystem::path reportFile;

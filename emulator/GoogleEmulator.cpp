@@ -65,11 +65,11 @@ void GoogleEmulator::change(const std::function<void(Behaviour&)>& edit) {
                                                                  : receiveBuffer);
 }
 
-void GoogleEmulator::addFault(const Fault& fault) {
+void GoogleEmulator::addDisturbance(const Disturbance& fault) {
     service_->with([&](Service::State& state) { state.faults.add(fault); });
 }
 
-void GoogleEmulator::clearFaults() {
+void GoogleEmulator::clearDisturbances() {
     service_->with([](Service::State& state) { state.faults.clear(); });
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "emulator/Disturbance.h"
 #include "emulator/EmulatorTypes.h"
-#include "emulator/Fault.h"
 #include "foundation/Clock.h"
 
 #include <QJsonObject>
@@ -39,8 +39,8 @@ class GoogleEmulator {
 
     /// Changes what it does from the next request on.
     void change(const std::function<void(emulator::Behaviour&)>& edit);
-    void addFault(const emulator::Fault& fault);
-    void clearFaults();
+    void addDisturbance(const emulator::Disturbance& fault);
+    void clearDisturbances();
 
     /// Tokens as a sign-in would have brought them, good for any client; by default for all four
     /// scopes. The scopes are separated by spaces.

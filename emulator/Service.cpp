@@ -61,7 +61,7 @@ void Service::carry(Exchange& exchange) {
     Call call{.request = exchange.head()};
     call.request.kind = kindOf(call.request.method, call.request.path);
     const Plan plan = arrive(call.request.kind);
-    const Fault& fault = plan.fault;
+    const Disturbance& fault = plan.fault;
 
     std::optional<UploadBody> upload;
     if (call.request.kind == RequestKind::upload)
@@ -101,14 +101,14 @@ void Service::record(const Call& call) {
 Service::Plan Service::arrive(RequestKind kind) {
     const Plan plan = with([&](State& state) {
         state.log.count(kind);
-        return Plan{state.behaviour, state.faults.next(kind).value_or(Fault{})};
+        return Plan{state.behaviour, state.faults.next(kind).value_or(Disturbance{})};
     });
     arrived_.notify_all();
     return plan;
 }
 
 Answer Service::answerTo(const Call& call, const Plan& plan) {
-    const Fault& fault = plan.fault;
+    const Disturbance& fault = plan.fault;
     const bool isReplaced = fault.status || fault.body;
     Answer answer;
     if (fault.carriedOut || (!isReplaced && !fault.stall))

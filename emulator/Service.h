@@ -1,8 +1,8 @@
 #pragma once
 
 #include "emulator/Account.h"
+#include "emulator/Disturbance.h"
 #include "emulator/Exchange.h"
-#include "emulator/Fault.h"
 #include "emulator/RequestLog.h"
 #include "foundation/Clock.h"
 
@@ -22,7 +22,7 @@ class Service {
             : behaviour(options.behaviour), log(options.recordedBytes) {}
         Behaviour behaviour;
         Account account;
-        FaultPlan faults;
+        DisturbancePlan faults;
         RequestLog log;
     };
 
@@ -57,7 +57,7 @@ class Service {
   private:
     struct Plan {
         Behaviour behaviour;
-        Fault fault;
+        Disturbance fault;
     };
 
     void load();

@@ -31,8 +31,8 @@ void run(const CommandLine& line, Console& console) {
 
     GoogleEmulator service(line.options);
     seed(service, line.seeds);
-    for (const Fault& fault : line.faults)
-        service.addFault(fault);
+    for (const Disturbance& fault : line.faults)
+        service.addDisturbance(fault);
     service.start();
     if (!line.portFile.empty())
         replaceFile(line.portFile, QByteArray::number(service.port()) + '\n', 0644);

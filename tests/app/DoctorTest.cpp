@@ -33,7 +33,7 @@ struct DoctorTest : CliWorld {
         return ids;
     }
     void answerOnce(RequestKind kind, int status, const QByteArray& body) {
-        emulator.addFault({.kind = kind, .status = status, .body = body});
+        emulator.addDisturbance({.kind = kind, .status = status, .body = body});
     }
 };
 

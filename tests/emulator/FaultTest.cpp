@@ -11,38 +11,40 @@ struct FaultTest : EmulatorWorld {
 };
 
 TEST_F(FaultTest, hitsTheRequestsItIsMeantFor) {
-    emulator->addFault({.kind = RequestKind::albumsList, .nth = 2, .times = 2, .status = 503});
-    emulator->addFault({.kind = RequestKind::albumsList, .nth = 3, .times = 0, .status = 429});
+    emulator->addDisturbance(
+        {.kind = RequestKind::albumsList, .nth = 2, .times = 2, .status = 503});
+    emulator->addDisturbance(
+        {.kind = RequestKind::albumsList, .nth = 3, .times = 0, .status = 429});
     EXPECT_EQ(statusOf(upload(jpeg)), 200);
     std::vector<int> statuses;
     for (int i = 0; i < 5; ++i)
         statuses.push_back(listStatus());
     EXPECT_EQ(statuses, (std::vector{200, 503, 503, 429, 429}));
-    emulator->clearFaults();
+    emulator->clearDisturbances();
     EXPECT_EQ(listStatus(), 200);
 }
 
 TEST_F(FaultTest, answersAnotherBodyWithOrWithoutTheEffect) {
     const QString uploaded = uploadToken(jpeg);
     const QByteArray deep(100'000, '[');
-    emulator->addFault({.kind = RequestKind::batchCreate, .body = deep});
+    emulator->addDisturbance({.kind = RequestKind::batchCreate, .body = deep});
     const auto refused = create({uploaded});
     EXPECT_EQ(statusOf(refused), 200);
     EXPECT_EQ(refused->body, deep.toStdString());
     EXPECT_TRUE(emulator->mediaItems().empty());
 
-    emulator->addFault({.kind = RequestKind::batchCreate,
-                        .status = 502,
-                        .body = "<html>",
-                        .contentType = "text/html",
-                        .carriedOut = true});
+    emulator->addDisturbance({.kind = RequestKind::batchCreate,
+                              .status = 502,
+                              .body = "<html>",
+                              .contentType = "text/html",
+                              .carriedOut = true});
     EXPECT_EQ(statusOf(create({uploaded})), 502);
     EXPECT_EQ(emulator->mediaItems().size(), 1U);
 }
 
 TEST_F(FaultTest, dropsAnUploadInTheMiddleOfItsBody) {
     const QByteArray large = jpeg + QByteArray(8 * 1024 * 1024, 'x');
-    emulator->addFault({.kind = RequestKind::upload, .dropRequestAfter = 1'000'000});
+    emulator->addDisturbance({.kind = RequestKind::upload, .dropRequestAfter = 1'000'000});
     EXPECT_LT(timeOf([&] { EXPECT_FALSE(upload(large)); }), std::chrono::seconds(2));
     const RecordedRequest request = emulator->requests().at(0);
     EXPECT_EQ(request.bodySize, 1'000'000);
@@ -52,7 +54,7 @@ TEST_F(FaultTest, dropsAnUploadInTheMiddleOfItsBody) {
 }
 
 TEST_F(FaultTest, cutsAnAnswerAfterTheRequestTookEffect) {
-    emulator->addFault({.kind = RequestKind::batchCreate, .dropAnswerAfter = 40});
+    emulator->addDisturbance({.kind = RequestKind::batchCreate, .dropAnswerAfter = 40});
     const QString uploaded = uploadToken(jpeg);
     QByteArray received;
     httplib::Request request;
@@ -75,7 +77,8 @@ TEST_F(FaultTest, takesItsTime) {
         behaviour.latency = std::chrono::milliseconds(30);
         behaviour.uploadBytesPerSecond = 2'000'000;
     });
-    emulator->addFault({.kind = RequestKind::albumsList, .delay = std::chrono::milliseconds(40)});
+    emulator->addDisturbance(
+        {.kind = RequestKind::albumsList, .delay = std::chrono::milliseconds(40)});
     EXPECT_GE(timeOf([&] { listStatus(); }), std::chrono::milliseconds(70));
     EXPECT_GE(timeOf([&] { upload(jpeg + QByteArray(200'000, 'x')); }),
               std::chrono::milliseconds(130));

@@ -57,7 +57,7 @@ TEST_F(GoogleEmulatorTest, forgetsTheOldestRequestsBeyondItsLimit) {
 
 TEST_F(GoogleEmulatorTest, startsAndStopsPromptlyWhateverIsGoingOn) {
     EXPECT_LT(timeOf([&] { begin(); }), 1s);
-    emulator->addFault({.kind = RequestKind::upload, .stall = true});
+    emulator->addDisturbance({.kind = RequestKind::upload, .stall = true});
     emulator->change([](Behaviour& behaviour) { behaviour.latency = 1h; });
     const int port = emulator->port();
     const auto headers = uploadHeaders();
@@ -121,9 +121,9 @@ TEST_F(GoogleEmulatorTest, storesWhatItAcceptedAndNothingElse) {
     ASSERT_EQ(statusOf(client->Post("/v1/uploads", headers, jpeg.toStdString(),
                                     "application/octet-stream")),
               200);
-    emulator->addFault({.kind = RequestKind::upload, .status = 500});
+    emulator->addDisturbance({.kind = RequestKind::upload, .status = 500});
     upload(movie);
-    emulator->addFault({.kind = RequestKind::upload, .dropRequestAfter = 3});
+    emulator->addDisturbance({.kind = RequestKind::upload, .dropRequestAfter = 3});
     upload(movie);
 
     std::vector<std::filesystem::path> files;
@@ -136,7 +136,7 @@ TEST_F(GoogleEmulatorTest, storesWhatItAcceptedAndNothingElse) {
 
 TEST_F(GoogleEmulatorTest, servesManyConnectionsAtOnce) {
     constexpr int clients = 32;
-    emulator->addFault({.kind = RequestKind::albumsList, .times = clients - 1, .delay = 1h});
+    emulator->addDisturbance({.kind = RequestKind::albumsList, .times = clients - 1, .delay = 1h});
     std::vector<std::jthread> waiting;
     for (int i = 1; i < clients; ++i)
         waiting.emplace_back([this] {

@@ -166,13 +166,13 @@ TEST_F(GoogleOAuthManagerTest, KeepsWhatAnAnswerLeavesOut) {
 }
 
 TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
-    std::vector<emulator::Fault> faults{
+    std::vector<emulator::Disturbance> faults{
         {.body = "<html>"}, {.body = ""}, {.body = R"({"email":7})"}, {.dropAnswerAfter = 3}};
     for (const int status : refusals)
         faults.push_back({.status = status});
-    for (emulator::Fault& fault : faults) {
+    for (emulator::Disturbance& fault : faults) {
         fault.kind = RequestKind::userinfo;
-        google.addFault(fault);
+        google.addDisturbance(fault);
         manager.signIn({});
         EXPECT_TRUE(manager.isSignedIn());
         EXPECT_EQ(manager.email(), std::nullopt);
@@ -213,7 +213,7 @@ TEST_F(GoogleOAuthManagerTest, KnowsWhoseSignInItIs) {
     google.change([](auto& behaviour) {
         behaviour.person = {QStringLiteral("2"), QStringLiteral("b@example.com")};
     });
-    google.addFault({.kind = RequestKind::userinfo, .status = 500});
+    google.addDisturbance({.kind = RequestKind::userinfo, .status = 500});
     manager.signIn({});
     EXPECT_EQ(manager.userID(), std::nullopt) << "the tokens are another's already";
     EXPECT_EQ(manager.email(), std::nullopt);
@@ -224,7 +224,7 @@ TEST_F(GoogleOAuthManagerTest, KnowsWhoseSignInItIs) {
     EXPECT_EQ(google.requestCount(RequestKind::userinfo), 3);
 
     for (const auto& [body, userID] : {std::pair{R"({"sub":"77"})", "77"}, {R"({"id":7})", ""}}) {
-        google.addFault({.kind = RequestKind::userinfo, .body = body});
+        google.addDisturbance({.kind = RequestKind::userinfo, .body = body});
         manager.signIn({});
         EXPECT_EQ(manager.userID().value_or(QString()), QString::fromUtf8(userID));
     }
@@ -358,7 +358,7 @@ TEST_F(GoogleOAuthManagerTest, ARefreshInFlightDoesNotUndoASignOutOrASignIn) {
 
 TEST(GoogleOAuthManagerShutdownTest, EndsARefreshInFlightAtOnce) {
     auto world = std::make_unique<OAuthWorld>();
-    world->google.addFault({.kind = RequestKind::token, .stall = true});
+    world->google.addDisturbance({.kind = RequestKind::token, .stall = true});
     world->storeTokens(0);
     std::stop_source stop;
     auto caller = std::async(std::launch::async,

@@ -64,11 +64,12 @@ struct OAuthWorld {
     }
 
     void answerTokenRequest(int status, const QByteArray& body) {
-        google.addFault({.kind = emulator::RequestKind::token, .status = status, .body = body});
+        google.addDisturbance(
+            {.kind = emulator::RequestKind::token, .status = status, .body = body});
     }
 
     void delayTokenRequest(std::chrono::milliseconds delay) {
-        google.addFault({.kind = emulator::RequestKind::token, .delay = delay});
+        google.addDisturbance({.kind = emulator::RequestKind::token, .delay = delay});
     }
 
     int refreshes() const { return google.requestCount(emulator::RequestKind::token); }

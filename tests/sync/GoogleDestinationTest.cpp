@@ -44,8 +44,8 @@ struct Destinations : testing::Test {
 
     /// Answers every request of the kind so from now on.
     void answer(RequestKind kind, int status, const QByteArray& body) {
-        google.clearFaults();
-        google.addFault({.kind = kind, .times = 0, .status = status, .body = body});
+        google.clearDisturbances();
+        google.addDisturbance({.kind = kind, .times = 0, .status = status, .body = body});
     }
 };
 

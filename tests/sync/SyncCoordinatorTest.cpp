@@ -12,7 +12,7 @@ namespace quorvane {
 namespace {
 
 using namespace Qt::StringLiterals;
-using emulator::Fault;
+using emulator::Disturbance;
 using emulator::RequestKind;
 using std::chrono::milliseconds;
 using test::Counts;
@@ -127,14 +127,14 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
 
 TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
     world.addPictures(6);
-    world.google.addFault(refusal(1, 3));
+    world.google.addDisturbance(refusal(1, 3));
     // Two are in flight: the fourth waits for the third's failure, the fifth for its success.
-    Fault success = faultOf(RequestKind::upload, 4);
+    Disturbance success = faultOf(RequestKind::upload, 4);
     success.delay = milliseconds(300);
-    world.google.addFault(success);
-    Fault afterASuccess = refusal(5, 1);
+    world.google.addDisturbance(success);
+    Disturbance afterASuccess = refusal(5, 1);
     afterASuccess.delay = milliseconds(900);
-    world.google.addFault(afterASuccess);
+    world.google.addDisturbance(afterASuccess);
     SyncProgram program(world);
     program.discover();
     program.clock.skipSleeps(true);
@@ -169,7 +169,8 @@ TEST_F(SyncRun, WhatTheLibraryCannotHandOutKeepsNobodyWaiting) {
     program.discover();
     for (int i = 1; i <= 60; ++i)
         std::filesystem::remove(world.pictures / pathFrom(u"%1.jpg"_s.arg(i, 3, 10, QChar(u'0'))));
-    world.google.addFault(refusal(1, 1)); // the oldest fails, and comes back in front of those
+    world.google.addDisturbance(
+        refusal(1, 1)); // the oldest fails, and comes back in front of those
     program.clock.skipSleeps(true);
     program.coordinator.onPassEnded = [&] { program.life.retriedFailed(false); };
     const auto summary = program.run();
@@ -207,7 +208,7 @@ TEST_F(SyncRun, StagesTheNextRecordsWhileTheFirstOnesUpload) {
 
 TEST_F(SyncRun, AServiceThatIsDownForAnHourCostsEachPictureOneTry) {
     world.addPictures(70);
-    world.google.addFault(refusal(1, 0));
+    world.google.addDisturbance(refusal(1, 0));
     SyncProgram program(world);
     program.discover();
     program.clock.skipSleeps(true);
@@ -219,7 +220,7 @@ TEST_F(SyncRun, AServiceThatIsDownForAnHourCostsEachPictureOneTry) {
     EXPECT_EQ(program.counts(), (Counts{{SyncStatus::failed, 70}}));
     EXPECT_EQ(world.google.requests().size(), 70U);
     EXPECT_EQ(program.printed.size(), 2 * 70 + 2) << "staged, failed; and one line a pass";
-    world.google.clearFaults();
+    world.google.clearDisturbances();
     program.life.retriedFailed(true);
     program.run();
     expectAllStoredOnce(world, program, 70);

@@ -30,7 +30,7 @@ struct Interrupted : testing::Test {
 TEST_F(Interrupted, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
     world.addPictures(4);
     const std::function<void()> hindrances[] = {
-        [&] { world.google.addFault(stall(RequestKind::upload)); },
+        [&] { world.google.addDisturbance(stall(RequestKind::upload)); },
         [&] { world.google.change([](auto& all) { all.uploadBytesPerSecond = 10; }); },
         [&] { world.google.change([](auto& all) { all.latency = std::chrono::minutes(1); }); },
     };
@@ -56,7 +56,7 @@ TEST_F(Interrupted, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
                 program.identifierOf(name)));
         }
         EXPECT_FALSE(program.log.contains(u"[SafeDeletion]"_s));
-        world.google.clearFaults();
+        world.google.clearDisturbances();
         world.google.change([](auto& behaviour) { behaviour = {}; });
     }
     EXPECT_EQ(program.messagesWith(u"batch sonlandırılıyor"_s).size(), std::ssize(hindrances))
@@ -70,7 +70,7 @@ TEST_F(Interrupted, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
 
 TEST_F(Interrupted, AStopEndsABackOffWait) {
     world.addPictures(4);
-    world.google.addFault(refusal(1, 0));
+    world.google.addDisturbance(refusal(1, 0));
     SyncProgram program(world);
     program.discover();
     program.start();
@@ -86,7 +86,7 @@ TEST(InterruptedOnItsOwn, AStopDuringABatchLeavesItsRecordsStaged) {
     for (const int count : {3, 30}) { // sent at the end of the pass, and by its 25th picture
         SyncWorld world;
         world.addPictures(count);
-        world.google.addFault(stall(RequestKind::batchCreate));
+        world.google.addDisturbance(stall(RequestKind::batchCreate));
         SyncProgram program(world);
         program.discover();
         program.start();
@@ -99,7 +99,7 @@ TEST(InterruptedOnItsOwn, AStopDuringABatchLeavesItsRecordsStaged) {
         EXPECT_TRUE(program.log.contains(
             u"[Batch] İptal algılandı, batch öğeleri STAGED olarak korunuyor"_s));
         EXPECT_TRUE(world.google.mediaItems().empty());
-        world.google.clearFaults();
+        world.google.clearDisturbances();
         program.run();
         expectAllStoredOnce(world, program, count);
     }

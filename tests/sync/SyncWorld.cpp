@@ -145,22 +145,22 @@ void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count
     EXPECT_EQ(world.storedContents(), contents);
 }
 
-emulator::Fault faultOf(emulator::RequestKind kind, int nth, int times) {
-    emulator::Fault fault;
+emulator::Disturbance faultOf(emulator::RequestKind kind, int nth, int times) {
+    emulator::Disturbance fault;
     fault.kind = kind;
     fault.nth = nth;
     fault.times = times;
     return fault;
 }
 
-emulator::Fault refusal(int nth, int times) {
-    emulator::Fault fault = faultOf(emulator::RequestKind::upload, nth, times);
+emulator::Disturbance refusal(int nth, int times) {
+    emulator::Disturbance fault = faultOf(emulator::RequestKind::upload, nth, times);
     fault.status = 500;
     return fault;
 }
 
-emulator::Fault stall(emulator::RequestKind kind) {
-    emulator::Fault fault = faultOf(kind, 1, 0);
+emulator::Disturbance stall(emulator::RequestKind kind) {
+    emulator::Disturbance fault = faultOf(kind, 1, 0);
     fault.stall = true;
     return fault;
 }

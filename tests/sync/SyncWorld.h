@@ -125,10 +125,10 @@ class SyncProgram : public Surroundings, private Engine {
 void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count);
 
 /// A fault of the service that does nothing yet; `times` 0 means for ever.
-emulator::Fault faultOf(emulator::RequestKind kind, int nth = 1, int times = 1);
+emulator::Disturbance faultOf(emulator::RequestKind kind, int nth = 1, int times = 1);
 /// Uploads answered with 500.
-emulator::Fault refusal(int nth, int times);
+emulator::Disturbance refusal(int nth, int times);
 /// No request of the kind is ever answered.
-emulator::Fault stall(emulator::RequestKind kind);
+emulator::Disturbance stall(emulator::RequestKind kind);
 
 } // namespace quorvane::test

@@ -234,7 +234,7 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
     openLibrary();
     signIn();
     changes();
-    world.google.addFault(stall(emulator::RequestKind::upload));
+    world.google.addDisturbance(stall(emulator::RequestKind::upload));
     step(u"stop while an upload hangs"_s, [&] {
         model->triggerSync();
         model->triggerSync(); // does nothing
@@ -242,7 +242,7 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
         model->stopSync();
         EXPECT_FALSE(model->isSyncing());
     });
-    world.google.clearFaults();
+    world.google.clearDisturbances();
     step(u"resume"_s, [&] { model->triggerSync(); });
     step(u"the access was withdrawn"_s, [&] {
         world.google.revokeTokens();
@@ -365,9 +365,9 @@ TEST_F(MenuBarViewModelTest, aRefusedAccountAndAlbumAreTold) {
     step(u"sign in"_s, [&] { model->signIn(); });
     world.google.change([](emulator::Behaviour& google) { google.listingForbidden = true; });
     step(u"listing forbidden"_s, [&] { model->loadGoogleAlbums(); });
-    emulator::Fault fault = faultOf(emulator::RequestKind::albumsCreate);
+    emulator::Disturbance fault = faultOf(emulator::RequestKind::albumsCreate);
     fault.status = 500;
-    world.google.addFault(fault);
+    world.google.addDisturbance(fault);
     step(u"creation fails"_s, [&] { model->createGoogleAlbum(u"Aile"_s); });
     step(u"creation works"_s, [&] { model->createGoogleAlbum(u" Aile "_s); });
     EXPECT_EQ(model->suggestNewAlbumTitle(), u"Aile - Parça 2"_s);

@@ -79,9 +79,9 @@ class KeyboardTest : public testing::Test, public WindowWorld {};
 TEST_F(KeyboardTest, tabReachesEveryControlInOrderAndEachHasItsName) {
     world.addPictures(2);
     world.google.addAlbum(u"Aile"_s, 19'640);
-    emulator::Fault fault = faultOf(emulator::RequestKind::upload);
+    emulator::Disturbance fault = faultOf(emulator::RequestKind::upload);
     fault.status = 400;
-    world.google.addFault(fault);
+    world.google.addDisturbance(fault);
     openLibrary();
     signIn();
     model->selectTargetAlbum(model->googleAlbums().at(0).id);

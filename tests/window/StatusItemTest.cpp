@@ -91,7 +91,7 @@ TEST(StatusItemTest, theItemFollowsTheSync) {
     QMenu& menu = *controller.statusItem()->contextMenu();
     EXPECT_EQ(controller.statusItem()->toolTip(), u"Quorvane"_s);
     EXPECT_EQ(menu.actions().at(1)->text(), u"Şimdi Eşitle"_s);
-    world.world.google.addFault(stall(emulator::RequestKind::upload));
+    world.world.google.addDisturbance(stall(emulator::RequestKind::upload));
     menu.actions().at(1)->trigger();
     EXPECT_TRUE(controller.animator().isRunning());
     EXPECT_EQ(controller.statusItem()->toolTip(), u"Eşitleme devam ediyor..."_s);
@@ -157,7 +157,7 @@ TEST(StatusItemTest, aTrayShowsItAndTakesClicks) {
     point(1);
     ASSERT_TRUE(waitOnMainThread(isShown));
     RecordProperty("shown", static_cast<int>(timer.elapsed()));
-    world.world.google.addFault(stall(emulator::RequestKind::upload));
+    world.world.google.addDisturbance(stall(emulator::RequestKind::upload));
     world.model->triggerSync();
     EXPECT_TRUE(controller.animator().isRunning());
     shoot(u"tray-syncing-1.png"_s);

@@ -142,7 +142,7 @@ TEST_F(WindowStoryTest, aRouteIsChosen) {
 TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     world.addPictures(30);
     openSignedIn();
-    world.google.addFault(stall(emulator::RequestKind::batchCreate));
+    world.google.addDisturbance(stall(emulator::RequestKind::batchCreate));
     click(u"start"_s);
     ASSERT_TRUE(awaitView([&] {
         return world.google.requestCount(emulator::RequestKind::batchCreate) > 0 &&
@@ -189,7 +189,7 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     click(u"inspectorClose"_s);
     EXPECT_EQ(window.window()->width(), 440);
 
-    world.google.clearFaults();
+    world.google.clearDisturbances();
     click(u"start"_s);
     ASSERT_TRUE(awaitView([&] { return !model->isSyncing(); }));
     expectShown({u"Eşitleme Tamamlandı"_s, u"Tüm anılarınız bulutta güncel"_s});
@@ -204,9 +204,9 @@ TEST_F(WindowStoryTest, warningsAndTheQuarantine) {
     world.addPictures(3);
     world.addPicture(u"tarihsiz.jpg"_s, std::nullopt);
     const QString album = world.google.addAlbum(u"Aile Arşivi"_s, 19'640);
-    emulator::Fault fault = faultOf(emulator::RequestKind::upload);
+    emulator::Disturbance fault = faultOf(emulator::RequestKind::upload);
     fault.status = 400;
-    world.google.addFault(fault);
+    world.google.addDisturbance(fault);
     openSignedIn();
     choose(u"target"_s, u"⚠️ Aile Arşivi (19.640 / 20.000 • Sınıra Yakın)"_s);
     click(u"start"_s);

@@ -5,7 +5,7 @@
 namespace quorvane::emulator {
 
 /// Something that goes wrong with some requests of a kind. What is left out goes as usual.
-struct Fault {
+struct Disturbance {
     RequestKind kind = RequestKind::upload;
     int nth = 1;   ///< the first request hit, counted from 1 after the fault was added
     int times = 1; ///< requests hit in a row; 0: all from the first one on
@@ -25,17 +25,17 @@ struct Fault {
 };
 
 /// The faults to come. Not shared between threads.
-class FaultPlan {
+class DisturbancePlan {
   public:
-    void add(const Fault& fault);
+    void add(const Disturbance& fault);
     void clear();
 
     /// The fault that hits the request of `kind` that has just come, if any: the one added first.
-    std::optional<Fault> next(RequestKind kind);
+    std::optional<Disturbance> next(RequestKind kind);
 
   private:
     struct Entry {
-        Fault fault;
+        Disturbance fault;
         int seen = 0;
     };
     std::vector<Entry> entries_;

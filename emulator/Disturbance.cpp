@@ -1,19 +1,19 @@
-#include "emulator/Fault.h"
+#include "emulator/Disturbance.h"
 
 namespace quorvane::emulator {
 
-void FaultPlan::add(const Fault& fault) {
+void DisturbancePlan::add(const Disturbance& fault) {
     entries_.push_back({.fault = fault, .seen = 0});
 }
 
-void FaultPlan::clear() {
+void DisturbancePlan::clear() {
     entries_.clear();
 }
 
-std::optional<Fault> FaultPlan::next(RequestKind kind) {
-    std::optional<Fault> hit;
+std::optional<Disturbance> DisturbancePlan::next(RequestKind kind) {
+    std::optional<Disturbance> hit;
     for (Entry& entry : entries_) {
-        const Fault& fault = entry.fault;
+        const Disturbance& fault = entry.fault;
         if (fault.kind != kind)
             continue;
         ++entry.seen;
