@@ -1,31 +1,11 @@
 #pragma once
 
-#include "foundation/Console.h"
 #include "foundation/FileLock.h"
-#include "library/PhotoLibrary.h"
-#include "library/StagedCopies.h"
-#include "metadata/MediaMetadataService.h"
-#include "store/KnownContents.h"
-#include "store/RecordLife.h"
+#include "library/RecordStaging.h"
 
 #include <mutex>
-#include <set>
 
 namespace quorvane {
-
-/// A staged file whose bytes are those that its record tells of.
-struct StagedFile {
-    std::filesystem::path path;
-    QString originalName; ///< in the library; empty where only the copy's own is known
-    HashAndSize content;
-    FileVersion version; ///< as it was when the content was made sure of
-};
-
-/// The disk has no room for the next file, not even without the copies that are no longer needed.
-class StagingDiskFull : public Error {
-  public:
-    using Error::Error;
-};
 
 /// Exports assets into a staging folder, has their capture date made explicit there, and finds and
 /// removes the staged files. Any thread; one asset is worked on at a time, whoever asks, in all of
@@ -33,14 +13,7 @@ class StagingDiskFull : public Error {
 /// removed while it is being made.
 class AssetStagingService {
   public:
-    struct Services {
-        PhotoLibrary& library;
-        DatabaseManager& database;
-        RecordLife& life;
-        KnownContents& known;
-        MediaMetadataService& metadata;
-        Console& console;
-    };
+    using Services = StagingServices;
 
     /// Creates both staging folders, mode 0700. `lockFile` is one for all states of the user.
     AssetStagingService(Services services, const StatePlace& place, std::filesystem::path lockFile);
@@ -80,41 +53,14 @@ class AssetStagingService {
     const std::filesystem::path& permanentFolder() const { return copies_.permanentFolder(); }
 
   private:
-    struct Source {
-        PhotoAsset asset;
-        PhotoAssetResource resource;
-    };
-
     std::vector<SyncRecord> recordsToStage();
     bool mayBeKnown(const PhotoAssetResource& resource);
-    std::optional<StagedFile> stageLocked(const SyncRecord& record, const std::stop_token& stop);
-    std::optional<StagedFile> stageAsset(const SyncRecord& record, const Source& source,
-                                         const std::stop_token& stop);
-    std::optional<StagedFile> provenCopy(const SyncRecord& record, const std::stop_token& stop);
-    std::optional<StagedFile> rescue(SyncRecord record, const std::stop_token& stop);
-    std::optional<Source> sourceOf(const QString& identifier);
-    std::optional<StagedFile> recordCopy(const SyncRecord& record, const StagedFile& copy,
-                                         const std::optional<RecordSource>& source);
-    std::optional<StagedFile> exportAndRecord(const SyncRecord& record, const Source& source,
-                                              const std::stop_token& stop);
-    std::pair<StagedFile, RecordSource> exportDated(const SyncRecord& record, const Source& source,
-                                                    const std::filesystem::path& file,
-                                                    const std::stop_token& stop);
-    std::optional<std::filesystem::path> makeWay(const Source& source,
-                                                 const std::filesystem::path& file);
-    void settleAside(const std::filesystem::path& aside, const RecordSource& original,
-                     const StagedFile& copy, const std::stop_token& stop);
-    bool isUnchanged(const QString& identifier, const PhotoAssetResource& resource);
-    bool isOriginalUnchanged(const QString& identifier);
-    void missing(const QString& what, const QString& identifier);
-    void printError(const QString& identifier, const QString& reason);
-    void tellAside(const std::filesystem::path& aside);
 
     Services s_;
     const std::filesystem::path lockFile_;
     std::mutex mutex_; ///< held while one asset is exported: that wait is meant to be serial
     StagedCopies copies_;
-    std::set<QString> unavailable_;
+    RecordStaging one_;
     size_t passes_ = 0;
 };
 

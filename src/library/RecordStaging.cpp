@@ -1,0 +1,281 @@
+#include "library/RecordStaging.h"
+
+#include "foundation/File.h"
+#include "library/StagedName.h"
+
+#include <cerrno>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+/// So much of a file is freed within some tens of milliseconds.
+constexpr std::int64_t removedAtOnce = 32 << 20;
+
+/// True when a staged file is there. Something else in its place is refused: what a link leads to
+/// is not ours to rewrite.
+bool isStaged(const std::filesystem::path& file) {
+    struct stat info {};
+    if (::lstat(file.c_str(), &info) != 0)
+        return false;
+    if (!S_ISREG(info.st_mode))
+        throw FileError(QStringLiteral("Hazırlık dosyası yerinde başka bir şey var"), file, EEXIST);
+    return true;
+}
+
+StagedFile proven(const std::filesystem::path& file, const HashAndSize& content,
+                  const QString& originalName = {}) {
+    const auto version = fileVersion(file);
+    if (!version)
+        throw FileError(QStringLiteral("Dosya okunamadı"), file, ENOENT);
+    return {file, originalName, content, *version};
+}
+
+} // namespace
+
+/// The record is read again: another caller, in this process or another, may have staged it since.
+std::optional<StagedFile> RecordStaging::stage(const SyncRecord& before,
+                                               const std::stop_token& stop) {
+    const QString& identifier = before.assetLocalIdentifier;
+    const auto record = s_.database.fetchRecord(identifier, before.providerID, before.accountID);
+    const bool isStaged = record && record->syncStatus == SyncStatus::staged;
+    if (!record || (!isStaged && record->syncStatus != SyncStatus::discovered))
+        return std::nullopt;
+    if (isStaged)
+        if (auto file = provenCopy(*record, stop))
+            return file;
+    std::optional<Source> source;
+    try {
+        source = sourceOf(identifier);
+    } catch (const PhotoLibraryError& error) { // nothing was tried yet: the record stays as it is
+        printError(identifier, error.localizedDescription());
+        return std::nullopt;
+    }
+    if (!source && isStaged && !record->sha256Hash)
+        return rescue(*record, stop);
+    if (isStaged)
+        s_.life.requeued(*record);
+    if (!source) {
+        const auto file = provenCopy(*record, stop);
+        return file ? recordCopy(*record, *file, s_.life.sourceOf(identifier)) : std::nullopt;
+    }
+    unavailable_.erase(identifier);
+    return stageAsset(*record, *source, stop);
+}
+
+std::optional<StagedFile> RecordStaging::stageAsset(const SyncRecord& record, const Source& source,
+                                                    const std::stop_token& stop) {
+    const QString& identifier = record.assetLocalIdentifier;
+    try {
+        if (isUnchanged(identifier, source.resource))
+            if (const auto file = provenCopy(record, stop)) // its run was stopped while sending
+                return recordCopy(record, *file, s_.life.sourceOf(identifier));
+        return exportAndRecord(record, source, stop);
+    } catch (const FileError& error) {
+        if (error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT)
+            throw StagingDiskFull(error.localizedDescription());
+        printError(identifier, error.localizedDescription());
+        s_.life.stageFailed(record, error.localizedDescription());
+    } catch (const DBError&) {
+        throw;
+    } catch (const Error& error) {
+        printError(identifier, error.localizedDescription());
+        s_.life.stageFailed(record, error.localizedDescription());
+    }
+    return std::nullopt;
+}
+
+/// None when there is no copy, or when its bytes are not those of the record.
+std::optional<StagedFile> RecordStaging::provenCopy(const SyncRecord& record,
+                                                    const std::stop_token& stop) {
+    if (!record.sha256Hash || !record.fileSizeBytes)
+        return std::nullopt;
+    const auto file = copies_.find(record.assetLocalIdentifier);
+    if (!file)
+        return std::nullopt;
+    const HashAndSize expected{*record.sha256Hash, *record.fileSizeBytes};
+    try {
+        if (copies_.hashOf(*file, stop) == expected)
+            return proven(*file, expected);
+    } catch (const FileError& error) { // a copy that cannot be read is made anew
+        printError(record.assetLocalIdentifier, error.localizedDescription());
+    }
+    return std::nullopt;
+}
+
+/// The copy is all that is left of the asset. It is sent as it is and never proves anything, since
+/// nobody knows what it was made of.
+std::optional<StagedFile> RecordStaging::rescue(SyncRecord record, const std::stop_token& stop) {
+    const auto file = copies_.find(record.assetLocalIdentifier);
+    if (!file)
+        return std::nullopt;
+    unavailable_.erase(record.assetLocalIdentifier);
+    const HashAndSize content = copies_.hashOf(*file, stop);
+    record.sha256Hash = content.sha256;
+    record.fileSizeBytes = content.sizeBytes;
+    return s_.life.redated(record) ? std::optional(proven(*file, content)) : std::nullopt;
+}
+
+std::optional<RecordStaging::Source> RecordStaging::sourceOf(const QString& identifier) {
+    const AssetFetchResult assets = s_.library.fetchAssets(QStringList{identifier});
+    if (!assets || assets->empty()) {
+        missing(QStringLiteral("Asset"), identifier);
+        return std::nullopt;
+    }
+    const auto resource = resourceToStage(s_.library.assetResources(assets->front()));
+    if (!resource) {
+        missing(QStringLiteral("Resource"), identifier);
+        return std::nullopt;
+    }
+    return Source{assets->front(), *resource};
+}
+
+/// None when the record was cleared or moved on meanwhile: it is not brought back to this state.
+std::optional<StagedFile> RecordStaging::recordCopy(const SyncRecord& record,
+                                                    const StagedFile& copy,
+                                                    const std::optional<RecordSource>& source) {
+    SyncRecord staged = record;
+    staged.sha256Hash = copy.content.sha256;
+    staged.fileSizeBytes = copy.content.sizeBytes;
+    if (!s_.life.staged(staged, source))
+        return std::nullopt;
+    return copy;
+}
+
+std::optional<StagedFile> RecordStaging::exportAndRecord(const SyncRecord& record,
+                                                         const Source& source,
+                                                         const std::stop_token& stop) {
+    StagingFolder& folder = copies_.folderForStaging();
+    const std::filesystem::path name =
+        stagedFileName(record.assetLocalIdentifier, source.resource.originalFilename);
+    const std::filesystem::path file = folder.path() / name;
+    auto aside = makeWay(source, file);
+    const StagingFolder::OwnChange change(folder, name);
+    try {
+        if (source.resource.fileSize && !copies_.makeRoom(*source.resource.fileSize))
+            throw FileError(QStringLiteral("Dosya kopyalanamadı"), file, ENOSPC);
+        const auto [copy, original] = exportDated(record, source, file, stop);
+        if (aside)
+            settleAside(*aside, original, copy, stop);
+        aside.reset();
+        auto staged = recordCopy(record, copy, original);
+        if (!staged) // recovery would bring it back to the queue
+            ::unlink(file.c_str());
+        return staged;
+    } catch (const Cancelled&) {
+        if (aside) // the next run makes the same way again
+            copies_.putBack(*aside, file);
+        else if (fileVersion(file).value_or(FileVersion()).size <= removedAtOnce)
+            ::unlink(file.c_str()); // a large file takes its time
+        throw;
+    } catch (...) {
+        if (aside)
+            tellAside(*aside);
+        ::unlink(file.c_str());
+        throw;
+    }
+}
+
+/// What is in the place of the copy to come has bytes that nobody knows. It may be the last of an
+/// original that has changed since; then its new place is returned.
+std::optional<std::filesystem::path> RecordStaging::makeWay(const Source& source,
+                                                            const std::filesystem::path& file) {
+    const QString& identifier = source.asset.localIdentifier;
+    std::optional<std::filesystem::path> old;
+    if (isStaged(file))
+        old = file;
+    else if (s_.life.sourceOf(identifier)) // else nothing was ever staged of it, by any name
+        old = copies_.find(identifier);
+    if (!old)
+        return std::nullopt;
+    if (!isUnchanged(identifier, source.resource))
+        return copies_.setAside(*old);
+    copies_.removeAll(identifier);
+    return std::nullopt;
+}
+
+std::pair<StagedFile, RecordSource> RecordStaging::exportDated(const SyncRecord& record,
+                                                               const Source& source,
+                                                               const std::filesystem::path& file,
+                                                               const std::stop_token& stop) {
+    const SourceContent content = s_.library.writeData(source.resource, file, stop);
+    const RecordSource original{content.sha256, content.version, content.sample};
+    // A movie is dated in place: a kill in between leaves bytes that nobody else could explain.
+    if (record.mediaType == MediaType::video)
+        s_.life.exporting(record, original);
+    // Without a fallback: whether a file with no date may be uploaded is decided by the sync.
+    s_.metadata.ensureMetadata(file, source.asset.facts(), std::nullopt,
+                               DateFallbackMode::strictNone, source.resource.originalFilename,
+                               stop);
+    const HashAndSize dated = copies_.hashOf(file, stop);
+    s_.console.print(QStringLiteral("[Staging] Tamamlandı (Metadata Enjekte Edildi): %1 (%2 bytes)")
+                         .arg(source.resource.originalFilename, QString::number(dated.sizeBytes)));
+    return {proven(file, dated, source.resource.originalFilename), original};
+}
+
+/// The original gave the same bytes again, or this is all that is left of another version.
+void RecordStaging::settleAside(const std::filesystem::path& aside, const RecordSource& original,
+                                const StagedFile& copy, const std::stop_token& stop) {
+    const HashAndSize old = copies_.hashOf(aside, stop);
+    if (old == copy.content || old.sha256 == original.sha256)
+        copies_.removeAside(aside);
+    else
+        tellAside(aside);
+}
+
+/// True when the original is, as far as its file system tells, what was staged from it last.
+bool RecordStaging::isUnchanged(const QString& identifier, const PhotoAssetResource& resource) {
+    const auto source = s_.life.sourceOf(identifier);
+    return source && s_.library.versionOf(resource) == source->version;
+}
+
+MetadataResult RecordStaging::redate(StagedFile& file, const SyncRecord& record,
+                                     DateFallbackMode fallbackMode, const std::stop_token& stop) {
+    const StagingFolder::OwnChange change(copies_.folderOf(file.path), file.path.filename());
+    const MetadataResult result =
+        s_.metadata.ensureMetadata(file.path, std::nullopt, record.assetLocalIdentifier,
+                                   fallbackMode, file.originalName, stop);
+    if (result.which != MetadataResult::Case::success)
+        return result;
+    SyncRecord redated = record;
+    file = proven(file.path, copies_.hashOf(file.path, stop), file.originalName);
+    redated.sha256Hash = file.content.sha256;
+    redated.fileSizeBytes = file.content.sizeBytes;
+    s_.life.redated(redated);
+    return result;
+}
+
+/// Unless the original is there as it was, the copy may be the last of its bytes.
+void RecordStaging::discard(const QString& identifier) {
+    const auto file = copies_.find(identifier);
+    if (!file)
+        return;
+    const AssetFetchResult assets = s_.library.fetchAssets(QStringList{identifier});
+    const auto resource = assets && !assets->empty()
+                              ? resourceToStage(s_.library.assetResources(assets->front()))
+                              : std::nullopt;
+    if (resource && isUnchanged(identifier, *resource))
+        copies_.removeAll(identifier);
+    else
+        tellAside(copies_.setAside(*file));
+}
+
+void RecordStaging::missing(const QString& what, const QString& identifier) {
+    unavailable_.insert(identifier);
+    s_.console.print(QStringLiteral("[Staging] %1 bulunamadı: ").arg(what) + identifier);
+}
+
+void RecordStaging::printError(const QString& identifier, const QString& reason) {
+    s_.console.print(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason));
+}
+
+void RecordStaging::tellAside(const std::filesystem::path& aside) {
+    s_.console.print(
+        QStringLiteral("[Staging] ⚠️ Aslı değişmiş bir kopya kenara alındı: ") +
+        pathText(aside));
+}
+
+} // namespace quorvane
