@@ -33,6 +33,7 @@ constexpr std::array signatures{
     Signature{0, view("IIRS"sv), "image/x-olympus-orf"},
     Signature{0, view("FUJIFILMCCD-RAW"sv), "image/x-fuji-raf"},
     Signature{0, view("BM"sv), "image/bmp"},
+    Signature{0, view("\0\0\x01\0"sv), "image/x-icon"},
     Signature{4, view("ftyphei"sv), "image/heic"},
     Signature{4, view("ftyphev"sv), "image/heic"},
     Signature{4, view("ftypmif1"sv), "image/heif"},
@@ -49,6 +50,9 @@ constexpr std::array signatures{
     Signature{8, view("AVI "sv), "video/x-msvideo"},
     Signature{0, view("\x1A\x45\xDF\xA3"sv), "video/x-matroska"},
     Signature{0, view("\0\0\x01\xBA"sv), "video/mpeg"},
+    Signature{0, view("\0\0\x01\xB3"sv), "video/mpeg"},
+    Signature{0, view("\x47\x40"sv), "video/mp2t"},
+    Signature{4, view("\x47\x40"sv), "video/mp2t"}, // with the time stamps of a disc before it
     Signature{0, view("\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv), "video/x-ms-wmv"},
 };
 

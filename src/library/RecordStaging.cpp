@@ -34,6 +34,12 @@ StagedFile proven(const std::filesystem::path& file, const HashAndSize& content,
     return {file, originalName, content, *version};
 }
 
+std::optional<RecordDate> dateIn(const MetadataResult& result) {
+    if (!result.date || !result.source)
+        return std::nullopt;
+    return RecordDate{*result.date, rawValue(*result.source)};
+}
+
 } // namespace
 
 /// The record is read again: another caller, in this process or another, may have staged it since.
@@ -140,7 +146,7 @@ std::optional<StagedFile> RecordStaging::recordCopy(const SyncRecord& record,
     SyncRecord staged = record;
     staged.sha256Hash = copy.content.sha256;
     staged.fileSizeBytes = copy.content.sizeBytes;
-    if (!s_.life.staged(staged, source))
+    if (!s_.life.staged(staged, source, copy.date))
         return std::nullopt;
     return copy;
 }
@@ -207,13 +213,15 @@ std::pair<StagedFile, RecordSource> RecordStaging::exportDated(const SyncRecord&
     if (record.mediaType == MediaType::video)
         s_.life.exporting(record, original);
     // Without a fallback: whether a file with no date may be uploaded is decided by the sync.
-    s_.metadata.ensureMetadata(file, source.asset.facts(), std::nullopt,
-                               DateFallbackMode::strictNone, source.resource.originalFilename,
-                               stop);
+    const MetadataResult result = s_.metadata.ensureMetadata(
+        file, source.asset.facts(), std::nullopt, DateFallbackMode::strictNone,
+        source.resource.originalFilename, stop);
     const HashAndSize dated = copies_.hashOf(file, stop);
     s_.console.print(QStringLiteral("[Staging] Tamamlandı (Metadata Enjekte Edildi): %1 (%2 bytes)")
                          .arg(source.resource.originalFilename, QString::number(dated.sizeBytes)));
-    return {proven(file, dated, source.resource.originalFilename), original};
+    StagedFile copy = proven(file, dated, source.resource.originalFilename);
+    copy.date = dateIn(result);
+    return {copy, original};
 }
 
 /// The original gave the same bytes again, or this is all that is left of another version.
@@ -232,19 +240,34 @@ bool RecordStaging::isUnchanged(const QString& identifier, const PhotoAssetResou
     return source && s_.library.versionOf(resource) == source->version;
 }
 
+/// What the library knows of an item for which a person named the date; none for any other item.
+std::optional<AssetFacts> RecordStaging::chosenFacts(const QString& identifier) {
+    const auto choice = RecordDates(s_.database).choiceOf(identifier);
+    if (!choice || !choice->date)
+        return std::nullopt;
+    AssetFacts facts;
+    try {
+        facts = s_.library.factsOf(identifier).value_or(facts);
+    } catch (const PhotoLibraryError& error) { // the date is known without it
+        printError(identifier, error.localizedDescription());
+    }
+    facts.chosenDate = choice->date;
+    return facts;
+}
+
 MetadataResult RecordStaging::redate(StagedFile& file, const SyncRecord& record,
                                      DateFallbackMode fallbackMode, const std::stop_token& stop) {
     const StagingFolder::OwnChange change(copies_.folderOf(file.path), file.path.filename());
-    const MetadataResult result =
-        s_.metadata.ensureMetadata(file.path, std::nullopt, record.assetLocalIdentifier,
-                                   fallbackMode, file.originalName, stop);
+    const MetadataResult result = s_.metadata.ensureMetadata(
+        file.path, chosenFacts(record.assetLocalIdentifier), record.assetLocalIdentifier,
+        fallbackMode, file.originalName, stop);
     if (result.which != MetadataResult::Case::success)
         return result;
     SyncRecord redated = record;
     file = proven(file.path, copies_.hashOf(file.path, stop), file.originalName);
     redated.sha256Hash = file.content.sha256;
     redated.fileSizeBytes = file.content.sizeBytes;
-    s_.life.redated(redated);
+    s_.life.redated(redated, dateIn(result));
     return result;
 }
 

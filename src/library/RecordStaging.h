@@ -16,7 +16,8 @@ struct StagedFile {
     std::filesystem::path path;
     QString originalName; ///< in the library; empty where only the copy's own is known
     HashAndSize content;
-    FileVersion version; ///< as it was when the content was made sure of
+    FileVersion version;                 ///< as it was when the content was made sure of
+    std::optional<RecordDate> date = {}; ///< that it was given, when that was now
 };
 
 /// The disk has no room for the next file, not even without the copies that are no longer needed.
@@ -82,6 +83,7 @@ class RecordStaging {
                                                  const std::filesystem::path& file);
     void settleAside(const std::filesystem::path& aside, const RecordSource& original,
                      const StagedFile& copy, const std::stop_token& stop);
+    std::optional<AssetFacts> chosenFacts(const QString& identifier);
     bool isUnchanged(const QString& identifier, const PhotoAssetResource& resource);
     void missing(const QString& what, const QString& identifier);
     void tellAside(const std::filesystem::path& aside);

@@ -6,7 +6,8 @@
 #include <span>
 
 /// What the program knows of kinds of files: one row for each file name extension, and nowhere else
-/// a second list. Any thread.
+/// a second list. They are the kinds that Google Photos says it takes (Library API, "Upload media",
+/// accepted file types). Any thread.
 namespace quorvane {
 
 enum class MediaClass { picture, movie };
@@ -29,22 +30,20 @@ enum class DateWriting {
 struct MediaKind {
     /// Every field must be told: a row that leaves one out does not compile.
     constexpr MediaKind(QLatin1String anExtension, QLatin1String aMimeType, MediaClass aClass,
-                        bool isItRaw, DateReading aReading, DateWriting aWriting, bool accepted)
+                        bool isItRaw, DateReading aReading, DateWriting aWriting)
         : extension(anExtension),
           mimeType(aMimeType),
           mediaClass(aClass),
           reading(aReading),
           writing(aWriting),
-          isRaw(isItRaw),
-          acceptedByGoogle(accepted) {}
+          isRaw(isItRaw) {}
 
     QLatin1String extension; ///< lower case, without the dot
     QLatin1String mimeType;
     MediaClass mediaClass;
     DateReading reading;
     DateWriting writing;
-    bool isRaw;            ///< what the sensor saw, undeveloped
-    bool acceptedByGoogle; ///< among the types that Google Photos says it takes
+    bool isRaw; ///< what the sensor saw, undeveloped
 
     /// True for a kind that can be given a date; any other carries the one it has, or none.
     constexpr bool isDatable() const { return writing != DateWriting::none; }

@@ -140,6 +140,8 @@ std::optional<ResolvedDate> MediaMetadataService::resolveDate(
 
 std::optional<ResolvedDate> MediaMetadataService::resolve(const Request& request, Log& log) {
     const auto& asset = request.asset;
+    if (asset && asset->chosenDate)
+        return with(DateSource::chosen, asset->chosenDate);
     if (const auto date = dateFrom([&] { return asset ? asset->creationDate : std::nullopt; }))
         return with(DateSource::asset, date);
     const auto identifier = request.assetLocalIdentifier

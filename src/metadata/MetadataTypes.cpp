@@ -24,6 +24,8 @@ std::optional<DateFallbackMode> dateFallbackModeFrom(const QString& rawValue) {
 
 QString rawValue(DateSource source) {
     switch (source) {
+    case DateSource::chosen:
+        return QStringLiteral("chosen");
     case DateSource::asset:
         return QStringLiteral("asset");
     case DateSource::photosDatabase:
@@ -43,9 +45,9 @@ QString rawValue(DateSource source) {
 }
 
 std::optional<DateSource> dateSourceFrom(const QString& rawValue) {
-    for (const auto source :
-         {DateSource::asset, DateSource::photosDatabase, DateSource::embedded, DateSource::fileName,
-          DateSource::numberInName, DateSource::fileSaveDate, DateSource::today})
+    for (const auto source : {DateSource::chosen, DateSource::asset, DateSource::photosDatabase,
+                              DateSource::embedded, DateSource::fileName, DateSource::numberInName,
+                              DateSource::fileSaveDate, DateSource::today})
         if (rawValue == quorvane::rawValue(source))
             return source;
     return std::nullopt;

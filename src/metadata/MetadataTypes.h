@@ -28,6 +28,7 @@ struct GeoLocation {
 struct AssetFacts {
     std::optional<Date> creationDate;
     std::optional<GeoLocation> location;
+    std::optional<Date> chosenDate = {}; ///< not the library's: a person named it for this item
 };
 
 /// Looks an asset up by its local identifier; none when the library does not have it. Any thread.
@@ -39,6 +40,7 @@ class AssetFactsSource {
 
 /// Where a capture date comes from, the most trustworthy first.
 enum class DateSource {
+    chosen,         ///< a person, for this very item
     asset,          ///< the photo library, asked for this very item
     photosDatabase, ///< what the Photos database still knows of it
     embedded,       ///< the file itself

@@ -27,6 +27,8 @@ const std::array lifeOfARecord{
     RecordLife::Arrow{"deleted", {verified}, deletedLocally},
     RecordLife::Arrow{"retriedFailed", {failed}, discovered},
     RecordLife::Arrow{"retriedUndated", {dateUnresolved}, discovered},
+    RecordLife::Arrow{"dateChosen", {dateUnresolved}, discovered},
+    RecordLife::Arrow{"undatableReleased", {dateUnresolved}, discovered},
 };
 
 const RecordLife::Arrow& arrowNamed(std::string_view name) {
@@ -69,7 +71,8 @@ void RecordLife::exporting(const SyncRecord& record, const RecordSource& source)
     setSource(record, source);
 }
 
-bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSource>& source) {
+bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSource>& source,
+                        const std::optional<RecordDate>& date) {
     return follow("staged", record, [&](SyncStatus to) {
         SyncRecord changed = record;
         changed.uploadToken.reset();
@@ -77,6 +80,8 @@ bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSour
         db_.upsertRecord(changed);
         if (source)
             setSource(record, *source);
+        if (date)
+            dates_.setDate(record.assetLocalIdentifier, *date);
     });
 }
 
@@ -84,12 +89,14 @@ bool RecordLife::stageFailed(const SyncRecord& record, const QString& reason) {
     return setStatus("stageFailed", record, reason);
 }
 
-bool RecordLife::redated(const SyncRecord& record) {
+bool RecordLife::redated(const SyncRecord& record, const std::optional<RecordDate>& date) {
     return follow("redated", record, [&](SyncStatus to) {
         SyncRecord changed = record;
         changed.uploadToken.reset();
         changed.syncStatus = to;
         db_.upsertRecord(changed);
+        if (date)
+            dates_.setDate(record.assetLocalIdentifier, *date);
     });
 }
 
@@ -97,8 +104,12 @@ bool RecordLife::requeued(const SyncRecord& record) {
     return setStatus("requeued", record);
 }
 
-bool RecordLife::heldBack(const SyncRecord& record, const QString& reason) {
-    return setStatus("heldBack", record, reason);
+bool RecordLife::heldBack(const SyncRecord& record, const QString& reason, Want want) {
+    return follow("heldBack", record, [&](SyncStatus to) {
+        db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to, {},
+                         {}, reason);
+        dates_.setUndatable(record.assetLocalIdentifier, want == Want::undatable);
+    });
 }
 
 bool RecordLife::refused(const SyncRecord& record, const QString& reason) {
@@ -183,6 +194,26 @@ void RecordLife::retriedFailed(bool resetRetryCount) {
 
 void RecordLife::retriedUndated() {
     db_.retryDateUnresolvedRecords();
+}
+
+bool RecordLife::dateChosen(const SyncRecord& record, Date date) {
+    return follow("dateChosen", record, [&](SyncStatus to) {
+        db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to);
+        dates_.setChoice(record.assetLocalIdentifier, {date});
+    });
+}
+
+int RecordLife::undatableReleased() {
+    return db_.transaction([&](sqlite::Connection&) {
+        int released = 0;
+        for (const QString& identifier : dates_.heldUndatable())
+            for (const SyncRecord& record : db_.fetchRecordsOfAsset(identifier))
+                released += follow("undatableReleased", record, [&](SyncStatus to) {
+                    db_.updateStatus(identifier, record.providerID, record.accountID, to);
+                    dates_.setChoice(identifier, {});
+                });
+        return released;
+    });
 }
 
 std::optional<RecordSource> RecordLife::sourceOf(const QString& identifier) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/FileVersion.h"
-#include "store/DatabaseManager.h"
+#include "store/RecordDates.h"
 
 #include <atomic>
 #include <functional>
@@ -40,7 +40,7 @@ class RecordLife {
   public:
     /// `account` is whom the destination's items belong to; the first of them binds the state.
     explicit RecordLife(DatabaseManager& database, AccountIdentity account = {})
-        : db_(database), account_(std::move(account)) {}
+        : db_(database), dates_(database), account_(std::move(account)) {}
 
     struct Arrow {
         std::string_view name; ///< of the operation
@@ -53,16 +53,19 @@ class RecordLife {
     /// A file was exported from these bytes and is being dated; the status stays.
     void exporting(const SyncRecord& record, const RecordSource& source);
     /// Exported, dated and hashed. The record carries the staged file's hash and size. `source` is
-    /// none for a copy that outlived all knowledge of its original.
-    bool staged(const SyncRecord& record, const std::optional<RecordSource>& source);
+    /// none for a copy that outlived all knowledge of its original, `date` where the copy has none
+    /// or is an earlier one.
+    bool staged(const SyncRecord& record, const std::optional<RecordSource>& source,
+                const std::optional<RecordDate>& date = {});
     /// Nothing could be staged from the original.
     bool stageFailed(const SyncRecord& record, const QString& reason);
     /// Its staged file was given another date: the record carries the new hash and size.
-    bool redated(const SyncRecord& record);
+    bool redated(const SyncRecord& record, const std::optional<RecordDate>& date = {});
     /// Its staged file cannot be used, or its run was stopped.
     bool requeued(const SyncRecord& record);
-    /// No trustworthy date.
-    bool heldBack(const SyncRecord& record, const QString& reason);
+    /// No trustworthy date; `undatable` where its file does not take any.
+    enum class Want { date, undatable };
+    bool heldBack(const SyncRecord& record, const QString& reason, Want want = Want::date);
     /// The upload failed, or the destination refused the item.
     bool refused(const SyncRecord& record, const QString& reason);
     /// The destination named the media item.
@@ -87,6 +90,10 @@ class RecordLife {
     /// The person asked for another try: all failed ones, all undated ones.
     void retriedFailed(bool resetRetryCount);
     void retriedUndated();
+    /// The person named the capture date of one that was held back.
+    bool dateChosen(const SyncRecord& record, Date date);
+    /// The person wants all that take no date to go up as they are. Returns how many they are.
+    int undatableReleased();
 
     /// What the asset was staged from; none when it never was by this program.
     std::optional<RecordSource> sourceOf(const QString& identifier);
@@ -106,6 +113,7 @@ class RecordLife {
     void runFor(const QString& identifier, const char* sql);
 
     DatabaseManager& db_;
+    RecordDates dates_;
     const AccountIdentity account_;
     std::atomic<bool> isAccountBound_ = false;
 };

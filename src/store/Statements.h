@@ -39,8 +39,9 @@ CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
     WHERE sync_status IN ('FAILED', 'DATE_UNRESOLVED');)sql";
 
 /// What is remembered beside the records: the bytes that each was staged from, the removals that
-/// have begun, the assets whose staged files are nobody's any more, the files of a folder library,
-/// and whose state this is.
+/// have begun, the assets whose staged files are nobody's any more, the dates of the staged files
+/// (milliseconds since 1970 UTC), what a person chose where there was none, the files of a folder
+/// library, and whose state this is.
 inline constexpr const char* besides =
     R"sql(CREATE TABLE IF NOT EXISTS record_sources (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
@@ -56,6 +57,20 @@ CREATE TABLE IF NOT EXISTS record_deletions (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY
 ) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS record_leavings (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_dates (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    date                   INTEGER NOT NULL,
+    source                 TEXT NOT NULL
+) WITHOUT ROWID;
+CREATE INDEX IF NOT EXISTS idx_dated_by_number ON record_dates(source)
+    WHERE source = 'numberInName';
+CREATE TABLE IF NOT EXISTS record_choices (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    date                   INTEGER
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_undatable (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY
 ) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS library_files (
@@ -235,6 +250,19 @@ inline constexpr const char* retryDateUnresolved =
 
 inline constexpr const char* countByStatus =
     R"sql(SELECT sync_status, COUNT(*) FROM sync_records GROUP BY sync_status;)sql";
+
+inline constexpr const char* heldUndatable =
+    R"sql(SELECT asset_local_identifier
+FROM record_undatable JOIN sync_records USING (asset_local_identifier)
+WHERE sync_status = 'DATE_UNRESOLVED')sql";
+
+inline constexpr const char* countHeldUndatable =
+    R"sql(SELECT COUNT(*) FROM record_undatable JOIN sync_records USING (asset_local_identifier)
+WHERE sync_status = 'DATE_UNRESOLVED')sql";
+
+inline constexpr const char* countDatedByNumber =
+    R"sql(SELECT COUNT(*) FROM record_dates JOIN sync_records USING (asset_local_identifier)
+WHERE source = 'numberInName' AND sync_status IN ('VERIFIED', 'DELETED_LOCALLY'))sql";
 
 inline constexpr const char* fetchStatuses =
     R"sql(SELECT asset_local_identifier, sync_status FROM sync_records;)sql";

@@ -1,9 +1,24 @@
 #include "store/StoreCounts.h"
 
+#include "store/Statements.h"
+
 namespace quorvane {
+
+namespace {
+
+int count(DatabaseManager& db, const char* sql) {
+    return db.onConnection([&](sqlite::Connection& database) {
+        sqlite::Statement row(database, sql);
+        return row.step() ? static_cast<int>(row.integer(0)) : 0;
+    });
+}
+
+} // namespace
 
 StoreCounts StoreCounts::of(DatabaseManager& db) {
     StoreCounts counts;
+    counts.undatable = count(db, statements::countHeldUndatable);
+    counts.datedByNumber = count(db, statements::countDatedByNumber);
     for (const auto& [status, count] : db.countByStatus()) {
         switch (status) {
         case SyncStatus::verified:

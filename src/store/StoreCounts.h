@@ -6,9 +6,11 @@ namespace quorvane {
 
 /// How many records the store holds, told apart as a person asks for them.
 struct StoreCounts {
-    int verified = 0; ///< with those deleted here since
+    int verified = 0;      ///< with those deleted here since
+    int datedByNumber = 0; ///< of `verified`: by a number in the name, taken for a Unix time
     int failed = 0;
-    int undated = 0;
+    int undated = 0;   ///< held back for want of a date
+    int undatable = 0; ///< of `undated`: their file takes none
     int pending = 0;
 
     bool operator==(const StoreCounts&) const = default;

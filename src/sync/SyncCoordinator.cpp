@@ -38,7 +38,10 @@ class ActiveTransfer {
 } // namespace
 
 SyncCoordinator::SyncCoordinator(Services services, StageAhead::Limits stagingLimits)
-    : s_(services), stagingLimits_(stagingLimits) {}
+    : s_(services),
+      dateGate_({services.db, services.life, services.staging, services.metadata,
+                 services.preferences, services.console}),
+      stagingLimits_(stagingLimits) {}
 
 SyncCoordinator::Summary SyncCoordinator::drainPendingQueue(bool deletionEnabled,
                                                             ProgressHandler progressHandler) {
@@ -236,7 +239,7 @@ void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
     auto file = stageAhead_->take(record, stop);
     if (!file)
         return leaveOut(record);
-    if (!passesDateGate(record, *file))
+    if (!dateGate_.passes(record, *file, stop))
         return;
     const std::int64_t bytes = file->content.sizeBytes;
     const QString name = uploadName(record, file->path);
@@ -267,35 +270,6 @@ void SyncCoordinator::leaveOut(const SyncRecord& record) {
         return;
     const std::lock_guard lock(mutex_);
     unavailable_.insert(record.assetLocalIdentifier);
-}
-
-/// False when the file has no trustworthy date: the record is then held back. The destination would
-/// otherwise file it under the upload day.
-bool SyncCoordinator::passesDateGate(const SyncRecord& record, StagedFile& file) {
-    MetadataResult result = MetadataResult::failed({});
-    const std::stop_token stop = s_.flags.stopToken();
-    if (!s_.metadata.hasEmbeddedDate(file.path, file.originalName, stop)) {
-        const auto mode =
-            dateFallbackModeFrom(
-                s_.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString()))
-                .value_or(DateFallbackMode::strictNone);
-        result = s_.staging.ensureMetadata(file, record, mode, stop);
-    }
-    if (result.which == MetadataResult::Case::unresolvedDate)
-        s_.console.print(
-            QStringLiteral(
-                "[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload engellendi: ") +
-            record.assetLocalIdentifier);
-    else if (!s_.metadata.carriesDate(file.path, result, file.originalName, stop))
-        s_.console.print(
-            QStringLiteral(
-                "[Sync] 🛑 Dosyada geçerli gömülü tarih bulunamadı, upload engellendi: ") +
-            record.assetLocalIdentifier);
-    else
-        return true;
-    s_.life.heldBack(
-        record, QStringLiteral("Tarih tespit edilemedi - Google Photos hatalı tarih koruması"));
-    return false;
 }
 
 void SyncCoordinator::handleFailure(const SyncRecord& record, const std::exception& error) {

@@ -6,6 +6,7 @@
 #include "metadata/MediaMetadataService.h"
 #include "store/RecordLife.h"
 #include "sync/BatchCoordinator.h"
+#include "sync/DateGate.h"
 #include "sync/Destination.h"
 #include "sync/Recognition.h"
 #include "sync/RunFlags.h"
@@ -90,7 +91,6 @@ class SyncCoordinator {
     void processRecord(const SyncRecord& record) noexcept;
     void upload(const SyncRecord& record, std::stop_token stop);
     void leaveOut(const SyncRecord& record);
-    bool passesDateGate(const SyncRecord& record, StagedFile& file);
     void handleFailure(const SyncRecord& record, const std::exception& error);
     void endBecauseOf(const QString& failure);
     std::optional<QString> takeDiskFull();
@@ -101,6 +101,7 @@ class SyncCoordinator {
     void reportProgress();
 
     Services s_;
+    DateGate dateGate_;
     StageAhead::Limits stagingLimits_;
 
     std::mutex mutex_; ///< guards everything below; never held over network or disk

@@ -81,6 +81,7 @@ SyncRunOutcome runSync(const SyncRunServices& services, bool deletionEnabled,
         const StoreCounts after = StoreCounts::of(services.db);
         outcome.existing = services.batches.takeAlreadyExisting();
         outcome.verified = std::max(0, after.verified - before.verified);
+        outcome.datedByNumber = std::max(0, after.datedByNumber - before.datedByNumber);
         outcome.failed = std::max(0, after.failed - before.failed);
         outcome.undated = std::max(0, after.undated - before.undated);
     } catch (const Cancelled&) {

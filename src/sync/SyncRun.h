@@ -36,8 +36,9 @@ struct SyncRunOutcome {
     int undated = 0;  ///< records that were held back for want of a date
     int total = 0;    ///< records that the run set out to do
     int passes = 0;
-    int recognised = 0; ///< of `verified`: not sent, the same bytes were there already
-    int existing = 0;   ///< of `verified`: sent, and the destination had the same bytes
+    int recognised = 0;    ///< of `verified`: not sent, the same bytes were there already
+    int existing = 0;      ///< of `verified`: sent, and the destination had the same bytes
+    int datedByNumber = 0; ///< of `verified`: by a number in the name, taken for a Unix time
     std::int64_t uploadedBytes = 0;
     LeftOut leftOut; ///< by the library, when it was listed
     DeletionSummary deletion;

@@ -225,6 +225,7 @@ TEST_F(MediaMetadataServiceTest, ForetellsWhatARunMakesOfAFile) {
         {"n.nef", tiffOf(ByteOrder::bigEndian, false), none, Mode::today, Case::failed, false,
          true},
         {"o.nef", dated, AssetFacts{ofAsset, none}, Mode::today, Case::skippedAlreadyHasDate, true},
+        {"o2.jpg", dated, AssetFacts{in2026, none, ofAsset}, Mode::today, Case::success, true},
         {"p.dng", dated, AssetFacts{ofAsset, none}, Mode::strictNone, Case::success, true},
         {"cut", movie(0, 0), none, Mode::strictNone, Case::success, true, false,
          QString(300, u'n') + QStringLiteral("_20150505_151515.mov")},

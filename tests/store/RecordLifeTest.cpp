@@ -58,7 +58,10 @@ const std::vector<Operation> operations{
      countFailure},
     {"redated", [](auto& life, auto& record) { return life.redated(record); }, otherBytes},
     {"requeued", [](auto& life, auto& record) { return life.requeued(record); }, clearError},
-    {"heldBack", [](auto& life, auto& record) { return life.heldBack(record, u"reason"_s); },
+    {"heldBack",
+     [](auto& life, auto& record) {
+         return life.heldBack(record, u"reason"_s, RecordLife::Want::undatable);
+     },
      setReason},
     {"refused", [](auto& life, auto& record) { return life.refused(record, u"reason"_s); },
      countFailure},
@@ -77,6 +80,11 @@ const std::vector<Operation> operations{
     {"retriedFailed", onAll(SyncStatus::failed, [](auto& life) { life.retriedFailed(false); }),
      clearError},
     {"retriedUndated", onAll(SyncStatus::dateUnresolved, [](auto& life) { life.retriedUndated(); }),
+     clearError},
+    {"dateChosen",
+     [](auto& life, auto& record) { return life.dateChosen(record, Date(std::chrono::days(9))); },
+     clearError},
+    {"undatableReleased", [](auto& life, auto&) { return life.undatableReleased() == 1; },
      clearError},
 };
 
@@ -106,9 +114,11 @@ QStringList shown(const SyncRecord& record) {
 class RecordLifeTest : public testing::Test {
   protected:
     std::string whatIsRemembered() {
+        const auto choice = dates.choiceOf(u"a"_s);
         return QStringList{
             life.left().join(u','), QString::number(life.unfinishedDeletions().size()),
-            life.sourceOf(u"a"_s).value_or(RecordSource()).sha256, StateFacts(db).account().email}
+            life.sourceOf(u"a"_s).value_or(RecordSource()).sha256, StateFacts(db).account().email,
+            choice ? describe(choice->date.value_or(Date())) : QString()}
             .join(u'|')
             .toStdString();
     }
@@ -117,11 +127,13 @@ class RecordLifeTest : public testing::Test {
     Console console{Console::Channel::silent};
     DatabaseManager db{folder / "quorvane.sqlite", console};
     RecordLife life{db, {u"1"_s, u"me"_s}};
+    RecordDates dates{db};
 };
 
 } // namespace
 
 TEST_F(RecordLifeTest, EveryArrowIsFollowedFromItsStatusesOnly) {
+    dates.setUndatable(u"a"_s, true);
     ASSERT_EQ(RecordLife::arrows().size(), operations.size());
     for (const Operation& operation : operations) {
         const auto arrow =
@@ -150,11 +162,12 @@ TEST_F(RecordLifeTest, EveryArrowIsFollowedFromItsStatusesOnly) {
         }
         db.onConnection([](sqlite::Connection& database) {
             database.execute("DELETE FROM sync_records; DELETE FROM record_sources;"
-                             "DELETE FROM record_leavings; DELETE FROM state_facts;");
+                             "DELETE FROM record_leavings; DELETE FROM state_facts;"
+                             "DELETE FROM record_choices;");
         });
         operation.run(life, told);
         EXPECT_FALSE(db.fetchRecord(u"a"_s)) << operation.name << " of a record that is gone";
-        EXPECT_EQ(whatIsRemembered(), "|0||");
+        EXPECT_EQ(whatIsRemembered(), "|0|||");
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "SyncWorld.h"
 #include "foundation/MainThread.h"
+#include "metadata/ImageMetadata.h"
 
 #include <QJsonArray>
 
@@ -93,6 +94,7 @@ TEST_F(SyncRun, ASecondRunHasNothingToDo) {
 
 TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     const QString heldBack = u"Tarih tespit edilemedi - Google Photos hatalı tarih koruması"_s;
+    const QString noPlace = u"Bu biçime tarih yazılamaz - isterseniz olduğu gibi yüklenir"_s;
     world.addPicture(u"dated.jpg"_s);
     world.addPicture(u"undated.jpg"_s, std::nullopt);
     world.addPicture(u"undated.gif"_s); // no place for a date
@@ -104,7 +106,7 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     EXPECT_EQ(program.record(u"dated.jpg"_s).syncStatus, SyncStatus::verified);
     for (const QString& name : {u"undated.jpg"_s, u"undated.gif"_s}) {
         EXPECT_EQ(program.record(name).syncStatus, SyncStatus::dateUnresolved);
-        EXPECT_EQ(program.record(name).lastError, heldBack);
+        EXPECT_EQ(program.record(name).lastError, name.endsWith(u"gif"_s) ? noPlace : heldBack);
         EXPECT_EQ(program.linesWith(u"(DATE_UNRESOLVED)"_s).filter(program.identifierOf(name)),
                   QStringList{u"[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload "
                               "engellendi: "_s +
@@ -116,13 +118,35 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     program.run();
     EXPECT_EQ(program.record(u"undated.jpg"_s).syncStatus, SyncStatus::verified);
     EXPECT_EQ(program.record(u"undated.gif"_s).syncStatus, SyncStatus::dateUnresolved);
-    EXPECT_EQ(program.record(u"undated.gif"_s).lastError, heldBack);
+    EXPECT_EQ(program.record(u"undated.gif"_s).lastError, noPlace);
     EXPECT_EQ(
         program.linesWith(u"geçerli gömülü tarih bulunamadı"_s),
         QStringList{
             u"[Sync] 🛑 Dosyada geçerli gömülü tarih bulunamadı, upload engellendi: "_s +
             program.identifierOf(u"undated.gif"_s)});
     EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
+
+    EXPECT_EQ(program.life.undatableReleased(), 1);
+    SyncProgram next(world);
+    next.run();
+    EXPECT_EQ(next.database.fetchRecord(program.identifierOf(u"undated.gif"_s))->syncStatus,
+              SyncStatus::verified);
+    EXPECT_EQ(world.storedContents()[computeHashAndSize(world.pictures / "undated.gif").sha256], 1);
+}
+
+TEST_F(SyncRun, ADateThatAPersonNamedIsWritten) {
+    world.addPicture(u"undated.jpg"_s, std::nullopt);
+    SyncProgram program(world);
+    program.discover();
+    program.run();
+    const Date chosen{std::chrono::sys_days(std::chrono::May / 3 / 2019)};
+    EXPECT_TRUE(program.life.dateChosen(program.record(u"undated.jpg"_s), chosen));
+    SyncProgram next(world);
+    next.run();
+    ASSERT_EQ(world.google.mediaItems().size(), 1U);
+    EXPECT_EQ(readExistingImageDate(program.stagedPath(u"undated.jpg"_s)), chosen);
+    const QString identifier = program.identifierOf(u"undated.jpg"_s);
+    EXPECT_EQ(RecordDates(next.database).all(), (std::vector{std::pair(identifier, chosen)}));
 }
 
 TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {

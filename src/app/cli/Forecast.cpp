@@ -39,13 +39,21 @@ void countFile(Forecast& forecast, SourceServices& library, const PhotoAsset& as
         ++forecast.unavailable;
         return;
     }
+    const auto choice = RecordDates(library.state.db).choiceOf(asset.localIdentifier);
+    AssetFacts facts = asset.facts();
+    if (choice)
+        facts.chosenDate = choice->date;
+    const std::filesystem::path file = library.path / resource->location;
     const MetadataForecast metadata = library.metadata.wouldEnsureMetadata(
-        library.path / resource->location, asset.facts(), asset.localIdentifier, fallbackMode,
-        resource->originalFilename, stop);
-    if (metadata.carriesDate)
+        file, facts, asset.localIdentifier, fallbackMode, resource->originalFilename, stop);
+    const bool isSentAsItIs = choice && !choice->date;
+    if (metadata.carriesDate || isSentAsItIs) {
         forecast.bytes += *resource->fileSize;
-    else
-        ++forecast.undated;
+        return;
+    }
+    ++forecast.undated;
+    if (library.metadata.isUndatable(file, resource->originalFilename, stop))
+        ++forecast.undatable;
 }
 
 } // namespace
@@ -94,6 +102,8 @@ QString Forecast::table() const {
     text += tableRow(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
     text += tableRow(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
     text += tableRow(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
+    if (undatable > 0)
+        text += tableRow(QStringLiteral("  tarih yazılamayan biçim"), QString::number(undatable));
     text += tableRow(QStringLiteral("Daha önce bekletilen"), QString::number(held));
     text += leftOutRows(leftOut);
     text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
@@ -117,6 +127,7 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("alreadyDone"), alreadyDone},
                        {QStringLiteral("unavailable"), unavailable},
                        {QStringLiteral("undated"), undated},
+                       {QStringLiteral("undatable"), undatable},
                        {QStringLiteral("held"), held},
                        {QStringLiteral("leftOut"), leftOutJson(leftOut)},
                        {QStringLiteral("toUpload"), toUpload()},

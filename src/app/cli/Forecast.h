@@ -14,6 +14,7 @@ struct Forecast {
     int alreadyDone = 0; ///< verified earlier
     int unavailable = 0; ///< the original is not on this machine
     int undated = 0;     ///< would be held back
+    int undatable = 0;   ///< of `undated`: the file takes no date
     int held = 0;        ///< failed or held back earlier; a run leaves them until they are retried
     LeftOut leftOut;     ///< by the library
     std::int64_t bytes = 0;

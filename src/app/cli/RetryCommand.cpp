@@ -1,11 +1,13 @@
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
+#include "app/cli/SyncReport.h"
 
 namespace quorvane::cli {
 
 namespace {
 
-/// Puts failed records back in the queue, and undated ones too once a date may be invented.
+/// Puts failed records back in the queue, undated ones too once a date may be invented, and those
+/// that take none once they may go without.
 int retry(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
     Program program(invocation);
@@ -23,27 +25,41 @@ int retry(Invocation& invocation) {
     state.life.retriedFailed(true);
     if (withUndated)
         state.life.retriedUndated();
+    const int released = invocation.arguments.has(QStringLiteral("undatable"))
+                             ? state.life.undatableReleased()
+                             : 0;
     const StoreCounts after = StoreCounts::of(state.db);
     core.console.result(
         QStringLiteral("%1 öğe yeniden sıraya alındı.").arg(after.pending - before.pending));
-    if (after.undated > 0)
+    if (released > 0)
+        core.console.result(QStringLiteral("%1 öğe olduğu gibi yüklenecek; Google bunları "
+                                           "yüklendikleri güne koyar.")
+                                .arg(released));
+    if (const int undated = after.undated - after.undatable; undated > 0)
         core.console.result(QStringLiteral("%1 tarihsiz öğe bekletiliyor; yüklemek için: "
                                            "quorvane-cli retry --date-fallback fileSaveDate")
-                                .arg(after.undated));
+                                .arg(undated));
+    if (after.undatable > 0)
+        core.console.result(undatableAdvice());
     return done;
 }
 
 } // namespace
 
 Command retryCommand() {
-    return {{QStringLiteral("retry"),
-             QStringLiteral("yüklenemeyen öğeleri yeniden sıraya alır"),
-             {{QStringLiteral("date-fallback"),
-               QStringLiteral("KİP"),
-               QStringLiteral("tarihsiz öğeler için kullanılacak tarih (hatırlanır)"),
-               {QStringLiteral("strictNone"), QStringLiteral("fileSaveDate"),
-                QStringLiteral("today")}}}},
-            retry};
+    return {
+        {QStringLiteral("retry"),
+         QStringLiteral("yüklenemeyen öğeleri yeniden sıraya alır"),
+         {{QStringLiteral("date-fallback"),
+           QStringLiteral("KİP"),
+           QStringLiteral("tarihsiz öğeler için kullanılacak tarih (hatırlanır)"),
+           {QStringLiteral("strictNone"), QStringLiteral("fileSaveDate"), QStringLiteral("today")}},
+          {QStringLiteral("undatable"),
+           QStringLiteral("SEÇİM"),
+           QStringLiteral("tarih yazılamayan biçimler: olduğu gibi yükle (Google yüklendikleri "
+                          "güne koyar)"),
+           {QStringLiteral("upload")}}}},
+        retry};
 }
 
 } // namespace quorvane::cli

@@ -31,6 +31,9 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
     text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
     text += tableRow(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
     text += tableRow(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
+    if (status.counts.undatable > 0)
+        text += tableRow(QStringLiteral("  tarih yazılamayan biçim"),
+                         QString::number(status.counts.undatable));
     text += tableRow(QStringLiteral("Durum veritabanı"), pathText(place.database));
     text += tableRow(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
     text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(place.permanentStaging));
@@ -61,6 +64,7 @@ int status(Invocation& invocation) {
                              {QStringLiteral("pending"), now.counts.pending},
                              {QStringLiteral("failed"), now.counts.failed},
                              {QStringLiteral("undated"), now.counts.undated},
+                             {QStringLiteral("undatable"), now.counts.undatable},
                              {QStringLiteral("database"), pathText(place.database)},
                              {QStringLiteral("log"), pathText(core.logger.logFile())},
                              {QStringLiteral("staging"), pathText(place.permanentStaging)}});

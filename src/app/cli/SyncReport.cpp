@@ -47,6 +47,11 @@ QString byteText(std::int64_t bytes) {
     return turkish.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
 }
 
+QString undatableAdvice() {
+    return QStringLiteral("Tarih yazılamayanları olduğu gibi yüklemek için: quorvane-cli retry "
+                          "--undatable upload (Google bunları yüklendikleri güne koyar)");
+}
+
 QString leftOutRows(const LeftOut& leftOut) {
     return rowUnlessZero(QStringLiteral("Okunamadığı için atlanan"), leftOut.unreadable) +
            rowUnlessZero(QStringLiteral("Yazıldığı için atlanan"), leftOut.inUse) +
@@ -66,11 +71,13 @@ QString SyncReport::table() const {
     text += countRow(QStringLiteral("Doğrulanan (bu kez)"), run.verified);
     text += rowUnlessZero(QStringLiteral("  zaten yüklü, tanınan"), run.recognised);
     text += rowUnlessZero(QStringLiteral("  Google'da zaten varmış"), run.existing);
+    text += rowUnlessZero(QStringLiteral("  tarihi addaki sayı"), run.datedByNumber);
     text += countRow(QStringLiteral("Doğrulanan (toplam)"), after.verified);
     text += countRow(QStringLiteral("Başarısız"), after.failed);
     for (const FailedCategorySummary& failure : failures)
         text += countRow(QStringLiteral("  ") + failure.categoryName, failure.count);
     text += countRow(QStringLiteral("Tarihi bilinmeyen"), after.undated);
+    text += rowUnlessZero(QStringLiteral("  tarih yazılamayan biçim"), after.undatable);
     text += countRow(QStringLiteral("Bekleyen"), pending);
     text += leftOutRows(run.leftOut);
     text += deletionRows(run.deletion);
@@ -85,6 +92,8 @@ QString SyncReport::table() const {
     const int more = after.failed + after.undated - static_cast<int>(unfinished.size());
     if (more > 0)
         text += QStringLiteral("  … ve %1 öğe daha\n").arg(turkish.toString(more));
+    if (after.undatable > 0)
+        text += undatableAdvice() + u'\n';
     return text + QStringLiteral("Yeniden denemek için: quorvane-cli retry");
 }
 
@@ -108,7 +117,9 @@ QJsonObject SyncReport::json() const {
                        {QStringLiteral("verifiedTotal"), after.verified},
                        {QStringLiteral("failed"), after.failed},
                        {QStringLiteral("failedByCategory"), categories},
+                       {QStringLiteral("datedByNumber"), run.datedByNumber},
                        {QStringLiteral("undated"), after.undated},
+                       {QStringLiteral("undatable"), after.undatable},
                        {QStringLiteral("pending"), pending},
                        {QStringLiteral("bytes"), qint64(run.uploadedBytes)},
                        {QStringLiteral("seconds"), seconds},

@@ -34,6 +34,9 @@ struct SyncReport {
 QString leftOutRows(const LeftOut& leftOut);
 QJsonObject leftOutJson(const LeftOut& leftOut);
 
+/// How what takes no date gets out.
+QString undatableAdvice();
+
 /// "1,2 MB"
 QString byteText(std::int64_t bytes);
 

@@ -173,16 +173,13 @@ class Scanner {
     FolderScan found_;
 };
 
-/// Of the kinds that carry a date, or can be given one; and of GIF, which a person may send with
-/// the date of its file.
 std::unordered_map<std::string, AssetMediaType> typesByExtension() {
     std::unordered_map<std::string, AssetMediaType> types;
     for (const MediaKind& kind : mediaKinds())
-        if (kind.reading != DateReading::none || kind.extension == QLatin1String("gif"))
-            types.emplace('.' + std::string(kind.extension.data(),
-                                            static_cast<std::size_t>(kind.extension.size())),
-                          kind.mediaClass == MediaClass::movie ? AssetMediaType::video
-                                                               : AssetMediaType::image);
+        types.emplace('.' + std::string(kind.extension.data(),
+                                        static_cast<std::size_t>(kind.extension.size())),
+                      kind.mediaClass == MediaClass::movie ? AssetMediaType::video
+                                                           : AssetMediaType::image);
     return types;
 }
 

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "store/DatabaseManager.h"
+
+#include <set>
+
+namespace quorvane {
+
+/// The capture date that a record's staged copy was given.
+struct RecordDate {
+    Date date;
+    QString source; ///< where it comes from; the metadata's own word
+
+    bool operator==(const RecordDate&) const = default;
+};
+
+/// What a person decided about an item that was held back for want of a date.
+struct DateChoice {
+    std::optional<Date> date; ///< its capture date; none: it goes up as it is, without one
+
+    bool operator==(const DateChoice&) const = default;
+};
+
+/// What is remembered of dates, beside the records. Read by anybody; written by `RecordLife`
+/// together with the status that it means. Any thread. Throws `DBError`.
+class RecordDates {
+  public:
+    explicit RecordDates(DatabaseManager& database) : db_(database) {}
+
+    void setDate(const QString& identifier, const RecordDate& date);
+    /// By identifier, in no order: of every asset that was staged with a date.
+    std::vector<std::pair<QString, Date>> all();
+
+    void setChoice(const QString& identifier, const DateChoice& choice);
+    std::optional<DateChoice> choiceOf(const QString& identifier);
+
+    /// Whether the asset's file was found to be of a kind that takes no date.
+    void setUndatable(const QString& identifier, bool isUndatable);
+    /// The held back assets among them.
+    std::set<QString> heldUndatable();
+
+  private:
+    DatabaseManager& db_;
+};
+
+} // namespace quorvane
