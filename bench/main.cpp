@@ -23,6 +23,9 @@ class StandardError final : public Log {
 class AnyToken final : public AccessTokenProvider {
   public:
     QString validAccessToken(std::stop_token /*stop*/) override { return QStringLiteral("token"); }
+    std::optional<QString> renewedAccessToken(const QString&, std::stop_token) override {
+        return std::nullopt;
+    }
 };
 
 /// Writes a date, in seconds since 1970, into every file, as staging does; says what failed.
@@ -47,13 +50,8 @@ int stamp(const QString& seconds, const QStringList& files) {
 int send(const QString& baseURL, const QString& file) {
     CurlHttpClient http;
     AnyToken tokens;
-    SystemClock clock;
-    TransferActivityTracker tracker(clock);
-    GoogleUploadTask task(http, tokens, tracker, GoogleEndpoints::resolve(baseURL));
-    SyncRecord record;
-    record.assetLocalIdentifier = file;
-    tracker.add({file, file});
-    task.upload(record, pathFrom(file), file, {});
+    GoogleLibraryApi api(http, tokens, GoogleEndpoints::resolve(baseURL));
+    GoogleUploadTask(api).upload(pathFrom(file), file, {}, {});
     return 0;
 }
 

@@ -39,8 +39,9 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
       tokens(keychain, core.preferences, core.logger),
       oauth({endpoints, config, http, browser, tokens, core.clock, core.logger}),
       tracker(core.clock),
-      albums(http, oauth, core.preferences, core.logger, endpoints),
-      destination(http, oauth, albums, endpoints) {}
+      api(http, oauth, endpoints),
+      albums(api, core.preferences, core.logger),
+      destination(api, albums) {}
 
 AccountIdentity GoogleServices::account() {
     return {oauth.userID().value_or(QString()), oauth.email().value_or(QString())};

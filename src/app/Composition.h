@@ -70,6 +70,7 @@ struct GoogleServices {
     TokenStore tokens;
     GoogleOAuthManager oauth;
     TransferActivityTracker tracker;
+    GoogleLibraryApi api;
     GoogleAlbumManager albums;
     GoogleDestination destination;
 };

@@ -2,6 +2,7 @@
 
 #include "google/GoogleEndpoints.h"
 #include "google/RequestBody.h"
+#include "google/ResponseReader.h"
 
 #include <algorithm>
 #include <set>
@@ -20,7 +21,6 @@ namespace {
 
 constexpr size_t idleLanesKept = 4;
 constexpr long uploadBufferBytes = 1 << 20;
-constexpr std::int64_t largestResponseHeader = 1 << 20;
 
 struct EasyCleanup {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
@@ -102,35 +102,16 @@ int seekBody(void* body, curl_off_t offset, int origin) {
     return CURL_SEEKFUNC_OK;
 }
 
-/// The answer as it arrives.
-struct Answer {
-    QByteArray body;
-    std::int64_t largestBody = 0;
-    std::int64_t headerBytes = 0;
-    bool tooLarge = false;
-    std::optional<Date> date;
+size_t takeBody(char* bytes, size_t unit, size_t count, void* reader) {
+    const QByteArrayView part(bytes, static_cast<qsizetype>(unit * count));
+    return static_cast<ResponseReader*>(reader)->takeBody(part) ? unit * count
+                                                                : CURL_WRITEFUNC_ERROR;
+}
 
-    static size_t takeBody(char* bytes, size_t unit, size_t count, void* self) {
-        auto* answer = static_cast<Answer*>(self);
-        const auto size = static_cast<std::int64_t>(unit * count);
-        answer->tooLarge = answer->body.size() + size > answer->largestBody;
-        if (answer->tooLarge)
-            return CURL_WRITEFUNC_ERROR;
-        answer->body.append(bytes, size);
-        return unit * count;
-    }
-
-    static size_t takeHeader(char* bytes, size_t unit, size_t count, void* self) {
-        auto* answer = static_cast<Answer*>(self);
-        const QByteArray line(bytes, static_cast<qsizetype>(unit * count));
-        answer->headerBytes += line.size();
-        if (line.toLower().startsWith("date:"))
-            if (const time_t date = curl_getdate(line.constData() + 5, nullptr); date >= 0)
-                answer->date = Date(std::chrono::seconds(date));
-        answer->tooLarge = answer->headerBytes > largestResponseHeader;
-        return answer->tooLarge ? 0 : unit * count;
-    }
-};
+size_t takeHeader(char* bytes, size_t unit, size_t count, void* reader) {
+    const QByteArrayView line(bytes, static_cast<qsizetype>(unit * count));
+    return static_cast<ResponseReader*>(reader)->takeHeaderLine(line) ? unit * count : 0;
+}
 
 } // namespace
 
@@ -149,8 +130,7 @@ class CurlHttpClient::Lane {
     HttpResponse send(const HttpRequest& request, std::int64_t largestResponse,
                       const std::stop_token& stop) {
         RequestBody body(request);
-        Answer answer;
-        answer.largestBody = largestResponse;
+        ResponseReader answer(largestResponse);
         const HeaderList headers = headerList(request);
         configure(request, headers.get());
         attachBody(request, body);
@@ -165,13 +145,13 @@ class CurlHttpClient::Lane {
             if (body.errorNumber() != 0)
                 throw FileError(QStringLiteral("Dosya okunamadı"), *request.bodyFile,
                                 body.errorNumber());
-            if (answer.tooLarge)
+            if (answer.isTooLarge())
                 throw TransportError(QStringLiteral("Sunucunun yanıtı çok büyük (connection)"));
             throw transportError(result);
         }
         long status = 0;
         curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
-        return {static_cast<int>(status), std::move(answer.body), answer.date};
+        return answer.finish(static_cast<int>(status));
     }
 
   private:
@@ -282,10 +262,10 @@ class CurlHttpClient::Lane {
         set(CURLOPT_SEEKDATA, &body);
     }
 
-    void attachAnswer(Answer& answer) {
-        set(CURLOPT_WRITEFUNCTION, &Answer::takeBody);
+    void attachAnswer(ResponseReader& answer) {
+        set(CURLOPT_WRITEFUNCTION, &takeBody);
         set(CURLOPT_WRITEDATA, &answer);
-        set(CURLOPT_HEADERFUNCTION, &Answer::takeHeader);
+        set(CURLOPT_HEADERFUNCTION, &takeHeader);
         set(CURLOPT_HEADERDATA, &answer);
         answer_ = &answer;
     }
@@ -327,7 +307,7 @@ class CurlHttpClient::Lane {
     Activity activity() const {
         Activity now;
         curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &now.sent);
-        now.received = answer_->headerBytes + answer_->body.size();
+        now.received = answer_->received();
 #ifdef SIOCOUTQ
         for (const curl_socket_t socket : sockets_) {
             int bytes = 0;
@@ -356,7 +336,7 @@ class CurlHttpClient::Lane {
     std::set<curl_socket_t> sockets_; // outlives the engine, which closes them
     MultiHandle multi_;
     EasyHandle easy_;
-    const Answer* answer_ = nullptr;
+    const ResponseReader* answer_ = nullptr;
 };
 
 CurlHttpClient::CurlHttpClient(std::int64_t largestResponse) : largestResponse_(largestResponse) {}

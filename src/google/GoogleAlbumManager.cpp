@@ -1,5 +1,8 @@
 #include "google/GoogleAlbumManager.h"
 
+#include "google/GoogleErrors.h"
+#include "google/GoogleFaults.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
@@ -12,12 +15,9 @@ namespace quorvane {
 
 namespace {
 
+const QString albumsPath = QStringLiteral("/v1/albums");
 constexpr int maximumPages = 1000; // of 50 albums: far beyond what an account holds
 constexpr qsizetype loggedBodyLength = 2000;
-
-QByteArray bearer(const QString& token) {
-    return "Bearer " + token.toUtf8();
-}
 
 QString bodyText(const HttpResponse& response) {
     return QString::fromUtf8(response.body.left(loggedBodyLength));
@@ -50,22 +50,15 @@ void merge(std::vector<GoogleAlbum>& albums, const GoogleAlbum& album) {
 
 } // namespace
 
-GoogleAlbumManager::GoogleAlbumManager(HttpClient& http, AccessTokenProvider& tokens,
-                                       Preferences& preferences, Log& log,
-                                       const GoogleEndpoints& endpoints)
-    : http_(http),
-      tokens_(tokens),
-      preferences_(preferences),
-      log_(log),
-      albumsEndpoint_(endpoints.library(QStringLiteral("/v1/albums"))),
-      sharedAlbumsEndpoint_(endpoints.library(QStringLiteral("/v1/sharedAlbums"))) {}
+GoogleAlbumManager::GoogleAlbumManager(GoogleLibraryApi& api, Preferences& preferences, Log& log)
+    : api_(api), preferences_(preferences), log_(log) {}
 
 std::vector<GoogleAlbum> GoogleAlbumManager::listAlbums(std::stop_token stop) {
-    const QString token = tokens_.validAccessToken(stop);
-    Listing own = fetchEndpointAlbums(albumsEndpoint_, QStringLiteral("albums"), token, stop);
-    const Listing shared =
-        fetchEndpointAlbums(sharedAlbumsEndpoint_, QStringLiteral("sharedAlbums"), token, stop);
-    lacksReadPermission_ = own.insufficientScopes && !own.isServiceDisabled;
+    api_.requireSession(stop);
+    Listing own = fetchEndpointAlbums(albumsPath, QStringLiteral("albums"), stop);
+    const Listing shared = fetchEndpointAlbums(QStringLiteral("/v1/sharedAlbums"),
+                                               QStringLiteral("sharedAlbums"), stop);
+    rememberFault(own.fault);
     const bool scopeIssue = own.insufficientScopes || shared.insufficientScopes;
     own.albums.insert(own.albums.end(), shared.albums.begin(), shared.albums.end());
     const std::vector<GoogleAlbum> albums = remember(own.albums);
@@ -81,16 +74,32 @@ std::vector<GoogleAlbum> GoogleAlbumManager::listAlbums(std::stop_token stop) {
     return albums;
 }
 
-GoogleAlbumManager::Listing GoogleAlbumManager::fetchEndpointAlbums(const QUrl& endpoint,
+bool GoogleAlbumManager::lacksReadPermission() const {
+    const auto fault = listingFault();
+    return fault &&
+           (fault->code == FaultCode::permissionMissing || fault->code == FaultCode::accessDenied);
+}
+
+std::optional<Fault> GoogleAlbumManager::listingFault() const {
+    const std::lock_guard lock(memory_);
+    return listingFault_;
+}
+
+void GoogleAlbumManager::rememberFault(const std::optional<Fault>& fault) {
+    const std::lock_guard lock(memory_);
+    listingFault_ = fault;
+}
+
+GoogleAlbumManager::Listing GoogleAlbumManager::fetchEndpointAlbums(const QString& path,
                                                                     const QString& jsonArrayKey,
-                                                                    const QString& token,
-                                                                    std::stop_token stop) {
+                                                                    const std::stop_token& stop) {
+    const QUrl endpoint = api_.at(path);
     Listing listing;
     QSet<QString> seenPages;
     QString pageToken;
     do {
         seenPages.insert(pageToken);
-        const auto page = fetchPage(endpoint, pageToken, token, listing, stop);
+        const auto page = fetchPage(endpoint, pageToken, listing, stop);
         if (!page)
             break;
         for (const QJsonValue& element : page->value(jsonArrayKey).toArray())
@@ -104,25 +113,25 @@ GoogleAlbumManager::Listing GoogleAlbumManager::fetchEndpointAlbums(const QUrl& 
 
 /// One page, or none after a failure, which is logged.
 std::optional<QJsonObject> GoogleAlbumManager::fetchPage(const QUrl& endpoint,
-                                                         const QString& pageToken,
-                                                         const QString& token, Listing& listing,
-                                                         std::stop_token stop) {
+                                                         const QString& pageToken, Listing& listing,
+                                                         const std::stop_token& stop) {
     const QString where =
         QStringLiteral("[GoogleAlbumManager] ⚠️ Endpoint ") + endpoint.toString();
     HttpRequest request;
     request.url = pageURL(endpoint, pageToken);
-    request.headers = {{"Authorization", bearer(token)}};
     HttpResponse response;
     try {
-        response = http_.send(request, stop);
-    } catch (const Error& error) {
+        response = api_.send(std::move(request), stop);
+    } catch (const TransportError& error) {
+        listing.fault = error.fault();
         log_.log(QStringLiteral("[GoogleAlbumManager] Ağ hatası (") + endpoint.toString() +
                  QStringLiteral("): ") + error.localizedDescription());
         return std::nullopt;
     }
+    if (response.status != 200)
+        listing.fault = faultIn(response);
     if (response.status == 403) {
         listing.insufficientScopes = true;
-        listing.isServiceDisabled = response.body.contains("SERVICE_DISABLED");
         log_.log(where + QStringLiteral(" HTTP 403 (excludeNonAppCreatedData: true): ") +
                  bodyText(response));
         return std::nullopt;
@@ -133,6 +142,7 @@ std::optional<QJsonObject> GoogleAlbumManager::fetchPage(const QUrl& endpoint,
     }
     const QJsonDocument document = QJsonDocument::fromJson(response.body);
     if (!document.isObject()) {
+        listing.fault = foreignAnswer();
         log_.log(where + QStringLiteral(": ") +
                  AlbumError::invalidResponse().localizedDescription());
         return std::nullopt;
@@ -143,19 +153,18 @@ std::optional<QJsonObject> GoogleAlbumManager::fetchPage(const QUrl& endpoint,
 GoogleAlbum GoogleAlbumManager::createAlbum(const QString& title, std::stop_token stop) {
     HttpRequest request;
     request.method = "POST";
-    request.url = albumsEndpoint_;
+    request.url = api_.at(albumsPath);
     request.isCreation = true;
-    request.headers = {{"Authorization", bearer(tokens_.validAccessToken(stop))},
-                       {"Content-Type", "application/json"}};
+    request.headers = {{"Content-Type", "application/json"}};
     request.body = QJsonDocument(QJsonObject{{QStringLiteral("album"),
                                               QJsonObject{{QStringLiteral("title"), title}}}})
                        .toJson(QJsonDocument::Compact);
-    const HttpResponse response = http_.send(request, stop);
+    const HttpResponse response = api_.send(std::move(request), stop);
     if (response.status != 200) {
         log_.log(QStringLiteral("[GoogleAlbumManager] Albüm oluşturma HTTP hatası: %1 - Yanıt: ")
                      .arg(response.status) +
                  bodyText(response));
-        throw AlbumError::httpError(response.status);
+        throw AlbumError::httpError(response);
     }
     auto album = GoogleAlbum::fromJson(QJsonDocument::fromJson(response.body).object());
     if (!album)
@@ -181,6 +190,16 @@ QString GoogleAlbumManager::nextPartTitle(const QString& title) {
     if (!isNumber)
         return title + QStringLiteral(" - Parça 2");
     return title.left(match.capturedStart()) + QStringLiteral(" - Parça %1").arg(part + 1);
+}
+
+bool GoogleAlbumManager::isFull(const QString& id, const std::stop_token& stop) try {
+    HttpRequest request;
+    request.url = api_.at(albumsPath + u'/' + id);
+    const HttpResponse response = api_.send(std::move(request), stop);
+    const auto album = GoogleAlbum::fromJson(QJsonDocument::fromJson(response.body).object());
+    return response.status == 200 && album && album->itemCount() >= GoogleAlbum::capacity;
+} catch (const Error&) {
+    return false; // what was asked for before counts
 }
 
 void GoogleAlbumManager::selectTargetAlbum(const std::optional<GoogleAlbum>& album) {

@@ -2,11 +2,8 @@
 
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
-#include "google/AccessTokenProvider.h"
-#include "google/AlbumError.h"
 #include "google/GoogleAlbum.h"
-#include "google/GoogleEndpoints.h"
-#include "google/HttpClient.h"
+#include "google/GoogleLibraryApi.h"
 
 #include <atomic>
 #include <mutex>
@@ -19,8 +16,7 @@ namespace quorvane {
 /// with a stop token block on the network.
 class GoogleAlbumManager {
   public:
-    GoogleAlbumManager(HttpClient& http, AccessTokenProvider& tokens, Preferences& preferences,
-                       Log& log, const GoogleEndpoints& endpoints);
+    GoogleAlbumManager(GoogleLibraryApi& api, Preferences& preferences, Log& log);
 
     /// The remembered albums in their order, then new ones: own before shared. What Google says now
     /// replaces what was remembered. A failing endpoint is logged and shortens the list; only the
@@ -33,7 +29,10 @@ class GoogleAlbumManager {
 
     /// True when the last listing was refused the own albums for want of the reading scopes, which
     /// a new consent can give.
-    bool lacksReadPermission() const { return lacksReadPermission_; }
+    bool lacksReadPermission() const;
+
+    /// Why the last listing of the own albums ended early; none when it was whole.
+    std::optional<Fault> listingFault() const;
 
     /// Makes an album, remembers it and makes it the target. Throws `AlbumError`, `TransportError`,
     /// `FileError`, the token provider's errors, or `Cancelled`.
@@ -44,6 +43,10 @@ class GoogleAlbumManager {
 
     /// "Aile" → "Aile - Parça 2" → "Aile - Parça 3".
     static QString nextPartTitle(const QString& title);
+
+    /// Whether Google counts as many items in the album as one holds; false when it does not tell.
+    /// Throws `Cancelled`.
+    bool isFull(const QString& id, const std::stop_token& stop);
 
     /// Stores the target album; none is the library stream.
     void selectTargetAlbum(const std::optional<GoogleAlbum>& album);
@@ -58,28 +61,26 @@ class GoogleAlbumManager {
     struct Listing {
         std::vector<GoogleAlbum> albums;
         bool insufficientScopes = false;
-        bool isServiceDisabled = false; ///< the same status, for a project without the API
+        std::optional<Fault> fault;
     };
 
-    Listing fetchEndpointAlbums(const QUrl& endpoint, const QString& jsonArrayKey,
-                                const QString& token, std::stop_token stop);
+    Listing fetchEndpointAlbums(const QString& path, const QString& jsonArrayKey,
+                                const std::stop_token& stop);
     std::optional<QJsonObject> fetchPage(const QUrl& endpoint, const QString& pageToken,
-                                         const QString& token, Listing& listing,
-                                         std::stop_token stop);
+                                         Listing& listing, const std::stop_token& stop);
+    void rememberFault(const std::optional<Fault>& fault);
     void saveLocalCreatedAlbum(const GoogleAlbum& album);
     void saveDiscoveredAlbums(const std::vector<GoogleAlbum>& albums);
     std::vector<GoogleAlbum> remember(const std::vector<GoogleAlbum>& fetched);
 
-    HttpClient& http_;
-    AccessTokenProvider& tokens_;
+    GoogleLibraryApi& api_;
     Preferences& preferences_;
     Log& log_;
-    const QUrl albumsEndpoint_;
-    const QUrl sharedAlbumsEndpoint_;
     std::atomic<bool> hasInsufficientScopes_ = false;
-    std::atomic<bool> lacksReadPermission_ = false;
-    std::mutex
-        memory_; ///< makes a change of the remembered list one step; never held on the network
+    /// Makes a change of the remembered list one step, and guards what follows; never held on the
+    /// network.
+    mutable std::mutex memory_;
+    std::optional<Fault> listingFault_;
 };
 
 } // namespace quorvane

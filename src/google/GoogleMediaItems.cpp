@@ -1,5 +1,8 @@
 #include "google/GoogleMediaItems.h"
 
+#include "google/GoogleErrors.h"
+#include "google/GoogleFaults.h"
+
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -79,6 +82,8 @@ NewMediaItemResult resultFrom(const QJsonValue& value) {
     result.id = mediaItemIDOf(value);
     result.code = codeOf(value);
     const QJsonValue status = value[QStringLiteral("status")];
+    if (result.code != 0 || result.id.isEmpty())
+        result.fault = itemFaultIn(status.toObject());
     if (status.isObject())
         result.statusText =
             QString::fromUtf8(QJsonDocument(status.toObject()).toJson(QJsonDocument::Compact));
@@ -87,31 +92,18 @@ NewMediaItemResult resultFrom(const QJsonValue& value) {
 
 } // namespace
 
-GoogleMediaItems::GoogleMediaItems(HttpClient& http, AccessTokenProvider& tokens,
-                                   const GoogleEndpoints& endpoints)
-    : http_(http),
-      tokens_(tokens),
-      batchCreateEndpoint_(endpoints.library(QStringLiteral("/v1/mediaItems:batchCreate"))),
-      batchGetEndpoint_(endpoints.library(QStringLiteral("/v1/mediaItems:batchGet"))) {}
-
-HttpResponse GoogleMediaItems::send(HttpRequest request, const std::stop_token& stop) {
-    request.headers.insert(request.headers.begin(),
-                           {"Authorization", "Bearer " + tokens_.validAccessToken(stop).toUtf8()});
-    return http_.send(request, stop);
-}
-
 std::vector<NewMediaItemResult>
 GoogleMediaItems::batchCreate(const std::vector<NewMediaItem>& items,
                               const std::optional<QString>& albumID, const std::stop_token& stop) {
     HttpRequest request;
     request.method = "POST";
-    request.url = batchCreateEndpoint_;
+    request.url = api_.at(QStringLiteral("/v1/mediaItems:batchCreate"));
     request.isCreation = true;
     request.headers = {{"Content-Type", "application/json"}};
     request.body = creationBody(items, albumID);
-    const HttpResponse response = send(std::move(request), stop);
+    const HttpResponse response = api_.send(std::move(request), stop);
     if (response.status != 200 && response.status != 207) // 207: some items failed
-        throw BatchError::httpError(response.status);
+        throw BatchError::httpError(response, albumID);
     std::vector<NewMediaItemResult> results;
     for (const QJsonValue& value :
          paired(items, resultsIn(response, QStringLiteral("newMediaItemResults"))))
@@ -129,13 +121,13 @@ std::optional<std::set<QString>> GoogleMediaItems::batchGet(const QStringList& i
         query.addQueryItem(QStringLiteral("mediaItemIds"),
                            QString::fromLatin1(QUrl::toPercentEncoding(id)));
     HttpRequest request;
-    request.url = batchGetEndpoint_;
+    request.url = api_.at(QStringLiteral("/v1/mediaItems:batchGet"));
     request.url.setQuery(query);
-    const HttpResponse response = send(std::move(request), stop);
+    const HttpResponse response = api_.send(std::move(request), stop);
     if (response.status == 403)
         return std::nullopt;
     if (response.status != 200)
-        throw BatchError::httpError(response.status);
+        throw BatchError::httpError(response);
     std::set<QString> existing;
     std::size_t gone = 0;
     for (const auto& value : resultsIn(response, QStringLiteral("mediaItemResults"))) {

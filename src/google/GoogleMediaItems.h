@@ -1,9 +1,7 @@
 #pragma once
 
-#include "google/AccessTokenProvider.h"
-#include "google/BatchError.h"
-#include "google/GoogleEndpoints.h"
-#include "google/HttpClient.h"
+#include "foundation/Fault.h"
+#include "google/GoogleLibraryApi.h"
 
 #include <set>
 
@@ -17,10 +15,11 @@ struct NewMediaItem {
 
 /// What Google says about one of them.
 struct NewMediaItemResult {
-    bool isAnswered = false; ///< false: the answer held nothing about this item
-    QString id;              ///< of the item; counts only while `code` is 0
-    qint64 code = 0;         ///< google.rpc.Code, 0 for success
-    QString statusText;      ///< the whole status as JSON; empty when there was none
+    bool isAnswered = false;         ///< false: the answer held nothing about this item
+    QString id;                      ///< of the item; counts only while `code` is 0
+    qint64 code = 0;                 ///< google.rpc.Code, 0 for success
+    QString statusText;              ///< the whole status as JSON; empty when there was none
+    std::optional<Fault> fault = {}; ///< why there is no item; none when there is one
 };
 
 /// The requests about media items of the Google Photos Library API. Any thread; blocks its caller.
@@ -28,8 +27,7 @@ struct NewMediaItemResult {
 /// `Cancelled`.
 class GoogleMediaItems {
   public:
-    GoogleMediaItems(HttpClient& http, AccessTokenProvider& tokens,
-                     const GoogleEndpoints& endpoints);
+    explicit GoogleMediaItems(GoogleLibraryApi& api) : api_(api) {}
 
     /// One result for each item, in their order. Without an album they go to the library alone.
     std::vector<NewMediaItemResult> batchCreate(const std::vector<NewMediaItem>& items,
@@ -41,12 +39,7 @@ class GoogleMediaItems {
     std::optional<std::set<QString>> batchGet(const QStringList& ids, const std::stop_token& stop);
 
   private:
-    HttpResponse send(HttpRequest request, const std::stop_token& stop);
-
-    HttpClient& http_;
-    AccessTokenProvider& tokens_;
-    const QUrl batchCreateEndpoint_;
-    const QUrl batchGetEndpoint_;
+    GoogleLibraryApi& api_;
 };
 
 } // namespace quorvane

@@ -1,6 +1,7 @@
 #include "google/GoogleOAuthManager.h"
 
 #include "foundation/MainThread.h"
+#include "google/GoogleFaults.h"
 #include "google/OAuthError.h"
 #include "google/OAuthMessages.h"
 #include "google/Pkce.h"
@@ -119,7 +120,7 @@ SignInOutcome GoogleOAuthManager::exchangeCode(const QString& code, const QStrin
         const QString answer =
             QStringLiteral("HTTP %1: %2").arg(response.status).arg(oauth::loggable(response.body));
         with_.log.log(QStringLiteral("[OAuth] ❌ Token takası başarısız! ") + answer);
-        throw OAuthError(OAuthError::Case::tokenExchangeFailed, answer);
+        throw OAuthError::tokenExchangeFailed(answer, tokenFaultIn(response));
     }
     const SignInOutcome outcome = outcomeOf(response.body);
     QString accessToken;
@@ -163,7 +164,7 @@ QString GoogleOAuthManager::saveTokens(const QByteArray& body) {
     const QJsonValue accessToken = answer.value(u"access_token");
     if (!accessToken.isString()) {
         with_.log.log(QStringLiteral("[OAuth] ❌ Geçersiz token yanıtı: ") + oauth::loggable(body));
-        throw OAuthError(OAuthError::Case::invalidResponse);
+        throw OAuthError(OAuthError::Case::invalidResponse, foreignAnswer());
     }
     with_.tokens.writeToken(tokenKeys::accessToken, accessToken.toString());
     if (const QJsonValue refreshToken = answer.value(u"refresh_token"); refreshToken.isString()) {
@@ -185,7 +186,7 @@ void GoogleOAuthManager::fetchAndSaveIdentity(const QString& accessToken,
                                               const std::stop_token& stop) {
     HttpRequest request;
     request.url = with_.endpoints.userInfo;
-    request.headers = {{"Authorization", "Bearer " + accessToken.toUtf8()}};
+    request.headers = {bearerHeader(accessToken)};
     try {
         const HttpResponse response = with_.http.send(request, stop);
         const QJsonObject person = QJsonDocument::fromJson(response.body).object();
@@ -223,6 +224,26 @@ QString GoogleOAuthManager::validAccessToken(std::stop_token stop) {
         }
         startRefresh();
     }
+    return refreshed(lock, stop);
+}
+
+std::optional<QString> GoogleOAuthManager::renewedAccessToken(const QString& refused,
+                                                              std::stop_token stop) {
+    std::unique_lock lock(mutex_);
+    if (!tokenRefreshTask_) {
+        const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken);
+        if (accessToken && *accessToken != refused)
+            return accessToken; // another caller was refused it first
+        if (!with_.tokens.readToken(tokenKeys::refreshToken))
+            return std::nullopt;
+        startRefresh();
+    }
+    return refreshed(lock, stop);
+}
+
+/// The token of the refresh in flight; waits for it without holding the lock.
+QString GoogleOAuthManager::refreshed(std::unique_lock<std::mutex>& lock,
+                                      const std::stop_token& stop) {
     const std::shared_ptr<RefreshTask> task = tokenRefreshTask_;
     if (!refreshFinished_.wait(lock, stop, [&] { return task->finished; }))
         throw Cancelled();
@@ -278,7 +299,7 @@ QString GoogleOAuthManager::refreshAccessToken(const std::stop_token& stop) {
         return saveTokens(response.body);
     with_.log.log(QStringLiteral("[OAuth] ❌ Token yenileme başarısız: ") +
                   oauth::loggable(response.body));
-    throw OAuthError(OAuthError::Case::refreshFailed);
+    throw OAuthError(OAuthError::Case::refreshFailed, tokenFaultIn(response));
 }
 
 HttpResponse GoogleOAuthManager::postForm(const QUrl& url, const QByteArray& form,

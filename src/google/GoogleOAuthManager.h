@@ -53,6 +53,10 @@ class GoogleOAuthManager final : public AccessTokenProvider {
     /// concurrent callers share one refresh, and one caller's `stop` leaves it to the others.
     QString validAccessToken(std::stop_token stop) override;
 
+    /// Renewed by one refresh for all who hold the same refused token.
+    std::optional<QString> renewedAccessToken(const QString& refused,
+                                              std::stop_token stop) override;
+
     bool isSignedIn();
 
     /// The account's address, when it is known.
@@ -86,6 +90,7 @@ class GoogleOAuthManager final : public AccessTokenProvider {
     QString saveTokens(const QByteArray& body);
     void fetchAndSaveIdentity(const QString& accessToken, const std::stop_token& stop);
     void startRefresh();
+    QString refreshed(std::unique_lock<std::mutex>& lock, const std::stop_token& stop);
     void runRefresh(RefreshTask& task, const std::stop_token& stop);
     QString refreshAccessToken(const std::stop_token& stop);
     HttpResponse postForm(const QUrl& url, const QByteArray& form, const std::stop_token& stop);

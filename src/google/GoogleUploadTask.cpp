@@ -1,7 +1,7 @@
 #include "google/GoogleUploadTask.h"
 
+#include "google/GoogleErrors.h"
 #include "google/MimeTypes.h"
-#include "google/UploadError.h"
 
 #include <QStringDecoder>
 
@@ -34,19 +34,12 @@ QString uploadTokenFrom(const QByteArray& body) {
 
 } // namespace
 
-GoogleUploadTask::GoogleUploadTask(HttpClient& http, AccessTokenProvider& tokens,
-                                   const GoogleEndpoints& endpoints)
-    : http_(http),
-      tokens_(tokens),
-      uploadEndpoint_(endpoints.library(QStringLiteral("/v1/uploads"))) {}
-
 QString GoogleUploadTask::upload(const std::filesystem::path& file, const QString& fileName,
                                  const HttpRequest::Progress& progress, std::stop_token stop) {
     HttpRequest request;
     request.method = "POST";
-    request.url = uploadEndpoint_;
+    request.url = api_.at(QStringLiteral("/v1/uploads"));
     request.headers = {
-        {"Authorization", "Bearer " + tokens_.validAccessToken(stop).toUtf8()},
         {"Content-Type", "application/octet-stream"},
         {"X-Goog-Upload-Content-Type", mimeType(file)},
         {"X-Goog-Upload-Protocol", "raw"},
@@ -54,9 +47,9 @@ QString GoogleUploadTask::upload(const std::filesystem::path& file, const QStrin
     };
     request.bodyFile = file;
     request.onProgress = progress;
-    const HttpResponse response = http_.send(request, stop);
+    const HttpResponse response = api_.send(std::move(request), stop);
     if (response.status != 200)
-        throw UploadError::httpError(response.status);
+        throw UploadError::httpError(response);
     return uploadTokenFrom(response.body);
 }
 

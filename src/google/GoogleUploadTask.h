@@ -1,16 +1,13 @@
 #pragma once
 
-#include "google/AccessTokenProvider.h"
-#include "google/GoogleEndpoints.h"
-#include "google/HttpClient.h"
+#include "google/GoogleLibraryApi.h"
 
 namespace quorvane {
 
 /// Sends the bytes of one file to Google Photos. Any thread; blocks its caller.
 class GoogleUploadTask {
   public:
-    GoogleUploadTask(HttpClient& http, AccessTokenProvider& tokens,
-                     const GoogleEndpoints& endpoints);
+    explicit GoogleUploadTask(GoogleLibraryApi& api) : api_(api) {}
 
     /// Streams `file` and returns the upload token that makes it a media item named `fileName`.
     /// Nothing is retried. Throws `UploadError`, `TransportError`, `FileError`, the token
@@ -19,9 +16,7 @@ class GoogleUploadTask {
                    const HttpRequest::Progress& progress, std::stop_token stop);
 
   private:
-    HttpClient& http_;
-    AccessTokenProvider& tokens_;
-    const QUrl uploadEndpoint_;
+    GoogleLibraryApi& api_;
 };
 
 } // namespace quorvane

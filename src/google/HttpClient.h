@@ -21,7 +21,8 @@ namespace quorvane {
 struct HttpRequest {
     QByteArray method = "GET";
     QUrl url;
-    std::vector<std::pair<QByteArray, QByteArray>> headers; ///< sent in this order
+    using Headers = std::vector<std::pair<QByteArray, QByteArray>>;
+    Headers headers; ///< sent in this order
     QByteArray body;
     std::optional<std::filesystem::path> bodyFile; ///< streamed instead of `body`
     std::chrono::seconds timeout{60};              ///< the longest time without any data
@@ -36,13 +37,15 @@ struct HttpRequest {
 struct HttpResponse {
     int status = 0;
     QByteArray body;
-    std::optional<Date> date = {}; ///< by the service's clock, where it says so
+    std::optional<Date> date = {};      ///< by the service's clock, where it says so
+    std::chrono::seconds retryAfter{0}; ///< how long the service wants to be left alone
 };
 
 /// The request got no HTTP answer: no connection, no name, no trust, no data for too long.
 class TransportError : public Error {
   public:
-    using Error::Error;
+    explicit TransportError(QString description)
+        : Error(std::move(description), Fault{.code = FaultCode::unreachable}) {}
 };
 
 /// Sends HTTP requests. Any thread; blocks its caller. Redirects are not followed, TLS

@@ -4,10 +4,10 @@ namespace quorvane {
 
 namespace {
 
-QString textOf(OAuthError::Case which, const QString& payload) {
+QString textOf(OAuthError::Case which) {
     switch (which) {
     case OAuthError::Case::tokenExchangeFailed:
-        return QStringLiteral("OAuth: Token takasi basarisiz -> ") + payload;
+        return QStringLiteral("OAuth: Token takasi basarisiz -> ");
     case OAuthError::Case::missingCode:
         return QStringLiteral("OAuth: auth code alinamadi");
     case OAuthError::Case::notSignedIn:
@@ -24,7 +24,17 @@ QString textOf(OAuthError::Case which, const QString& payload) {
 
 } // namespace
 
-OAuthError::OAuthError(Case which, const QString& payload)
-    : Error(textOf(which, payload)), which_(which) {}
+OAuthError::OAuthError(Case which, const QString& text, std::optional<Fault> fault)
+    : Error(text, std::move(fault)), which_(which) {}
+
+OAuthError::OAuthError(Case which, std::optional<Fault> fault)
+    : OAuthError(which, textOf(which),
+                 which == Case::notSignedIn ? Fault{.code = FaultCode::sessionEnded}
+                                            : std::move(fault)) {}
+
+OAuthError OAuthError::tokenExchangeFailed(const QString& payload, const Fault& fault) {
+    const Case which = Case::tokenExchangeFailed;
+    return {which, textOf(which) + payload, fault};
+}
 
 } // namespace quorvane

@@ -8,7 +8,7 @@ namespace quorvane {
 class OAuthError : public Error {
   public:
     enum class Case {
-        tokenExchangeFailed,
+        tokenExchangeFailed, ///< carries the server's answer
         missingCode,
         notSignedIn,
         refreshFailed,
@@ -16,12 +16,16 @@ class OAuthError : public Error {
         sessionStartFailed,
     };
 
-    /// `payload` is the server's answer; only `tokenExchangeFailed` carries one.
-    explicit OAuthError(Case which, const QString& payload = {});
+    explicit OAuthError(Case which, std::optional<Fault> fault = {});
+
+    /// `payload` is the server's answer.
+    static OAuthError tokenExchangeFailed(const QString& payload, const Fault& fault);
 
     Case which() const noexcept { return which_; }
 
   private:
+    OAuthError(Case which, const QString& text, std::optional<Fault> fault);
+
     Case which_;
 };
 

@@ -1,16 +1,20 @@
 #include "sync/GoogleDestination.h"
 
+#include <algorithm>
+
 namespace quorvane {
 
 namespace {
 
-constexpr qint64 alreadyExistsCode = 6; // google.rpc.Code
+// google.rpc.Code
+constexpr qint64 alreadyExistsCode = 6;
+constexpr qint64 resourceExhaustedCode = 8;
 
 using Outcome = NewItemResult::Outcome;
 
-bool tellsAlbumLimit(const QString& errorText) {
-    return errorText.contains(u"ERR_PHOTO_PER_ALBUM_LIMIT") ||
-           errorText.contains(u"maximum number of photos in an album");
+/// Of what, was not said: of requests, or of room in the album.
+bool isExhausted(const NewMediaItemResult& said) {
+    return said.code == resourceExhaustedCode && said.fault->code == FaultCode::rateLimited;
 }
 
 NewItemResult resultFrom(const NewMediaItemResult& said) {
@@ -23,21 +27,22 @@ NewItemResult resultFrom(const NewMediaItemResult& said) {
         return {.outcome = Outcome::created, .remoteID = said.id};
     const QString detail =
         said.statusText.isEmpty() ? QStringLiteral("status.code = 0") : said.statusText;
-    if (tellsAlbumLimit(detail))
-        return {.outcome = Outcome::heldBack, .detail = detail};
+    if (said.fault && said.fault->code == FaultCode::albumFull)
+        return {.outcome = Outcome::heldBack, .detail = detail, .fault = said.fault};
     if (said.code == alreadyExistsCode)
         return {.outcome = Outcome::alreadyExists, .detail = detail};
     const QString noID = QStringLiteral("Google yaniti mediaItem.id icermedi; yerel medya güvenlik "
                                         "için saklandı.");
-    return {
-        .outcome = Outcome::refused, .reason = said.code == 0 ? noID : detail, .detail = detail};
+    return {.outcome = Outcome::refused,
+            .reason = said.code == 0 ? noID : detail,
+            .detail = detail,
+            .fault = said.fault};
 }
 
 } // namespace
 
-GoogleDestination::GoogleDestination(HttpClient& http, AccessTokenProvider& tokens,
-                                     GoogleAlbumManager& albums, const GoogleEndpoints& endpoints)
-    : uploadTask_(http, tokens, endpoints), mediaItems_(http, tokens, endpoints), albums_(albums) {}
+GoogleDestination::GoogleDestination(GoogleLibraryApi& api, GoogleAlbumManager& albums)
+    : uploadTask_(api), mediaItems_(api), albums_(albums) {}
 
 QString GoogleDestination::upload(const std::filesystem::path& file, const QString& fileName,
                                   const Progress& progress, std::stop_token stop) {
@@ -49,10 +54,14 @@ std::vector<NewItemResult> GoogleDestination::create(const std::vector<NewItem>&
     std::vector<NewMediaItem> mediaItems;
     for (const NewItem& item : items)
         mediaItems.push_back({item.uploadToken, item.fileName});
+    const std::optional<QString> albumID = albums_.targetAlbumID();
+    std::vector<NewMediaItemResult> answers = mediaItems_.batchCreate(mediaItems, albumID, stop);
+    if (albumID && std::ranges::any_of(answers, isExhausted) && albums_.isFull(*albumID, stop))
+        for (NewMediaItemResult& said : answers)
+            if (isExhausted(said))
+                said.fault->code = FaultCode::albumFull;
     std::vector<NewItemResult> results;
-    for (const NewMediaItemResult& said :
-         mediaItems_.batchCreate(mediaItems, albums_.targetAlbumID(), stop))
-        results.push_back(resultFrom(said));
+    std::ranges::transform(answers, std::back_inserter(results), resultFrom);
     return results;
 }
 

@@ -10,8 +10,7 @@ namespace quorvane {
 /// Google Photos. The target is the album that the album manager has stored as such.
 class GoogleDestination final : public Destination {
   public:
-    GoogleDestination(HttpClient& http, AccessTokenProvider& tokens, GoogleAlbumManager& albums,
-                      const GoogleEndpoints& endpoints);
+    GoogleDestination(GoogleLibraryApi& api, GoogleAlbumManager& albums);
 
     QString upload(const std::filesystem::path& file, const QString& fileName,
                    const Progress& progress, std::stop_token stop) override;

@@ -55,7 +55,8 @@ TEST_F(DoctorTest, namesTheFaultOfEachBrokenWorld) {
         {u"api"_s,
          [&] {
              environment.remove(u"GOOGLE_REDIRECT"_s);
-             answerOnce(RequestKind::albumsList, 403, R"({"reason":"SERVICE_DISABLED"})");
+             answerOnce(RequestKind::albumsList, 403,
+                        R"({"error":{"details":[{"reason":"SERVICE_DISABLED"}]}})");
          }},
         {u"quota"_s, [&] { answerOnce(RequestKind::albumsList, 429, "{}"); }},
         {u"session"_s,

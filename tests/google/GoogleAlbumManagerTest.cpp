@@ -1,5 +1,7 @@
 #include "google/GoogleAlbumManager.h"
 
+#include "google/GoogleErrors.h"
+
 #include "google/ScriptedHttp.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
@@ -26,7 +28,8 @@ struct Albums : testing::Test {
     test::FixedToken tokens;
     Preferences preferences{folder / "preferences.json"};
     test::RecordingLog log;
-    GoogleAlbumManager manager{http, tokens, preferences, log, test::loopbackEndpoints()};
+    GoogleLibraryApi api{http, tokens, test::loopbackEndpoints()};
+    GoogleAlbumManager manager{api, preferences, log};
 
     /// Answers by "path" or "path?pageToken"; anything else is an empty page.
     std::map<QString, HttpResponse> pages;

@@ -303,6 +303,19 @@ TEST_F(GoogleOAuthManagerTest, AFailedRefreshSignsNobodyOutAndIsTriedAgain) {
     EXPECT_TRUE(manager.isSignedIn());
 }
 
+TEST_F(GoogleOAuthManagerTest, ARefusedTokenIsRenewedOnceForAllWhoHeldIt) {
+    storeTokens(1000);
+    const auto renew = [&] { return manager.renewedAccessToken(accessToken, {}); };
+    auto other = std::async(std::launch::async, renew);
+    const std::optional<QString> renewed = renew();
+    EXPECT_NE(renewed, accessToken);
+    EXPECT_EQ(other.get(), renewed);
+    EXPECT_EQ(renew(), renewed);
+    EXPECT_EQ(refreshes(), 1);
+    tokens.deleteToken(tokenKeys::refreshToken);
+    EXPECT_EQ(manager.renewedAccessToken(*renewed, {}), std::nullopt);
+}
+
 TEST_F(GoogleOAuthManagerTest, WithoutARefreshTokenTheOldTokenIsAllThereIs) {
     EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::notSignedIn);
     EXPECT_FALSE(manager.isSignedIn());

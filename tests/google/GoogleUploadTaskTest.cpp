@@ -1,8 +1,8 @@
 #include "google/GoogleUploadTask.h"
 
+#include "google/GoogleErrors.h"
 #include "google/MimeTypes.h"
 #include "google/ScriptedHttp.h"
-#include "google/UploadError.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -18,7 +18,8 @@ struct Uploading : testing::Test {
     test::TemporaryFolder folder;
     test::ScriptedHttp http;
     test::FixedToken tokens;
-    GoogleUploadTask task{http, tokens, test::loopbackEndpoints()};
+    GoogleLibraryApi api{http, tokens, test::loopbackEndpoints()};
+    GoogleUploadTask task{api};
     const std::filesystem::path file = folder.write("A_L0_001_IMG_0001.JPG", "bytes");
     std::int64_t progress = 0;
 

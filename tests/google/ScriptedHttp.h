@@ -25,7 +25,12 @@ class FixedToken final : public AccessTokenProvider {
             throw Error(*failure);
         return token;
     }
+    std::optional<QString> renewedAccessToken(const QString& /*refused*/,
+                                              std::stop_token /*stop*/) override {
+        return renewed;
+    }
     QString token = QStringLiteral("ya29.test");
+    std::optional<QString> renewed;
     std::optional<QString> failure;
 };
 

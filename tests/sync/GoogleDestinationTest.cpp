@@ -25,6 +25,7 @@ struct Destinations : testing::Test {
     test::FixedToken tokens;
     test::RecordingLog log;
     Preferences preferences{folder / "preferences.json"};
+    std::optional<GoogleLibraryApi> api;
     std::optional<GoogleAlbumManager> albums;
     std::optional<GoogleDestination> destination;
 
@@ -32,8 +33,9 @@ struct Destinations : testing::Test {
         google.start();
         const auto endpoints = GoogleEndpoints::resolve(google.baseURL());
         tokens.token = google.issueTokens().accessToken;
-        albums.emplace(http, tokens, preferences, log, endpoints);
-        destination.emplace(http, tokens, *albums, endpoints);
+        api.emplace(http, tokens, endpoints);
+        albums.emplace(*api, preferences, log);
+        destination.emplace(*api, *albums);
     }
 
     /// Sends one picture of its own, as the sync engine would.

@@ -54,8 +54,9 @@ Surroundings::Surroundings(SyncWorld& world, const std::filesystem::path& home)
     : folders{home, home / "Pictures", home / "temporary"},
       preferences(folders.preferences()),
       endpoints(GoogleEndpoints::resolve(world.google.baseURL())),
-      albums(http, tokens, preferences, log, endpoints),
-      destination(http, tokens, albums, endpoints) {
+      api(http, tokens, endpoints),
+      albums(api, preferences, log),
+      destination(api, albums) {
     tokens.token = world.accessToken;
 }
 

@@ -72,6 +72,7 @@ struct Surroundings {
     WatchedHttp http;
     TransferActivityTracker tracker{clock};
     GoogleEndpoints endpoints;
+    GoogleLibraryApi api;
     GoogleAlbumManager albums;
     GoogleDestination destination;
 };

@@ -259,7 +259,7 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
   statusMessage: Arşiviniz güncel ve güvende
   verifiedCount: 30
 ## the access was withdrawn
-  failedCategorySummaries: [Geçici Ağ / Sunucu Hatası, 1, İnternet kesintisi veya Google sunucu yoğunluğu, wifi.exclamationmark]
+  failedCategorySummaries: [Diğer Hatalar, 1, Teknik hata nedeniyle yüklenemedi, questionmark.circle.fill]
   failedCount: 1
   isLastRunComplete: false
   selectedSourceCount: 31

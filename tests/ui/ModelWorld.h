@@ -68,8 +68,9 @@ class ModelWorld {
     TokenStore tokens{keychain, preferences, log};
     GoogleOAuthManager oauth{{endpoints, client, http, browser, tokens, clock, log}};
     TransferActivityTracker tracker{clock, [] { return 12; }};
-    GoogleAlbumManager albums{http, oauth, preferences, log, endpoints};
-    GoogleDestination destination{http, oauth, albums, endpoints};
+    GoogleLibraryApi api{http, oauth, endpoints};
+    GoogleAlbumManager albums{api, preferences, log};
+    GoogleDestination destination{api, albums};
     Engine engine;
     int locksTaken = 0;
 

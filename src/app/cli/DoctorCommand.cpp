@@ -1,6 +1,7 @@
 #include "app/cli/Diagnosis.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
+#include "google/GoogleFaults.h"
 #include "google/OAuthMessages.h"
 
 #include <QJsonDocument>
@@ -62,11 +63,10 @@ void list(GoogleServices& google, const QString& accessToken, GoogleFacts& facts
     HttpRequest request;
     request.url = google.endpoints.library(QStringLiteral("/v1/albums"));
     request.url.setQuery(QStringLiteral("pageSize=1&excludeNonAppCreatedData=true"));
-    request.headers = {{"Authorization", "Bearer " + accessToken.toUtf8()}};
+    request.headers = {bearerHeader(accessToken)};
     const HttpResponse response = ask(google, request, facts, stop);
     facts.listStatus = response.status;
-    facts.isApiDisabled = response.status == 403 && (response.body.contains("SERVICE_DISABLED") ||
-                                                     response.body.contains("accessNotConfigured"));
+    facts.isApiDisabled = faultIn(response).code == FaultCode::serviceDisabled;
 }
 
 GoogleFacts googleFacts(GoogleServices& google, const std::stop_token& stop) {

@@ -1,0 +1,37 @@
+#include "google/GoogleErrors.h"
+
+#include "google/GoogleFaults.h"
+
+namespace quorvane {
+
+UploadError UploadError::httpError(const HttpResponse& response) {
+    return UploadError(QStringLiteral("[Upload] HTTP %1").arg(response.status), faultIn(response));
+}
+
+UploadError UploadError::emptyToken() {
+    return UploadError(QStringLiteral("[Upload] Bos uploadToken"), foreignAnswer());
+}
+
+UploadError UploadError::noToken() {
+    return UploadError(QStringLiteral("[Upload] Gecersiz uploadToken"), foreignAnswer());
+}
+
+BatchError BatchError::httpError(const HttpResponse& response,
+                                 const std::optional<QString>& albumID) {
+    return BatchError(QStringLiteral("[Batch] HTTP %1").arg(response.status),
+                      faultIn(response, albumID.has_value()));
+}
+
+BatchError BatchError::invalidResponse() {
+    return BatchError(QStringLiteral("[Batch] Gecersiz yanit"), foreignAnswer());
+}
+
+AlbumError AlbumError::httpError(const HttpResponse& response) {
+    return AlbumError(QStringLiteral("[Album] HTTP %1").arg(response.status), faultIn(response));
+}
+
+AlbumError AlbumError::invalidResponse() {
+    return AlbumError(QStringLiteral("[Album] Geçersiz API yanıtı"), foreignAnswer());
+}
+
+} // namespace quorvane
