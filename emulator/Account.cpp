@@ -11,12 +11,15 @@ namespace quorvane::emulator {
 namespace {
 
 Refusal insufficientScopes() {
-    return Refusal(apiError(403, u"Request had insufficient authentication scopes."_s));
+    return Refusal(apiError(403, u"Request had insufficient authentication scopes."_s,
+                            u"ACCESS_TOKEN_SCOPE_INSUFFICIENT"_s));
 }
 
 } // namespace
 
 Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) try {
+    if (isLibraryRequest(call.request.kind))
+        quota_.spend(behaviour, now);
     switch (call.request.kind) {
     case RequestKind::auth:
         return oauth_.authorize(call, behaviour, now);
@@ -28,7 +31,7 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
         return oauth_.userInfo(call, now);
     case RequestKind::upload:
         requireScope(call, {appendScope}, now);
-        return uploads_.receive(call, now);
+        return uploads_.receive(call, behaviour.uploadTokenLifetime, now);
     case RequestKind::batchCreate:
         requireScope(call, {appendScope}, now);
         return mediaItems_.batchCreate(call, behaviour, now);
@@ -38,6 +41,9 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
     case RequestKind::albumsCreate:
         requireScope(call, {appendScope}, now);
         return albums_.create(call);
+    case RequestKind::albumsGet:
+        requireReading(call, behaviour, now);
+        return albums_.get(call);
     case RequestKind::albumsList:
     case RequestKind::sharedAlbums:
         requireReading(call, behaviour, now);

@@ -3,6 +3,7 @@
 #include "emulator/Albums.h"
 #include "emulator/MediaItems.h"
 #include "emulator/OAuth.h"
+#include "emulator/Quota.h"
 #include "emulator/Tokens.h"
 #include "emulator/Uploads.h"
 
@@ -20,6 +21,7 @@ class Account {
 
     Tokens& tokens() { return tokens_; }
     OAuth& oauth() { return oauth_; }
+    Uploads& uploads() { return uploads_; }
     Albums& albums() { return albums_; }
     const Albums& albums() const { return albums_; }
     MediaItems& mediaItems() { return mediaItems_; }
@@ -33,6 +35,7 @@ class Account {
     void requireScope(const Call& call, const QStringList& scopes, Date now) const;
     void requireReading(const Call& call, const Behaviour& behaviour, Date now) const;
 
+    Quota quota_;
     Tokens tokens_;
     Uploads uploads_;
     Albums albums_;

@@ -101,6 +101,17 @@ Answer Albums::list(const Call& call, bool shared) const {
     return jsonAnswer(answer);
 }
 
+Answer Albums::get(const Call& call) const {
+    const Album* album = find(QUrl::fromPercentEncoding(call.request.path).section(u'/', -1));
+    if (!album)
+        throw Refusal(apiError(404, u"Requested entity was not found."_s));
+    return jsonAnswer(describe(album->stored));
+}
+
+void Albums::remove(const QString& albumId) {
+    std::erase_if(albums_, [&](const Album& album) { return album.stored.id == albumId; });
+}
+
 bool Albums::contains(const QString& albumId) const {
     return find(albumId) != nullptr;
 }

@@ -17,14 +17,17 @@ class Albums {
     /// `count` items that are not in the library here stand in the album from the beginning.
     QString add(const QString& title, std::int64_t count, bool isShared, bool isAppCreated);
 
-    /// These two throw `Refusal`.
+    /// These throw `Refusal`.
     Answer create(const Call& call);
     Answer list(const Call& call, bool shared) const;
+    Answer get(const Call& call) const;
 
     bool contains(const QString& albumId) const;
     /// Whether one more item than it already holds finds room. The album exists.
     bool hasRoomFor(const QString& albumId, const QString& itemId, std::int64_t capacity) const;
     void insert(const QString& albumId, const QString& itemId);
+    /// As when the person deletes it; its items stay. An unknown one is left alone.
+    void remove(const QString& albumId);
     /// Out of every album.
     void removeItem(const QString& itemId);
 

@@ -1,5 +1,6 @@
 #include "emulator/Answer.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
@@ -51,9 +52,14 @@ Answer htmlAnswer(const QByteArray& html, int status) {
     return {.status = status, .contentType = "text/html; charset=UTF-8", .body = html};
 }
 
-Answer apiError(int status, const QString& message) {
-    const QJsonObject error{
+Answer apiError(int status, const QString& message, const QString& reason) {
+    QJsonObject error{
         {u"code"_s, status}, {u"message"_s, message}, {u"status"_s, canonicalName(status)}};
+    if (!reason.isEmpty())
+        error.insert(u"details"_s, QJsonArray{QJsonObject{
+                                       {u"@type"_s, u"type.googleapis.com/google.rpc.ErrorInfo"_s},
+                                       {u"reason"_s, reason},
+                                       {u"domain"_s, u"googleapis.com"_s}}});
     return jsonAnswer({{u"error"_s, error}}, status);
 }
 

@@ -30,21 +30,21 @@ class Throttle {
 
 } // namespace
 
-bool readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
+bool readBody(Exchange& exchange, Call& call, ByteSink* sink, const Behaviour& behaviour,
               const Disturbance& fault) {
     RecordedRequest& request = call.request;
-    const Throttle throttle(upload ? behaviour.uploadBytesPerSecond : 0);
+    const Throttle throttle(sink ? behaviour.uploadBytesPerSecond : 0);
     const auto receive = [&](QByteArrayView bytes) {
         const std::int64_t left =
             fault.dropRequestAfter ? *fault.dropRequestAfter - request.bodySize : bytes.size();
         const QByteArrayView taken =
             bytes.first(static_cast<qsizetype>(std::clamp<std::int64_t>(left, 0, bytes.size())));
         request.bodySize += taken.size();
-        if (upload)
-            upload->add(taken);
+        if (sink)
+            sink->add(taken);
         else
             request.body.append(taken);
-        return taken.size() == bytes.size() && (upload || request.bodySize <= largestPlainBody) &&
+        return taken.size() == bytes.size() && (sink || request.bodySize <= largestPlainBody) &&
                exchange.pause(throttle.due(request.bodySize));
     };
     return exchange.readBody(receive) && !fault.dropRequestAfter;

@@ -7,9 +7,9 @@
 
 namespace quorvane::emulator {
 
-/// Reads a body into `call`; an upload's bytes go to `upload` instead. False when it is not there
+/// Reads a body into `call`; an upload's bytes go to `sink` instead. False when it is not there
 /// as a whole: the client broke off, a fault wants so, or it is too large to be meant.
-bool readBody(Exchange& exchange, Call& call, UploadBody* upload, const Behaviour& behaviour,
+bool readBody(Exchange& exchange, Call& call, ByteSink* sink, const Behaviour& behaviour,
               const Disturbance& fault);
 
 } // namespace quorvane::emulator

@@ -34,6 +34,8 @@ RequestKind kindOf(const QByteArray& method, const QByteArray& path) {
     for (const Route& route : routes)
         if (method == route.method && plain == route.path)
             return route.kind;
+    if (method == "GET" && plain.startsWith("/v1/albums/"))
+        return RequestKind::albumsGet;
     return RequestKind::other;
 }
 
@@ -61,6 +63,13 @@ QByteArray Call::contentType() const {
 
 QString Call::uploadFilename() const {
     return QUrl::fromPercentEncoding(request.header("X-Goog-Upload-File-Name"));
+}
+
+bool Call::commands(const char* word) const {
+    for (const QByteArray& each : request.header("X-Goog-Upload-Command").split(','))
+        if (each.trimmed() == word)
+            return true;
+    return false;
 }
 
 QString Call::bearer() const {

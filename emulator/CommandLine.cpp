@@ -54,6 +54,19 @@ Disturbance faultFrom(const QString& text) {
     return fault;
 }
 
+void setLatency(CommandLine& line, const QString& text) {
+    const std::optional<RequestKind> kind = requestKindFrom(text.section(u':', 0, 0));
+    if (!kind)
+        throw UsageError(u"Geçersiz tür: "_s + text);
+    line.options.behaviour.latencyOf[*kind] =
+        std::chrono::milliseconds(number(text.section(u':', 1), 0, largest));
+}
+
+CommandLine::Outages outagesFrom(const QString& text) {
+    return {.up = std::chrono::seconds(number(text.section(u':', 0, 0), 1, largest)),
+            .down = std::chrono::seconds(number(text.section(u':', 1), 1, largest))};
+}
+
 CommandLine::Seed seedFrom(const QString& text) {
     const qsizetype colon = text.lastIndexOf(u':');
     if (colon < 1)
@@ -90,6 +103,25 @@ const std::vector<Option>& allOptions() {
          [](L& l, const QString& v) {
              l.options.behaviour.latency = std::chrono::milliseconds(number(v, 0, largest));
          }},
+        {u"--latency-of"_s, u"TÜR:MS"_s, u"bu türün gecikmesi (birden çok kez verilebilir)"_s,
+         [](L& l, const QString& v) { setLatency(l, v); }},
+        {u"--failing"_s, u"YÜZDE"_s, u"kitaplık isteklerinin bu kadarı 429, 500 ya da 503 alır"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.failingPercent = static_cast<int>(number(v, 0, 100));
+         }},
+        {u"--outages"_s, u"AÇIK:KAPALI"_s,
+         u"hizmet rastgele, ortalama bu kadar saniye açık ve kapalıdır"_s,
+         [](L& l, const QString& v) { l.outages = outagesFrom(v); }},
+        {u"--storage"_s, u"BAYT"_s, u"hesapta öğelere ayrılan yer"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.storageBytes = number(v, 0, std::numeric_limits<qint64>::max());
+         }},
+        {u"--daily-requests"_s, u"N"_s, u"bir günde (Pasifik saati) kabul edilen kitaplık isteği"_s,
+         [](L& l, const QString& v) { l.options.behaviour.dailyRequests = number(v, 1, largest); }},
+        {u"--upload-token-lifetime"_s, u"SANİYE"_s, u"yükleme belirtecinin ömrü"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.uploadTokenLifetime = std::chrono::seconds(number(v, 0, largest));
+         }},
         {u"--bandwidth"_s, u"BAYT"_s, u"yükleme hızı sınırı (bayt/saniye)"_s,
          [](L& l, const QString& v) {
              l.options.behaviour.uploadBytesPerSecond =
@@ -98,6 +130,11 @@ const std::vector<Option>& allOptions() {
         {u"--token-lifetime"_s, u"SANİYE"_s, u"erişim belirtecinin ömrü (eksi olabilir)"_s,
          [](L& l, const QString& v) {
              l.options.behaviour.tokenLifetime = std::chrono::seconds(number(v, -largest, largest));
+         }},
+        {u"--token-shortfall"_s, u"SANİYE"_s,
+         u"erişim belirteci söylenenden bu kadar önce geçersiz olur"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.tokenShortfall = std::chrono::seconds(number(v, 0, largest));
          }},
         {u"--session-lifetime"_s, u"SANİYE"_s,
          u"oturumun ömrü, deneme durumundaki istemcide olduğu "

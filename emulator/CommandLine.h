@@ -13,7 +13,14 @@ struct CommandLine {
         std::int64_t count = 0;
     };
 
+    /// How long the service is there and away in the mean, by turns.
+    struct Outages {
+        std::chrono::seconds up{0};
+        std::chrono::seconds down{0};
+    };
+
     EmulatorOptions options;
+    std::optional<Outages> outages;
     std::vector<Disturbance> faults;
     std::vector<Seed> seeds;
     std::filesystem::path portFile;

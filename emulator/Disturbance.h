@@ -2,6 +2,8 @@
 
 #include "emulator/EmulatorTypes.h"
 
+#include <random>
+
 namespace quorvane::emulator {
 
 /// Something that goes wrong with some requests of a kind. What is left out goes as usual.
@@ -13,6 +15,7 @@ struct Disturbance {
     std::optional<int> status = {};      ///< answered instead of the true status
     std::optional<QByteArray> body = {}; ///< answered instead of the true body
     QByteArray contentType = "application/json";
+    std::optional<std::chrono::seconds> retryAfter = {}; ///< said with a status or body
     /// Whether a request answered with another status or body, or stalled, still has its effect:
     /// the answer alone is lost.
     bool carriedOut = false;
@@ -30,15 +33,19 @@ class DisturbancePlan {
     void add(const Disturbance& fault);
     void clear();
 
-    /// The fault that hits the request of `kind` that has just come, if any: the one added first.
-    std::optional<Disturbance> next(RequestKind kind);
+    /// The fault that hits the request of `kind` that has just come, if any: the one added first,
+    /// else a passing one for so many percent of the library's requests, drawn at random.
+    std::optional<Disturbance> next(RequestKind kind, int failingPercent);
 
   private:
     struct Entry {
         Disturbance fault;
         int seen = 0;
     };
+    std::optional<Disturbance> passing(RequestKind kind, int percent);
+
     std::vector<Entry> entries_;
+    std::minstd_rand random_; ///< the same in every run
 };
 
 } // namespace quorvane::emulator

@@ -26,6 +26,8 @@ QString nameOf(RequestKind kind) {
         return u"albumsList"_s;
     case RequestKind::albumsCreate:
         return u"albumsCreate"_s;
+    case RequestKind::albumsGet:
+        return u"albumsGet"_s;
     case RequestKind::sharedAlbums:
         return u"sharedAlbums"_s;
     case RequestKind::report:
@@ -39,6 +41,21 @@ QString nameOf(RequestKind kind) {
 std::optional<RequestKind> requestKindFrom(const QString& name) {
     const auto found = std::ranges::find(allRequestKinds, name, nameOf);
     return found == allRequestKinds.end() ? std::nullopt : std::optional(*found);
+}
+
+bool isLibraryRequest(RequestKind kind) {
+    switch (kind) {
+    case RequestKind::upload:
+    case RequestKind::batchCreate:
+    case RequestKind::batchGet:
+    case RequestKind::albumsList:
+    case RequestKind::albumsCreate:
+    case RequestKind::albumsGet:
+    case RequestKind::sharedAlbums:
+        return true;
+    default:
+        return false;
+    }
 }
 
 QByteArray RecordedRequest::header(QByteArrayView name) const {

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,21 +26,26 @@ enum class RequestKind {
     batchGet,
     albumsList,
     albumsCreate,
+    albumsGet,
     sharedAlbums,
     report,
     other,
 };
 
 inline constexpr std::array allRequestKinds{
-    RequestKind::auth,         RequestKind::token,      RequestKind::revoke,
-    RequestKind::userinfo,     RequestKind::upload,     RequestKind::batchCreate,
-    RequestKind::batchGet,     RequestKind::albumsList, RequestKind::albumsCreate,
-    RequestKind::sharedAlbums, RequestKind::report,     RequestKind::other,
+    RequestKind::auth,      RequestKind::token,        RequestKind::revoke,
+    RequestKind::userinfo,  RequestKind::upload,       RequestKind::batchCreate,
+    RequestKind::batchGet,  RequestKind::albumsList,   RequestKind::albumsCreate,
+    RequestKind::albumsGet, RequestKind::sharedAlbums, RequestKind::report,
+    RequestKind::other,
 };
 
 /// The kind's name as on the command line and in the report: "batchCreate".
 QString nameOf(RequestKind kind);
 std::optional<RequestKind> requestKindFrom(const QString& name);
+
+/// Of the Photos Library API: what its daily quota counts.
+bool isLibraryRequest(RequestKind kind);
 
 /// An account of the service, as it tells its clients.
 struct Person {
@@ -49,19 +55,25 @@ struct Person {
 
 /// What the service may be told to do at any time.
 struct Behaviour {
-    std::chrono::milliseconds latency{0};     ///< before every answer
-    std::int64_t uploadBytesPerSecond = 0;    ///< 0: as fast as it comes
+    std::chrono::milliseconds latency{0};                            ///< before every answer
+    std::map<RequestKind, std::chrono::milliseconds> latencyOf = {}; ///< instead, for some kinds
+    int failingPercent = 0;                ///< of the library's requests: 429, 500 and 503 in turn
+    std::int64_t uploadBytesPerSecond = 0; ///< 0: as fast as it comes
     std::chrono::seconds tokenLifetime{3599}; ///< of access tokens; may be negative
+    std::chrono::seconds tokenShortfall{0};   ///< access tokens end so much sooner than is told
     std::chrono::seconds sessionLifetime{0};  ///< of refresh tokens; 0: without end
     std::chrono::seconds clockAhead{0};       ///< what the service's clock is wrong by
     std::int64_t albumCapacity = 20'000;      ///< media items in one album
-    bool listingForbidden = false;            ///< no reading permission: 403
-    bool duplicatesRefused = false;           ///< bytes that the library has get code 6
-    bool sharedListingForbidden = true;       ///< of shared albums; Google refuses everybody
-    bool consentDenied = false;               ///< the person refuses the sign-in
-    Person person = {};                       ///< who signs in from now on
-    QString declinedScopes;                   ///< boxes that the person leaves unticked
-    QString clientSecret;                     ///< asked for at /token when not empty
+    std::int64_t storageBytes = -1;           ///< room for media items; negative: without end
+    std::int64_t dailyRequests = 0;           ///< to the library, a day; 0: as many as come
+    std::chrono::seconds uploadTokenLifetime = std::chrono::days(1);
+    bool listingForbidden = false;      ///< no reading permission: 403
+    bool duplicatesRefused = false;     ///< bytes that the library has get code 6
+    bool sharedListingForbidden = true; ///< of shared albums; Google refuses everybody
+    bool consentDenied = false;         ///< the person refuses the sign-in
+    Person person = {};                 ///< who signs in from now on
+    QString declinedScopes;             ///< boxes that the person leaves unticked
+    QString clientSecret;               ///< asked for at /token when not empty
 };
 
 struct EmulatorOptions {

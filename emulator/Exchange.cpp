@@ -95,8 +95,8 @@ void Exchange::answer(const Answer& answer, std::optional<std::int64_t> bodyLimi
         text += "Content-Type: " + answer.contentType + "\r\n";
     if (answer.date)
         text += "Date: " + httpDate(*answer.date) + "\r\n";
-    if (!answer.location.isEmpty())
-        text += "Location: " + answer.location + "\r\n";
+    for (const auto& [name, value] : answer.headers)
+        text += name + ": " + value + "\r\n";
     if (!isKept_)
         text += "Connection: close\r\n";
     text += "\r\n";

@@ -91,6 +91,10 @@ void GoogleEmulator::revokeTokens() {
     service_->with([](Service::State& state) { state.account.tokens().revokeAll(); });
 }
 
+void GoogleEmulator::forgetUploadSessions() {
+    service_->with([](Service::State& state) { state.account.uploads().forgetSessions(); });
+}
+
 QString GoogleEmulator::addAlbum(const QString& title, std::int64_t itemCount, bool isShared,
                                  bool isAppCreated) {
     const QString id = service_->with([&](Service::State& state) {
@@ -134,6 +138,11 @@ std::vector<StoredAlbum> GoogleEmulator::albums() const {
 
 void GoogleEmulator::deleteMediaItem(const QString& id) {
     service_->with([&](Service::State& state) { state.account.mediaItems().remove(id); });
+    service_->save();
+}
+
+void GoogleEmulator::deleteAlbum(const QString& id) {
+    service_->with([&](Service::State& state) { state.account.albums().remove(id); });
     service_->save();
 }
 

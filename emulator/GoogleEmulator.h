@@ -50,6 +50,9 @@ class GoogleEmulator {
     /// Every token is refused from now on, as when the person withdraws the access.
     void revokeTokens();
 
+    /// Resumable uploads that are under way are not known any more.
+    void forgetUploadSessions();
+
     /// Adds an album with `itemCount` items the library here does not know; returns its id.
     QString addAlbum(const QString& title, std::int64_t itemCount = 0, bool isShared = false,
                      bool isAppCreated = true);
@@ -68,6 +71,7 @@ class GoogleEmulator {
     std::vector<emulator::StoredAlbum> albums() const;         ///< in order of creation
     /// As when the person deletes it in Google Photos. An unknown one is left alone.
     void deleteMediaItem(const QString& id);
+    void deleteAlbum(const QString& id);
 
     /// {"requests": {kind: count}, "mediaItems": [...], "albums": [...]}
     QJsonObject report() const;

@@ -70,6 +70,8 @@ Answer MediaItems::batchCreate(const Call& call, const Behaviour& behaviour, Dat
     if (!albumId.isEmpty() && !albums_.contains(albumId))
         throw Refusal(invalidArgument(u"Invalid album ID."_s));
 
+    requireRoom(items, behaviour, now);
+
     QJsonArray results;
     bool allSucceeded = true;
     for (const NewItem& item : items) {
@@ -103,6 +105,20 @@ std::vector<MediaItems::NewItem> MediaItems::newItems(const QJsonObject& body) {
         items.push_back(newItem);
     }
     return items;
+}
+
+/// A full account refuses the batch as a whole.
+void MediaItems::requireRoom(const std::vector<NewItem>& items, const Behaviour& behaviour,
+                             Date now) const {
+    std::int64_t size = 0;
+    for (const StoredMediaItem& item : items_)
+        size += item.size;
+    for (const NewItem& item : items)
+        if (const Upload* upload = uploads_.find(item.uploadToken, now))
+            size += upload->size;
+    if (behaviour.storageBytes >= 0 && size > behaviour.storageBytes)
+        throw Refusal(invalidArgument(u"The remaining storage in the user's account is not enough "
+                                      "to perform this operation."_s));
 }
 
 QJsonObject MediaItems::create(const NewItem& item, const QString& albumId,

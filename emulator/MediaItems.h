@@ -31,6 +31,7 @@ class MediaItems {
     };
 
     static std::vector<NewItem> newItems(const QJsonObject& body);
+    void requireRoom(const std::vector<NewItem>& items, const Behaviour& behaviour, Date now) const;
     QJsonObject create(const NewItem& item, const QString& albumId, const Behaviour& behaviour,
                        Date now);
     const StoredMediaItem& add(const Upload& upload, const NewItem& item, const QString& id,

@@ -95,7 +95,7 @@ Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) 
     if (const QString state = item("state"); !state.isEmpty())
         location += "state=" + QUrl::toPercentEncoding(state) + "&";
     if (behaviour.consentDenied)
-        return {.status = 302, .location = location + "error=access_denied"};
+        return {.status = 302, .headers = {{"Location", location + "error=access_denied"}}};
 
     const QString code = u"4/0A"_s + opaqueText(36);
     const Scopes granted = scopesFrom(item("scope")) - scopesFrom(behaviour.declinedScopes);
@@ -108,7 +108,7 @@ Answer OAuth::authorize(const Call& call, const Behaviour& behaviour, Date now) 
                                        .expiry = now + codeLifetime});
     location += "code=" + QUrl::toPercentEncoding(code) +
                 "&scope=" + QUrl::toPercentEncoding(textOf(granted));
-    return {.status = 302, .location = location};
+    return {.status = 302, .headers = {{"Location", location}}};
 }
 
 Answer OAuth::exchange(const Call& call, const Behaviour& behaviour, Date now) {
@@ -153,7 +153,8 @@ Answer OAuth::redeemCode(const QUrlQuery& form, const Behaviour& behaviour, Date
         code.isOffline ? tokens_.addGrant({code.clientID, code.consent, expiryOf(behaviour, now)})
                        : QString();
     QJsonObject answer{
-        {u"access_token"_s, tokens_.addAccess({now + lifetime, code.consent, refreshToken})},
+        {u"access_token"_s, tokens_.addAccess({now + lifetime - behaviour.tokenShortfall,
+                                               code.consent, refreshToken})},
         {u"expires_in"_s, static_cast<qint64>(lifetime.count())},
         {u"scope"_s, textOf(code.consent.scopes)},
         {u"token_type"_s, u"Bearer"_s},
@@ -174,7 +175,8 @@ Answer OAuth::refresh(const QUrlQuery& form, const Behaviour& behaviour, Date no
         return oauthError(u"unauthorized_client"_s, u"Unauthorized"_s, 401);
     const auto lifetime = behaviour.tokenLifetime;
     QJsonObject answer{
-        {u"access_token"_s, tokens_.addAccess({now + lifetime, grant->consent, refreshToken})},
+        {u"access_token"_s, tokens_.addAccess({now + lifetime - behaviour.tokenShortfall,
+                                               grant->consent, refreshToken})},
         {u"expires_in"_s, static_cast<qint64>(lifetime.count())},
         {u"scope"_s, textOf(grant->consent.scopes)},
         {u"token_type"_s, u"Bearer"_s},
@@ -211,7 +213,8 @@ Answer OAuth::userInfo(const Call& call, Date now) const {
 TokenPair OAuth::issue(const Scopes& scopes, const Behaviour& behaviour, Date now) {
     const Tokens::Consent consent{behaviour.person, scopes};
     const QString refreshToken = tokens_.addGrant({{}, consent, expiryOf(behaviour, now)});
-    const Tokens::Access access{now + behaviour.tokenLifetime, consent, refreshToken};
+    const Tokens::Access access{now + behaviour.tokenLifetime - behaviour.tokenShortfall, consent,
+                                refreshToken};
     return {.accessToken = tokens_.addAccess(access), .refreshToken = refreshToken};
 }
 

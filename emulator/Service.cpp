@@ -2,6 +2,7 @@
 
 #include "emulator/BodyReader.h"
 #include "emulator/Report.h"
+#include "emulator/UploadSession.h"
 
 #include <QJsonDocument>
 
@@ -21,6 +22,11 @@ Answer plainFailure(RequestKind kind, int status) {
                           u"Bad Request"_s, status);
     return apiError(status, u"The service has been told to answer so."_s);
 }
+
+/// Takes the bytes of an upload that nobody knows.
+struct Nowhere final : ByteSink {
+    void add(QByteArrayView /*bytes*/) override {}
+};
 
 } // namespace
 
@@ -63,24 +69,16 @@ void Service::carry(Exchange& exchange) {
     const Plan plan = arrive(call.request.kind);
     const Disturbance& fault = plan.fault;
 
-    std::optional<UploadBody> upload;
-    if (call.request.kind == RequestKind::upload)
-        upload.emplace(options_.storeFolder, options_.keptUploadBytes);
-    const bool isWhole =
-        readBody(exchange, call, upload ? &*upload : nullptr, plan.behaviour, fault);
-    if (upload)
-        upload->sumUp(call);
-    if (!isWhole) {
-        upload.reset();
+    const std::unique_lock turn = takeSession(call);
+    if (!readUpload(exchange, call, plan)) {
+        call.upload.reset();
         record(call);
         exchange.drop();
         return;
     }
     Answer answer = answerTo(call, plan);
     answer.date = now() + plan.behaviour.clockAhead;
-    if (upload && answer.status == 200)
-        upload->keep(call);
-    upload.reset(); // its file is kept or gone before the client hears of it
+    call.upload.reset(); // its file is kept or gone before the client hears of it
     if (!fault.stall) {
         call.request.status = answer.status;
         call.request.answer = answer.body;
@@ -88,20 +86,58 @@ void Service::carry(Exchange& exchange) {
     record(call);
     if (fault.stall)
         exchange.waitForEnd();
-    if (fault.stall || !exchange.pause(plan.behaviour.latency + fault.delay))
+    if (fault.stall || !exchange.pause(plan.latency() + fault.delay))
         exchange.drop();
     else
         exchange.answer(answer, fault.dropAnswerAfter);
+}
+
+/// The request's body, wherever it belongs. False when it is not there as a whole.
+bool Service::readUpload(Exchange& exchange, Call& call, const Plan& plan) {
+    if (plan.kind != RequestKind::upload)
+        return readBody(exchange, call, nullptr, plan.behaviour, plan.fault);
+    if (call.sessionID().isEmpty()) {
+        call.upload = std::make_shared<UploadBody>(options_.storeFolder, options_.keptUploadBytes);
+        const bool isWhole =
+            readBody(exchange, call, call.upload.get(), plan.behaviour, plan.fault);
+        if (!call.commands("start"))
+            call.upload->sumUp(call);
+        return isWhole;
+    }
+    if (!call.session) {
+        Nowhere nowhere;
+        return readBody(exchange, call, &nowhere, plan.behaviour, plan.fault);
+    }
+    if (call.commands("upload"))
+        call.session->begin(call.request.header("X-Goog-Upload-Offset").toLongLong());
+    const bool isWhole = readBody(exchange, call, call.session.get(), plan.behaviour, plan.fault);
+    call.session->end(isWhole);
+    return isWhole;
+}
+
+/// Takes the turn at the session that the call goes on with, if there is one, until it is answered.
+std::unique_lock<std::mutex> Service::takeSession(Call& call) {
+    const QString id = call.request.kind == RequestKind::upload ? call.sessionID() : QString();
+    if (!id.isEmpty())
+        call.session = with([&](State& state) { return state.account.uploads().session(id); });
+    return call.session ? std::unique_lock(call.session->turn) : std::unique_lock<std::mutex>();
 }
 
 void Service::record(const Call& call) {
     with([&](State& state) { state.log.add(call.request); });
 }
 
+std::chrono::milliseconds Service::Plan::latency() const {
+    const auto own = behaviour.latencyOf.find(kind);
+    return own == behaviour.latencyOf.end() ? behaviour.latency : own->second;
+}
+
 Service::Plan Service::arrive(RequestKind kind) {
     const Plan plan = with([&](State& state) {
         state.log.count(kind);
-        return Plan{state.behaviour, state.faults.next(kind).value_or(Disturbance{})};
+        const Behaviour& behaviour = state.behaviour;
+        return Plan{kind, behaviour,
+                    state.faults.next(kind, behaviour.failingPercent).value_or(Disturbance{})};
     });
     arrived_.notify_all();
     return plan;
@@ -116,9 +152,12 @@ Answer Service::answerTo(const Call& call, const Plan& plan) {
     if (!isReplaced)
         return answer;
     const int status = fault.status.value_or(200);
-    if (!fault.body)
-        return plainFailure(call.request.kind, status);
-    return {.status = status, .contentType = fault.contentType, .body = *fault.body};
+    Answer failure = plainFailure(call.request.kind, status);
+    if (fault.body)
+        failure = {.status = status, .contentType = fault.contentType, .body = *fault.body};
+    if (fault.retryAfter)
+        failure.headers = {{"Retry-After", QByteArray::number(fault.retryAfter->count())}};
+    return failure;
 }
 
 Answer Service::carryOut(const Call& call, const Plan& plan) {

@@ -56,13 +56,18 @@ class Service {
 
   private:
     struct Plan {
-        Behaviour behaviour;
-        Disturbance fault;
+        RequestKind kind = RequestKind::other;
+        Behaviour behaviour = {};
+        Disturbance fault = {};
+
+        std::chrono::milliseconds latency() const;
     };
 
     void load();
     void carry(Exchange& exchange);
     Plan arrive(RequestKind kind);
+    std::unique_lock<std::mutex> takeSession(Call& call);
+    bool readUpload(Exchange& exchange, Call& call, const Plan& plan);
     void record(const Call& call);
     Answer answerTo(const Call& call, const Plan& plan);
     Answer carryOut(const Call& call, const Plan& plan);

@@ -6,16 +6,23 @@
 
 namespace quorvane::emulator {
 
+/// Where the bytes of a body go.
+class ByteSink {
+  public:
+    virtual ~ByteSink() = default;
+    virtual void add(QByteArrayView bytes) = 0;
+};
+
 /// The bytes of an upload as they come in: summed up, and written to a file when a folder is given.
-class UploadBody {
+class UploadBody final : public ByteSink {
   public:
     /// Throws `FileError`. The first `keptBytes` go into the request's record.
     UploadBody(std::filesystem::path storeFolder, std::int64_t keptBytes);
-    ~UploadBody();
+    ~UploadBody() override;
     UploadBody(const UploadBody&) = delete;
     UploadBody& operator=(const UploadBody&) = delete;
 
-    void add(QByteArrayView bytes);
+    void add(QByteArrayView bytes) override;
 
     /// Enters the sum of what came into `call`. Call once.
     void sumUp(Call& call);

@@ -2,14 +2,13 @@
 
 #include "emulator/MediaFormat.h"
 #include "emulator/Tokens.h"
+#include "emulator/UploadSession.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quorvane::emulator {
 
 namespace {
-
-constexpr std::chrono::days tokenLifetime{1};
 
 Answer badHeader(const QString& name) {
     return invalidArgument(u"Missing or invalid header: "_s + name);
@@ -22,20 +21,71 @@ bool isMediaType(const QByteArray& value) {
 
 } // namespace
 
-Answer Uploads::receive(const Call& call, Date now) {
+Answer Uploads::receive(const Call& call, std::chrono::seconds tokenLifetime, Date now) {
     const RecordedRequest& request = call.request;
+    if (!call.sessionID().isEmpty())
+        return goOn(call, tokenLifetime, now);
+    const bool isStart = call.commands("start");
+    if (request.header("X-Goog-Upload-Protocol") != (isStart ? "resumable" : "raw"))
+        return badHeader(u"X-Goog-Upload-Protocol"_s);
+    if (!isMediaType(request.header("X-Goog-Upload-Content-Type")))
+        return badHeader(u"X-Goog-Upload-Content-Type"_s);
+    if (isStart)
+        return start(call);
     if (call.contentType() != "application/octet-stream")
         return badHeader(u"Content-Type"_s);
-    if (request.header("X-Goog-Upload-Protocol") != "raw")
-        return badHeader(u"X-Goog-Upload-Protocol"_s);
-    const QByteArray claimedType = request.header("X-Goog-Upload-Content-Type").toLower();
-    if (!isMediaType(claimedType))
-        return badHeader(u"X-Goog-Upload-Content-Type"_s);
+    return take(call, tokenLifetime, now);
+}
+
+Answer Uploads::start(const Call& call) {
+    const RecordedRequest& request = call.request;
+    bool isNumber = false;
+    const qint64 size = request.header("X-Goog-Upload-Raw-Size").toLongLong(&isNumber);
+    if (request.bodySize != 0 || (isNumber && size <= 0))
+        return badHeader(u"X-Goog-Upload-Raw-Size"_s);
+    const QString id = opaqueText(48);
+    sessions_.insert_or_assign(
+        id, std::make_shared<UploadSession>(call, isNumber ? std::optional<std::int64_t>(size)
+                                                           : std::nullopt));
+    Answer answer;
+    answer.headers = {
+        {"X-Goog-Upload-URL", "http://" + request.header("Host") + "/v1/uploads?upload_id=" +
+                                  id.toLatin1() + "&upload_protocol=resumable"},
+        {"X-Goog-Upload-Chunk-Granularity", QByteArray::number(qint64(UploadSession::granularity))},
+        {"X-Goog-Upload-Status", "active"}};
+    return answer;
+}
+
+Answer Uploads::goOn(const Call& call, std::chrono::seconds tokenLifetime, Date now) {
+    if (!call.session || session(call.sessionID()) != call.session)
+        return apiError(404, u"Requested entity was not found."_s);
+    UploadSession& session = *call.session;
+    if (call.commands("upload") && !session.isAtItsPlace())
+        return invalidArgument(u"The upload offset does not match."_s);
+    if (call.commands("finalize")) {
+        if (!session.isComplete())
+            return invalidArgument(u"The upload is not complete."_s);
+        const Answer answer = take(session.finish(), tokenLifetime, now);
+        sessions_.erase(call.sessionID());
+        return answer;
+    }
+    if (call.commands("upload") && session.received() % UploadSession::granularity != 0)
+        return invalidArgument(u"The size of the piece does not match the granularity."_s);
+    Answer answer;
+    answer.headers = {
+        {"X-Goog-Upload-Status", "active"},
+        {"X-Goog-Upload-Size-Received", QByteArray::number(qint64(session.received()))}};
+    return answer;
+}
+
+/// The bytes are here as a whole.
+Answer Uploads::take(const Call& call, std::chrono::seconds tokenLifetime, Date now) {
+    const RecordedRequest& request = call.request;
     if (request.bodySize == 0)
         return invalidArgument(u"The upload has no content."_s);
-
     std::erase_if(uploads_, [&](const auto& entry) { return entry.second.expiry <= now; });
     const QString token = u"CAIS"_s + opaqueText(96);
+    const QByteArray claimedType = request.header("X-Goog-Upload-Content-Type").toLower();
     uploads_.insert_or_assign(token,
                               Upload{.sha256 = request.bodySha256,
                                      .size = request.bodySize,
@@ -43,7 +93,15 @@ Answer Uploads::receive(const Call& call, Date now) {
                                      .claimedType = QString::fromLatin1(claimedType),
                                      .format = mediaFormatOf(call.uploadStart).value_or(QString()),
                                      .expiry = now + tokenLifetime});
-    return textAnswer(token.toLatin1());
+    call.upload->keep(call);
+    Answer answer = textAnswer(token.toLatin1());
+    answer.headers = {{"X-Goog-Upload-Status", "final"}};
+    return answer;
+}
+
+std::shared_ptr<UploadSession> Uploads::session(const QString& id) const {
+    const auto found = sessions_.find(id);
+    return found == sessions_.end() ? nullptr : found->second;
 }
 
 const Upload* Uploads::find(const QString& token, Date now) const {

@@ -20,12 +20,17 @@ struct Upload {
     Date expiry;
 };
 
-/// `POST /v1/uploads`, raw protocol, and the tokens it answers: each good for one media item
-/// within a day. Not shared between threads.
+/// `POST /v1/uploads`, raw and resumable protocol, and the tokens it answers: each good for one
+/// media item within a day. Sessions of the resumable one last as long as the program. Not shared
+/// between threads.
 class Uploads {
   public:
     /// The bearer token has been checked before.
-    Answer receive(const Call& call, Date now);
+    Answer receive(const Call& call, std::chrono::seconds tokenLifetime, Date now);
+
+    /// None when the session is unknown.
+    std::shared_ptr<UploadSession> session(const QString& id) const;
+    void forgetSessions() { sessions_.clear(); }
 
     /// None when the token is unknown, used or expired.
     const Upload* find(const QString& token, Date now) const;
@@ -35,7 +40,12 @@ class Uploads {
     static Uploads fromJson(const QJsonObject& object);
 
   private:
+    Answer start(const Call& call);
+    Answer goOn(const Call& call, std::chrono::seconds tokenLifetime, Date now);
+    Answer take(const Call& call, std::chrono::seconds tokenLifetime, Date now);
+
     std::map<QString, Upload> uploads_;
+    std::map<QString, std::shared_ptr<UploadSession>> sessions_;
 };
 
 } // namespace quorvane::emulator

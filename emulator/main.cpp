@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <random>
 
 using namespace quorvane;
 using namespace quorvane::emulator;
@@ -20,6 +21,36 @@ void seed(GoogleEmulator& service, const std::vector<CommandLine::Seed>& seeds) 
         if (std::ranges::find(albums, each.title, &StoredAlbum::title) == albums.end())
             service.addAlbum(each.title, each.count);
     }
+}
+
+/// Between half of `mean` and one and a half.
+timespec around(std::chrono::seconds mean) {
+    static std::minstd_rand random;
+    const std::int64_t half = mean.count() * 500;
+    const std::int64_t ms = std::uniform_int_distribution(half, 3 * half)(random);
+    return {.tv_sec = ms / 1000, .tv_nsec = ms % 1000 * 1'000'000};
+}
+
+/// Blocks until one of `ends` comes. Without outages the service stays up until then.
+void serveUntil(const sigset_t& ends, GoogleEmulator& service,
+                const std::optional<CommandLine::Outages>& outages) {
+    if (!outages) {
+        int signal = 0;
+        sigwait(&ends, &signal);
+        service.stop();
+        return;
+    }
+    const auto lasts = [&](std::chrono::seconds mean) {
+        const timespec duration = around(mean);
+        return sigtimedwait(&ends, nullptr, &duration) < 0;
+    };
+    while (lasts(outages->up)) {
+        service.stop();
+        if (!lasts(outages->down))
+            return;
+        service.start();
+    }
+    service.stop();
 }
 
 void run(const CommandLine& line, Console& console) {
@@ -38,9 +69,7 @@ void run(const CommandLine& line, Console& console) {
         replaceFile(line.portFile, QByteArray::number(service.port()) + '\n', 0644);
     console.print(service.baseURL());
 
-    int signal = 0;
-    sigwait(&ends, &signal);
-    service.stop();
+    serveUntil(ends, service, line.outages);
     if (!line.reportFile.empty())
         replaceFile(line.reportFile, QJsonDocument(service.report()).toJson(), 0644);
 }

@@ -72,16 +72,40 @@ TEST_F(FaultTest, cutsAnAnswerAfterTheRequestTookEffect) {
     EXPECT_EQ(received, emulator->requests(RequestKind::batchCreate).at(0).answer.first(40));
 }
 
+TEST_F(FaultTest, anAccountHasItsLimits) {
+    const QString uploaded = uploadToken(jpeg);
+    emulator->change([](Behaviour& behaviour) { behaviour.storageBytes = jpeg.size() - 1; });
+    EXPECT_EQ(json(create({uploaded}))[u"error"_s][u"message"_s].toString(),
+              u"The remaining storage in the user's account is not enough to perform this "
+              "operation."_s);
+    emulator->change([](Behaviour& behaviour) { behaviour.storageBytes = jpeg.size(); });
+    const QString album = emulator->addAlbum(u"Aile"_s, 3);
+    EXPECT_EQ(json(client->Get("/v1/albums/" + album.toStdString(), bearer()))[u"title"_s],
+              u"Aile"_s);
+    emulator->deleteAlbum(album);
+    EXPECT_EQ(statusOf(create({uploaded}, album)), 400);
+    EXPECT_EQ(statusOf(create({uploaded})), 200);
+
+    emulator->change([](Behaviour& behaviour) { behaviour.dailyRequests = 2; });
+    const auto statuses = [&] { return std::vector{listStatus(), listStatus(), listStatus()}; };
+    EXPECT_EQ(statuses(), (std::vector{200, 200, 429}));
+    clock.advance(std::chrono::hours(24));
+    token = emulator->issueTokens().accessToken;
+    EXPECT_EQ(statuses(), (std::vector{200, 200, 429}));
+    emulator->change([](Behaviour& behaviour) { behaviour.failingPercent = 100; });
+    EXPECT_GE(listStatus(), 429);
+}
+
 TEST_F(FaultTest, takesItsTime) {
     emulator->change([](Behaviour& behaviour) {
-        behaviour.latency = std::chrono::milliseconds(30);
+        behaviour.latencyOf[RequestKind::albumsList] = std::chrono::milliseconds(30);
         behaviour.uploadBytesPerSecond = 2'000'000;
     });
     emulator->addDisturbance(
         {.kind = RequestKind::albumsList, .delay = std::chrono::milliseconds(40)});
     EXPECT_GE(timeOf([&] { listStatus(); }), std::chrono::milliseconds(70));
     EXPECT_GE(timeOf([&] { upload(jpeg + QByteArray(200'000, 'x')); }),
-              std::chrono::milliseconds(130));
+              std::chrono::milliseconds(100));
 }
 
 } // namespace
