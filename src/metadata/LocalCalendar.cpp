@@ -134,6 +134,12 @@ std::optional<Date> parseIsoDate(QStringView text) {
     return match.capturedView(8) == u"-" ? *time + offset : *time - offset;
 }
 
+std::optional<Date> parseTypedDate(const QString& text) {
+    static const QRegularExpression minute(
+        QStringLiteral("^(\\s*[0-9-]{10}[T ][0-9]{2}:[0-9]{2})(?!:)"));
+    return parseIsoDate(QString(text).replace(minute, QStringLiteral("\\1:00")));
+}
+
 QString exifDateText(Date date) {
     const std::tm local = localTime(std::chrono::floor<seconds>(date));
     return QString::asprintf("%04d:%02d:%02d %02d:%02d:%02d", local.tm_year + 1900,

@@ -40,6 +40,9 @@ QString exifDateText(Date date);
 /// offset. None for any other text; blanks around it do not count.
 std::optional<Date> parseIsoDate(QStringView text);
 
+/// The same where the seconds may be missing, as people and XMP write it: "2019-05-03 14:30".
+std::optional<Date> parseTypedDate(const QString& text);
+
 /// The UTC time in a `QDateTime` format, such as "yyyy:MM:dd".
 QString utcText(Date date, QStringView format);
 

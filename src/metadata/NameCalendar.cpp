@@ -52,7 +52,8 @@ const std::array<QStringList, 12>& monthNames() {
     return names;
 }
 
-/// 1 to 12; 0 for no month's name.
+} // namespace
+
 int monthNamed(const QString& name) {
     const auto& names = monthNames();
     for (size_t month = 0; month < names.size(); ++month)
@@ -60,6 +61,8 @@ int monthNamed(const QString& name) {
             return static_cast<int>(month) + 1;
     return 0;
 }
+
+namespace {
 
 QRegularExpression formOf(const QString& pattern) {
     return QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption |

@@ -9,6 +9,10 @@
 /// Calendar dates and times of day in text that people and programs write. Any thread.
 namespace quorvane {
 
+/// 1 to 12 for a month's name, whole or short, in one of the languages of the names we meet; else
+/// 0.
+int monthNamed(const QString& name);
+
 struct TimeOfDay {
     int hour = 12;
     int minute = 0;
