@@ -26,12 +26,13 @@ void RecordDates::setDate(const QString& identifier, const RecordDate& date) {
     });
 }
 
-std::vector<std::pair<QString, Date>> RecordDates::all() {
+std::vector<std::pair<QString, RecordDate>> RecordDates::all() {
     return db_.onConnection([](sqlite::Connection& database) {
-        sqlite::Statement row(database, "SELECT asset_local_identifier, date FROM record_dates");
-        std::vector<std::pair<QString, Date>> dates;
+        sqlite::Statement row(database,
+                              "SELECT asset_local_identifier, date, source FROM record_dates");
+        std::vector<std::pair<QString, RecordDate>> dates;
         while (row.step())
-            dates.emplace_back(row.text(0), dateOf(row.integer(1)));
+            dates.emplace_back(row.text(0), RecordDate{dateOf(row.integer(1)), row.text(2)});
         return dates;
     });
 }

@@ -29,7 +29,7 @@ class RecordDates {
 
     void setDate(const QString& identifier, const RecordDate& date);
     /// By identifier, in no order: of every asset that was staged with a date.
-    std::vector<std::pair<QString, Date>> all();
+    std::vector<std::pair<QString, RecordDate>> all();
 
     void setChoice(const QString& identifier, const DateChoice& choice);
     std::optional<DateChoice> choiceOf(const QString& identifier);

@@ -146,7 +146,8 @@ TEST_F(SyncRun, ADateThatAPersonNamedIsWritten) {
     ASSERT_EQ(world.google.mediaItems().size(), 1U);
     EXPECT_EQ(readExistingImageDate(program.stagedPath(u"undated.jpg"_s)), chosen);
     const QString identifier = program.identifierOf(u"undated.jpg"_s);
-    EXPECT_EQ(RecordDates(next.database).all(), (std::vector{std::pair(identifier, chosen)}));
+    EXPECT_EQ(RecordDates(next.database).all(),
+              (std::vector{std::pair(identifier, RecordDate{chosen, u"chosen"_s})}));
 }
 
 TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {

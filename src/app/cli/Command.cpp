@@ -47,9 +47,9 @@ int runChecked(const QStringList& words, Console& console, std::stop_token stop)
 
 const std::vector<Command>& allCommands() {
     static const std::vector<Command> commands{
-        loginCommand(),  logoutCommand(), statusCommand(),    syncCommand(),
-        albumsCommand(), retryCommand(),  stagingCommand(),   watchCommand(),
-        logCommand(),    doctorCommand(), handleUrlCommand(),
+        loginCommand(),  logoutCommand(), statusCommand(),  syncCommand(),
+        albumsCommand(), retryCommand(),  undatedCommand(), stagingCommand(),
+        watchCommand(),  logCommand(),    doctorCommand(),  handleUrlCommand(),
     };
     return commands;
 }

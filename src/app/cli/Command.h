@@ -47,6 +47,7 @@ Command statusCommand();
 Command syncCommand();
 Command albumsCommand();
 Command retryCommand();
+Command undatedCommand();
 Command stagingCommand();
 Command logCommand();
 Command doctorCommand();

@@ -25,9 +25,8 @@ int retry(Invocation& invocation) {
     state.life.retriedFailed(true);
     if (withUndated)
         state.life.retriedUndated();
-    const int released = invocation.arguments.has(QStringLiteral("undatable"))
-                             ? state.life.undatableReleased()
-                             : 0;
+    const int released =
+        invocation.arguments.has(QStringLiteral("undatable")) ? state.life.undatableReleased() : 0;
     const StoreCounts after = StoreCounts::of(state.db);
     core.console.result(
         QStringLiteral("%1 öğe yeniden sıraya alındı.").arg(after.pending - before.pending));

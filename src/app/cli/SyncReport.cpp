@@ -92,6 +92,8 @@ QString SyncReport::table() const {
     const int more = after.failed + after.undated - static_cast<int>(unfinished.size());
     if (more > 0)
         text += QStringLiteral("  … ve %1 öğe daha\n").arg(turkish.toString(more));
+    if (after.undated > after.undatable)
+        text += QStringLiteral("Tarih ipuçları için: quorvane-cli undated\n");
     if (after.undatable > 0)
         text += undatableAdvice() + u'\n';
     return text + QStringLiteral("Yeniden denemek için: quorvane-cli retry");
