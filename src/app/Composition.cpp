@@ -66,16 +66,19 @@ LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
     } else {
         identity_ = folderLibraryIdentity(path_);
     }
-    if (!identity_.isEmpty())
-        return;
-    std::error_code unreachable;
-    const auto canonical = std::filesystem::canonical(path_, unreachable);
-    identity_ = QStringLiteral("path:") + pathText(unreachable ? path_ : canonical);
+    if (identity_.isEmpty()) {
+        std::error_code unreachable;
+        const auto canonical = std::filesystem::canonical(path_, unreachable);
+        identity_ = QStringLiteral("path:") + pathText(unreachable ? path_ : canonical);
+    }
+    choices = LibraryChoices::of(identity_, core_.preferences);
 }
 
 std::unique_ptr<PhotoLibrary> LibraryAt::open(KnownFiles& known) {
-    if (bundle_)
+    if (bundle_) {
+        bundle_->use(choices);
         return std::move(bundle_);
+    }
     return std::make_unique<FolderLibrary>(path_, known, core_.ports.confirmation, core_.logger);
 }
 
@@ -83,6 +86,7 @@ SourceServices::SourceServices(CoreServices& core, const AccountIdentity& accoun
                                const std::optional<StatePlace>& statePlace, Use use)
     : path(at.path()),
       identity(at.identity()),
+      choices(at.choices),
       state(core, statePlace, account),
       lookedAt(state.files),
       library(at.open(use == Use::work ? static_cast<KnownFiles&>(state.files) : lookedAt)),

@@ -15,6 +15,7 @@
 #include "google/TransferActivityTracker.h"
 #include "library/AssetStagingService.h"
 #include "library/DeletionConfirmation.h"
+#include "library/LibraryChoices.h"
 #include "library/PhotoAlbumService.h"
 #include "library/PhotoLibraryObserver.h"
 #include "library/SafeDeletionService.h"
@@ -97,6 +98,9 @@ class LibraryAt {
     /// What tells the library from every other: what it or its file system says, else its path.
     const QString& identity() const { return identity_; }
 
+    /// Those that are remembered for it; a change holds for what is opened afterwards.
+    LibraryChoices choices;
+
     /// The adapter; once. `known` outlives it.
     std::unique_ptr<PhotoLibrary> open(KnownFiles& known);
 
@@ -117,6 +121,7 @@ struct SourceServices {
 
     const std::filesystem::path path;
     const QString identity; ///< what tells the library from every other
+    const LibraryChoices choices;
     StateServices state;
     LookedAtFiles lookedAt;
     std::unique_ptr<PhotoLibrary> library;

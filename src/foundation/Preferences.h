@@ -81,6 +81,8 @@ inline const QString notificationsMuted = QStringLiteral("Quorvane.notifications
 inline const QString libraryPath = QStringLiteral("com.quorvane.library_path");
 /// What tells that library from every other, for when it is away.
 inline const QString libraryIdentity = QStringLiteral("com.quorvane.library_identity");
+/// What was chosen for each library, by that.
+inline const QString libraryChoices = QStringLiteral("com.quorvane.library_choices");
 } // namespace preferenceKeys
 
 } // namespace quorvane

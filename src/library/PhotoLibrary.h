@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -58,12 +59,25 @@ struct PhotoAsset {
     AssetFacts facts() const { return {creationDate, location}; }
 };
 
+/// An original that the library knows and this machine does not have.
+struct AbsentOriginal {
+    enum class Why {
+        onlyInCloud, ///< until the person has Photos download it
+        elsewhere,   ///< it stands outside the library, at a place that is not here
+    };
+    Why why = Why::onlyInCloud;
+    QString reason; ///< one line, for a person; names the original
+
+    bool operator==(const AbsentOriginal&) const = default;
+};
+
 /// One file of an asset.
 struct PhotoAssetResource {
     AssetResourceType type = AssetResourceType::photo;
     QString originalFilename;
     std::optional<std::int64_t> fileSize; ///< bytes; absent when the bytes are not on this machine
     std::filesystem::path location;       ///< inside the library; absolute when it lies elsewhere
+    std::optional<AbsentOriginal> absence = {}; ///< where the library can tell why
 };
 
 /// The resource that stands for an asset: the first, in the library's order, that is a photo, a
@@ -208,6 +222,13 @@ class PhotoLibrary : public AssetFactsSource {
 
     /// In PhotoKit's order: the original first.
     virtual std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) = 0;
+
+    /// Those of the assets whose original is known not to be on this machine, by local identifier.
+    /// Quick for many. Throws also `Cancelled`.
+    virtual std::map<QString, AbsentOriginal> absentOriginals(const std::vector<PhotoAsset>&,
+                                                              std::stop_token) {
+        return {};
+    }
 
     /// Writes the resource's bytes to `destination`, which must not exist; it appears whole and
     /// flushed, with the original's modification time, or not at all. Returns what was written, as

@@ -2,7 +2,9 @@
 
 #include "foundation/File.h"
 #include "foundation/MainThread.h"
+#include "library/Absences.h"
 #include "metadata/FilenameDates.h"
+#include "store/RecordAbsences.h"
 
 namespace quorvane {
 
@@ -202,6 +204,23 @@ void PhotoLibraryObserver::tellRefusal(const DBError& error) {
                    error.localizedDescription());
 }
 
+/// What it cannot settle now is settled record by record, when it is staged.
+void PhotoLibraryObserver::settle(const std::vector<PhotoAsset>& assets,
+                                  const std::stop_token& stop) {
+    try {
+        const int returned = settleAbsences(assets, library_, database_, life_, stop);
+        if (returned > 0)
+            console_.print(
+                QStringLiteral("[PhotoKit] %1 medyanın özgün dosyası artık burada, sıraya alındı")
+                    .arg(returned));
+    } catch (const Cancelled&) {
+        throw;
+    } catch (const Error& error) {
+        console_.print(QStringLiteral("[PhotoKit] Eksik özgün dosyalar ayrılamadı: ") +
+                       error.localizedDescription());
+    }
+}
+
 void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
     std::error_code unreachable;
     if (!std::filesystem::exists(staging_.permanentFolder(), unreachable) && !unreachable)
@@ -238,6 +257,7 @@ void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& a
         tellRefusal(error);
         refusal = error;
     }
+    settle(assets, stop);
     discardLeft();
     assetsRecorded.send({RecordedAssets::Cause::scan, recorded});
     staging_.stageDiscoveredAssets(stop);
@@ -259,9 +279,19 @@ void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& asset
                            QStringLiteral(": ") + error.localizedDescription());
         }
     }
+    settle(assets, stop);
     discardLeft();
     assetsRecorded.send({RecordedAssets::Cause::change, assets.size()});
     staging_.stageDiscoveredAssets(stop);
+}
+
+/// The arrival of an original changes no asset.
+bool PhotoLibraryObserver::awaitsOriginals() {
+    try {
+        return !RecordAbsences(database_).counts().empty();
+    } catch (const DBError&) {
+        return false;
+    }
 }
 
 void PhotoLibraryObserver::photoLibraryDidChange(const LibraryChange& change) {
@@ -271,10 +301,12 @@ void PhotoLibraryObserver::photoLibraryDidChange(const LibraryChange& change) {
         if (!fetchResult_)
             return;
         auto details = change.changeDetails(fetchResult_);
-        if (!details)
+        if (!details && !awaitsOriginals())
             return;
-        fetchResult_ = std::move(details->fetchResultAfterChanges);
-        inserted = std::move(details->insertedObjects);
+        if (details) {
+            fetchResult_ = std::move(details->fetchResultAfterChanges);
+            inserted = std::move(details->insertedObjects);
+        }
     }
     if (inserted.empty()) {
         assetsRecorded.send({RecordedAssets::Cause::change, 0});

@@ -71,6 +71,8 @@ class PhotoLibraryObserver final : public LibraryChangeObserver {
 
   private:
     void discardLeft();
+    void settle(const std::vector<PhotoAsset>& assets, const std::stop_token& stop);
+    bool awaitsOriginals();
     void tellRefusal(const DBError& error);
     void startOnMainThread();
     void stopOnMainThread();

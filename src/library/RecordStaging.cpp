@@ -1,6 +1,7 @@
 #include "library/RecordStaging.h"
 
 #include "foundation/File.h"
+#include "library/Absences.h"
 #include "library/StagedName.h"
 
 #include <cerrno>
@@ -69,6 +70,12 @@ std::optional<StagedFile> RecordStaging::stage(const SyncRecord& before,
         return file ? recordCopy(*record, *file, s_.life.sourceOf(identifier)) : std::nullopt;
     }
     unavailable_.erase(identifier);
+    if (const auto& absence = source->resource.absence) {
+        if (const auto file = provenCopy(*record, stop))
+            return recordCopy(*record, *file, s_.life.sourceOf(identifier));
+        s_.life.absent(*record, codeOf(*absence), absence->reason);
+        return std::nullopt;
+    }
     return stageAsset(*record, *source, stop);
 }
 

@@ -1,5 +1,6 @@
 #include "store/RecordLife.h"
 
+#include "store/RecordAbsences.h"
 #include "store/StateFacts.h"
 
 #include <algorithm>
@@ -22,6 +23,7 @@ const std::array lifeOfARecord{
     RecordLife::Arrow{"recognised", {discovered, SyncStatus::staged}, verified},
     RecordLife::Arrow{
         "superseded", {discovered, SyncStatus::staged, failed, dateUnresolved}, excluded},
+    RecordLife::Arrow{"absent", {discovered}, excluded},
     RecordLife::Arrow{"returned", {excluded}, discovered},
     RecordLife::Arrow{"deleting", {verified}, verified},
     RecordLife::Arrow{"deleted", {verified}, deletedLocally},
@@ -143,6 +145,14 @@ bool RecordLife::superseded(const SyncRecord& record, const QString& reason) {
     });
 }
 
+bool RecordLife::absent(const SyncRecord& record, const QString& code, const QString& reason) {
+    return follow("absent", record, [&](SyncStatus to) {
+        db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to, {},
+                         {}, reason);
+        RecordAbsences(db_).set(record.assetLocalIdentifier, code);
+    });
+}
+
 /// Also an asset whose staging was cut short may have a file: its source is known by then.
 void RecordLife::cleared() {
     db_.transaction([&](sqlite::Connection& database) {
@@ -170,7 +180,10 @@ void RecordLife::discarded(const QString& identifier) {
 }
 
 bool RecordLife::returned(const SyncRecord& record) {
-    return setStatus("returned", record);
+    return follow("returned", record, [&](SyncStatus to) {
+        db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to);
+        RecordAbsences(db_).remove(record.assetLocalIdentifier);
+    });
 }
 
 bool RecordLife::deleting(const SyncRecord& record) {

@@ -74,7 +74,9 @@ class RecordLife {
     bool recognised(const SyncRecord& record, const RecordSource& source, const QString& remoteID);
     /// Another version is in the library now, and this one was never sent.
     bool superseded(const SyncRecord& record, const QString& reason);
-    /// This version is in the library again.
+    /// Its original is not on this machine, by `code`: remembered until `returned`.
+    bool absent(const SyncRecord& record, const QString& code, const QString& reason);
+    /// This version is in the library again, or its original on this machine.
     bool returned(const SyncRecord& record);
     /// Its original is about to be removed; remembered until `deleted` or `kept`.
     bool deleting(const SyncRecord& record);

@@ -1,5 +1,6 @@
 #include "store/StoreCounts.h"
 
+#include "store/RecordAbsences.h"
 #include "store/Statements.h"
 
 namespace quorvane {
@@ -40,6 +41,8 @@ StoreCounts StoreCounts::of(DatabaseManager& db) {
             break;
         }
     }
+    for (const auto& [code, count] : RecordAbsences(db).counts())
+        (code == RecordAbsences::onlyInCloud ? counts.onlyInCloud : counts.elsewhere) += count;
     return counts;
 }
 

@@ -12,6 +12,8 @@ struct StoreCounts {
     int undated = 0;   ///< held back for want of a date
     int undatable = 0; ///< of `undated`: their file takes none
     int pending = 0;
+    int onlyInCloud = 0; ///< left out until Photos downloads the original
+    int elsewhere = 0;   ///< left out: the original stands outside the library, at no place here
 
     bool operator==(const StoreCounts&) const = default;
 

@@ -45,6 +45,7 @@ class FakePhotoLibrary final : public PhotoLibrary {
     std::vector<CollectionList> lists;
     std::map<QString, std::vector<Collection>> inList;
     std::map<QString, QStringList> inAlbum;
+    std::map<QString, AbsentOriginal> absent; ///< what no resource of the asset says
 
     QStringList exported() const;
     QString warned; ///< the warning of the last question
@@ -61,6 +62,10 @@ class FakePhotoLibrary final : public PhotoLibrary {
     std::vector<CollectionList> fetchCollectionLists(CollectionListType type) override;
     std::vector<Collection> fetchCollections(const CollectionList& list) override;
     std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) override;
+    std::map<QString, AbsentOriginal> absentOriginals(const std::vector<PhotoAsset>&,
+                                                      std::stop_token) override {
+        return absent;
+    }
     SourceContent writeData(const PhotoAssetResource& resource,
                             const std::filesystem::path& destination,
                             std::stop_token stop) override;

@@ -1,6 +1,7 @@
 #include "World.h"
 
 #include "library/PhotoLibraryObserver.h"
+#include "store/StoreCounts.h"
 
 #include <thread>
 
@@ -51,6 +52,39 @@ TEST_F(PhotoLibraryObserverTest, RecordsPhotosVideosAndLivePhotosOfTheWholeLibra
     EXPECT_FALSE(record(assetID(4)));
     EXPECT_FALSE(record(assetID(5)));
     EXPECT_EQ(status(assetID(3)), SyncStatus::staged) << "staging follows the scan";
+}
+
+TEST_F(PhotoLibraryObserverTest, LeavesOutWhatIsNotHereUntilItIs) {
+    using Why = AbsentOriginal::Why;
+    for (const int number : {1, 2, 3})
+        library.add(assetID(number), u"%1.bin"_s.arg(number));
+    observer.initialScan();
+    SyncRecord staged = record(assetID(3)).value(); // its copy may be all there is
+    life.requeued(staged);
+    for (const int number : {1, 2})
+        setStatus(assetID(number), SyncStatus::failed);
+    database.onConnection([](sqlite::Connection& connection) {
+        connection.execute("UPDATE sync_records SET sha256_hash = NULL WHERE sync_status = "
+                           "'FAILED'");
+    });
+    life.retriedFailed(true);
+
+    library.absent = {{assetID(1), {Why::onlyInCloud, u"cloud"_s}},
+                      {assetID(2), {Why::elsewhere, u"disk"_s}},
+                      {assetID(3), {Why::onlyInCloud, u"cloud"_s}}};
+    observer.initialScan();
+    EXPECT_EQ(status(assetID(1)), SyncStatus::excluded);
+    EXPECT_EQ(record(assetID(2))->lastError, u"disk"_s);
+    EXPECT_EQ(status(assetID(3)), SyncStatus::staged);
+    EXPECT_EQ(StoreCounts::of(database).onlyInCloud, 1);
+    EXPECT_EQ(StoreCounts::of(database).elsewhere, 1);
+
+    library.absent[assetID(2)].why = Why::onlyInCloud;
+    library.absent.erase(assetID(1));
+    observer.initialScan();
+    EXPECT_EQ(status(assetID(1)), SyncStatus::staged) << "it came";
+    EXPECT_EQ(StoreCounts::of(database).onlyInCloud, 1);
+    EXPECT_EQ(StoreCounts::of(database).elsewhere, 0);
 }
 
 TEST_F(PhotoLibraryObserverTest, ScansTheChosenAlbumAndNamesIt) {

@@ -7,6 +7,7 @@
 namespace quorvane::test {
 
 using testing::ElementsAre;
+using namespace Qt::StringLiterals;
 
 TEST_F(MadeBundle, TakesAbsurdDatesAndPlacesAsTheyCome) {
     make();
@@ -84,11 +85,91 @@ TEST_F(MadeBundle, StaysInsideTheBundleWhateverTheDatabaseSays) {
         EXPECT_FALSE(resource.originalFilename.contains(u'/')) << key;
         EXPECT_THROW(library.writeData(resource, folder / "out", {}), PhotoLibraryError) << key;
     }
-    // A referenced original may stand anywhere.
-    addAsset(5, ", ZDIRECTORY, ZFILENAME", ", '" + folder.path().native() + "', 'secret.jpg'");
-    library.fetchAssets();
-    library.writeData(library.assetResources(asset(5)).at(0), folder / "out", {});
-    EXPECT_EQ(readFile(folder / "out"), "secret");
+    EXPECT_TRUE(library.absentOriginals(*library.fetchAssets(), {}).empty()) << "nobody can tell";
+}
+
+TEST_F(MadeBundle, FindsOriginalsWhereTheyLieAndTellsWhyOthersAreNotThere) {
+    make();
+    const std::string place = "'/Volumes/Disk/a', 'x.jpg'";
+    folder.write("disk/a/x.jpg", "outside");
+    folder.write("disk2/a/x.jpg", "outside");
+    using Why = AbsentOriginal::Why;
+    const struct {
+        const char* file; ///< in the bundle; @ stands for the UUID
+        int kind, saved;
+        std::string names; ///< directory and file in the row
+        std::optional<std::string> found;
+        std::optional<Why> why = {};
+    } rows[] = {
+        {"originals/0/@.jpeg", 0, 3, "'0', '@.jpeg'", "originals/0/@.jpeg"},
+        {"scopes/cloudsharing/data/7/A/@.JPG", 0, 3, "'7/A', '@.JPG'",
+         "scopes/cloudsharing/data/7/A/@.JPG"},
+        {"resources/cloudsharing/data/7/A/@.JPG", 0, 3, "'7/A', '@.JPG'",
+         "resources/cloudsharing/data/7/A/@.JPG"},
+        {"scopes/cloudsharing/data/7/A/@.medium.MP4", 1, 3, "'7/A', '@.poster.JPG'",
+         "scopes/cloudsharing/data/7/A/@.medium.MP4"},
+        {"scopes/cloudsharing/data/7/A/@.poster.JPG",
+         1,
+         3,
+         "'7/A', '@.poster.JPG'",
+         {},
+         Why::onlyInCloud},
+        {"scopes/momentshared/originals/0/@.heic", 0, 3, "'0', '@.heic'",
+         "scopes/momentshared/originals/0/@.heic"},
+        {"scopes/syndication/originals/0/@.mov", 1, 3, "'0', '@.mov'",
+         "scopes/syndication/originals/0/@.mov"},
+        {nullptr, 0, 3, "'0', '@.heic'", {}, Why::onlyInCloud},
+        {nullptr, 0, 10, place, "disk/a/x.jpg"},
+        {nullptr, 0, 10, "'/Volumes/Disk2/a', 'x.jpg'", {}, Why::elsewhere},
+        {nullptr, 0, 10, "'/Volumes/Disk/../Disk2/a', 'x.jpg'", {}, Why::elsewhere},
+        {nullptr, 0, 3, place, {}},
+        {nullptr, 0, 3, "'0', '/Volumes/Disk/a/x.jpg'", {}},
+    };
+    int key = 0;
+    const auto filled = [&](std::string text) {
+        for (std::size_t at = 0; (at = text.find('@', at)) != std::string::npos;)
+            text.replace(at, 1, uuid(key));
+        return text;
+    };
+    LibraryChoices choices;
+    choices.add(OriginalsMapping::parse(u"/Volumes/Disk="_s + pathText(folder / "disk")));
+    library.use(choices);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(++key);
+        if (row.file != nullptr)
+            folder.write("Made.photoslibrary/" + filled(row.file), "bytes");
+        addAsset(key, ", ZDIRECTORY, ZFILENAME, ZKIND, ZSAVEDASSETTYPE",
+                 filled(", " + row.names + ", ") + std::to_string(row.kind) + ", " +
+                     std::to_string(row.saved));
+        const auto all = library.fetchAssets();
+        const auto resource = library.assetResources(asset(key)).at(0);
+        EXPECT_EQ(resource.fileSize.has_value(), row.found.has_value());
+        if (row.found)
+            EXPECT_EQ(resource.location, row.found->starts_with("disk")
+                                             ? folder / *row.found
+                                             : std::filesystem::path(filled(*row.found)));
+        else
+            EXPECT_THROW(library.readContent(resource, {}), PhotoLibraryError);
+        const auto absent = library.absentOriginals({asset(key)}, {});
+        EXPECT_EQ(absent.empty() ? std::nullopt : std::optional(absent.begin()->second.why),
+                  row.why);
+        EXPECT_EQ(absent.empty() ? std::nullopt : std::optional(absent.begin()->second),
+                  resource.absence);
+    }
+    for (const char* wrong : {"/Volumes/Disk", "=/mnt", "Disk=/mnt", "/Volumes/Disk=mnt"})
+        EXPECT_THROW(OriginalsMapping::parse(QString::fromLatin1(wrong)), Error) << wrong;
+}
+
+TEST_F(MadeBundle, ReadsSharedAlbumsFromTheTableOfShares) {
+    make();
+    addAsset(1, ", ZVISIBILITYSTATE, ZCOLLECTIONSHARE", ", 2, 5");
+    addAsset(2, ", ZVISIBILITYSTATE, ZCOLLECTIONSHARE, ZTRASHEDSTATE", ", 2, 5, 1");
+    execute("INSERT INTO ZSHARE VALUES (5, 'S5', 'family', 0), (6, 'S6', 'empty', 0)");
+    const auto shared = library.fetchAssetCollections(CollectionType::album, 101);
+    ASSERT_EQ(shared.size(), 1u);
+    EXPECT_EQ(shared[0].title, u"family"_s);
+    EXPECT_EQ(shared[0].estimatedAssetCount, 1);
+    EXPECT_THAT(keysOf(library.fetchAssets(shared[0])), ElementsAre(1));
 }
 
 TEST_F(MadeBundle, FindsRawTwinsAndVideoEdits) {

@@ -1,5 +1,6 @@
 #include "store/RecordLife.h"
 
+#include "store/RecordAbsences.h"
 #include "store/StateFacts.h"
 #include "support/Records.h"
 #include "support/TemporaryFolder.h"
@@ -74,6 +75,8 @@ const std::vector<Operation> operations{
      setRemote},
     {"superseded", [](auto& life, auto& record) { return life.superseded(record, u"reason"_s); },
      setReason},
+    {"absent", [](auto& life, auto& record) { return life.absent(record, u"code"_s, u"reason"_s); },
+     setReason},
     {"returned", [](auto& life, auto& record) { return life.returned(record); }, clearError},
     {"deleting", [](auto& life, auto& record) { return life.deleting(record); }, nothing},
     {"deleted", [](auto& life, auto& record) { return life.deleted(record); }, clearError},
@@ -115,10 +118,12 @@ class RecordLifeTest : public testing::Test {
   protected:
     std::string whatIsRemembered() {
         const auto choice = dates.choiceOf(u"a"_s);
-        return QStringList{
-            life.left().join(u','), QString::number(life.unfinishedDeletions().size()),
-            life.sourceOf(u"a"_s).value_or(RecordSource()).sha256, StateFacts(db).account().email,
-            choice ? describe(choice->date.value_or(Date())) : QString()}
+        return QStringList{life.left().join(u','),
+                           QString::number(life.unfinishedDeletions().size()),
+                           life.sourceOf(u"a"_s).value_or(RecordSource()).sha256,
+                           StateFacts(db).account().email,
+                           choice ? describe(choice->date.value_or(Date())) : QString(),
+                           QString::number(RecordAbsences(db).counts().size())}
             .join(u'|')
             .toStdString();
     }
@@ -159,6 +164,8 @@ TEST_F(RecordLifeTest, EveryArrowIsFollowedFromItsStatusesOnly) {
             const SyncRecord now = db.fetchRecord(u"a"_s).value();
             EXPECT_EQ(shown(now).join(u' ').toStdString(), shown(stored).join(u' ').toStdString());
             life.kept(stored); // as if nothing had begun
+            db.onConnection(
+                [](auto& database) { database.execute("DELETE FROM record_absences"); });
         }
         db.onConnection([](sqlite::Connection& database) {
             database.execute("DELETE FROM sync_records; DELETE FROM record_sources;"
@@ -167,7 +174,7 @@ TEST_F(RecordLifeTest, EveryArrowIsFollowedFromItsStatusesOnly) {
         });
         operation.run(life, told);
         EXPECT_FALSE(db.fetchRecord(u"a"_s)) << operation.name << " of a record that is gone";
-        EXPECT_EQ(whatIsRemembered(), "|0|||");
+        EXPECT_EQ(whatIsRemembered(), "|0||||0");
     }
 }
 

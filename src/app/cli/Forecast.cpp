@@ -2,6 +2,7 @@
 
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
+#include "store/RecordAbsences.h"
 
 #include <algorithm>
 #include <map>
@@ -10,11 +11,14 @@ namespace quorvane::cli {
 
 namespace {
 
-/// The assets that a run would not touch, with what they are.
+/// The assets that a run would not touch, with what they are. One that was left out is looked for
+/// again.
 std::map<QString, SyncStatus> settledAssets(DatabaseManager& db) {
     std::map<QString, SyncStatus> settled;
+    const auto absent = RecordAbsences(db).all();
     for (const auto& [identifier, status] : db.fetchStatuses())
-        if (status != SyncStatus::discovered && status != SyncStatus::staged)
+        if (status != SyncStatus::discovered && status != SyncStatus::staged &&
+            !absent.contains(identifier))
             settled.emplace(identifier, status);
     return settled;
 }
@@ -68,6 +72,7 @@ Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackM
     const auto settled = settledAssets(library.state.db);
     const auto assets = library.albums.fetchAssets(library.albums.selectedSourceAlbumID());
     result.leftOut = library.library->leftOut();
+    const auto absent = library.library->absentOriginals(*assets, stop);
     for (const PhotoAsset& asset : *assets) {
         if (stop.stop_requested())
             throw Cancelled();
@@ -75,6 +80,11 @@ Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackM
             continue;
         if (const auto known = settled.find(asset.localIdentifier); known != settled.end()) {
             ++(isHeld(known->second) ? result.held : result.alreadyDone);
+            continue;
+        }
+        if (const auto absence = absent.find(asset.localIdentifier); absence != absent.end()) {
+            ++(absence->second.why == AbsentOriginal::Why::onlyInCloud ? result.absent.onlyInCloud
+                                                                       : result.absent.elsewhere);
             continue;
         }
         countKind(result, asset);
@@ -101,6 +111,7 @@ QString Forecast::table() const {
     text += tableRow(QStringLiteral("Live Photo"), QString::number(livePhotos));
     text += tableRow(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
     text += tableRow(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
+    text += absent.rows();
     text += tableRow(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
     if (undatable > 0)
         text += tableRow(QStringLiteral("  tarih yazılamayan biçim"), QString::number(undatable));
@@ -126,6 +137,7 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("livePhotos"), livePhotos},
                        {QStringLiteral("alreadyDone"), alreadyDone},
                        {QStringLiteral("unavailable"), unavailable},
+                       {QStringLiteral("absent"), absent.json()},
                        {QStringLiteral("undated"), undated},
                        {QStringLiteral("undatable"), undatable},
                        {QStringLiteral("held"), held},

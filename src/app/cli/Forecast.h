@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Composition.h"
+#include "app/cli/Absences.h"
 
 #include <QJsonObject>
 
@@ -11,12 +12,13 @@ struct Forecast {
     int photos = 0;
     int videos = 0;
     int livePhotos = 0;
-    int alreadyDone = 0; ///< verified earlier
-    int unavailable = 0; ///< the original is not on this machine
-    int undated = 0;     ///< would be held back
-    int undatable = 0;   ///< of `undated`: the file takes no date
-    int held = 0;        ///< failed or held back earlier; a run leaves them until they are retried
-    LeftOut leftOut;     ///< by the library
+    int alreadyDone = 0;  ///< verified earlier
+    AbsenceCounts absent; ///< the original is not on this machine; left out by a run
+    int unavailable = 0;  ///< the original cannot be had, and nobody knows why
+    int undated = 0;      ///< would be held back
+    int undatable = 0;    ///< of `undated`: the file takes no date
+    int held = 0;         ///< failed or held back earlier; a run leaves them until they are retried
+    LeftOut leftOut;      ///< by the library
     std::int64_t bytes = 0;
     std::optional<QString> targetTitle;
     std::int64_t targetCount = 0; ///< items now in the target album

@@ -65,9 +65,21 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
                                "klasörü verin"));
 }
 
+void applyChoices(const Arguments& arguments, LibraryChoices& choices) {
+    if (const auto mapping = arguments.value(QStringLiteral("originals")))
+        choices.add(OriginalsMapping::parse(*mapping));
+}
+
+std::vector<OptionSpec> choiceOptions() {
+    return {{QStringLiteral("originals"), QStringLiteral("ESKİ=YENİ"),
+             QStringLiteral("arşivin dışında duran özgün dosyalar: arşivin yazdığı yer ve buradaki "
+                            "yeri (hatırlanır)")}};
+}
+
 void rememberLibrary(const SourceServices& library, Preferences& preferences) {
     preferences.setString(preferenceKeys::libraryPath, pathText(library.path));
     preferences.setString(preferenceKeys::libraryIdentity, library.identity);
+    library.choices.save(library.identity, preferences);
 }
 
 std::optional<StatePlace> rememberedState(const CoreServices& core,

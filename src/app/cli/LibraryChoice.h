@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Composition.h"
+#include "app/cli/CommandLine.h"
 
 #include <filesystem>
 #include <optional>
@@ -12,7 +13,13 @@ namespace quorvane::cli {
 std::filesystem::path chooseLibrary(const std::optional<QString>& named,
                                     const Preferences& preferences, const UserFolders& folders);
 
-/// Makes it the library of later runs; call it once the library has proved readable.
+/// What this call chooses for the library, on top of what is remembered for it. Throws `Error`.
+void applyChoices(const Arguments& arguments, LibraryChoices& choices);
+/// The options that say so.
+std::vector<OptionSpec> choiceOptions();
+
+/// Makes it the library of later runs, with its choices; call it once the library has proved
+/// readable.
 void rememberLibrary(const SourceServices& library, Preferences& preferences);
 
 /// The state of the remembered library, which may be away, for this account; before any library was

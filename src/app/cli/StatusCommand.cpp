@@ -1,8 +1,11 @@
+#include "app/cli/Absences.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
+#include "store/RecordAbsences.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace quorvane::cli {
@@ -15,7 +18,14 @@ struct Status {
     QString email;
     QString library;
     QString targetAlbum;
+    QStringList absences; ///< the first of them, by reason
 };
+
+constexpr int absencesShown = 20;
+
+AbsenceCounts absencesOf(const StoreCounts& counts) {
+    return {counts.onlyInCloud, counts.elsewhere};
+}
 
 QString table(const Status& status, const UserFolders& folders, const StatePlace& place) {
     const QString account = status.signedIn
@@ -34,6 +44,9 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
     if (status.counts.undatable > 0)
         text += tableRow(QStringLiteral("  tarih yazılamayan biçim"),
                          QString::number(status.counts.undatable));
+    text += absencesOf(status.counts).rows();
+    for (const QString& reason : status.absences)
+        text += QStringLiteral("  ") + reason + u'\n';
     text += tableRow(QStringLiteral("Durum veritabanı"), pathText(place.database));
     text += tableRow(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
     text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(place.permanentStaging));
@@ -48,26 +61,31 @@ int status(Invocation& invocation) {
     const AccountIdentity account = google.account();
     StateServices state(core, rememberedState(core, account), account);
     const StatePlace place = state.place.value_or(core.states.first());
-    const Status now{StoreCounts::of(state.db), google.oauth.isSignedIn(),
+    const Status now{StoreCounts::of(state.db),
+                     google.oauth.isSignedIn(),
                      google.oauth.email().value_or(QString()),
                      core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
-                     core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString())};
+                     core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString()),
+                     RecordAbsences(state.db).reasons(absencesShown)};
     if (!invocation.arguments.has(QStringLiteral("json"))) {
         core.console.result(table(now, core.folders, place));
         return done;
     }
-    printJson(core.console, {{QStringLiteral("signedIn"), now.signedIn},
-                             {QStringLiteral("email"), now.email},
-                             {QStringLiteral("library"), now.library},
-                             {QStringLiteral("targetAlbum"), now.targetAlbum},
-                             {QStringLiteral("verified"), now.counts.verified},
-                             {QStringLiteral("pending"), now.counts.pending},
-                             {QStringLiteral("failed"), now.counts.failed},
-                             {QStringLiteral("undated"), now.counts.undated},
-                             {QStringLiteral("undatable"), now.counts.undatable},
-                             {QStringLiteral("database"), pathText(place.database)},
-                             {QStringLiteral("log"), pathText(core.logger.logFile())},
-                             {QStringLiteral("staging"), pathText(place.permanentStaging)}});
+    printJson(core.console,
+              {{QStringLiteral("signedIn"), now.signedIn},
+               {QStringLiteral("email"), now.email},
+               {QStringLiteral("library"), now.library},
+               {QStringLiteral("targetAlbum"), now.targetAlbum},
+               {QStringLiteral("verified"), now.counts.verified},
+               {QStringLiteral("pending"), now.counts.pending},
+               {QStringLiteral("failed"), now.counts.failed},
+               {QStringLiteral("undated"), now.counts.undated},
+               {QStringLiteral("undatable"), now.counts.undatable},
+               {QStringLiteral("absent"), absencesOf(now.counts).json()},
+               {QStringLiteral("absentItems"), QJsonArray::fromStringList(now.absences)},
+               {QStringLiteral("database"), pathText(place.database)},
+               {QStringLiteral("log"), pathText(core.logger.logFile())},
+               {QStringLiteral("staging"), pathText(place.permanentStaging)}});
     return done;
 }
 

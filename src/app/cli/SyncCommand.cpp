@@ -6,6 +6,8 @@
 #include "app/cli/SyncReport.h"
 #include "app/cli/Watching.h"
 
+#include <algorithm>
+
 namespace quorvane::cli {
 
 namespace {
@@ -92,6 +94,7 @@ int dryRun(Invocation& invocation, CoreServices& core, GoogleServices& google,
            const std::filesystem::path& path) {
     const AccountIdentity account = google.account();
     LibraryAt at(core, path);
+    applyChoices(invocation.arguments, at.choices);
     const auto place = core.states.find(at.identity(), account);
     SourceServices source(core, account, std::move(at), place, SourceServices::Use::look);
     choose(invocation, core, google, source);
@@ -126,7 +129,9 @@ int sync(Invocation& invocation) {
     if (isDryRun)
         return dryRun(invocation, core, program.google, path);
 
-    LibraryServices library(core, program.google, LibraryAt(core, path));
+    LibraryAt at(core, path);
+    applyChoices(arguments, at.choices);
+    LibraryServices library(core, program.google, std::move(at));
     choose(invocation, core, program.google, library);
     const SyncReport report = run(invocation, core, program.google, library);
     if (report.run.error)
@@ -142,7 +147,7 @@ int sync(Invocation& invocation) {
 
 Command syncCommand() {
     const QString album = QStringLiteral("KİMLİK|BAŞLIK");
-    return {
+    Command command{
         {QStringLiteral("sync"),
          QStringLiteral("arşivi tarar, hazırlar ve Google Photos'a yükler"),
          {{QStringLiteral("library"), QStringLiteral("YOL"),
@@ -170,6 +175,8 @@ Command syncCommand() {
            QStringLiteral("standart çıktıya satır başına bir JSON nesnesi yazar")},
           {QStringLiteral("quiet"), {}, QStringLiteral("yalnızca sonucu yazar")}}},
         sync};
+    std::ranges::copy(choiceOptions(), std::back_inserter(command.spec.options));
+    return command;
 }
 
 } // namespace quorvane::cli

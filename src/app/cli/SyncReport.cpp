@@ -1,5 +1,6 @@
 #include "app/cli/SyncReport.h"
 
+#include "app/cli/Absences.h"
 #include "app/cli/Command.h"
 #include "app/cli/TextTable.h"
 
@@ -79,6 +80,7 @@ QString SyncReport::table() const {
     text += countRow(QStringLiteral("Tarihi bilinmeyen"), after.undated);
     text += rowUnlessZero(QStringLiteral("  tarih yazılamayan biçim"), after.undatable);
     text += countRow(QStringLiteral("Bekleyen"), pending);
+    text += AbsenceCounts{after.onlyInCloud, after.elsewhere}.rows();
     text += leftOutRows(run.leftOut);
     text += deletionRows(run.deletion);
     text += tableRow(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
@@ -112,26 +114,28 @@ QJsonObject SyncReport::json() const {
     for (const DeletionSummary::LeftOut& item : run.deletion.leftOut)
         notDeleted += QJsonObject{{QStringLiteral("name"), item.name},
                                   {QStringLiteral("reason"), item.reason}};
-    QJsonObject object{{QStringLiteral("event"), QStringLiteral("summary")},
-                       {QStringLiteral("verified"), run.verified},
-                       {QStringLiteral("recognised"), run.recognised},
-                       {QStringLiteral("existing"), run.existing},
-                       {QStringLiteral("verifiedTotal"), after.verified},
-                       {QStringLiteral("failed"), after.failed},
-                       {QStringLiteral("failedByCategory"), categories},
-                       {QStringLiteral("datedByNumber"), run.datedByNumber},
-                       {QStringLiteral("undated"), after.undated},
-                       {QStringLiteral("undatable"), after.undatable},
-                       {QStringLiteral("pending"), pending},
-                       {QStringLiteral("bytes"), qint64(run.uploadedBytes)},
-                       {QStringLiteral("seconds"), seconds},
-                       {QStringLiteral("passes"), run.passes},
-                       {QStringLiteral("stopped"), run.wasStopped},
-                       {QStringLiteral("albumFull"), run.albumFull},
-                       {QStringLiteral("leftOut"), leftOutJson(run.leftOut)},
-                       {QStringLiteral("deleted"), run.deletion.deleted},
-                       {QStringLiteral("notDeleted"), notDeleted},
-                       {QStringLiteral("items"), items}};
+    QJsonObject object{
+        {QStringLiteral("event"), QStringLiteral("summary")},
+        {QStringLiteral("verified"), run.verified},
+        {QStringLiteral("recognised"), run.recognised},
+        {QStringLiteral("existing"), run.existing},
+        {QStringLiteral("verifiedTotal"), after.verified},
+        {QStringLiteral("failed"), after.failed},
+        {QStringLiteral("failedByCategory"), categories},
+        {QStringLiteral("datedByNumber"), run.datedByNumber},
+        {QStringLiteral("undated"), after.undated},
+        {QStringLiteral("undatable"), after.undatable},
+        {QStringLiteral("pending"), pending},
+        {QStringLiteral("bytes"), qint64(run.uploadedBytes)},
+        {QStringLiteral("seconds"), seconds},
+        {QStringLiteral("passes"), run.passes},
+        {QStringLiteral("stopped"), run.wasStopped},
+        {QStringLiteral("albumFull"), run.albumFull},
+        {QStringLiteral("leftOut"), leftOutJson(run.leftOut)},
+        {QStringLiteral("absent"), AbsenceCounts{after.onlyInCloud, after.elsewhere}.json()},
+        {QStringLiteral("deleted"), run.deletion.deleted},
+        {QStringLiteral("notDeleted"), notDeleted},
+        {QStringLiteral("items"), items}};
     if (run.error)
         object[QStringLiteral("error")] = *run.error;
     return object;

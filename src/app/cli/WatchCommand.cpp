@@ -3,6 +3,7 @@
 #include "app/cli/Program.h"
 #include "app/cli/Watching.h"
 
+#include <algorithm>
 #include <condition_variable>
 
 namespace quorvane::cli {
@@ -79,7 +80,9 @@ int watch(Invocation& invocation) {
     requireSignedIn(program.google.oauth);
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
                                     core.preferences, core.folders);
-    LibraryServices library(core, program.google, LibraryAt(core, path));
+    LibraryAt at(core, path);
+    applyChoices(invocation.arguments, at.choices);
+    LibraryServices library(core, program.google, std::move(at));
     requireReadable(*library.library, path);
     library.observer.initialScan(invocation.stop); // what cannot be read is said at once
     rememberLibrary(library, core.preferences);
@@ -102,13 +105,15 @@ int watch(Invocation& invocation) {
 } // namespace
 
 Command watchCommand() {
-    return {{QStringLiteral("watch"),
-             QStringLiteral("arşivi izler, beliren öğeleri kendiliğinden yükler"),
-             {{QStringLiteral("library"), QStringLiteral("YOL"),
-               QStringLiteral("Fotoğraflar arşivi veya resim klasörü (hatırlanır)")},
-              {QStringLiteral("settle"), QStringLiteral("SANİYE"),
-               QStringLiteral("son değişiklikten bu kadar sonra başlar (30)")}}},
-            watch};
+    Command command{{QStringLiteral("watch"),
+                     QStringLiteral("arşivi izler, beliren öğeleri kendiliğinden yükler"),
+                     {{QStringLiteral("library"), QStringLiteral("YOL"),
+                       QStringLiteral("Fotoğraflar arşivi veya resim klasörü (hatırlanır)")},
+                      {QStringLiteral("settle"), QStringLiteral("SANİYE"),
+                       QStringLiteral("son değişiklikten bu kadar sonra başlar (30)")}}},
+                    watch};
+    std::ranges::copy(choiceOptions(), std::back_inserter(command.spec.options));
+    return command;
 }
 
 } // namespace quorvane::cli

@@ -2,7 +2,7 @@
 
 #include "library/FileExport.h"
 #include "library/LocalIdentifier.h"
-#include "platform/bundle/BundleFiles.h"
+#include "platform/bundle/BundleCollections.h"
 #include "platform/bundle/SmartAlbums.h"
 #include "platform/folder/FolderIdentity.h"
 
@@ -39,88 +39,6 @@ void requireSupported(const std::filesystem::path& bundle) {
             .arg(pathText(bundle)));
 }
 
-/// PhotoKit's type and subtype; none for folders and for an import session that is empty by now.
-std::optional<std::pair<CollectionType, int>> typeOf(const PhotosAlbum& album) {
-    using namespace collectionSubtype;
-    switch (album.kind) {
-    case PhotosAlbum::album:
-        return {{CollectionType::album, albumRegular}};
-    case PhotosAlbum::sharedAlbum:
-        return {{CollectionType::album, albumCloudShared}};
-    case PhotosAlbum::importSession:
-        if (album.count == 0)
-            return std::nullopt;
-        return {{CollectionType::album, albumImported}};
-    case PhotosAlbum::smartAlbum:
-        return {{CollectionType::smartAlbum, smartAlbumRegular}};
-    default:
-        return std::nullopt;
-    }
-}
-
-QString titleOf(const PhotosAlbum& album) {
-    if (album.kind != PhotosAlbum::importSession || !album.title.isEmpty())
-        return album.title;
-    return album.started ? QStringLiteral("İçe Aktarma %1").arg(describe(*album.started).left(10))
-                         : QStringLiteral("İçe Aktarma");
-}
-
-std::optional<AssetCollection> collectionOf(const PhotosAlbum& album) {
-    const auto type = typeOf(album);
-    if (!type)
-        return std::nullopt;
-    return AssetCollection{album.uuid + albumTail, titleOf(album), type->first, type->second,
-                           album.count};
-}
-
-AssetCollection collectionOf(const SmartAlbum& album, int count) {
-    return {album.identifier(), QString::fromUtf8(album.title), CollectionType::smartAlbum,
-            album.subtype, count};
-}
-
-const PhotosAlbum* find(const std::vector<PhotosAlbum>& albums, const QString& uuid) {
-    const auto found = std::ranges::find(albums, uuid, &PhotosAlbum::uuid);
-    return found == albums.end() ? nullptr : &*found;
-}
-
-const SmartAlbum* findSmart(const QString& identifier) {
-    const auto found = std::ranges::find_if(
-        smartAlbums(), [&](const SmartAlbum& album) { return album.identifier() == identifier; });
-    return found == smartAlbums().end() ? nullptr : &*found;
-}
-
-/// The albums and folders that stand directly in a folder; without a parent, at the top.
-std::vector<const PhotosAlbum*> childrenOf(const std::vector<PhotosAlbum>& albums,
-                                           const PhotosAlbum* parent) {
-    std::vector<const PhotosAlbum*> children;
-    const auto isTop = [&](const PhotosAlbum& album) {
-        return !album.parent || std::ranges::any_of(albums, [&](const PhotosAlbum& other) {
-            return other.kind == PhotosAlbum::rootFolder && other.key == *album.parent;
-        });
-    };
-    for (const PhotosAlbum& album : albums)
-        if ((album.kind == PhotosAlbum::album || album.kind == PhotosAlbum::folder) &&
-            (parent ? album.parent == parent->key : isTop(album)))
-            children.push_back(&album);
-    return children;
-}
-
-CollectionList listOf(const PhotosAlbum& folder) {
-    return {folder.uuid + folderTail, folder.title, CollectionListType::folder};
-}
-
-std::vector<Collection> collectionsIn(const std::vector<PhotosAlbum>& albums,
-                                      const PhotosAlbum* parent) {
-    std::vector<Collection> collections;
-    for (const PhotosAlbum* child : childrenOf(albums, parent)) {
-        if (child->kind == PhotosAlbum::folder)
-            collections.emplace_back(listOf(*child));
-        else if (auto collection = collectionOf(*child))
-            collections.emplace_back(std::move(*collection));
-    }
-    return collections;
-}
-
 void addSmartAlbums(PhotosDatabase& database, std::optional<int> subtype,
                     std::vector<AssetCollection>& collections) {
     std::vector<const SmartAlbum*> albums;
@@ -147,10 +65,22 @@ PhotosBundleLibrary::PhotosBundleLibrary(std::filesystem::path bundle,
                                          std::filesystem::path workFolder, Log& log,
                                          const WatchTimes& times)
     : bundle_(std::move(bundle)),
+      layout_(std::make_shared<const BundleLayout>(bundle_, std::vector<OriginalsMapping>())),
       snapshot_(bundle_ / databaseInside, std::move(workFolder)),
       watch_(
           QStringLiteral("[PhotosBundle]"), FolderNotifier::Events::contents,
           [this](bool, const std::stop_token&) { return look(); }, fetches_, log, times) {}
+
+void PhotosBundleLibrary::use(const LibraryChoices& choices) {
+    auto layout = std::make_shared<const BundleLayout>(bundle_, choices.originals);
+    const std::lock_guard lock(layoutMutex_);
+    layout_ = std::move(layout);
+}
+
+std::shared_ptr<const BundleLayout> PhotosBundleLibrary::layout() const {
+    const std::lock_guard lock(layoutMutex_);
+    return layout_;
+}
 
 bool PhotosBundleLibrary::looksLikeBundle(const std::filesystem::path& path) {
     std::error_code error;
@@ -307,17 +237,41 @@ std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoA
     const auto files = query(Freshness::asLastRead, [&](Opened& opened) {
         return opened.database.filesOf(uuidOf(asset.localIdentifier, assetTail));
     });
-    return files ? resourcesIn(bundle_, *files) : std::vector<PhotoAssetResource>();
+    return files ? layout()->resources(*files) : std::vector<PhotoAssetResource>();
+}
+
+std::map<QString, AbsentOriginal>
+PhotosBundleLibrary::absentOriginals(const std::vector<PhotoAsset>& assets, std::stop_token stop) {
+    const auto originals =
+        query(Freshness::asLastRead, [](Opened& opened) { return opened.database.originals(); });
+    const auto layout = this->layout();
+    std::map<QString, AbsentOriginal> absent;
+    for (const PhotoAsset& asset : assets) {
+        if (stop.stop_requested())
+            throw Cancelled();
+        const auto original = originals.find(uuidOf(asset.localIdentifier, assetTail));
+        if (original == originals.end())
+            continue;
+        if (auto absence = layout->absence(original->second))
+            absent.emplace(asset.localIdentifier, std::move(*absence));
+    }
+    return absent;
 }
 
 std::filesystem::path PhotosBundleLibrary::pathOf(const PhotoAssetResource& resource) const {
-    return bundle_ / resource.location; // an absolute one, of a referenced original, replaces it
+    return layout()->pathOf(resource.location);
 }
 
 FileDescriptor PhotosBundleLibrary::openResource(const PhotoAssetResource& resource) const {
     try {
-        return resource.location.is_absolute() ? openOriginal(resource.location)
-                                               : openOriginalBeneath(bundle_, resource.location);
+        if (resource.absence)
+            throw PhotoLibraryError(resource.absence->reason);
+        if (resource.location.empty())
+            throw PhotoLibraryError(
+                QStringLiteral("%1 için arşivde kullanılabilir bir dosya adı yok: ya boş ya da "
+                               "arşivin dışını gösteriyor")
+                    .arg(resource.originalFilename));
+        return layout()->open(resource.location);
     } catch (const FileError& error) {
         if (authorizationStatus() == AuthorizationStatus::denied)
             throw PhotoLibraryError(

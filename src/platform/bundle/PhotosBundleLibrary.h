@@ -1,7 +1,7 @@
 #pragma once
 
 #include "library/LiveFetches.h"
-#include "platform/bundle/PhotosDatabase.h"
+#include "platform/bundle/BundleLayout.h"
 #include "platform/watch/ChangeWatch.h"
 #include "store/DatabaseSnapshot.h"
 
@@ -25,6 +25,9 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     /// it. Empty when neither can be read.
     QString identity();
 
+    /// What was chosen for the library holds from now on.
+    void use(const LibraryChoices& choices);
+
     AuthorizationStatus authorizationStatus() const override;
 
     AssetFetchResult fetchAssets(std::stop_token stop = {}) override;
@@ -41,6 +44,8 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     std::vector<Collection> fetchCollections(const CollectionList& list) override;
 
     std::vector<PhotoAssetResource> assetResources(const PhotoAsset& asset) override;
+    std::map<QString, AbsentOriginal> absentOriginals(const std::vector<PhotoAsset>& assets,
+                                                      std::stop_token stop) override;
     SourceContent writeData(const PhotoAssetResource& resource,
                             const std::filesystem::path& destination,
                             std::stop_token stop) override;
@@ -77,11 +82,14 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     /// Lists the open database, and each that follows it when the list is fetched again.
     template <typename List>
     AssetFetchResult remember(List list);
+    std::shared_ptr<const BundleLayout> layout() const;
     std::filesystem::path pathOf(const PhotoAssetResource& resource) const;
     FileDescriptor openResource(const PhotoAssetResource& resource) const;
     ChangeWatch::Found look();
 
     const std::filesystem::path bundle_;
+    mutable std::mutex layoutMutex_;
+    std::shared_ptr<const BundleLayout> layout_; ///< guarded by `layoutMutex_`
     /// Held while the database is copied and queried: one connection serves one thread.
     std::mutex mutex_;
     DatabaseSnapshot snapshot_;

@@ -17,7 +17,12 @@ using sqlite::Statement;
 const QString assetColumns =
     QStringLiteral("a.ZUUID, a.ZKIND, a.ZKINDSUBTYPE, a.ZDATECREATED, a.ZLATITUDE, a.ZLONGITUDE, "
                    "{modified}");
+// And those that `filesFrom` reads.
+const QString originalColumns = QStringLiteral(
+    "a.Z_PK, a.ZUUID, a.ZKIND, a.ZKINDSUBTYPE, a.ZDIRECTORY, a.ZFILENAME, x.ZORIGINALFILENAME, "
+    "{isReferenced} FROM {asset} a LEFT JOIN ZADDITIONALASSETATTRIBUTES x ON x.ZASSET = a.Z_PK");
 const QString seen = QStringLiteral("a.ZTRASHEDSTATE = 0 AND a.ZVISIBILITYSTATE = 0");
+const QString inShare = QStringLiteral("a.ZTRASHEDSTATE = 0 AND a.ZCOLLECTIONSHARE");
 constexpr std::int64_t livePhoto = 2;
 
 AssetMediaType mediaTypeOf(std::int64_t kind) {
@@ -58,6 +63,18 @@ PhotoAsset assetFrom(const Statement& row) {
     return asset;
 }
 
+PhotosAssetFiles filesFrom(const Statement& row) {
+    PhotosAssetFiles asset;
+    asset.uuid = row.text(1);
+    asset.mediaType = mediaTypeOf(row.integer(2));
+    asset.isLive = row.integer(3) == livePhoto;
+    asset.directory = row.text(4);
+    asset.filename = row.text(5);
+    asset.originalFilename = row.text(6);
+    asset.isReferenced = row.integer(7) != 0;
+    return asset;
+}
+
 } // namespace
 
 PhotosDatabase::PhotosDatabase(const std::filesystem::path& file)
@@ -74,13 +91,15 @@ QString PhotosDatabase::libraryUuid() {
 /// Puts the names of this version in place of {asset}, {join}, {joinAlbum}, {joinAsset}, ...
 Statement PhotosDatabase::prepare(const QString& sql) {
     QString text = sql;
-    text.replace(QLatin1String("{asset}"), schema_.assetTable)
+    text.replace(QLatin1String("{originalColumns}"), originalColumns)
+        .replace(QLatin1String("{asset}"), schema_.assetTable)
         .replace(QLatin1String("{join}"), schema_.joinTable)
         .replace(QLatin1String("{joinAlbum}"), schema_.joinAlbum)
         .replace(QLatin1String("{joinAsset}"), schema_.joinAsset)
         .replace(QLatin1String("{joinOrder}"), schema_.joinOrder)
         .replace(QLatin1String("{folderOrder}"), schema_.folderOrder)
         .replace(QLatin1String("{assetColumns}"), assetColumns)
+        .replace(QLatin1String("{isReferenced}"), schema_.isReferenced)
         .replace(QLatin1String("{modified}"), schema_.modified)
         .replace(QLatin1String("{seen}"), seen);
     return Statement(connection_, text);
@@ -123,10 +142,11 @@ std::optional<PhotoAsset> PhotosDatabase::asset(const QString& uuid) {
 }
 
 std::vector<PhotoAsset> PhotosDatabase::assetsOf(const PhotosAlbum& album) {
-    if (album.kind == PhotosAlbum::importSession) {
-        Statement rows =
-            prepare(QStringLiteral("SELECT {assetColumns} FROM {asset} a WHERE {seen} AND "
-                                   "a.ZIMPORTSESSION = ?1 ORDER BY a.ZDATECREATED, a.Z_PK"));
+    if (album.isShare || album.kind == PhotosAlbum::importSession) {
+        Statement rows = prepare(
+            QStringLiteral("SELECT {assetColumns} FROM {asset} a WHERE %1 = ?1 "
+                           "ORDER BY a.ZDATECREATED, a.Z_PK")
+                .arg(album.isShare ? inShare : QStringLiteral("{seen} AND a.ZIMPORTSESSION")));
         rows.bind(1, album.key);
         return collect(rows);
     }
@@ -172,7 +192,27 @@ std::vector<PhotosAlbum> PhotosDatabase::albums() {
         albums.push_back(album);
     }
     countInto(albums);
+    if (schema_.hasShares)
+        addShares(albums);
     return albums;
+}
+
+void PhotosDatabase::addShares(std::vector<PhotosAlbum>& albums) {
+    Statement rows = prepare(
+        QStringLiteral("SELECT s.Z_PK, s.ZUUID, s.ZTITLE, COUNT(*) FROM ZSHARE s JOIN {asset} a "
+                       "ON %1 = s.Z_PK WHERE s.ZTRASHEDSTATE = 0 AND s.ZUUID IS NOT NULL AND "
+                       "s.ZTITLE IS NOT NULL GROUP BY s.Z_PK ORDER BY s.Z_PK")
+            .arg(inShare));
+    while (rows.step()) {
+        PhotosAlbum album;
+        album.key = rows.integer(0);
+        album.uuid = rows.text(1);
+        album.kind = PhotosAlbum::sharedAlbum;
+        album.title = rows.text(2);
+        album.count = static_cast<int>(rows.integer(3));
+        album.isShare = true;
+        albums.push_back(album);
+    }
 }
 
 void PhotosDatabase::countInto(std::vector<PhotosAlbum>& albums) {
@@ -194,21 +234,11 @@ void PhotosDatabase::countInto(std::vector<PhotosAlbum>& albums) {
 }
 
 std::optional<PhotosAssetFiles> PhotosDatabase::filesOf(const QString& uuid) {
-    Statement row = prepare(QStringLiteral(
-        "SELECT a.Z_PK, a.ZKIND, a.ZKINDSUBTYPE, a.ZDIRECTORY, a.ZFILENAME, x.ZORIGINALFILENAME "
-        "FROM {asset} a LEFT JOIN ZADDITIONALASSETATTRIBUTES x ON x.ZASSET = a.Z_PK "
-        "WHERE a.ZUUID = ?1"));
+    Statement row = prepare(QStringLiteral("SELECT {originalColumns} WHERE a.ZUUID = ?1"));
     row.bind(1, uuid);
     if (!row.step())
         return std::nullopt;
-    PhotosAssetFiles asset;
-    asset.uuid = uuid;
-    asset.mediaType = mediaTypeOf(row.integer(1));
-    asset.isLive = row.integer(2) == livePhoto;
-    asset.directory = row.text(3);
-    asset.filename = row.text(4);
-    asset.originalFilename = row.text(5);
-
+    PhotosAssetFiles asset = filesFrom(row);
     Statement files = prepare(
         QStringLiteral("SELECT ZVERSION, ZDATASTORESUBTYPE, ZRECIPEID FROM ZINTERNALRESOURCE "
                        "WHERE ZASSET = ?1 AND ZDATASTORECLASSID = 0 AND ZTRASHEDSTATE = 0 AND "
@@ -219,6 +249,16 @@ std::optional<PhotosAssetFiles> PhotosDatabase::filesOf(const QString& uuid) {
         asset.files.push_back(
             {files.integer(0) == 2, static_cast<int>(files.integer(1)), files.integer(2)});
     return asset;
+}
+
+std::map<QString, PhotosAssetFiles> PhotosDatabase::originals() {
+    Statement rows = prepare(QStringLiteral("SELECT {originalColumns}"));
+    std::map<QString, PhotosAssetFiles> originals;
+    while (rows.step()) {
+        PhotosAssetFiles asset = filesFrom(rows);
+        originals.insert_or_assign(asset.uuid, std::move(asset));
+    }
+    return originals;
 }
 
 } // namespace quorvane

@@ -3,6 +3,7 @@
 #include "library/PhotoLibrary.h"
 #include "platform/bundle/PhotosSchema.h"
 
+#include <map>
 #include <vector>
 
 namespace quorvane {
@@ -27,6 +28,7 @@ struct PhotosAlbum {
     bool ascending = true;
     std::optional<Date> started; ///< of an import session
     int count = 0;               ///< assets that can be seen
+    bool isShare = false;        ///< `key` is one of the table of shares, not of albums
 };
 
 /// A file that belongs to an asset, as the database describes it.
@@ -48,7 +50,8 @@ struct PhotosAssetFiles {
     QString uuid;
     AssetMediaType mediaType = AssetMediaType::unknown;
     bool isLive = false;
-    QString directory; ///< absolute when the original stands outside the bundle
+    bool isReferenced = false; ///< the original stands outside the bundle
+    QString directory;         ///< absolute then
     QString filename;
     QString originalFilename;
     std::vector<PhotosFile> files;
@@ -78,10 +81,13 @@ class PhotosDatabase {
     std::vector<PhotosAlbum> albums();
 
     std::optional<PhotosAssetFiles> filesOf(const QString& uuid);
+    /// Of every asset, by UUID, without `files`: where its original is.
+    std::map<QString, PhotosAssetFiles> originals();
 
   private:
     sqlite::Statement prepare(const QString& sql);
     std::vector<PhotoAsset> collect(sqlite::Statement& rows) const;
+    void addShares(std::vector<PhotosAlbum>& albums);
     void countInto(std::vector<PhotosAlbum>& albums);
 
     sqlite::Connection connection_;

@@ -65,6 +65,11 @@ PhotosSchema PhotosSchema::of(sqlite::Connection& connection) {
     schema.folderOrder = hasColumn(connection, QStringLiteral("ZGENERICALBUM"), byHand)
                              ? byHand
                              : QStringLiteral("Z_PK");
+    const QString kind = QStringLiteral("ZSAVEDASSETTYPE"); // 10: not copied into the library
+    schema.isReferenced = hasColumn(connection, schema.assetTable, kind)
+                              ? QStringLiteral("a.%1 = 10").arg(kind)
+                              : QStringLiteral("0");
+    schema.hasShares = hasColumn(connection, schema.assetTable, QStringLiteral("ZCOLLECTIONSHARE"));
     return schema;
 }
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "foundation/Preferences.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace quorvane {
+
+/// Originals that a library names at one place and that are found at another, both absolute.
+struct OriginalsMapping {
+    std::filesystem::path from; ///< as the library names it, "/Volumes/NAME" for one
+    std::filesystem::path to;   ///< on this machine
+
+    bool operator==(const OriginalsMapping&) const = default;
+
+    /// "FROM=TO". Throws `Error` unless both are absolute.
+    static OriginalsMapping parse(const QString& text);
+};
+
+/// What a person chose for one library, remembered for it. Any thread.
+struct LibraryChoices {
+    std::vector<OriginalsMapping> originals;
+
+    bool operator==(const LibraryChoices&) const = default;
+
+    /// Takes the place of the mapping of the same `from`.
+    void add(const OriginalsMapping& mapping);
+
+    /// `library` is what tells the library from every other. What cannot be read is the default.
+    static LibraryChoices of(const QString& library, const Preferences& preferences);
+    void save(const QString& library, Preferences& preferences) const;
+};
+
+} // namespace quorvane

@@ -1,0 +1,227 @@
+#include "platform/bundle/BundleLayout.h"
+
+#include "library/FileExport.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <sys/stat.h>
+
+namespace quorvane {
+
+namespace {
+
+using std::filesystem::path;
+
+/// The name a person knows the asset by.
+QString nameOf(const PhotosAssetFiles& asset) {
+    return resourceFilename(asset.originalFilename, resourceFilename(asset.filename, asset.uuid));
+}
+
+bool isPlain(const path& name) {
+    return !name.empty() && !name.is_absolute() &&
+           std::ranges::none_of(name, [](const path& part) { return part == ".."; });
+}
+
+/// Where the original of an asset may lie inside the bundle, its proper place first.
+std::vector<path> places(const PhotosAssetFiles& asset) {
+    const path directory = pathFrom(asset.directory), file = pathFrom(asset.filename);
+    const path letter = pathFrom(asset.uuid.left(1));
+    std::vector<path> places{path("originals") / directory / file,
+                             path("scopes/momentshared/originals") / letter / file,
+                             path("scopes/syndication/originals") / letter / file};
+    std::vector<path> shared{file};
+    if (asset.mediaType == AssetMediaType::video) {
+        const std::string stem = file.native().substr(0, file.native().find('.'));
+        shared = {asset.uuid.toStdString() + ".medium.MP4", stem + ".medium.MP4"};
+        if (file.native().find(".poster.") == std::string::npos)
+            shared.push_back(file);
+    }
+    for (const char* folder : {"scopes/cloudsharing/data", "resources/cloudsharing/data"})
+        for (const path& name : shared)
+            places.push_back(path(folder) / directory / name);
+    return places;
+}
+
+/// What follows `folder` in `file`; none when it is not below it.
+std::optional<path> below(const path& folder, const path& file) {
+    const path rest = file.lexically_relative(folder);
+    return isPlain(rest) && rest != "." ? std::optional(rest) : std::nullopt;
+}
+
+class Resources {
+  public:
+    Resources(const BundleLayout& layout, const PhotosAssetFiles& asset, const path& original)
+        : layout_(layout),
+          asset_(asset),
+          name_(nameOf(asset)),
+          originals_(original.parent_path()),
+          renders_(path("resources/renders") / pathFrom(asset.uuid.left(1))) {}
+
+    std::vector<PhotoAssetResource> beside(PhotoAssetResource original) {
+        resources_.push_back(std::move(original));
+        addTwins();
+        addEdit();
+        return std::move(resources_);
+    }
+
+  private:
+    void addTwins() {
+        if (asset_.isLive)
+            resources_.push_back({AssetResourceType::pairedVideo, renamed(QStringLiteral(".MOV")),
+                                  layout_.sizeOf(twin("_3.mov")), twin("_3.mov")});
+        if (has(false, PhotosFile::rawTwin))
+            if (const auto file = startingWith(originals_, twinName("_4.")))
+                addIfThere(AssetResourceType::alternatePhoto, renamed(pathText(file->extension())),
+                           *file);
+    }
+
+    void addEdit() {
+        const std::size_t before = resources_.size();
+        addIfThere(AssetResourceType::adjustmentData, QStringLiteral("Adjustments.plist"),
+                   renders_ / (asset_.uuid.toStdString() + ".plist"));
+        if (resources_.size() == before)
+            addIfThere(AssetResourceType::adjustmentData, renamed(QStringLiteral(".AAE")),
+                       twin("_5.aae"));
+        addRender(PhotosFile::editedPhoto, AssetResourceType::fullSizePhoto);
+        addRender(PhotosFile::editedVideo, AssetResourceType::fullSizeVideo);
+        addRender(PhotosFile::editedPairedVideo, AssetResourceType::fullSizePairedVideo);
+    }
+
+    /// A render is named by its recipe: "<UUID>_<high half>_<low half / 2>_a.<extension>".
+    void addRender(PhotosFile::Store store, AssetResourceType type) {
+        for (const PhotosFile& file : asset_.files) {
+            if (!file.edited || file.store != store)
+                continue;
+            const QString prefix = QStringLiteral("%1_%2_%3_a.")
+                                       .arg(asset_.uuid)
+                                       .arg(file.recipe >> 16)
+                                       .arg((file.recipe & 0xFFFF) >> 1);
+            if (const auto render = startingWith(renders_, prefix.toStdString()))
+                addIfThere(type, QStringLiteral("FullSizeRender") + pathText(render->extension()),
+                           *render);
+        }
+    }
+
+    bool has(bool edited, PhotosFile::Store store) const {
+        return std::ranges::any_of(asset_.files, [&](const PhotosFile& file) {
+            return file.edited == edited && file.store == store;
+        });
+    }
+
+    std::string twinName(const char* tail) const { return asset_.uuid.toStdString() + tail; }
+    path twin(const char* tail) const { return originals_ / twinName(tail); }
+
+    QString renamed(const QString& extension) const {
+        const qsizetype dot = name_.lastIndexOf(u'.');
+        return (dot > 0 ? name_.left(dot) : name_) + extension;
+    }
+
+    /// The first entry, by name, of a folder of the bundle that begins with `prefix`.
+    std::optional<path> startingWith(const path& folder, const std::string& prefix) const {
+        std::optional<path> found;
+        std::error_code error;
+        for (const auto& entry :
+             std::filesystem::directory_iterator(layout_.pathOf(folder), error)) {
+            const path name = entry.path().filename();
+            if (name.native().starts_with(prefix) && (!found || folder / name < *found))
+                found = folder / name;
+        }
+        return found;
+    }
+
+    void addIfThere(AssetResourceType type, const QString& name, const path& location) {
+        if (const auto size = layout_.sizeOf(location))
+            resources_.push_back({type, name, size, location});
+    }
+
+    const BundleLayout& layout_;
+    const PhotosAssetFiles& asset_;
+    const QString name_;
+    const path originals_, renders_;
+    std::vector<PhotoAssetResource> resources_;
+};
+
+} // namespace
+
+std::vector<PhotoAssetResource> BundleLayout::resources(const PhotosAssetFiles& asset) const {
+    const Original original = originalOf(asset);
+    const bool isMovie = asset.mediaType == AssetMediaType::video;
+    return Resources(*this, asset, original.location)
+        .beside({isMovie ? AssetResourceType::video : AssetResourceType::photo, nameOf(asset),
+                 original.size, original.location, original.absence});
+}
+
+std::optional<AbsentOriginal> BundleLayout::absence(const PhotosAssetFiles& asset) const {
+    return originalOf(asset).absence;
+}
+
+/// A row that names what no library of Photos names gets no location: whoever asks for its bytes is
+/// refused.
+BundleLayout::Original BundleLayout::originalOf(const PhotosAssetFiles& asset) const {
+    const path directory = pathFrom(asset.directory);
+    if (!isPlain(pathFrom(asset.filename)))
+        return {};
+    if (directory.is_absolute())
+        return asset.isReferenced ? referenced(asset) : Original();
+    if (!directory.empty() && !isPlain(directory))
+        return {};
+    const std::vector<path> all = places(asset);
+    for (const path& place : all)
+        if (const auto size = sizeOf(place))
+            return {place, size, {}};
+    Original absent{all.front(), {}, {}};
+    if (std::ranges::all_of(all, [this](const path& place) { return isMissing(place); }))
+        absent.absence = AbsentOriginal{
+            AbsentOriginal::Why::onlyInCloud,
+            QStringLiteral("%1 yalnızca iCloud'da, özgün dosyası bu bilgisayarda değil")
+                .arg(nameOf(asset))};
+    return absent;
+}
+
+BundleLayout::Original BundleLayout::referenced(const PhotosAssetFiles& asset) const {
+    const path named = (pathFrom(asset.directory) / pathFrom(asset.filename)).lexically_normal();
+    for (const OriginalsMapping& mapping : references_)
+        if (const auto rest = below(mapping.from, named)) {
+            const path location = mapping.to / *rest;
+            if (const auto size = sizeOf(location))
+                return {location, size, {}};
+        }
+    return {{},
+            {},
+            AbsentOriginal{
+                AbsentOriginal::Why::elsewhere,
+                QStringLiteral("%1 arşivin dışında duruyor ve bu bilgisayarda bulunamadı: %2")
+                    .arg(nameOf(asset), pathText(named))}};
+}
+
+FileDescriptor BundleLayout::open(const path& location) const {
+    if (!location.is_absolute())
+        return openOriginalBeneath(bundle_, location);
+    for (const OriginalsMapping& mapping : references_)
+        if (const auto rest = below(mapping.to, location))
+            return openOriginalBeneath(mapping.to, *rest);
+    throw FileError(QStringLiteral("Dosya açılamadı"), location, EACCES);
+}
+
+std::optional<std::int64_t> BundleLayout::sizeOf(const path& location) const {
+    try {
+        const FileDescriptor file = open(location);
+        struct stat status {};
+        return ::fstat(file.get(), &status) == 0 ? std::optional<std::int64_t>(status.st_size)
+                                                 : std::nullopt;
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
+}
+
+bool BundleLayout::isMissing(const path& location) const {
+    try {
+        open(location);
+        return false;
+    } catch (const FileError& error) {
+        return error.errorNumber() == ENOENT;
+    }
+}
+
+} // namespace quorvane
