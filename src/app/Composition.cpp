@@ -111,6 +111,7 @@ LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
                    batches, google.tracker, deletion, core.preferences, flags, core.logger,
                    core.console, core.clock}),
       run{state.db, *library, observer, staging, deletion, batches, coordinator, flags} {
+    staging.settleForm(choices.form());
     batches.onCreated = [this](const SyncRecord& record) {
         staging.wasSent(record.assetLocalIdentifier);
     };

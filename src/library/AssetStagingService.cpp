@@ -1,6 +1,7 @@
 #include "library/AssetStagingService.h"
 
 #include "foundation/File.h"
+#include "store/StateFacts.h"
 
 #include <algorithm>
 
@@ -135,6 +136,22 @@ MetadataResult AssetStagingService::ensureMetadata(StagedFile& file, const SyncR
     const std::lock_guard lock(mutex_);
     const FileLock processLock(lockFile_, stop);
     return one_.redate(file, record, fallbackMode, stop);
+}
+
+/// The manner is written down last: a change that was cut short is made again.
+void AssetStagingService::settleForm(const QString& form) {
+    const std::lock_guard lock(mutex_);
+    const FileLock processLock(lockFile_);
+    StateFacts facts(s_.database);
+    if (facts.form() == form)
+        return;
+    for (const SyncStatus status : {SyncStatus::staged, SyncStatus::discovered})
+        for (const SyncRecord& record : s_.database.fetchRecords(status))
+            if (record.sha256Hash) {
+                one_.discard(record.assetLocalIdentifier);
+                s_.life.requeued(record);
+            }
+    facts.setForm(form);
 }
 
 void AssetStagingService::removeLeftovers(const std::stop_token& stop) {

@@ -47,6 +47,10 @@ class AssetStagingService {
     MetadataResult ensureMetadata(StagedFile& file, const SyncRecord& record,
                                   DateFallbackMode fallbackMode, const std::stop_token& stop);
 
+    /// From now on files are made in this manner (`LibraryChoices::form`): unsent ones that were
+    /// made in another are made anew. Throws `DBError`, `PhotoLibraryError`.
+    void settleForm(const QString& form);
+
     /// Removes the temporary files of runs that died or were stopped.
     void removeLeftovers(const std::stop_token& stop = {});
 

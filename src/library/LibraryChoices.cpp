@@ -13,6 +13,8 @@ namespace quorvane {
 namespace {
 
 const QString originalsName = QStringLiteral("originals");
+const QString versionsName = QStringLiteral("versions");
+const QString editedName = QStringLiteral("edited");
 
 /// The choices for all libraries, by what tells one from another.
 QJsonObject allChoices(const Preferences& preferences) {
@@ -33,6 +35,10 @@ OriginalsMapping OriginalsMapping::parse(const QString& text) {
     return mapping;
 }
 
+QString LibraryChoices::form() const {
+    return versions == Versions::edited ? editedName : QStringLiteral("original");
+}
+
 void LibraryChoices::add(const OriginalsMapping& mapping) {
     std::erase_if(originals, [&](const auto& each) { return each.from == mapping.from; });
     originals.push_back(mapping);
@@ -46,6 +52,8 @@ LibraryChoices LibraryChoices::of(const QString& library, const Preferences& pre
         if (mapping.from.is_absolute() && mapping.to.is_absolute())
             choices.originals.push_back(mapping);
     }
+    if (object[versionsName].toString() == editedName)
+        choices.versions = Versions::edited;
     return choices;
 }
 
@@ -56,7 +64,7 @@ void LibraryChoices::save(const QString& library, Preferences& preferences) cons
     for (const OriginalsMapping& mapping : originals)
         mappings += QJsonArray{pathText(mapping.from), pathText(mapping.to)};
     QJsonObject all = allChoices(preferences);
-    all[library] = QJsonObject{{originalsName, mappings}};
+    all[library] = QJsonObject{{originalsName, mappings}, {versionsName, form()}};
     preferences.setData(preferenceKeys::libraryChoices,
                         QJsonDocument(all).toJson(QJsonDocument::Compact));
 }

@@ -20,9 +20,16 @@ struct OriginalsMapping {
 
 /// What a person chose for one library, remembered for it. Any thread.
 struct LibraryChoices {
+    /// Which version of an edited picture or movie is sent.
+    enum class Versions { original, edited };
+
     std::vector<OriginalsMapping> originals;
+    Versions versions = Versions::original;
 
     bool operator==(const LibraryChoices&) const = default;
+
+    /// Tells files that are made of an asset in one manner from those made in another.
+    QString form() const;
 
     /// Takes the place of the mapping of the same `from`.
     void add(const OriginalsMapping& mapping);

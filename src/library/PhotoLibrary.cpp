@@ -1,5 +1,7 @@
 #include "library/PhotoLibrary.h"
 
+#include "store/RecordRemainders.h"
+
 namespace quorvane {
 
 std::optional<PhotoAssetResource>
@@ -10,6 +12,38 @@ resourceToStage(const std::vector<PhotoAssetResource>& resources) {
             resource.type == AssetResourceType::fullSizePhoto)
             return resource;
     return std::nullopt;
+}
+
+int remainderOf(const std::vector<PhotoAssetResource>& resources) {
+    const auto sent = resourceToStage(resources);
+    bool isSentSeen = false;
+    int behind = 0;
+    for (const PhotoAssetResource& resource : resources) {
+        if (!isSentSeen && sent && resource.type == sent->type) {
+            isSentSeen = true;
+            continue;
+        }
+        switch (resource.type) {
+        case AssetResourceType::photo:
+        case AssetResourceType::video:
+            behind |= RecordRemainders::original;
+            break;
+        case AssetResourceType::fullSizePhoto:
+        case AssetResourceType::fullSizeVideo:
+            behind |= RecordRemainders::edit;
+            break;
+        case AssetResourceType::pairedVideo:
+        case AssetResourceType::fullSizePairedVideo:
+            behind |= RecordRemainders::movie;
+            break;
+        case AssetResourceType::alternatePhoto:
+            behind |= RecordRemainders::raw;
+            break;
+        default:
+            break;
+        }
+    }
+    return behind;
 }
 
 } // namespace quorvane

@@ -84,6 +84,9 @@ struct PhotoAssetResource {
 /// video or a full-size photo.
 std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
 
+/// What of an asset stays behind when that resource alone is sent. Bits of `RecordRemainders`.
+int remainderOf(const std::vector<PhotoAssetResource>& resources);
+
 /// One version of an original: the digest of its bytes, and what its file system says of them. Two
 /// versions of the same digest are the same picture, whatever the times.
 struct SourceContent {

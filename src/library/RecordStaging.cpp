@@ -4,6 +4,7 @@
 #include "library/Absences.h"
 #include "library/StagedName.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <sys/stat.h>
@@ -83,7 +84,7 @@ std::optional<StagedFile> RecordStaging::stageAsset(const SyncRecord& record, co
                                                     const std::stop_token& stop) {
     const QString& identifier = record.assetLocalIdentifier;
     try {
-        if (isUnchanged(identifier, source.resource))
+        if (isMadeOf(identifier, source.resource))
             if (const auto file = provenCopy(record, stop)) // its run was stopped while sending
                 return recordCopy(record, *file, s_.life.sourceOf(identifier));
         return exportAndRecord(record, source, stop);
@@ -138,12 +139,13 @@ std::optional<RecordStaging::Source> RecordStaging::sourceOf(const QString& iden
         missing(QStringLiteral("Asset"), identifier);
         return std::nullopt;
     }
-    const auto resource = resourceToStage(s_.library.assetResources(assets->front()));
+    auto resources = s_.library.assetResources(assets->front());
+    const auto resource = resourceToStage(resources);
     if (!resource) {
         missing(QStringLiteral("Resource"), identifier);
         return std::nullopt;
     }
-    return Source{assets->front(), *resource};
+    return Source{assets->front(), *resource, std::move(resources)};
 }
 
 /// None when the record was cleared or moved on meanwhile: it is not brought back to this state.
@@ -171,6 +173,7 @@ std::optional<StagedFile> RecordStaging::exportAndRecord(const SyncRecord& recor
         if (source.resource.fileSize && !copies_.makeRoom(*source.resource.fileSize))
             throw FileError(QStringLiteral("Dosya kopyalanamadı"), file, ENOSPC);
         const auto [copy, original] = exportDated(record, source, file, stop);
+        s_.life.leavesBehind(record, remainderOf(source.resources));
         if (aside)
             settleAside(*aside, original, copy, stop);
         aside.reset();
@@ -204,7 +207,7 @@ std::optional<std::filesystem::path> RecordStaging::makeWay(const Source& source
         old = copies_.find(identifier);
     if (!old)
         return std::nullopt;
-    if (!isUnchanged(identifier, source.resource))
+    if (!isUnchanged(identifier, source.resources))
         return copies_.setAside(*old);
     copies_.removeAll(identifier);
     return std::nullopt;
@@ -241,8 +244,15 @@ void RecordStaging::settleAside(const std::filesystem::path& aside, const Record
         tellAside(aside);
 }
 
-/// True when the original is, as far as its file system tells, what was staged from it last.
-bool RecordStaging::isUnchanged(const QString& identifier, const PhotoAssetResource& resource) {
+/// True when the copy was made of any of the asset's files that is there as it was.
+bool RecordStaging::isUnchanged(const QString& identifier,
+                                const std::vector<PhotoAssetResource>& resources) {
+    return std::ranges::any_of(
+        resources, [&](const auto& resource) { return isMadeOf(identifier, resource); });
+}
+
+/// True when the file is, as far as its file system tells, what was staged of the asset last.
+bool RecordStaging::isMadeOf(const QString& identifier, const PhotoAssetResource& resource) {
     const auto source = s_.life.sourceOf(identifier);
     return source && s_.library.versionOf(resource) == source->version;
 }
@@ -284,10 +294,8 @@ void RecordStaging::discard(const QString& identifier) {
     if (!file)
         return;
     const AssetFetchResult assets = s_.library.fetchAssets(QStringList{identifier});
-    const auto resource = assets && !assets->empty()
-                              ? resourceToStage(s_.library.assetResources(assets->front()))
-                              : std::nullopt;
-    if (resource && isUnchanged(identifier, *resource))
+    if (assets && !assets->empty() &&
+        isUnchanged(identifier, s_.library.assetResources(assets->front())))
         copies_.removeAll(identifier);
     else
         tellAside(copies_.setAside(*file));

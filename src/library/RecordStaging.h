@@ -41,7 +41,8 @@ class RecordStaging {
   public:
     struct Source {
         PhotoAsset asset;
-        PhotoAssetResource resource;
+        PhotoAssetResource resource;               ///< that is staged
+        std::vector<PhotoAssetResource> resources; ///< all of the asset's
     };
 
     RecordStaging(StagingServices services, StagedCopies& copies) : s_(services), copies_(copies) {}
@@ -84,7 +85,8 @@ class RecordStaging {
     void settleAside(const std::filesystem::path& aside, const RecordSource& original,
                      const StagedFile& copy, const std::stop_token& stop);
     std::optional<AssetFacts> chosenFacts(const QString& identifier);
-    bool isUnchanged(const QString& identifier, const PhotoAssetResource& resource);
+    bool isMadeOf(const QString& identifier, const PhotoAssetResource& resource);
+    bool isUnchanged(const QString& identifier, const std::vector<PhotoAssetResource>& resources);
     void missing(const QString& what, const QString& identifier);
     void tellAside(const std::filesystem::path& aside);
 

@@ -1,6 +1,7 @@
 #include "store/RecordLife.h"
 
 #include "store/RecordAbsences.h"
+#include "store/RecordRemainders.h"
 #include "store/StateFacts.h"
 
 #include <algorithm>
@@ -143,6 +144,10 @@ bool RecordLife::superseded(const SyncRecord& record, const QString& reason) {
                          {}, reason);
         runFor(record.assetLocalIdentifier, "INSERT OR IGNORE INTO record_leavings VALUES (?)");
     });
+}
+
+void RecordLife::leavesBehind(const SyncRecord& record, int behind) {
+    RecordRemainders(db_).set(record.assetLocalIdentifier, behind);
 }
 
 bool RecordLife::absent(const SyncRecord& record, const QString& code, const QString& reason) {

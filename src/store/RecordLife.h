@@ -74,6 +74,9 @@ class RecordLife {
     bool recognised(const SyncRecord& record, const RecordSource& source, const QString& remoteID);
     /// Another version is in the library now, and this one was never sent.
     bool superseded(const SyncRecord& record, const QString& reason);
+    /// What of the asset is not in the file that is sent for it (`RecordRemainders`); the status
+    /// stays.
+    void leavesBehind(const SyncRecord& record, int behind);
     /// Its original is not on this machine, by `code`: remembered until `returned`.
     bool absent(const SyncRecord& record, const QString& code, const QString& reason);
     /// This version is in the library again, or its original on this machine.

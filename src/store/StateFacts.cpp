@@ -7,6 +7,7 @@ namespace {
 constexpr const char* libraryName = "library";
 constexpr const char* userIDName = "account_user_id";
 constexpr const char* emailName = "account_email";
+constexpr const char* formName = "form";
 
 } // namespace
 
@@ -30,6 +31,20 @@ void StateFacts::bindAccount(const AccountIdentity& account) {
         setIfAbsent(userIDName, account.userID);
     if (bound.email.isEmpty())
         setIfAbsent(emailName, account.email);
+}
+
+QString StateFacts::form() const {
+    const QString form = value(formName);
+    return form.isEmpty() ? QStringLiteral("original") : form;
+}
+
+void StateFacts::setForm(const QString& form) {
+    db_.onConnection([&](sqlite::Connection& database) {
+        sqlite::Statement row(database, "INSERT OR REPLACE INTO state_facts VALUES (?, ?)");
+        row.bind(1, QString::fromLatin1(formName));
+        row.bind(2, form);
+        row.step();
+    });
 }
 
 QString StateFacts::value(const char* name) const {

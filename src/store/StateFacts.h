@@ -18,6 +18,10 @@ class StateFacts {
     /// Only the first account that is known binds; its user id may come later.
     void bindAccount(const AccountIdentity& account);
 
+    /// How files are made of assets; "original" unless said otherwise.
+    QString form() const;
+    void setForm(const QString& form);
+
   private:
     QString value(const char* name) const;
     void setIfAbsent(const char* name, const QString& value);

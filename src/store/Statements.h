@@ -41,7 +41,8 @@ CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
 /// What is remembered beside the records: the bytes that each was staged from, the removals that
 /// have begun, the assets whose staged files are nobody's any more, the dates of the staged files
 /// (milliseconds since 1970 UTC), what a person chose where there was none, the assets whose
-/// original is not on this machine and why, the files of a folder library, and whose state this is.
+/// original is not on this machine and why, what of an asset is not in its staged file, the files
+/// of a folder library, and whose state this is.
 inline constexpr const char* besides =
     R"sql(CREATE TABLE IF NOT EXISTS record_sources (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
@@ -76,6 +77,10 @@ CREATE TABLE IF NOT EXISTS record_undatable (
 CREATE TABLE IF NOT EXISTS record_absences (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
     code                   TEXT NOT NULL
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_remainders (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    behind                 INTEGER NOT NULL
 ) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS library_files (
     path       BLOB NOT NULL PRIMARY KEY,

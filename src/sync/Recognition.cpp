@@ -16,17 +16,18 @@ Recognition::Result Recognition::examine(const std::vector<SyncRecord>& records,
     for (const SyncRecord& record : records) {
         if (record.syncStatus != SyncStatus::discovered)
             continue;
-        auto resource = resourceOf(record);
+        const auto resources = resourcesOf(record);
+        auto resource = resourceToStage(resources);
         const auto sample = resource ? library_.sampleOf(*resource) : std::nullopt;
         if (!sample)
             continue;
         ++samples[*sample];
-        originals.push_back({&record, std::move(*resource), *sample});
+        originals.push_back({&record, std::move(*resource), *sample, remainderOf(resources)});
     }
     std::map<QString, SourceContent> contents;
     std::set<QString> seen; // digests
     std::vector<Candidate> candidates;
-    for (const auto& [record, resource, sample] : originals) {
+    for (const auto& [record, resource, sample, behind] : originals) {
         if (samples[sample] == 1 && !known_.hasSample(sample))
             continue;
         const auto content = contentOf(*record, resource, stop);
@@ -36,7 +37,7 @@ Recognition::Result Recognition::examine(const std::vector<SyncRecord>& records,
         contents.emplace(identifier, *content);
         const auto found = known_.find(content->sample, content->sha256, identifier);
         if (!found.remoteIDs.isEmpty())
-            candidates.push_back({record, *content, found.remoteIDs.front()});
+            candidates.push_back({record, *content, found.remoteIDs.front(), behind});
         else if (!seen.insert(content->sha256).second || found.isUnderWay)
             result.waiting.insert(identifier);
     }
@@ -45,14 +46,14 @@ Recognition::Result Recognition::examine(const std::vector<SyncRecord>& records,
     return result;
 }
 
-std::optional<PhotoAssetResource> Recognition::resourceOf(const SyncRecord& record) {
+std::vector<PhotoAssetResource> Recognition::resourcesOf(const SyncRecord& record) {
     try {
         const auto assets = library_.fetchAssets(QStringList{record.assetLocalIdentifier});
         if (assets && !assets->empty())
-            return resourceToStage(library_.assetResources(assets->front()));
+            return library_.assetResources(assets->front());
     } catch (const PhotoLibraryError&) { // the staging tells
     }
-    return std::nullopt;
+    return {};
 }
 
 std::optional<SourceContent> Recognition::contentOf(const SyncRecord& record,
@@ -93,8 +94,10 @@ int Recognition::confirm(const std::vector<Candidate>& candidates, const std::st
                 continue;
             const RecordSource source{next->content.sha256, next->content.version,
                                       next->content.sample};
-            if (life_.recognised(*next->record, source, next->remoteID))
-                ++recognised;
+            if (!life_.recognised(*next->record, source, next->remoteID))
+                continue;
+            life_.leavesBehind(*next->record, next->behind);
+            ++recognised;
         }
     }
     if (recognised > 0)

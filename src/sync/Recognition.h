@@ -35,14 +35,16 @@ class Recognition {
         const SyncRecord* record;
         SourceContent content;
         QString remoteID;
+        int behind;
     };
     struct Original {
         const SyncRecord* record;
         PhotoAssetResource resource;
         std::int64_t sample;
+        int behind; ///< see `remainderOf`
     };
 
-    std::optional<PhotoAssetResource> resourceOf(const SyncRecord& record);
+    std::vector<PhotoAssetResource> resourcesOf(const SyncRecord& record);
     std::optional<SourceContent> contentOf(const SyncRecord& record,
                                            const PhotoAssetResource& resource,
                                            const std::stop_token& stop);

@@ -1,6 +1,7 @@
 #include "World.h"
 
 #include "foundation/Crypto.h"
+#include "store/RecordRemainders.h"
 
 #include <cerrno>
 #include <thread>
@@ -164,6 +165,32 @@ TEST_F(AssetStagingServiceTest, AFileOfUnknownBytesIsReplacedOrRescued) {
     EXPECT_EQ(readFile(copy->path), "rescued");
     EXPECT_EQ(record(assetID(2))->sha256Hash, sha256Of("rescued"));
     EXPECT_EQ(life.sourceOf(assetID(2)), std::nullopt) << "it proves nothing";
+}
+
+TEST(AssetStagingService, MakesUnsentFilesAnewWhenTheirFormChanges) {
+    World world;
+    world.discover(assetID(1));
+    world.discover(assetID(2));
+    FakePhotoLibrary::Entry entry;
+    entry.asset.localIdentifier = assetID(3);
+    entry.bytes = "both";
+    const std::filesystem::path location = pathFrom(assetID(3));
+    entry.resources = {{AssetResourceType::photo, u"a.bin"_s, 4, location},
+                       {AssetResourceType::pairedVideo, u"a.mov"_s, 4, location},
+                       {AssetResourceType::fullSizePhoto, u"b.bin"_s, 4, location}};
+    world.library.add(entry);
+    world.discoverRecord(assetID(3));
+    world.staging.settleForm(u"original"_s);
+    world.staging.stageDiscoveredAssets();
+    world.setStatus(assetID(2), SyncStatus::verified, u"remote"_s);
+    world.setStatus(assetID(3), SyncStatus::verified, u"remote"_s);
+    EXPECT_EQ(RecordRemainders(world.database).counts(), (RemainderCounts{1, 1, 0, 0, 0}));
+    world.staging.settleForm(u"original"_s);
+    EXPECT_EQ(world.status(assetID(1)), SyncStatus::staged);
+    EXPECT_EQ(printedBy([&] { world.staging.settleForm(u"edited"_s); }), QStringList());
+    EXPECT_EQ(world.status(assetID(1)), SyncStatus::discovered);
+    EXPECT_FALSE(world.staging.findStagingFile(assetID(1)));
+    EXPECT_EQ(world.status(assetID(2)), SyncStatus::verified) << "what was sent stays";
 }
 
 TEST(AssetStagingService, RecordsAFailedExportAndLeavesNoFile) {

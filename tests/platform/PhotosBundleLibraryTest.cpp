@@ -1,4 +1,5 @@
 #include "MadeBundle.h"
+#include "store/RecordRemainders.h"
 
 #include <gmock/gmock.h>
 
@@ -196,6 +197,18 @@ TEST_F(MadeBundle, FindsRawTwinsAndVideoEdits) {
     };
     EXPECT_THAT(listed(1), ElementsAre("IMG_1.JPG", "IMG_1.cr2"));
     EXPECT_THAT(listed(2), ElementsAre("IMG_2.MOV", "IMG_2.AAE", "FullSizeRender.mov"));
+    using Remainders = RecordRemainders;
+    EXPECT_EQ(remainderOf(library.assetResources(asset(1))), Remainders::raw);
+    EXPECT_EQ(remainderOf(library.assetResources(asset(2))), Remainders::edit);
+
+    LibraryChoices choices;
+    choices.versions = LibraryChoices::Versions::edited;
+    library.use(choices);
+    EXPECT_THAT(listed(1), ElementsAre("IMG_1.JPG", "IMG_1.cr2")) << "there is no render";
+    EXPECT_THAT(listed(2), ElementsAre("IMG_2.mov", "IMG_2.MOV", "IMG_2.AAE"));
+    EXPECT_EQ(resourceToStage(library.assetResources(asset(2)))->location.parent_path(),
+              "resources/renders/0");
+    EXPECT_EQ(remainderOf(library.assetResources(asset(2))), Remainders::original);
 }
 
 TEST_F(MadeBundle, SeesRowsThatStandOnlyInTheLogAndLaterOnes) {

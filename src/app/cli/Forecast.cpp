@@ -1,11 +1,13 @@
 #include "app/cli/Forecast.h"
 
+#include "app/cli/Remainders.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
 #include "store/RecordAbsences.h"
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace quorvane::cli {
 
@@ -36,12 +38,15 @@ void countKind(Forecast& forecast, const PhotoAsset& asset) {
         ++forecast.photos;
 }
 
-void countFile(Forecast& forecast, SourceServices& library, const PhotoAsset& asset,
-               DateFallbackMode fallbackMode, const std::stop_token& stop) {
-    const auto resource = resourceToStage(library.library->assetResources(asset));
+/// The file that would be sent, if any.
+std::optional<PhotoAssetResource> countFile(Forecast& forecast, SourceServices& library,
+                                            const PhotoAsset& asset, DateFallbackMode fallbackMode,
+                                            const std::stop_token& stop) {
+    const auto resources = library.library->assetResources(asset);
+    const auto resource = resourceToStage(resources);
     if (!resource || !resource->fileSize) {
         ++forecast.unavailable;
-        return;
+        return std::nullopt;
     }
     const auto choice = RecordDates(library.state.db).choiceOf(asset.localIdentifier);
     AssetFacts facts = asset.facts();
@@ -53,11 +58,35 @@ void countFile(Forecast& forecast, SourceServices& library, const PhotoAsset& as
     const bool isSentAsItIs = choice && !choice->date;
     if (metadata.carriesDate || isSentAsItIs) {
         forecast.bytes += *resource->fileSize;
-        return;
+        forecast.behind.add(remainderOf(resources));
+        return resource;
     }
     ++forecast.undated;
     if (library.metadata.isUndatable(file, resource->originalFilename, stop))
         ++forecast.undatable;
+    return std::nullopt;
+}
+
+/// How many of the files have the bytes of another, or of what was sent. One is read whole only
+/// when its beginning and end are known.
+int duplicatesAmong(const std::vector<PhotoAssetResource>& files, SourceServices& library,
+                    const std::stop_token& stop) {
+    std::map<std::int64_t, std::vector<const PhotoAssetResource*>> bySample;
+    for (const PhotoAssetResource& file : files)
+        if (const auto sample = library.library->sampleOf(file))
+            bySample[*sample].push_back(&file);
+    int duplicates = 0;
+    for (const auto& [sample, alike] : bySample) {
+        if (alike.size() == 1 && !library.state.known.hasSample(sample))
+            continue;
+        std::set<QString> digests;
+        for (const PhotoAssetResource* file : alike) {
+            const QString digest = library.library->readContent(*file, stop).sha256;
+            const bool isKnown = !library.state.known.find(sample, digest, {}).remoteIDs.isEmpty();
+            duplicates += !digests.insert(digest).second || isKnown ? 1 : 0;
+        }
+    }
+    return duplicates;
 }
 
 } // namespace
@@ -72,6 +101,8 @@ Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackM
     const auto settled = settledAssets(library.state.db);
     const auto assets = library.albums.fetchAssets(library.albums.selectedSourceAlbumID());
     result.leftOut = library.library->leftOut();
+    result.behind = RecordRemainders(library.state.db).counts();
+    std::vector<PhotoAssetResource> files;
     const auto absent = library.library->absentOriginals(*assets, stop);
     for (const PhotoAsset& asset : *assets) {
         if (stop.stop_requested())
@@ -88,8 +119,10 @@ Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackM
             continue;
         }
         countKind(result, asset);
-        countFile(result, library, asset, fallbackMode, stop);
+        if (auto file = countFile(result, library, asset, fallbackMode, stop))
+            files.push_back(std::move(*file));
     }
+    result.behind.duplicates += duplicatesAmong(files, library, stop);
     if (google == nullptr)
         return result;
     const auto target = google->albums.targetAlbumID();
@@ -116,6 +149,7 @@ QString Forecast::table() const {
     if (undatable > 0)
         text += tableRow(QStringLiteral("  tarih yazılamayan biçim"), QString::number(undatable));
     text += tableRow(QStringLiteral("Daha önce bekletilen"), QString::number(held));
+    text += remainderRows(behind);
     text += leftOutRows(leftOut);
     text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
     text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
@@ -138,6 +172,7 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("alreadyDone"), alreadyDone},
                        {QStringLiteral("unavailable"), unavailable},
                        {QStringLiteral("absent"), absent.json()},
+                       {QStringLiteral("behind"), remainderJson(behind)},
                        {QStringLiteral("undated"), undated},
                        {QStringLiteral("undatable"), undatable},
                        {QStringLiteral("held"), held},

@@ -18,7 +18,8 @@ struct Forecast {
     int undated = 0;      ///< would be held back
     int undatable = 0;    ///< of `undated`: the file takes no date
     int held = 0;         ///< failed or held back earlier; a run leaves them until they are retried
-    LeftOut leftOut;      ///< by the library
+    RemainderCounts behind; ///< with what was sent earlier
+    LeftOut leftOut;        ///< by the library
     std::int64_t bytes = 0;
     std::optional<QString> targetTitle;
     std::int64_t targetCount = 0; ///< items now in the target album

@@ -68,10 +68,17 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
 void applyChoices(const Arguments& arguments, LibraryChoices& choices) {
     if (const auto mapping = arguments.value(QStringLiteral("originals")))
         choices.add(OriginalsMapping::parse(*mapping));
+    if (const auto versions = arguments.value(QStringLiteral("versions")))
+        choices.versions = *versions == u"edited" ? LibraryChoices::Versions::edited
+                                                  : LibraryChoices::Versions::original;
 }
 
 std::vector<OptionSpec> choiceOptions() {
-    return {{QStringLiteral("originals"), QStringLiteral("ESKİ=YENİ"),
+    return {{QStringLiteral("versions"),
+             QStringLiteral("SÜRÜM"),
+             QStringLiteral("düzenlenmiş öğelerin hangi hali yüklenir (hatırlanır)"),
+             {QStringLiteral("original"), QStringLiteral("edited")}},
+            {QStringLiteral("originals"), QStringLiteral("ESKİ=YENİ"),
              QStringLiteral("arşivin dışında duran özgün dosyalar: arşivin yazdığı yer ve buradaki "
                             "yeri (hatırlanır)")}};
 }

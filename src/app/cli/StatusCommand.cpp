@@ -1,6 +1,7 @@
 #include "app/cli/Absences.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
+#include "app/cli/Remainders.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
 #include "store/RecordAbsences.h"
@@ -18,6 +19,7 @@ struct Status {
     QString email;
     QString library;
     QString targetAlbum;
+    RemainderCounts behind;
     QStringList absences; ///< the first of them, by reason
 };
 
@@ -47,6 +49,7 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
     text += absencesOf(status.counts).rows();
     for (const QString& reason : status.absences)
         text += QStringLiteral("  ") + reason + u'\n';
+    text += remainderRows(status.behind);
     text += tableRow(QStringLiteral("Durum veritabanı"), pathText(place.database));
     text += tableRow(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
     text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(place.permanentStaging));
@@ -66,6 +69,7 @@ int status(Invocation& invocation) {
                      google.oauth.email().value_or(QString()),
                      core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
                      core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString()),
+                     RecordRemainders(state.db).counts(),
                      RecordAbsences(state.db).reasons(absencesShown)};
     if (!invocation.arguments.has(QStringLiteral("json"))) {
         core.console.result(table(now, core.folders, place));
@@ -82,6 +86,7 @@ int status(Invocation& invocation) {
                {QStringLiteral("undated"), now.counts.undated},
                {QStringLiteral("undatable"), now.counts.undatable},
                {QStringLiteral("absent"), absencesOf(now.counts).json()},
+               {QStringLiteral("behind"), remainderJson(now.behind)},
                {QStringLiteral("absentItems"), QJsonArray::fromStringList(now.absences)},
                {QStringLiteral("database"), pathText(place.database)},
                {QStringLiteral("log"), pathText(core.logger.logFile())},

@@ -29,6 +29,7 @@ void describeEnd(SyncReport& report, LibraryServices& library) {
     DatabaseManager& db = library.state.db;
     try {
         report.after = StoreCounts::of(db);
+        report.behind = RecordRemainders(db).counts();
         report.pending = db.countPendingRecords();
         report.failures = db.fetchFailedCategorySummaries();
         for (const SyncRecord& record : db.fetchUnfinishedRecords(SyncReport::shownItems))

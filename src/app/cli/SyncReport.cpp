@@ -2,6 +2,7 @@
 
 #include "app/cli/Absences.h"
 #include "app/cli/Command.h"
+#include "app/cli/Remainders.h"
 #include "app/cli/TextTable.h"
 
 #include <QJsonArray>
@@ -81,6 +82,7 @@ QString SyncReport::table() const {
     text += rowUnlessZero(QStringLiteral("  tarih yazılamayan biçim"), after.undatable);
     text += countRow(QStringLiteral("Bekleyen"), pending);
     text += AbsenceCounts{after.onlyInCloud, after.elsewhere}.rows();
+    text += remainderRows(behind);
     text += leftOutRows(run.leftOut);
     text += deletionRows(run.deletion);
     text += tableRow(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
@@ -133,6 +135,7 @@ QJsonObject SyncReport::json() const {
         {QStringLiteral("albumFull"), run.albumFull},
         {QStringLiteral("leftOut"), leftOutJson(run.leftOut)},
         {QStringLiteral("absent"), AbsenceCounts{after.onlyInCloud, after.elsewhere}.json()},
+        {QStringLiteral("behind"), remainderJson(behind)},
         {QStringLiteral("deleted"), run.deletion.deleted},
         {QStringLiteral("notDeleted"), notDeleted},
         {QStringLiteral("items"), items}};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/RecordRemainders.h"
 #include "store/StoreCounts.h"
 #include "sync/SyncRun.h"
 
@@ -17,7 +18,8 @@ struct UnfinishedItem {
 /// The end of a run.
 struct SyncReport {
     StoreCounts after;
-    int pending = 0; ///< of this run's source
+    int pending = 0;        ///< of this run's source
+    RemainderCounts behind; ///< of all that was ever sent
     std::vector<FailedCategorySummary> failures;
     std::vector<UnfinishedItem> unfinished; ///< at most `shownItems`
     SyncRunOutcome run;

@@ -65,6 +65,11 @@ class Resources {
         return std::move(resources_);
     }
 
+    QString renamed(const QString& extension) const {
+        const qsizetype dot = name_.lastIndexOf(u'.');
+        return (dot > 0 ? name_.left(dot) : name_) + extension;
+    }
+
   private:
     void addTwins() {
         if (asset_.isLive)
@@ -112,11 +117,6 @@ class Resources {
     std::string twinName(const char* tail) const { return asset_.uuid.toStdString() + tail; }
     path twin(const char* tail) const { return originals_ / twinName(tail); }
 
-    QString renamed(const QString& extension) const {
-        const qsizetype dot = name_.lastIndexOf(u'.');
-        return (dot > 0 ? name_.left(dot) : name_) + extension;
-    }
-
     /// The first entry, by name, of a folder of the bundle that begins with `prefix`.
     std::optional<path> startingWith(const path& folder, const std::string& prefix) const {
         std::optional<path> found;
@@ -147,9 +147,19 @@ class Resources {
 std::vector<PhotoAssetResource> BundleLayout::resources(const PhotosAssetFiles& asset) const {
     const Original original = originalOf(asset);
     const bool isMovie = asset.mediaType == AssetMediaType::video;
-    return Resources(*this, asset, original.location)
-        .beside({isMovie ? AssetResourceType::video : AssetResourceType::photo, nameOf(asset),
-                 original.size, original.location, original.absence});
+    Resources list(*this, asset, original.location);
+    auto resources =
+        list.beside({isMovie ? AssetResourceType::video : AssetResourceType::photo, nameOf(asset),
+                     original.size, original.location, original.absence});
+    const auto edit = std::ranges::find(
+        resources, isMovie ? AssetResourceType::fullSizeVideo : AssetResourceType::fullSizePhoto,
+        &PhotoAssetResource::type);
+    if (versions_ == LibraryChoices::Versions::edited && edit != resources.end()) {
+        edit->type = resources.front().type; // it stands for the asset
+        edit->originalFilename = list.renamed(pathText(edit->location.extension()));
+        std::rotate(resources.begin(), edit, edit + 1);
+    }
+    return resources;
 }
 
 std::optional<AbsentOriginal> BundleLayout::absence(const PhotosAssetFiles& asset) const {

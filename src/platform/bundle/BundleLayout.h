@@ -23,12 +23,13 @@ namespace quorvane {
 /// the place that a mapping names. Any thread.
 class BundleLayout {
   public:
-    BundleLayout(std::filesystem::path bundle, std::vector<OriginalsMapping> references)
-        : bundle_(std::move(bundle)), references_(std::move(references)) {}
+    BundleLayout(std::filesystem::path bundle, const LibraryChoices& choices)
+        : bundle_(std::move(bundle)), references_(choices.originals), versions_(choices.versions) {}
 
     /// The resources of an asset, the original first: what the file system has, and the original
     /// (with the movie of a live photo) even when its bytes are not on this machine. A location is
-    /// relative to the bundle, or absolute below the place of a mapping.
+    /// relative to the bundle, or absolute below the place of a mapping. Where the edited version
+    /// was chosen, a render that is there comes before all others, under the original's name.
     std::vector<PhotoAssetResource> resources(const PhotosAssetFiles& asset) const;
 
     /// Why the original is not on this machine; none when it is, or when nobody can tell.
@@ -54,6 +55,7 @@ class BundleLayout {
 
     const std::filesystem::path bundle_;
     const std::vector<OriginalsMapping> references_;
+    const LibraryChoices::Versions versions_;
 };
 
 } // namespace quorvane

@@ -65,14 +65,14 @@ PhotosBundleLibrary::PhotosBundleLibrary(std::filesystem::path bundle,
                                          std::filesystem::path workFolder, Log& log,
                                          const WatchTimes& times)
     : bundle_(std::move(bundle)),
-      layout_(std::make_shared<const BundleLayout>(bundle_, std::vector<OriginalsMapping>())),
+      layout_(std::make_shared<const BundleLayout>(bundle_, LibraryChoices())),
       snapshot_(bundle_ / databaseInside, std::move(workFolder)),
       watch_(
           QStringLiteral("[PhotosBundle]"), FolderNotifier::Events::contents,
           [this](bool, const std::stop_token&) { return look(); }, fetches_, log, times) {}
 
 void PhotosBundleLibrary::use(const LibraryChoices& choices) {
-    auto layout = std::make_shared<const BundleLayout>(bundle_, choices.originals);
+    auto layout = std::make_shared<const BundleLayout>(bundle_, choices);
     const std::lock_guard lock(layoutMutex_);
     layout_ = std::move(layout);
 }
