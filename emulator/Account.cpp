@@ -1,5 +1,6 @@
 #include "emulator/Account.h"
 
+#include "emulator/AlbumAdditions.h"
 #include "emulator/JsonBody.h"
 
 #include <algorithm>
@@ -41,6 +42,9 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
     case RequestKind::albumsCreate:
         requireScope(call, {appendScope}, now);
         return albums_.create(call);
+    case RequestKind::albumsAdd:
+        requireScope(call, {appendScope}, now);
+        return addToAlbum(call, albums_, mediaItems_, behaviour);
     case RequestKind::albumsGet:
         requireReading(call, behaviour, now);
         return albums_.get(call);
@@ -92,7 +96,8 @@ void Account::restore(const QJsonObject& object) {
 
 bool changesAccount(RequestKind kind) {
     return kind == RequestKind::token || kind == RequestKind::revoke ||
-           kind == RequestKind::batchCreate || kind == RequestKind::albumsCreate;
+           kind == RequestKind::batchCreate || kind == RequestKind::albumsCreate ||
+           kind == RequestKind::albumsAdd;
 }
 
 } // namespace quorvane::emulator

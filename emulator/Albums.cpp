@@ -122,6 +122,14 @@ bool Albums::hasRoomFor(const QString& albumId, const QString& itemId,
     return album->items.contains(itemId) || album->stored.itemCount < capacity;
 }
 
+bool Albums::hasRoomFor(const QString& albumId, const QStringList& itemIds,
+                        std::int64_t capacity) const {
+    const Album* album = find(albumId);
+    QSet<QString> added(itemIds.begin(), itemIds.end());
+    added.subtract(album->items);
+    return album->stored.itemCount + added.size() <= capacity;
+}
+
 void Albums::insert(const QString& albumId, const QString& itemId) {
     Album* album = find(albumId);
     album->items.insert(itemId);

@@ -25,6 +25,8 @@ class Albums {
     bool contains(const QString& albumId) const;
     /// Whether one more item than it already holds finds room. The album exists.
     bool hasRoomFor(const QString& albumId, const QString& itemId, std::int64_t capacity) const;
+    bool hasRoomFor(const QString& albumId, const QStringList& itemIds,
+                    std::int64_t capacity) const;
     void insert(const QString& albumId, const QString& itemId);
     /// As when the person deletes it; its items stay. An unknown one is left alone.
     void remove(const QString& albumId);

@@ -34,6 +34,9 @@ RequestKind kindOf(const QByteArray& method, const QByteArray& path) {
     for (const Route& route : routes)
         if (method == route.method && plain == route.path)
             return route.kind;
+    if (method == "POST" && plain.startsWith("/v1/albums/") &&
+        plain.endsWith(":batchAddMediaItems"))
+        return RequestKind::albumsAdd;
     if (method == "GET" && plain.startsWith("/v1/albums/"))
         return RequestKind::albumsGet;
     return RequestKind::other;

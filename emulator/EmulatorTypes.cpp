@@ -28,6 +28,8 @@ QString nameOf(RequestKind kind) {
         return u"albumsCreate"_s;
     case RequestKind::albumsGet:
         return u"albumsGet"_s;
+    case RequestKind::albumsAdd:
+        return u"albumsAdd"_s;
     case RequestKind::sharedAlbums:
         return u"sharedAlbums"_s;
     case RequestKind::report:
@@ -51,6 +53,7 @@ bool isLibraryRequest(RequestKind kind) {
     case RequestKind::albumsList:
     case RequestKind::albumsCreate:
     case RequestKind::albumsGet:
+    case RequestKind::albumsAdd:
     case RequestKind::sharedAlbums:
         return true;
     default:

@@ -27,17 +27,18 @@ enum class RequestKind {
     albumsList,
     albumsCreate,
     albumsGet,
+    albumsAdd,
     sharedAlbums,
     report,
     other,
 };
 
 inline constexpr std::array allRequestKinds{
-    RequestKind::auth,      RequestKind::token,        RequestKind::revoke,
-    RequestKind::userinfo,  RequestKind::upload,       RequestKind::batchCreate,
-    RequestKind::batchGet,  RequestKind::albumsList,   RequestKind::albumsCreate,
-    RequestKind::albumsGet, RequestKind::sharedAlbums, RequestKind::report,
-    RequestKind::other,
+    RequestKind::auth,      RequestKind::token,      RequestKind::revoke,
+    RequestKind::userinfo,  RequestKind::upload,     RequestKind::batchCreate,
+    RequestKind::batchGet,  RequestKind::albumsList, RequestKind::albumsCreate,
+    RequestKind::albumsGet, RequestKind::albumsAdd,  RequestKind::sharedAlbums,
+    RequestKind::report,    RequestKind::other,
 };
 
 /// The kind's name as on the command line and in the report: "batchCreate".

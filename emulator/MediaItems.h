@@ -19,6 +19,8 @@ class MediaItems {
     /// As when the person deletes it. An unknown one is left alone.
     void remove(const QString& id);
 
+    bool contains(const QString& id) const { return indexOfId_.contains(id); }
+
     /// In order of creation.
     std::vector<StoredMediaItem> all() const;
 

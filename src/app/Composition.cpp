@@ -41,7 +41,8 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
       tracker(core.clock),
       api(http, oauth, endpoints),
       albums(api, core.preferences, core.logger),
-      destination(api, albums) {}
+      destination(api, albums),
+      albumContents(api) {}
 
 AccountIdentity GoogleServices::account() {
     return {oauth.userID().value_or(QString()), oauth.email().value_or(QString())};
@@ -110,7 +111,11 @@ LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
       coordinator({state.db, state.life, staging, metadata, recognition, google.destination,
                    batches, google.tracker, deletion, core.preferences, flags, core.logger,
                    core.console, core.clock}),
-      run{state.db, *library, observer, staging, deletion, batches, coordinator, flags} {
+      mirrorState(state.db),
+      mirror({*library, mirrorState, google.albumContents, core.logger, core.clock}),
+      run{state.db,    *library, observer,
+          staging,     deletion, batches,
+          coordinator, flags,    choices.mirrorAlbums ? &mirror : nullptr} {
     staging.settleForm(choices.form());
     batches.onCreated = [this](const SyncRecord& record) {
         staging.wasSent(record.assetLocalIdentifier);

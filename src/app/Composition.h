@@ -23,7 +23,9 @@
 #include "metadata/MediaMetadataService.h"
 #include "platform/bundle/PhotosBundleLibrary.h"
 #include "store/KnownContents.h"
+#include "store/MirrorState.h"
 #include "store/StateCatalogue.h"
+#include "sync/AlbumMirror.h"
 #include "sync/GoogleDestination.h"
 #include "sync/SyncRun.h"
 
@@ -74,6 +76,7 @@ struct GoogleServices {
     GoogleLibraryApi api;
     GoogleAlbumManager albums;
     GoogleDestination destination;
+    GoogleAlbumContents albumContents;
 };
 
 /// The state of one library and account.
@@ -140,6 +143,8 @@ struct LibraryServices : SourceServices {
     BatchCoordinator batches;
     RunFlags flags;
     SyncCoordinator coordinator;
+    MirrorState mirrorState;
+    AlbumMirror mirror;
     SyncRunServices run;
 
   private:

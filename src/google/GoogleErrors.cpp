@@ -30,6 +30,11 @@ AlbumError AlbumError::httpError(const HttpResponse& response) {
     return AlbumError(QStringLiteral("[Album] HTTP %1").arg(response.status), faultIn(response));
 }
 
+AlbumError AlbumError::additionRefused(const HttpResponse& response) {
+    return AlbumError(QStringLiteral("[Album] HTTP %1").arg(response.status),
+                      faultIn(response, response.status == 404));
+}
+
 AlbumError AlbumError::invalidResponse() {
     return AlbumError(QStringLiteral("[Album] Geçersiz API yanıtı"), foreignAnswer());
 }

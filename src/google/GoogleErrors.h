@@ -28,9 +28,10 @@ class BatchError : public Error {
     using Error::Error;
 };
 
-/// An album that Google did not make.
+/// An album that Google did not make, or items that it did not put into one.
 class AlbumError : public Error {
   public:
+    static AlbumError additionRefused(const HttpResponse& response);
     static AlbumError httpError(const HttpResponse& response);
     static AlbumError invalidResponse(); ///< not the JSON that was asked for
 

@@ -14,6 +14,7 @@ namespace {
 
 const QString originalsName = QStringLiteral("originals");
 const QString versionsName = QStringLiteral("versions");
+const QString mirrorName = QStringLiteral("mirrorAlbums");
 const QString editedName = QStringLiteral("edited");
 
 /// The choices for all libraries, by what tells one from another.
@@ -52,6 +53,7 @@ LibraryChoices LibraryChoices::of(const QString& library, const Preferences& pre
         if (mapping.from.is_absolute() && mapping.to.is_absolute())
             choices.originals.push_back(mapping);
     }
+    choices.mirrorAlbums = object[mirrorName].toBool();
     if (object[versionsName].toString() == editedName)
         choices.versions = Versions::edited;
     return choices;
@@ -64,7 +66,8 @@ void LibraryChoices::save(const QString& library, Preferences& preferences) cons
     for (const OriginalsMapping& mapping : originals)
         mappings += QJsonArray{pathText(mapping.from), pathText(mapping.to)};
     QJsonObject all = allChoices(preferences);
-    all[library] = QJsonObject{{originalsName, mappings}, {versionsName, form()}};
+    all[library] =
+        QJsonObject{{originalsName, mappings}, {versionsName, form()}, {mirrorName, mirrorAlbums}};
     preferences.setData(preferenceKeys::libraryChoices,
                         QJsonDocument(all).toJson(QJsonDocument::Compact));
 }

@@ -25,6 +25,7 @@ struct LibraryChoices {
 
     std::vector<OriginalsMapping> originals;
     Versions versions = Versions::original;
+    bool mirrorAlbums = false; ///< the library's albums are albums at the destination, too
 
     bool operator==(const LibraryChoices&) const = default;
 

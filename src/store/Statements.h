@@ -41,8 +41,8 @@ CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
 /// What is remembered beside the records: the bytes that each was staged from, the removals that
 /// have begun, the assets whose staged files are nobody's any more, the dates of the staged files
 /// (milliseconds since 1970 UTC), what a person chose where there was none, the assets whose
-/// original is not on this machine and why, what of an asset is not in its staged file, the files
-/// of a folder library, and whose state this is.
+/// original is not on this machine and why, what of an asset is not in its staged file, the albums
+/// that mirror the library's, the files of a folder library, and whose state this is.
 inline constexpr const char* besides =
     R"sql(CREATE TABLE IF NOT EXISTS record_sources (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
@@ -81,6 +81,20 @@ CREATE TABLE IF NOT EXISTS record_absences (
 CREATE TABLE IF NOT EXISTS record_remainders (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
     behind                 INTEGER NOT NULL
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS mirror_albums (
+    album     TEXT NOT NULL,
+    part      INTEGER NOT NULL,
+    remote_id TEXT NOT NULL,
+    title     TEXT NOT NULL,
+    state     INTEGER NOT NULL,
+    PRIMARY KEY (album, part)
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS mirror_items (
+    album      TEXT NOT NULL,
+    media_item TEXT NOT NULL,
+    part       INTEGER NOT NULL,
+    PRIMARY KEY (album, media_item)
 ) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS library_files (
     path       BLOB NOT NULL PRIMARY KEY,

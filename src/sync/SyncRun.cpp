@@ -78,6 +78,8 @@ SyncRunOutcome runSync(const SyncRunServices& services, bool deletionEnabled,
         discover(services, callbacks);
         outcome.leftOut = services.library.leftOut();
         drainAll(services, deletionEnabled, callbacks, outcome);
+        if (services.mirror != nullptr && !outcome.error && !services.flags.isCancelled())
+            outcome.mirror = services.mirror->run(services.flags.stopToken());
         const StoreCounts after = StoreCounts::of(services.db);
         outcome.existing = services.batches.takeAlreadyExisting();
         outcome.verified = std::max(0, after.verified - before.verified);

@@ -2,6 +2,7 @@
 
 #include "library/PhotoLibraryObserver.h"
 #include "store/StoreCounts.h"
+#include "sync/AlbumMirror.h"
 #include "sync/SyncCoordinator.h"
 
 #include <functional>
@@ -20,6 +21,7 @@ struct SyncRunServices {
     BatchCoordinator& batches;
     SyncCoordinator& coordinator;
     RunFlags& flags;
+    AlbumMirror* mirror = nullptr; ///< none: albums are not mirrored
 };
 
 /// What a run tells while it runs. All may be empty.
@@ -42,6 +44,7 @@ struct SyncRunOutcome {
     std::int64_t uploadedBytes = 0;
     LeftOut leftOut; ///< by the library, when it was listed
     DeletionSummary deletion;
+    MirrorOutcome mirror;
     bool albumFull = false;
     bool wasStopped = false;      ///< by whoever started it
     std::optional<QString> error; ///< why the run could not do its work, or not to its end

@@ -2,6 +2,7 @@
 
 #include "app/Composition.h"
 #include "app/cli/Absences.h"
+#include "store/RecordRemainders.h"
 
 #include <QJsonObject>
 

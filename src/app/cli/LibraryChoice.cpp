@@ -68,13 +68,27 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
 void applyChoices(const Arguments& arguments, LibraryChoices& choices) {
     if (const auto mapping = arguments.value(QStringLiteral("originals")))
         choices.add(OriginalsMapping::parse(*mapping));
+    if (arguments.has(QStringLiteral("mirror-albums")))
+        choices.mirrorAlbums = true;
+    if (arguments.has(QStringLiteral("no-mirror-albums")))
+        choices.mirrorAlbums = false;
     if (const auto versions = arguments.value(QStringLiteral("versions")))
         choices.versions = *versions == u"edited" ? LibraryChoices::Versions::edited
                                                   : LibraryChoices::Versions::original;
 }
 
+void requireOneUseOfAlbums(const LibraryChoices& choices, const GoogleAlbumManager& albums) {
+    if (choices.mirrorAlbums && albums.targetAlbumID())
+        throw Error(QStringLiteral("Albümler hedef albümle birlikte Google'a taşınamaz: ya hedef "
+                                   "albümü kaldırın ya da --no-mirror-albums verin"));
+}
+
 std::vector<OptionSpec> choiceOptions() {
-    return {{QStringLiteral("versions"),
+    return {{QStringLiteral("mirror-albums"),
+             {},
+             QStringLiteral("arşivin her albümü Google Photos'ta da bir albüm olur (hatırlanır)")},
+            {QStringLiteral("no-mirror-albums"), {}, QStringLiteral("bunu yeniden kapatır")},
+            {QStringLiteral("versions"),
              QStringLiteral("SÜRÜM"),
              QStringLiteral("düzenlenmiş öğelerin hangi hali yüklenir (hatırlanır)"),
              {QStringLiteral("original"), QStringLiteral("edited")}},

@@ -15,6 +15,8 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
 
 /// What this call chooses for the library, on top of what is remembered for it. Throws `Error`.
 void applyChoices(const Arguments& arguments, LibraryChoices& choices);
+/// New items go into one target album, or the library's albums are mirrored. Throws `Error`.
+void requireOneUseOfAlbums(const LibraryChoices& choices, const GoogleAlbumManager& albums);
 /// The options that say so.
 std::vector<OptionSpec> choiceOptions();
 

@@ -88,6 +88,7 @@ void choose(Invocation& invocation, CoreServices& core, GoogleServices& google,
         chooseSourceAlbum(*album, source.albums);
     if (const auto album = invocation.arguments.value(QStringLiteral("target-album")))
         chooseTargetAlbum(*album, google.albums, core.preferences, invocation.stop);
+    requireOneUseOfAlbums(source.choices, google.albums);
 }
 
 /// Leaves no trace but log lines: neither a store nor a staging folder is created.
@@ -134,6 +135,7 @@ int sync(Invocation& invocation) {
     applyChoices(arguments, at.choices);
     LibraryServices library(core, program.google, std::move(at));
     choose(invocation, core, program.google, library);
+    library.mirror.remakesGone = arguments.has(QStringLiteral("remake-albums"));
     const SyncReport report = run(invocation, core, program.google, library);
     if (report.run.error)
         core.console.error(*report.run.error);
@@ -164,6 +166,9 @@ Command syncCommand() {
            QStringLiteral("SEÇİM"),
            QStringLiteral("hedef albüm 20.000 öğeyle dolunca"),
            {QStringLiteral("rollover"), QStringLiteral("stop")}},
+          {QStringLiteral("remake-albums"),
+           {},
+           QStringLiteral("Google'da silinmiş albümleri yeniden oluşturur")},
           {QStringLiteral("delete-verified"),
            {},
            QStringLiteral("yüklendiği doğrulanan asılları, onayınızla, Çöp'e taşır")},

@@ -43,6 +43,31 @@ QString deletionRows(const DeletionSummary& deletion) {
     return text;
 }
 
+QString mirrorRows(const MirrorOutcome& mirror) {
+    QString text = rowUnlessZero(QStringLiteral("Albümlere eklenen"), mirror.added) +
+                   rowUnlessZero(QStringLiteral("Yeni Google albümü"), mirror.made) +
+                   rowUnlessZero(QStringLiteral("Albüme eklenemeyen"),
+                                 static_cast<int>(mirror.refused.size()));
+    for (const QString& title : mirror.gone)
+        text += QStringLiteral("  '%1' albümü Google Photos'ta silinmiş; yeniden oluşturulsun "
+                               "isterseniz: --remake-albums\n")
+                    .arg(title);
+    if (mirror.failure)
+        text += QStringLiteral("  Albümler tamamlanamadı, sonraki eşitlemede sürecek: %1\n")
+                    .arg(*mirror.failure);
+    return text;
+}
+
+QJsonObject mirrorJson(const MirrorOutcome& mirror) {
+    QJsonObject object{{QStringLiteral("added"), mirror.added},
+                       {QStringLiteral("made"), mirror.made},
+                       {QStringLiteral("gone"), QJsonArray::fromStringList(mirror.gone)},
+                       {QStringLiteral("refused"), QJsonArray::fromStringList(mirror.refused)}};
+    if (mirror.failure)
+        object[QStringLiteral("failure")] = *mirror.failure;
+    return object;
+}
+
 } // namespace
 
 QString byteText(std::int64_t bytes) {
@@ -83,6 +108,7 @@ QString SyncReport::table() const {
     text += countRow(QStringLiteral("Bekleyen"), pending);
     text += AbsenceCounts{after.onlyInCloud, after.elsewhere}.rows();
     text += remainderRows(behind);
+    text += mirrorRows(run.mirror);
     text += leftOutRows(run.leftOut);
     text += deletionRows(run.deletion);
     text += tableRow(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
@@ -135,6 +161,7 @@ QJsonObject SyncReport::json() const {
         {QStringLiteral("albumFull"), run.albumFull},
         {QStringLiteral("leftOut"), leftOutJson(run.leftOut)},
         {QStringLiteral("absent"), AbsenceCounts{after.onlyInCloud, after.elsewhere}.json()},
+        {QStringLiteral("albums"), mirrorJson(run.mirror)},
         {QStringLiteral("behind"), remainderJson(behind)},
         {QStringLiteral("deleted"), run.deletion.deleted},
         {QStringLiteral("notDeleted"), notDeleted},
@@ -149,7 +176,10 @@ int SyncReport::exitCode() const {
         return failedToRun;
     if (run.wasStopped)
         return stopped;
-    return after.failed + after.undated + pending + run.leftOut.missed() > 0 ? someItemsLeft : done;
+    const bool isMirrored = !run.mirror.failure && run.mirror.refused.isEmpty();
+    return !isMirrored || after.failed + after.undated + pending + run.leftOut.missed() > 0
+               ? someItemsLeft
+               : done;
 }
 
 } // namespace quorvane::cli

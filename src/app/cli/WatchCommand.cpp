@@ -82,6 +82,7 @@ int watch(Invocation& invocation) {
                                     core.preferences, core.folders);
     LibraryAt at(core, path);
     applyChoices(invocation.arguments, at.choices);
+    requireOneUseOfAlbums(at.choices, program.google.albums);
     LibraryServices library(core, program.google, std::move(at));
     requireReadable(*library.library, path);
     library.observer.initialScan(invocation.stop); // what cannot be read is said at once
