@@ -1,8 +1,6 @@
+#include "app/SystemPorts.h"
+#include "app/cli/SignIn.h"
 #include "bench/MadeLibraries.h"
-#include "foundation/Clock.h"
-#include "library/PhotoLibraryObserver.h"
-#include "platform/bundle/PhotosBundleLibrary.h"
-#include "platform/folder/FolderLibrary.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -20,14 +18,9 @@ namespace {
 constexpr int dropped = 1000;
 constexpr std::chrono::minutes patience{5};
 
-class NoLog final : public Log {
-  public:
-    void log(const QString&) override {}
-};
-
 class NoConsent final : public DeletionConfirmation {
   public:
-    bool confirmDeletion(int) override { return false; }
+    bool confirmDeletion(const DeletionQuestion&) override { return false; }
 };
 
 /// Passes on what the product's own observer gets, and counts what that ignores.
@@ -49,26 +42,25 @@ class Counter final : public LibraryChangeObserver {
     AssetFetchResult result_;
 };
 
+/// The program's own house, in a home of its own.
 struct World {
     explicit World(const std::filesystem::path& home)
-        : folders{home, home / "Pictures", home / "temporary"},
-          preferences(folders.preferences()) {}
+        : core({home, home / "Pictures", home / "temporary"}, system.with(console, consent)) {}
 
-    UserFolders folders;
     Console console{Console::Channel::silent};
-    NoLog log;
     NoConsent consent;
-    SystemClock clock;
-    Preferences preferences;
-    DatabaseManager db{folders.database(), console};
-
-    int stored() {
-        int count = 0;
-        for (const auto& [status, number] : db.countByStatus())
-            count += number;
-        return count;
-    }
+    SystemPorts system;
+    cli::NoAuthSession signIn;
+    CoreServices core;
+    GoogleServices google{core, signIn};
 };
+
+int stored(DatabaseManager& db) {
+    int count = 0;
+    for (const auto& [status, number] : db.countByStatus())
+        count += number;
+    return count;
+}
 
 double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
@@ -112,32 +104,30 @@ bool waitFor(SystemClock& clock, const std::function<bool()>& condition) {
     return true;
 }
 
-/// `change` adds `added` pictures and changes `changed`.
-int measure(World& world, PhotoLibrary& library, int count, int added, std::size_t changed,
-            const std::function<void()>& change) {
-    MediaMetadataService metadata(library, world.folders.pictures, world.log, world.clock);
-    AssetStagingService staging(library, world.db, metadata, world.folders, world.console);
-    PhotoAlbumService albums(library, world.preferences, world.log);
-    PhotoLibraryObserver observer(library, world.db, staging, albums, world.preferences,
-                                  world.console);
+/// Measures the library at `path`, of `count` pictures; `change` adds `added` and changes
+/// `changed`.
+int measure(World& world, const std::filesystem::path& path, int count, int added,
+            std::size_t changed, const std::function<void()>& change) {
+    LibraryServices services(world.core, world.google, LibraryAt(world.core, path));
     for (const char* scan : {"first scan into the store", "second scan"}) {
-        const Step step(scan, world.clock);
-        observer.initialScan();
+        const Step step(scan, world.system.clock);
+        services.observer.initialScan();
     }
-    Counter counter(observer, library.fetchAssets());
-    library.registerChangeObserver(counter);
+    Counter counter(services.observer, services.library->fetchAssets());
+    services.library->registerChangeObserver(counter);
     change();
     bool noticed = false;
     {
-        const Step step("changes noticed, recorded", world.clock);
-        noticed = waitFor(world.clock, [&] {
-            return world.stored() == count + added && counter.changed >= changed;
+        const Step step("changes noticed, recorded", world.system.clock);
+        noticed = waitFor(world.system.clock, [&] {
+            return stored(services.state.db) == count + added && counter.changed >= changed;
         });
     }
-    library.unregisterChangeObserver(counter);
-    std::printf("%d recorded, %d expected; %zu changed\n", world.stored(), count + added,
+    services.library->unregisterChangeObserver(counter);
+    const int recorded = stored(services.state.db);
+    std::printf("%d recorded, %d expected; %zu changed\n", recorded, count + added,
                 counter.changed.load());
-    return noticed && world.stored() == count + added ? 0 : 1;
+    return noticed && recorded == count + added ? 0 : 1;
 }
 
 int run(const QString& kind, int count) {
@@ -147,12 +137,10 @@ int run(const QString& kind, int count) {
     if (kind == u"bundle") {
         const auto path = root / "Made.photoslibrary";
         MadeBundle made(path, count);
-        PhotosBundleLibrary library(path, root / "work", world.log);
-        return measure(world, library, count, 1, 1, [&] { made.change(); });
+        return measure(world, path, count, 1, 1, [&] { made.change(); });
     }
     makeFiles(root / "pictures", "a", count);
-    FolderLibrary library(root / "pictures", world.consent, world.log);
-    return measure(world, library, count, dropped, 0,
+    return measure(world, root / "pictures", count, dropped, 0,
                    [&] { makeFiles(root / "pictures", "b", dropped); });
 }
 

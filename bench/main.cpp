@@ -1,5 +1,4 @@
 #include "bench/UploadSink.h"
-#include "foundation/Clock.h"
 #include "foundation/File.h"
 #include "google/CurlHttpClient.h"
 #include "google/GoogleUploadTask.h"

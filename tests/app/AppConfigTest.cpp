@@ -99,7 +99,7 @@ TEST_F(AppConfigTest, candidatesStandInTheirOrder) {
     EXPECT_EQ(candidates[0], std::filesystem::current_path() / ".env");
     EXPECT_EQ(candidates[1], "/home/ayşe/Library/Application Support/Quorvane/.env");
     EXPECT_EQ(candidates[2], "/home/ayşe/.quorvane.env");
-    EXPECT_EQ(candidates[3], std::filesystem::path(QUORVANE_BIN_DIR) / ".env");
+    EXPECT_EQ(candidates[3], programFolder() / ".env");
 }
 
 } // namespace

@@ -54,7 +54,7 @@ struct CliWorld : testing::Test {
         auto process = std::make_unique<QProcess>();
         process->setProcessEnvironment(environment);
         process->setWorkingDirectory(pathText(folder.path()));
-        process->start(QStringLiteral(QUORVANE_BIN_DIR "/quorvane-cli"), words);
+        process->start(pathText(programFolder() / "quorvane-cli"), words);
         EXPECT_TRUE(process->waitForStarted());
         return process;
     }

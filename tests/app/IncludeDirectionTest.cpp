@@ -17,7 +17,7 @@ template <typename Visit>
 void forEachInclude(Visit&& visit) {
     static const QRegularExpression include(u"^\\s*#\\s*include\\s+([\"<])([^\">]+)"_s,
                                             QRegularExpression::MultilineOption);
-    const std::filesystem::path source = std::filesystem::path(QUORVANE_SOURCE_DIR) / "src";
+    const std::filesystem::path source = sourceFolder() / "src";
     for (const auto& entry : std::filesystem::recursive_directory_iterator(source)) {
         if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h")
             continue;

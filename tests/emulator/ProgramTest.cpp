@@ -8,7 +8,7 @@ namespace quorvane::test {
 
 namespace {
 
-const QString program = QStringLiteral(QUORVANE_BIN_DIR "/quorvane-emulator");
+const QString program = pathText(programFolder() / "quorvane-emulator");
 
 TEST(ProgramTest, servesUntilItIsToldToEndAndReports) {
     const TemporaryFolder folder;

@@ -1,6 +1,7 @@
 #include "metadata/FilenameDates.h"
 
 #include "Dates.h"
+#include "support/TemporaryFolder.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -134,7 +135,7 @@ TEST(FilenameDates, ReadsTheNamesThatMakersAndPeopleGive) {
         *localDate(2019, 4, 12, 18, 22, 10),  *localDate(2024, 1, 5, 6, 7, 8),
         *localDate(2012, 12, 31, 23, 59, 59), *localDate(2021, 7, 30, 12, 0, 1),
         *localDate(2016, 2, 29, 0, 15, 30),   *localDate(2007, 10, 9, 10, 11, 12)};
-    QFile table(QStringLiteral(QUORVANE_SOURCE_DIR "/tests/metadata/FileNames.tsv"));
+    QFile table(sourceFolder() / "tests/metadata/FileNames.tsv");
     ASSERT_TRUE(table.open(QFile::ReadOnly));
     int names = 0, right = 0, missed = 0;
     for (const QString& line :

@@ -64,7 +64,7 @@ TEST(LibsecretStoreTest, KeepsSecretsInARealKeyring) {
              "--components=secrets & gdbus wait --session --timeout 20 "
              "org.freedesktop.secrets && \"$0\" --gtest_also_run_disabled_tests "
              "--gtest_filter='*DISABLED_OnAPrivateBus'; result=$?; kill %1; exit $result"),
-         QString::fromUtf8(QUORVANE_BIN_DIR "/test-platform")});
+         pathText(programFolder() / "test-platform")});
     ASSERT_TRUE(session.waitForFinished(60'000));
     const QByteArray output = session.readAll();
     EXPECT_EQ(session.exitCode(), 0) << output.constData();

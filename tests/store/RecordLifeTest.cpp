@@ -263,7 +263,7 @@ TEST_F(RecordLifeTest, WhatLeavesTheQueueIsRememberedUntilItsFileIsDiscarded) {
 }
 
 TEST(RecordLife, NobodyElseChangesAStatus) {
-    const std::filesystem::path root = std::filesystem::path(QUORVANE_SOURCE_DIR) / "src";
+    const std::filesystem::path root = sourceFolder() / "src";
     const std::set<std::filesystem::path> owners{"store/RecordLife.cpp", "store/DatabaseManager.h",
                                                  "store/DatabaseManager.cpp"};
     int seen = 0;

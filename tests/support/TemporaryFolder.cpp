@@ -12,6 +12,14 @@ std::filesystem::path TemporaryFolder::write(const std::filesystem::path& name,
     return file;
 }
 
+std::filesystem::path sourceFolder() {
+    return QUORVANE_SOURCE_DIR;
+}
+
+std::filesystem::path programFolder() {
+    return QUORVANE_BIN_DIR;
+}
+
 QByteArray readFile(const std::filesystem::path& file) {
     return readWholeFile(file, std::int64_t(1) << 32);
 }
@@ -19,9 +27,7 @@ QByteArray readFile(const std::filesystem::path& file) {
 std::filesystem::path realDataFolder() {
     const QString configured = qEnvironmentVariable("QUORVANE_TEST_DATA");
     const std::filesystem::path folder =
-        configured.isEmpty()
-            ? std::filesystem::path(QUORVANE_SOURCE_DIR).parent_path() / "shared/data"
-            : pathFrom(configured);
+        configured.isEmpty() ? sourceFolder().parent_path() / "shared/data" : pathFrom(configured);
     return std::filesystem::is_directory(folder / "media") ? folder : std::filesystem::path();
 }
 

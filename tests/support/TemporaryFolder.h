@@ -23,6 +23,10 @@ class TemporaryFolder {
     QTemporaryDir folder_;
 };
 
+/// Where the sources are, and the programs that were built from them.
+std::filesystem::path sourceFolder();
+std::filesystem::path programFolder();
+
 QByteArray readFile(const std::filesystem::path& file);
 
 /// The folder of real libraries and pictures: QUORVANE_TEST_DATA, else ../shared/data beside the

@@ -1,3 +1,5 @@
+#include "support/TemporaryFolder.h"
+
 #include <QApplication>
 #include <QTemporaryDir>
 
@@ -19,7 +21,8 @@ void failOnComplaint(QtMsgType type, const QMessageLogContext& context, const QS
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM",
-                "offscreen:configfile=" QUORVANE_SOURCE_DIR "/tests/window/screen.json");
+                "offscreen:configfile=" +
+                    QFile::encodeName(quorvane::test::sourceFolder() / "tests/window/screen.json"));
     const QTemporaryDir runtimeFolder; // of nobody but us, as Qt wants it
     qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
     qputenv("QT_QUICK_BACKEND", "software"); // the same picture on every machine, and quickly
