@@ -70,7 +70,9 @@ LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
     if (identity_.isEmpty()) {
         std::error_code unreachable;
         const auto canonical = std::filesystem::canonical(path_, unreachable);
-        identity_ = QStringLiteral("path:") + pathText(unreachable ? path_ : canonical);
+        identity_ = core_.states.identityAt(
+            QStringLiteral("path:") + pathText(unreachable ? path_ : canonical),
+            [this](const std::vector<LibraryFile>& files) { return holdsFiles(path_, files); });
     }
     choices = LibraryChoices::of(identity_, core_.preferences);
 }

@@ -98,7 +98,8 @@ class LibraryAt {
     LibraryAt(CoreServices& core, std::filesystem::path path);
 
     const std::filesystem::path& path() const { return path_; }
-    /// What tells the library from every other: what it or its file system says, else its path.
+    /// What tells the library from every other: what it or its file system says, else its place and
+    /// its files.
     const QString& identity() const { return identity_; }
 
     /// Those that are remembered for it; a change holds for what is opened afterwards.

@@ -151,14 +151,18 @@ std::optional<QString> PhotoAlbumService::selectedSourceAlbumID() const {
     const auto albumID = preferences_.string(preferenceKeys::sourceAlbumID);
     if (!albumID || albumID->isEmpty())
         return std::nullopt;
-    const auto library = preferences_.string(preferenceKeys::sourceAlbumLibrary);
-    if (!library || *library == libraryIdentity_)
+    if (ownsSelectedSource())
         return albumID;
     log_.log(
         QStringLiteral("[PhotoAlbumService] ⚠️ Kayıtlı kaynak albüm başka bir arşive ait, "
                        "uygulanmadı: ") +
         preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(*albumID));
     return std::nullopt;
+}
+
+bool PhotoAlbumService::ownsSelectedSource() const {
+    return preferences_.string(preferenceKeys::sourceAlbumLibrary).value_or(libraryIdentity_) ==
+           libraryIdentity_;
 }
 
 void PhotoAlbumService::setSelectedSourceAlbumID(const std::optional<QString>& albumID) {

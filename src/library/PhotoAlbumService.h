@@ -46,6 +46,8 @@ class PhotoAlbumService {
     /// which is logged.
     std::optional<QString> selectedSourceAlbumID() const;
     void setSelectedSourceAlbumID(const std::optional<QString>& albumID);
+    /// False when the source that was chosen is an album of another library.
+    bool ownsSelectedSource() const;
     /// The source of this process only.
     void selectForThisRun(const LocalAlbumItem& album);
 

@@ -16,6 +16,10 @@ namespace {
 constexpr qsizetype keyLength = 12;
 constexpr const char* databaseName = "quorvane.sqlite";
 
+QString newKey() {
+    return QUuid::createUuid().toString(QUuid::Id128).left(keyLength);
+}
+
 bool isThere(const std::filesystem::path& path) {
     std::error_code unreachable;
     return std::filesystem::exists(path, unreachable) || unreachable;
@@ -93,13 +97,26 @@ StatePlace StateCatalogue::open(const QString& library, const AccountIdentity& a
         return StateFacts(database).account().isKnown();
     };
     if (!place || (!account.isKnown() && isBound()))
-        place = isThere(folders_.database())
-                    ? placeOf(QUuid::createUuid().toString(QUuid::Id128).left(keyLength))
-                    : first();
+        place = isThere(folders_.database()) ? placeOf(newKey()) : first();
     DatabaseManager database(place->database, silent);
     database.requireUsable();
     StateFacts(database).bindLibrary(library);
     return *place;
+}
+
+QString StateCatalogue::identityAt(
+    const QString& place, const std::function<bool(const std::vector<LibraryFile>&)>& holds) const {
+    bool isTaken = false;
+    Console silent(Console::Channel::silent);
+    for (const State& state : states()) {
+        if (state.library != place && !state.library.startsWith(place + u'#'))
+            continue;
+        DatabaseManager database(state.place.database, silent);
+        if (holds(LibraryFiles(database).all()))
+            return state.library;
+        isTaken = true;
+    }
+    return isTaken ? place + u'#' + newKey() : place;
 }
 
 std::vector<std::filesystem::path> StateCatalogue::othersOf(const AccountIdentity& account,

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "foundation/UserFolders.h"
+#include "store/LibraryFiles.h"
 #include "store/RecordLife.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -32,6 +34,12 @@ class StateCatalogue {
     /// The same for looking only: none when there is no such state. Where the account is unknown,
     /// the only one of the library.
     std::optional<StatePlace> find(const QString& library, const AccountIdentity& account) const;
+
+    /// What tells a library from every other where only its place and its files can: the identity
+    /// of the state, among those of libraries that were ever at `place`, whose files `holds` finds
+    /// there; else a new one.
+    QString identityAt(const QString& place,
+                       const std::function<bool(const std::vector<LibraryFile>&)>& holds) const;
 
     /// The databases of this account's states but `own`.
     std::vector<std::filesystem::path> othersOf(const AccountIdentity& account,

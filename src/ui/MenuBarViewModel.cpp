@@ -107,9 +107,11 @@ void MenuBarViewModel::publishRoute() {
         return storedOr(s_.preferences, key, fallback);
     };
     const Route none;
+    const bool isForeign = session_ && !session_->albums.ownsSelectedSource();
     publish(route_,
-            Route{text(preferenceKeys::sourceAlbumID, {}),
-                  text(preferenceKeys::sourceAlbumTitle, none.sourceTitle),
+            Route{isForeign ? none.sourceID : text(preferenceKeys::sourceAlbumID, {}),
+                  isForeign ? none.sourceTitle
+                            : text(preferenceKeys::sourceAlbumTitle, none.sourceTitle),
                   text(preferenceKeys::targetAlbumID, {}),
                   text(preferenceKeys::targetAlbumTitle, none.targetTitle)},
             &MenuBarViewModel::routeChanged);

@@ -191,6 +191,12 @@ TEST_F(FileRecognition, KnowsALibraryFolderByWhatTheFileSystemSays) {
     EXPECT_NE(folderLibraryIdentity(root), identity);
     EXPECT_EQ(folderLibraryIdentity(folder / "moved"), identity);
 
+    const auto file = folder.write("card/DCIM/1.jpg", "picture");
+    const LibraryFile kept{"DCIM/1.jpg", {}, *fileVersion(file)}, gone{"DCIM/2.jpg", {}, {}};
+    EXPECT_TRUE(holdsFiles(folder / "card", {}));
+    EXPECT_TRUE(holdsFiles(folder / "card", {kept, gone}));
+    EXPECT_FALSE(holdsFiles(folder / "card", {kept, gone, gone}));
+
     std::filesystem::create_directories(folder / "QuorvaneStaging_Permanent/sub");
     std::filesystem::create_directory_symlink(folder / "QuorvaneStaging_Permanent",
                                               folder / "shortcut");

@@ -76,6 +76,12 @@ TEST_F(StateCatalogueTest, EachLibraryAndAccountHasAStateOfItsOwn) {
         EXPECT_EQ(catalogue.open(each.library, each.account), each.expected);
     }
     EXPECT_EQ(catalogue.othersOf(me, b), std::vector{a.database});
+
+    const auto always = [](bool holds) { return [holds](const auto&) { return holds; }; };
+    EXPECT_EQ(catalogue.identityAt(u"path:/card"_s, always(false)), u"path:/card"_s);
+    EXPECT_EQ(catalogue.identityAt(u"B"_s, always(true)), u"B"_s);
+    const QString second = catalogue.identityAt(u"B"_s, always(false));
+    EXPECT_TRUE(second.startsWith(u"B#"_s)) << "other pictures at the same place";
     EXPECT_TRUE(catalogue.othersOf(nobody, b).empty());
 }
 

@@ -22,7 +22,8 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM",
                 "offscreen:configfile=" +
-                    QFile::encodeName(quorvane::test::sourceFolder() / "tests/window/screen.json"));
+                    quorvane::pathText(quorvane::test::sourceFolder() / "tests/window/screen.json")
+                        .toLocal8Bit());
     const QTemporaryDir runtimeFolder; // of nobody but us, as Qt wants it
     qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
     qputenv("QT_QUICK_BACKEND", "software"); // the same picture on every machine, and quickly

@@ -125,6 +125,19 @@ QString folderLibraryIdentity(const path& root) {
     return QStringList{volume, itself, birth}.join(QLatin1Char('|'));
 }
 
+bool holdsFiles(const path& root, const std::vector<LibraryFile>& files) {
+    constexpr std::size_t most = 64;
+    const std::size_t step = std::max<std::size_t>(1, files.size() / most);
+    std::size_t looked = 0, held = 0;
+    for (std::size_t i = 0; i < files.size(); i += step) {
+        const FileVersion& known = files[i].version;
+        const auto now = fileVersion(root / files[i].path);
+        ++looked;
+        held += now && now->size == known.size && now->modified == known.modified ? 1 : 0;
+    }
+    return 2 * held >= looked;
+}
+
 bool isStagingFolderName(std::string_view name) {
     return name == "QuorvaneStaging" || name.starts_with("QuorvaneStaging_");
 }

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QString>
+#include "store/LibraryFiles.h"
 
 #include <filesystem>
 #include <string_view>
+#include <vector>
 
 namespace quorvane {
 
@@ -12,6 +13,10 @@ namespace quorvane {
 /// every other folder, also for one that took its name. Empty when the file system says nothing
 /// that lasts. Never throws.
 QString folderLibraryIdentity(const std::filesystem::path& root);
+
+/// True when at least half of the files, of which 64 are looked at, are in the folder as they were;
+/// also when there are none. Never throws.
+bool holdsFiles(const std::filesystem::path& root, const std::vector<LibraryFile>& files);
 
 /// True for the names of the folders in which the product keeps staged copies.
 bool isStagingFolderName(std::string_view name);
