@@ -96,6 +96,18 @@ SourceServices::SourceServices(CoreServices& core, const AccountIdentity& accoun
       metadata(*library, core.folders.pictures, core.logger, core.clock),
       albums(*library, core.preferences, core.logger, identity) {}
 
+void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path) {
+    switch (library.authorizationStatus()) {
+    case AuthorizationStatus::authorized:
+    case AuthorizationStatus::limited:
+        return;
+    case AuthorizationStatus::notDetermined:
+    case AuthorizationStatus::restricted:
+    case AuthorizationStatus::denied:
+        throw Error(QStringLiteral("Arşiv okunamıyor: ") + pathText(path));
+    }
+}
+
 LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at)
     : LibraryServices(core, google, core.states.open(at.identity(), google.account()),
                       std::move(at)) {}

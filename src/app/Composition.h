@@ -133,6 +133,9 @@ struct SourceServices {
     PhotoAlbumService albums;
 };
 
+/// Throws `Error` naming `path` when the library that is there may not be read.
+void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path);
+
 /// And what works on it: discovery, staging, the engine. Creates the state and the staging folders.
 struct LibraryServices : SourceServices {
     LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at);

@@ -6,6 +6,8 @@
 
 #include <cerrno>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace quorvane {
@@ -22,7 +24,24 @@ QString holderOf(const std::filesystem::path& file) {
     }
 }
 
+/// How a holder of this process names it.
+QString ownNumber() {
+    return QStringLiteral("(PID %1,").arg(::getpid());
+}
+
 } // namespace
+
+std::optional<QString> otherRun(const std::filesystem::path& file) {
+    try {
+        const FileDescriptor lock = openFile(file, O_RDONLY);
+        if (::flock(lock.get(), LOCK_SH | LOCK_NB) == 0)
+            return std::nullopt;
+    } catch (const FileError&) {
+        return std::nullopt; // nobody has run yet
+    }
+    const QString holder = holderOf(file);
+    return holder.contains(ownNumber()) ? std::nullopt : std::optional(holder);
+}
 
 RunLock::RunLock(const std::filesystem::path& file) {
     std::error_code ignored; // a missing folder shows when the file is opened
@@ -32,9 +51,8 @@ RunLock::RunLock(const std::filesystem::path& file) {
         throw RunLockHeld(QStringLiteral("Başka bir eşitleme çalışıyor: ") + holderOf(file));
     const int fd = lock_->descriptor().get();
     const QByteArray holder =
-        QStringLiteral("%1 (PID %2, başlangıç %3)\n")
-            .arg(QFileInfo(QCoreApplication::applicationFilePath()).fileName())
-            .arg(::getpid())
+        QStringLiteral("%1 %2 başlangıç %3)\n")
+            .arg(QFileInfo(QCoreApplication::applicationFilePath()).fileName(), ownNumber())
             .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
             .toUtf8();
     if (::ftruncate(fd, 0) != 0)

@@ -23,4 +23,7 @@ class RunLock {
     std::optional<FileLock> lock_;
 };
 
+/// Who else runs now: what the lock file says of them. Takes no lock that is free, makes no file.
+std::optional<QString> otherRun(const std::filesystem::path& file);
+
 } // namespace quorvane

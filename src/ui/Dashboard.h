@@ -24,6 +24,7 @@ class Dashboard final : public QObject {
     Q_PROPERTY(bool isInspectorOpen READ isInspectorOpen NOTIFY inspectorToggled)
     Q_PROPERTY(quorvane::InspectorView inspector READ inspector NOTIFY inspectorChanged)
     Q_PROPERTY(quorvane::TransferListModel* transfers READ transfers CONSTANT)
+    Q_PROPERTY(quorvane::SessionCheckModel* sessionCheck READ sessionCheck CONSTANT)
     Q_PROPERTY(quorvane::LogListModel* log READ log NOTIFY liveChanged)
     Q_PROPERTY(QVariantList sourceMenu READ sourceMenu NOTIFY menusChanged)
     Q_PROPERTY(QVariantList targetMenu READ targetMenu NOTIFY menusChanged)
@@ -50,6 +51,7 @@ class Dashboard final : public QObject {
     bool isInspectorOpen() const { return model_.isInspectorOpen(); }
     InspectorView inspector() const;
     TransferListModel* transfers() { return &transfers_; }
+    SessionCheckModel* sessionCheck() { return model_.sessionCheck(); }
     /// None while nobody looks.
     LogListModel* log() const { return isLive_ ? model_.recentLogs() : nullptr; }
 

@@ -102,9 +102,11 @@ QVariantList Dashboard::settingsMenu() const {
                   QStringLiteral("notifications"), {}, model_.areNotificationsEnabled())
          << entry(QStringLiteral("Oturum açılışında başlat"), QStringLiteral("power"),
                   QStringLiteral("startAtLogin"), {}, model_.startsAtLogin());
+    rows << special(line)
+         << entry(QStringLiteral("Oturum Denetimi…"), QStringLiteral("lock.shield.fill"),
+                  QStringLiteral("checkSession"));
     if (model_.isSignedIn())
-        rows << special(line)
-             << entry(QStringLiteral("Oturumu Kapat"), QStringLiteral("person.crop.circle.fill"),
+        rows << entry(QStringLiteral("Oturumu Kapat"), QStringLiteral("person.crop.circle.fill"),
                       QStringLiteral("signOut"));
     return rows;
 }
@@ -120,6 +122,8 @@ void Dashboard::choose(const QString& command, const QString& value) {
         {QStringLiteral("notifications"),
          [&] { model_.setNotificationsEnabled(!model_.areNotificationsEnabled()); }},
         {QStringLiteral("startAtLogin"), [&] { model_.setStartsAtLogin(!model_.startsAtLogin()); }},
+        {QStringLiteral("checkSession"), [&] { sessionCheck()->show(); }},
+        {QStringLiteral("signIn"), [&] { model_.reauthorizeGoogle(); }},
         {QStringLiteral("signOut"), [&] { model_.signOut(); }},
         {QStringLiteral("quit"), [&] { Q_EMIT quitRequested(); }},
     };

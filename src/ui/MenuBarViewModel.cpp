@@ -27,7 +27,8 @@ MenuBarViewModel::MenuBarViewModel(const Services& services,
       appTheme_(
           appThemeFrom(services.preferences.string(preferenceKeys::appTheme).value_or(QString()))),
       transfers_(services.tracker.getSnapshot()),
-      recentLogs_(earlierLog, services.logPublisher) {
+      recentLogs_(earlierLog, services.logPublisher),
+      sessionCheck_(services.checkSession, services.clock) {
     for (const Signal source :
          {&MenuBarViewModel::routeChanged, &MenuBarViewModel::googleAlbumsChanged})
         connect(this, source, this, &MenuBarViewModel::targetChanged);

@@ -9,6 +9,7 @@
 #include "ui/Desktop.h"
 #include "ui/LibrarySession.h"
 #include "ui/LogListModel.h"
+#include "ui/SessionCheckModel.h"
 #include "ui/ViewTypes.h"
 
 #include <QPointer>
@@ -108,6 +109,9 @@ class MenuBarViewModel final : public QObject {
         /// Gives a pasted callback to the sign-in that waits; false when it is not the awaited one.
         /// Blocks for moments.
         std::function<bool(const QString& url)> handOverURL = [](const QString&) { return false; };
+        SessionCheckModel::Check checkSession = [](const std::stop_token&) {
+            return std::vector<CheckedThing>();
+        };
     };
 
     MenuBarViewModel(const Services& services, const std::vector<LogEntry>& earlierLog = {});
@@ -225,6 +229,7 @@ class MenuBarViewModel final : public QObject {
     const QString& peakUploadSpeedString() const { return transfers_.peakSpeedText; }
     int latencyMs() const { return transfers_.latencyMilliseconds; }
     LogListModel* recentLogs() { return &recentLogs_; }
+    SessionCheckModel* sessionCheck() { return &sessionCheck_; }
 
   Q_SIGNALS:
     void accountChanged();
@@ -347,6 +352,7 @@ class MenuBarViewModel final : public QObject {
     bool isInspectorOpen_ = false;
     TransferSnapshot transfers_;
     LogListModel recentLogs_;
+    SessionCheckModel sessionCheck_;
 
     bool knowsGoogleAlbums_ = false; ///< of the account that is signed in
     bool isLibraryStale_ = true;     ///< its albums and total are to be counted

@@ -1,15 +1,13 @@
 #include "CliWorld.h"
 
+#include "app/Diagnosis.h"
 #include "app/RunLock.h"
-#include "app/cli/Diagnosis.h"
 
 #include <QJsonArray>
 
 namespace quorvane::test {
 
 namespace {
-
-using cli::Finding;
 
 /// A home where all is well but for the keyring, which no test has.
 struct DoctorTest : CliWorld {
@@ -109,30 +107,30 @@ TEST_F(DoctorTest, changesNothing) {
     const Outcome outcome = run({u"doctor"_s, u"--library"_s, pathText(library)});
     EXPECT_TRUE(outcome.out.contains(u"✓ Oturum: açık, Google kabul ediyor\n"))
         << outcome.out.toStdString();
-    EXPECT_TRUE(outcome.out.contains(u"✗ Anahtarlık: ")) << outcome.out.toStdString();
+    EXPECT_TRUE(outcome.out.contains(u"! Anahtarlık: ")) << outcome.out.toStdString();
     EXPECT_EQ(snapshot(), before);
 }
 
 TEST(DiagnosisTest, judgesWhatAWorldCannotBeMadeFor) {
     using State = Finding::State;
-    cli::ClientFacts client;
+    ClientFacts client;
     client.id = u"1-a.apps.googleusercontent.com"_s;
     client.isConfigured = true;
-    EXPECT_EQ(cli::clientFinding(client).state, State::fine);
+    EXPECT_EQ(clientFinding(client).state, State::fine);
     client.id = u"my@client"_s;
-    EXPECT_EQ(cli::clientFinding(client).state, State::faulty);
+    EXPECT_EQ(clientFinding(client).state, State::faulty);
     client.isConfigured = false;
-    EXPECT_TRUE(cli::clientFinding(client).advice.contains(u"GOOGLE_CLIENT_ID"));
+    EXPECT_TRUE(clientFinding(client).advice.contains(u"GOOGLE_CLIENT_ID"));
     client.redirect = u"loopback"_s;
-    EXPECT_TRUE(cli::clientKindFinding(client).advice.contains(u"GOOGLE_CLIENT_SECRET"));
+    EXPECT_TRUE(clientKindFinding(client).advice.contains(u"GOOGLE_CLIENT_SECRET"));
 
     for (const auto& [freeBytes, isFine] :
          {std::pair{2'000, false}, {2'001, true}, {0, false}, {1'000'000, true}}) {
-        const cli::StagingFacts staging{freeBytes, 10'000, 1'000};
-        EXPECT_EQ(cli::stagingFinding(staging).state == State::fine, isFine) << freeBytes;
+        const StagingFacts staging{freeBytes, 10'000, 1'000};
+        EXPECT_EQ(stagingFinding(staging).state == State::fine, isFine) << freeBytes;
     }
-    EXPECT_EQ(cli::storageFinding(u"quota"_s).state, State::faulty);
-    EXPECT_EQ(cli::keyringFinding({.hasTokens = true, .isKept = true}).state, State::fine);
+    EXPECT_EQ(storageFinding(u"quota"_s).state, State::faulty);
+    EXPECT_EQ(keyringFinding({.hasTokens = true, .isKept = true}).state, State::fine);
 }
 
 } // namespace quorvane::test

@@ -83,7 +83,8 @@ void ModelWorld::restart() {
             ++locksTaken;
             return std::make_shared<int>(locksTaken);
         },
-        "quorvane.log", [] {}, [this](const QString& url) { return handOverURL(url); }});
+        "quorvane.log", [] {}, [this](const QString& url) { return handOverURL(url); },
+        [this](const std::stop_token&) { return checkedThings; }});
 }
 
 ModelWorld::~ModelWorld() {

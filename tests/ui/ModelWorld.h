@@ -62,6 +62,7 @@ class ModelWorld {
     FakeClient client;
     ScriptedSession browser;
     std::function<bool(const QString&)> handOverURL;
+    std::vector<CheckedThing> checkedThings;
     Preferences preferences;
     GoogleEndpoints endpoints;
     WatchedHttp http;

@@ -240,6 +240,28 @@ TEST_F(WindowStoryTest, warningsAndTheQuarantine) {
     EXPECT_EQ(model->pendingCount(), 2);
 }
 
+TEST_F(WindowStoryTest, theSessionIsChecked) {
+    openSignedIn();
+    using State = CheckedThing::State;
+    checkedThings = {
+        {State::fine, u"Oturum"_s, u"açık"_s},
+        {State::unknown, u"Saat"_s, u"öğrenilemedi"_s},
+        {State::faulty, u"Arşiv: yok"_s, u"Diski bağlayın"_s, u"Seç…"_s, u"chooseLibrary"_s}};
+    choose(u"settings"_s, u"Oturum Denetimi…"_s);
+    expectShown({u"Oturum Denetimi"_s, u"açık"_s, u"Diski bağlayın"_s, u"Yeniden Denetle"_s});
+    EXPECT_TRUE(texts().filter(u" denetlendi · 1 sorun, 1 madde yolunda"_s).size() == 1);
+    const QStringList seen = texts();
+    EXPECT_LT(seen.indexOf(u"Arşiv: yok"_s), seen.indexOf(u"Oturum"_s)) << "faults come first";
+    EXPECT_EQ(focus(), u"checkAgain"_s);
+    shot(u"session-check-light"_s);
+    int asked = 0;
+    QObject::connect(&window, &MainWindowController::chooseLibraryRequested, &window,
+                     [&] { ++asked; });
+    click(u"check-chooseLibrary"_s);
+    EXPECT_EQ(asked, 1);
+    expectHidden({u"Yeniden Denetle"_s});
+}
+
 TEST_F(WindowStoryTest, theAlbumLimit) {
     world.addPictures(30);
     world.google.addAlbum(u"Aile Arşivi"_s, 19'980);

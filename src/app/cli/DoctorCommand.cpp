@@ -1,173 +1,78 @@
-#include "app/cli/Diagnosis.h"
+#include "app/SessionCheck.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
-#include "google/GoogleFaults.h"
-#include "google/OAuthMessages.h"
 
-#include <QJsonDocument>
+#include <QJsonArray>
 
-#include <fcntl.h>
-#include <sys/file.h>
+using namespace Qt::StringLiterals;
 
 namespace quorvane::cli {
 
 namespace {
 
-constexpr std::int64_t largestLockFile = 4096;
-
-ClientFacts clientFacts(const GoogleServices& google) {
-    return {.id = google.config.googleClientID(),
-            .isConfigured = google.config.isClientConfigured(),
-            .isLocalService = isLoopbackHost(google.endpoints.token.host()),
-            .hasSecret = google.config.googleClientSecret().has_value(),
-            .redirect = google.config.redirect()};
-}
-
-/// Notes the difference of the clocks in passing.
-HttpResponse ask(GoogleServices& google, const HttpRequest& request, GoogleFacts& facts,
-                 const std::stop_token& stop) {
-    HttpResponse response = google.http.send(request, stop);
-    if (response.date)
-        facts.clockAhead = std::chrono::duration_cast<std::chrono::seconds>(
-            std::chrono::system_clock::now() - *response.date);
-    return response;
-}
-
-/// A token for the listing. The session's own stays as it is: what is refreshed here is not kept.
-QString refresh(GoogleServices& google, const QString& refreshToken, GoogleFacts& facts,
-                const std::stop_token& stop) {
-    oauth::FormFields fields = {{"client_id", google.config.googleClientID()},
-                                {"grant_type", QStringLiteral("refresh_token")},
-                                {"refresh_token", refreshToken}};
-    if (const auto secret = google.config.googleClientSecret())
-        fields.emplace_back("client_secret", *secret);
-    HttpRequest request;
-    request.method = "POST";
-    request.url = google.endpoints.token;
-    request.headers = {{"Content-Type", "application/x-www-form-urlencoded"}};
-    request.body = oauth::formBody(fields);
-    const HttpResponse response = ask(google, request, facts, stop);
-    facts.tokenStatus = response.status;
-    const QJsonObject answer = QJsonDocument::fromJson(response.body).object();
-    facts.tokenError = answer.value(u"error").toString();
-    const oauth::Grant grant = oauth::grantIn(response.body);
-    facts.maySend = grant.uploading;
-    facts.mayList = grant.reading;
-    if (const QJsonValue left = answer.value(u"refresh_token_expires_in"); left.isDouble())
-        facts.sessionLeft = std::chrono::seconds(left.toInteger());
-    return answer.value(u"access_token").toString();
-}
-
-void list(GoogleServices& google, const QString& accessToken, GoogleFacts& facts,
-          const std::stop_token& stop) {
-    HttpRequest request;
-    request.url = google.endpoints.library(QStringLiteral("/v1/albums"));
-    request.url.setQuery(QStringLiteral("pageSize=1&excludeNonAppCreatedData=true"));
-    request.headers = {bearerHeader(accessToken)};
-    const HttpResponse response = ask(google, request, facts, stop);
-    facts.listStatus = response.status;
-    facts.isApiDisabled = faultIn(response).code == FaultCode::serviceDisabled;
-}
-
-GoogleFacts googleFacts(GoogleServices& google, const std::stop_token& stop) {
-    GoogleFacts facts;
-    const auto refreshToken = google.tokens.readToken(tokenKeys::refreshToken);
-    facts.hasSession = refreshToken.has_value();
-    try {
-        if (!refreshToken) {
-            HttpRequest forTheClock;
-            forTheClock.url = google.endpoints.userInfo;
-            ask(google, forTheClock, facts, stop);
-            return facts;
-        }
-        const QString accessToken = refresh(google, *refreshToken, facts, stop);
-        if (facts.tokenStatus == 200)
-            list(google, accessToken, facts, stop);
-    } catch (const TransportError& error) {
-        facts.unreachable = error.localizedDescription();
+QString markOf(Finding::State state) {
+    switch (state) {
+    case Finding::State::fine:
+        return u"✓"_s;
+    case Finding::State::warning:
+        return u"!"_s;
+    case Finding::State::faulty:
+        return u"✗"_s;
+    case Finding::State::unknown:
+        break;
     }
-    return facts;
+    return u"?"_s;
 }
 
-KeyringFacts keyringFacts(GoogleServices& google) {
-    return {.hasTokens = google.oauth.isSignedIn(),
-            .isKept = google.keychain.read(tokenKeys::refreshToken).has_value()};
-}
-
-/// Takes no lock that is free, and makes no file.
-std::optional<QString> lockHolder(const std::filesystem::path& file) {
-    try {
-        const FileDescriptor lock = openFile(file, O_RDONLY);
-        if (::flock(lock.get(), LOCK_SH | LOCK_NB) == 0)
-            return std::nullopt;
-        return QString::fromUtf8(readWholeFile(file, largestLockFile)).trimmed();
-    } catch (const FileError&) {
-        return std::nullopt; // nobody has run yet
+QString commandFor(Finding::Remedy remedy) {
+    switch (remedy) {
+    case Finding::Remedy::signIn:
+        return u": quorvane-cli login"_s;
+    case Finding::Remedy::chooseLibrary:
+        return u": quorvane-cli sync --library YOL"_s;
+    case Finding::Remedy::none:
+        break;
     }
+    return {};
 }
 
-StagingFacts stagingFacts(CoreServices& core, SourceServices& source, const std::stop_token& stop) {
-    StagingFacts facts;
-    std::error_code unreachable;
-    facts.freeBytes =
-        static_cast<std::int64_t>(std::filesystem::space(core.folders.home, unreachable).available);
-    std::map<QString, SyncStatus> known;
-    for (const auto& [identifier, status] : source.state.db.fetchStatuses())
-        known.insert_or_assign(identifier, status);
-    const AssetFetchResult assets = source.library->fetchAssets(stop);
-    for (const PhotoAsset& asset : *assets) {
-        if (stop.stop_requested())
-            throw Cancelled();
-        const auto status = known.find(asset.localIdentifier);
-        if (status != known.end() && status->second != SyncStatus::discovered)
-            continue;
-        const auto resource = resourceToStage(source.library->assetResources(asset));
-        if (!resource || !resource->fileSize)
-            continue;
-        facts.pendingBytes += *resource->fileSize;
-        facts.largestBytes = std::max(facts.largestBytes, *resource->fileSize);
+/// "✓ Title: what", and what to do on a line below.
+QString textOf(const std::vector<Finding>& findings) {
+    QStringList lines;
+    for (const Finding& finding : findings) {
+        lines += markOf(finding.state) + u' ' + finding.title + u": "_s + finding.what;
+        if (!finding.advice.isEmpty())
+            lines += u"    → "_s + finding.advice + commandFor(finding.remedy);
     }
-    return facts;
+    return lines.join(u'\n');
 }
 
-std::vector<Finding> libraryFindings(Invocation& invocation, Program& program) {
-    CoreServices& core = program.core;
-    try {
-        const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
-                                        core.preferences, core.folders);
-        const AccountIdentity account = program.google.account();
-        LibraryAt at(core, path);
-        const auto place = core.states.find(at.identity(), account);
-        SourceServices source(core, account, std::move(at), place, SourceServices::Use::look);
-        requireReadable(*source.library, path);
-        const StagingFacts staging = stagingFacts(core, source, invocation.stop);
-        return {libraryFinding(pathText(path), {}), stagingFinding(staging)};
-    } catch (const Error& error) {
-        return {libraryFinding({}, error.localizedDescription()), stagingFinding({})};
-    }
+/// {"fine", "checks": [{"id", "title", "fine" (null: unknown), "what", "advice"}]}
+QJsonObject jsonOf(const std::vector<Finding>& findings) {
+    QJsonArray checks;
+    for (const Finding& finding : findings)
+        checks.append(
+            QJsonObject{{u"id"_s, finding.id},
+                        {u"title"_s, finding.title},
+                        {u"fine"_s, finding.state == Finding::State::unknown
+                                        ? QJsonValue()
+                                        : QJsonValue(finding.state == Finding::State::fine)},
+                        {u"what"_s, finding.what},
+                        {u"advice"_s, finding.advice + commandFor(finding.remedy)}});
+    return {{u"fine"_s, areFine(findings)}, {u"checks"_s, checks}};
 }
 
 int doctor(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
     Program program(invocation);
     CoreServices& core = program.core;
-    GoogleServices& services = program.google;
-    const ClientFacts client = clientFacts(services);
-    const GoogleFacts google = googleFacts(services, invocation.stop);
-    std::vector<Finding> findings{clientFinding(client),
-                                  clientKindFinding(client),
-                                  sessionFinding(google),
-                                  sessionEndFinding(google),
-                                  permissionsFinding(google),
-                                  apiFinding(google),
-                                  quotaFinding(google),
-                                  storageFinding({}),
-                                  keyringFinding(keyringFacts(services)),
-                                  clockFinding(google)};
-    for (const Finding& finding : libraryFindings(invocation, program))
-        findings.push_back(finding);
-    findings.push_back(lockFinding(lockHolder(core.folders.runLock())));
-    if (invocation.arguments.has(QStringLiteral("json")))
+    const auto library = [&] {
+        return chooseLibrary(invocation.arguments.value(u"library"_s), core.preferences,
+                             core.folders);
+    };
+    const std::vector<Finding> findings =
+        checkSession(core, program.google, library, invocation.stop);
+    if (invocation.arguments.has(u"json"_s))
         printJson(core.console, jsonOf(findings));
     else
         core.console.result(textOf(findings));

@@ -114,18 +114,6 @@ std::optional<StatePlace> rememberedState(const CoreServices& core,
     return isThere ? std::optional(first) : std::nullopt;
 }
 
-void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path) {
-    switch (library.authorizationStatus()) {
-    case AuthorizationStatus::authorized:
-    case AuthorizationStatus::limited:
-        return;
-    case AuthorizationStatus::notDetermined:
-    case AuthorizationStatus::restricted:
-    case AuthorizationStatus::denied:
-        throw Error(QStringLiteral("Arşiv okunamıyor: ") + pathText(path));
-    }
-}
-
 void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums) {
     const std::vector<LocalAlbumItem> all = albums.performFetchLocalAlbums();
     albums.selectForThisRun(

@@ -28,9 +28,6 @@ void rememberLibrary(const SourceServices& library, Preferences& preferences);
 /// chosen that of the first one. None when there is none yet.
 std::optional<StatePlace> rememberedState(const CoreServices& core, const AccountIdentity& account);
 
-/// Throws `Error` with the reason when the library cannot be read.
-void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path);
-
 /// Makes the album named by identifier or title the source of this run. Throws `Error` when there
 /// is none, or several of that title.
 void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums);

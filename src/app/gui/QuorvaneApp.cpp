@@ -1,10 +1,46 @@
 #include "app/gui/QuorvaneApp.h"
 
 #include "app/RunLock.h"
+#include "app/SessionCheck.h"
 
 #include <QApplication>
 
 namespace quorvane {
+
+namespace {
+
+CheckedThing::State stateOf(const Finding& finding) {
+    switch (finding.state) {
+    case Finding::State::fine:
+        return CheckedThing::State::fine;
+    case Finding::State::warning:
+        return CheckedThing::State::warning;
+    case Finding::State::faulty:
+        return CheckedThing::State::faulty;
+    case Finding::State::unknown:
+        break;
+    }
+    return CheckedThing::State::unknown;
+}
+
+/// Where something is to be done, that is the text, and what was found goes into the title.
+CheckedThing shown(const Finding& finding) {
+    CheckedThing thing{stateOf(finding), finding.title, finding.what};
+    if (!finding.advice.isEmpty()) {
+        thing.title += QStringLiteral(": ") + finding.what;
+        thing.text = finding.advice;
+    }
+    if (finding.remedy == Finding::Remedy::signIn) {
+        thing.action = QStringLiteral("Giriş Yap");
+        thing.command = QStringLiteral("signIn");
+    } else if (finding.remedy == Finding::Remedy::chooseLibrary) {
+        thing.action = QStringLiteral("Seç…");
+        thing.command = QStringLiteral("chooseLibrary");
+    }
+    return thing;
+}
+
+} // namespace
 
 QuorvaneApp::QuorvaneApp(const DesktopEnvironment& environment) : environment_(environment) {
     library_.onOpened = [this](std::shared_ptr<const LibrarySession> session) {
@@ -40,7 +76,24 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             [file = core_.folders.runLock()] { return std::make_shared<RunLock>(file); },
             core_.logger.logFile(),
             [this] { library_.accountDidChange(); },
-            [this](const QString& url) { return handOverURL(environment_, url); }};
+            [this](const QString& url) { return handOverURL(environment_, url); },
+            [this](const std::stop_token& stop) { return checkedThings(stop); }};
+}
+
+std::vector<CheckedThing> QuorvaneApp::checkedThings(const std::stop_token& stop) {
+    const auto library = [this] {
+        const auto path = core_.preferences.string(preferenceKeys::libraryPath);
+        if (!path)
+            throw Error(QStringLiteral("Arşiv seçilmedi"));
+        std::error_code unreachable;
+        if (!std::filesystem::is_directory(pathFrom(*path), unreachable))
+            throw Error(QStringLiteral("Arşiv yerinde değil: ") + *path);
+        return pathFrom(*path);
+    };
+    std::vector<CheckedThing> things;
+    for (const Finding& finding : checkSession(core_, google_, library, stop))
+        things.push_back(shown(finding));
+    return things;
 }
 
 AppDelegate::Platform QuorvaneApp::launchPlatform() {

@@ -23,6 +23,7 @@ class QuorvaneApp {
 
   private:
     MenuBarViewModel::Services modelServices();
+    std::vector<CheckedThing> checkedThings(const std::stop_token& stop);
     AppDelegate::Platform launchPlatform();
     void chooseLibrary(const LibraryHost::Answer& answer);
 

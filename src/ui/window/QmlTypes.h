@@ -28,6 +28,13 @@ struct TransferListModelForQml {
     QML_UNCREATABLE("made by the program")
 };
 
+struct SessionCheckModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::SessionCheckModel)
+    QML_NAMED_ELEMENT(SessionCheckModel)
+    QML_UNCREATABLE("made by the program")
+};
+
 struct LogListModelForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::LogListModel)

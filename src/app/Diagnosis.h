@@ -2,7 +2,6 @@
 
 #include "foundation/Date.h"
 
-#include <QJsonObject>
 #include <QString>
 
 #include <chrono>
@@ -11,16 +10,24 @@
 #include <vector>
 
 /// What can stand between a person and their backup, judged from what was found. Pure functions.
-namespace quorvane::cli {
+namespace quorvane {
 
 struct Finding {
-    enum class State { fine, faulty, unknown };
+    enum class State {
+        fine,
+        warning, ///< backing up works, something else does not or soon will not
+        faulty,  ///< backing up does not work
+        unknown, ///< could not be looked at
+    };
+    /// What the program itself can do about it when asked.
+    enum class Remedy { none, signIn, chooseLibrary };
 
     QString id; ///< in the JSON
     QString title;
     State state = State::fine;
     QString what;
     QString advice; ///< what to do; empty when there is nothing
+    Remedy remedy = Remedy::none;
 };
 
 /// The configuration of the Google client.
@@ -75,10 +82,7 @@ Finding stagingFinding(const std::optional<StagingFacts>& staging);
 /// `holder` is who holds the run lock.
 Finding lockFinding(const std::optional<QString>& holder);
 
-/// "✓ Title: what", and what to do on a line below.
-QString textOf(const std::vector<Finding>& findings);
-/// {"fine", "checks": [{"id", "title", "fine" (null: unknown), "what", "advice"}]}
-QJsonObject jsonOf(const std::vector<Finding>& findings);
+/// None is a warning or a fault.
 bool areFine(const std::vector<Finding>& findings);
 
-} // namespace quorvane::cli
+} // namespace quorvane

@@ -1,6 +1,5 @@
-#include "app/cli/Diagnosis.h"
+#include "app/Diagnosis.h"
 
-#include <QJsonArray>
 #include <QLocale>
 #include <QRegularExpression>
 
@@ -8,7 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace quorvane::cli {
+namespace quorvane {
 
 namespace {
 
@@ -19,14 +18,18 @@ constexpr std::chrono::hours soon{24};
 /// Files are staged one after the other; two are under way at a time.
 constexpr std::int64_t stagedAtATime = 2;
 
-const QString signInAgain = u"Yeniden giriş yapın: quorvane-cli login"_s;
+const QString signInAgain = u"Yeniden giriş yapın"_s;
 
 Finding fine(const QString& id, const QString& title, const QString& what) {
     return {id, title, State::fine, what, {}};
 }
-Finding faulty(const QString& id, const QString& title, const QString& what,
-               const QString& advice) {
-    return {id, title, State::faulty, what, advice};
+Finding faulty(const QString& id, const QString& title, const QString& what, const QString& advice,
+               Finding::Remedy remedy = Finding::Remedy::none) {
+    return {id, title, State::faulty, what, advice, remedy};
+}
+Finding warning(const QString& id, const QString& title, const QString& what, const QString& advice,
+                Finding::Remedy remedy = Finding::Remedy::none) {
+    return {id, title, State::warning, what, advice, remedy};
 }
 Finding unknown(const QString& id, const QString& title, const QString& what,
                 const QString& advice = {}) {
@@ -86,7 +89,7 @@ Finding clientKindFinding(const ClientFacts& client) {
 Finding sessionFinding(const GoogleFacts& google) {
     const QString id = u"session"_s, title = u"Oturum"_s;
     if (!google.hasSession)
-        return faulty(id, title, u"açılmamış"_s, u"Giriş yapın: quorvane-cli login"_s);
+        return faulty(id, title, u"açılmamış"_s, u"Giriş yapın"_s, Finding::Remedy::signIn);
     if (!google.unreachable.isEmpty())
         return faulty(id, title, u"Google'a ulaşılamadı: "_s + google.unreachable,
                       u"İnternet bağlantısını denetleyin"_s);
@@ -94,15 +97,18 @@ Finding sessionFinding(const GoogleFacts& google) {
         return fine(id, title, u"açık, Google kabul ediyor"_s);
     if (google.tokenError == u"invalid_grant")
         return faulty(id, title, u"Google tarafından sonlandırılmış"_s,
-                      signInAgain + u" (istemci yayımlanmamışsa oturum her yedi günde biter)"_s);
+                      signInAgain + u" (istemci yayımlanmamışsa oturum her yedi günde biter)"_s,
+                      Finding::Remedy::signIn);
     if (google.tokenError == u"invalid_client" || google.tokenError == u"unauthorized_client")
         return faulty(id, title, u"Google istemciyi tanımadı ("_s + google.tokenError + u')',
                       u"GOOGLE_CLIENT_ID ile GOOGLE_CLIENT_SECRET'ı denetleyin, sonra yeniden "
-                      "giriş yapın: quorvane-cli login"_s);
+                      "giriş yapın"_s,
+                      Finding::Remedy::signIn);
     return faulty(
         id, title,
         u"Google yenilemedi: HTTP %1 %2"_s.arg(google.tokenStatus).arg(google.tokenError).trimmed(),
-        google.tokenStatus >= 500 ? u"Biraz sonra yeniden deneyin"_s : signInAgain);
+        google.tokenStatus >= 500 ? u"Biraz sonra yeniden deneyin"_s : signInAgain,
+        google.tokenStatus >= 500 ? Finding::Remedy::none : Finding::Remedy::signIn);
 }
 
 Finding sessionEndFinding(const GoogleFacts& google) {
@@ -115,9 +121,10 @@ Finding sessionEndFinding(const GoogleFacts& google) {
         durationText(*google.sessionLeft));
     if (*google.sessionLeft > soon)
         return fine(id, title, left);
-    return faulty(id, title, left,
-                  u"Google Auth Platform → Audience'ta \"Publish app\" ile yayımlayın, sonra "
-                  "yeniden giriş yapın: quorvane-cli login"_s);
+    return warning(id, title, left,
+                   u"Google Auth Platform → Audience'ta \"Publish app\" ile yayımlayın, sonra "
+                   "yeniden giriş yapın"_s,
+                   Finding::Remedy::signIn);
 }
 
 Finding permissionsFinding(const GoogleFacts& google) {
@@ -126,13 +133,15 @@ Finding permissionsFinding(const GoogleFacts& google) {
         return unknown(id, title, u"açık bir oturum gerekir"_s);
     if (!google.maySend)
         return faulty(id, title, u"yükleme izni (photoslibrary.appendonly) yok"_s,
-                      signInAgain + u" ve izin sayfasında kutusunu işaretleyin"_s);
+                      signInAgain + u" ve izin sayfasında kutusunu işaretleyin"_s,
+                      Finding::Remedy::signIn);
     if (!google.mayList)
-        return faulty(id, title,
-                      u"yükleme var, albümleri görme izni "
-                      "(photoslibrary.readonly.appcreateddata) yok"_s,
-                      signInAgain + u" ve izin sayfasında kutusunu işaretleyin; yükleme onsuz da "
-                                    "çalışır"_s);
+        return warning(id, title,
+                       u"yükleme var, albümleri görme izni "
+                       "(photoslibrary.readonly.appcreateddata) yok"_s,
+                       signInAgain + u" ve izin sayfasında kutusunu işaretleyin; yükleme onsuz da "
+                                     "çalışır"_s,
+                       Finding::Remedy::signIn);
     return fine(id, title, u"yükleme ve albümleri görme"_s);
 }
 
@@ -179,9 +188,9 @@ Finding keyringFinding(const KeyringFacts& keyring) {
         return unknown(id, title, u"saklanan bir oturum yok"_s);
     if (keyring.isKept)
         return fine(id, title, u"oturum anahtarlıkta"_s);
-    return faulty(id, title, u"yok ya da kilitli: oturum yalnızca ayar dosyasında (0600)"_s,
-                  u"Bir anahtarlık hizmeti (gnome-keyring, KWallet) kurup açın, sonra yeniden "
-                  "giriş yapın; dosya da iş görür"_s);
+    return warning(id, title, u"yok ya da kilitli: oturum yalnızca ayar dosyasında (0600)"_s,
+                   u"Bir anahtarlık hizmeti (gnome-keyring, KWallet) kurup açın, sonra yeniden "
+                   "giriş yapın; dosya da iş görür"_s);
 }
 
 Finding clockFinding(const GoogleFacts& google) {
@@ -191,10 +200,10 @@ Finding clockFinding(const GoogleFacts& google) {
     const auto off = std::chrono::abs(*google.clockAhead);
     if (off <= largestClockError)
         return fine(id, title, u"Google'ınkiyle aynı"_s);
-    return faulty(id, title,
-                  u"Google'ınkinden %1 %2"_s.arg(
-                      durationText(off), google.clockAhead->count() > 0 ? u"ileri"_s : u"geri"_s),
-                  u"Bilgisayarın saatini ağdan ayarlayın (timedatectl set-ntp true)"_s);
+    return warning(id, title,
+                   u"Google'ınkinden %1 %2"_s.arg(
+                       durationText(off), google.clockAhead->count() > 0 ? u"ileri"_s : u"geri"_s),
+                   u"Bilgisayarın saatini ağdan ayarlayın (timedatectl set-ntp true)"_s);
 }
 
 Finding libraryFinding(const QString& path, const std::optional<QString>& failure) {
@@ -202,8 +211,8 @@ Finding libraryFinding(const QString& path, const std::optional<QString>& failur
     if (!failure)
         return fine(id, title, path);
     return faulty(id, title, *failure,
-                  u"Arşivin diskini bağlayın, okuma iznini verin ya da başka bir arşiv seçin: "
-                  "quorvane-cli sync --library YOL"_s);
+                  u"Arşivin diskini bağlayın, okuma iznini verin ya da başka bir arşiv seçin"_s,
+                  Finding::Remedy::chooseLibrary);
 }
 
 Finding stagingFinding(const std::optional<StagingFacts>& staging) {
@@ -225,39 +234,14 @@ Finding lockFinding(const std::optional<QString>& holder) {
     const QString id = u"runLock"_s, title = u"Çalışma kilidi"_s;
     if (!holder)
         return fine(id, title, u"serbest"_s);
-    return faulty(id, title, u"başka bir eşitleme çalışıyor: "_s + *holder,
-                  u"Bitmesini bekleyin ya da o programı kapatın"_s);
-}
-
-QString textOf(const std::vector<Finding>& findings) {
-    QStringList lines;
-    for (const Finding& finding : findings) {
-        const QString mark = finding.state == State::fine     ? u"✓"_s
-                             : finding.state == State::faulty ? u"✗"_s
-                                                              : u"?"_s;
-        lines += mark + u' ' + finding.title + u": "_s + finding.what;
-        if (!finding.advice.isEmpty())
-            lines += u"    → "_s + finding.advice;
-    }
-    return lines.join(u'\n');
-}
-
-QJsonObject jsonOf(const std::vector<Finding>& findings) {
-    QJsonArray checks;
-    for (const Finding& finding : findings)
-        checks.append(QJsonObject{{u"id"_s, finding.id},
-                                  {u"title"_s, finding.title},
-                                  {u"fine"_s, finding.state == State::unknown
-                                                  ? QJsonValue()
-                                                  : QJsonValue(finding.state == State::fine)},
-                                  {u"what"_s, finding.what},
-                                  {u"advice"_s, finding.advice}});
-    return {{u"fine"_s, areFine(findings)}, {u"checks"_s, checks}};
+    return warning(id, title, u"başka bir eşitleme çalışıyor: "_s + *holder,
+                   u"Bitmesini bekleyin ya da o programı kapatın"_s);
 }
 
 bool areFine(const std::vector<Finding>& findings) {
-    return std::ranges::none_of(
-        findings, [](const Finding& finding) { return finding.state == State::faulty; });
+    return std::ranges::none_of(findings, [](const Finding& finding) {
+        return finding.state == State::faulty || finding.state == State::warning;
+    });
 }
 
-} // namespace quorvane::cli
+} // namespace quorvane
