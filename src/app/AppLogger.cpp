@@ -31,7 +31,7 @@ AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Cloc
         console_.print(QStringLiteral("[AppLogger] ❌ Dizin oluşturulamadı: ") +
                        QString::fromStdString(failure.message()));
     try {
-        file_ = openFile(logFile_, O_WRONLY | O_CREAT | O_APPEND);
+        file_ = openFile(logFile_, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK);
     } catch (const FileError&) { // NOLINT(bugprone-empty-catch)
         // File output stays off for the rest of the run.
     }

@@ -1,5 +1,5 @@
 #include "app/cli/Command.h"
-#include "foundation/Memory.h"
+#include "foundation/Process.h"
 
 #include <QCoreApplication>
 
@@ -16,7 +16,6 @@ class StopSignals {
         for (const int signal : {SIGINT, SIGTERM, wakeUp})
             sigaddset(&signals_, signal);
         pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
-        std::signal(SIGPIPE, SIG_IGN);
         waiter_ = std::thread([this] {
             int signal = 0;
             while (sigwait(&signals_, &signal) == 0 && signal != wakeUp)
@@ -42,7 +41,7 @@ class StopSignals {
 } // namespace
 
 int main(int argc, char** argv) {
-    quorvane::shareOneArena();
+    quorvane::prepareProcess();
     const QCoreApplication application(argc, argv);
     const StopSignals signals;
     quorvane::Console console;

@@ -32,6 +32,8 @@ QString errorNumberText(int errorNumber) {
         return QStringLiteral("klasör değil");
     case EISDIR:
         return QStringLiteral("bir klasör");
+    case EINVAL:
+        return QStringLiteral("sıradan bir dosya değil");
     case EEXIST:
         return QStringLiteral("zaten var");
     case EMFILE:
@@ -95,12 +97,13 @@ void flushFile(int fd, const std::filesystem::path& path) {
 }
 
 QByteArray readWholeFile(const std::filesystem::path& path, std::int64_t limit) {
-    const FileDescriptor file = openFile(path, O_RDONLY);
+    const FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK); // a pipe would wait
     struct stat info {};
     if (::fstat(file.get(), &info) != 0)
         throw FileError(QStringLiteral("Dosya okunamadı"), path, errno);
-    if (S_ISDIR(info.st_mode))
-        throw FileError(QStringLiteral("Dosya okunamadı"), path, EISDIR);
+    if (!S_ISREG(info.st_mode))
+        throw FileError(QStringLiteral("Dosya okunamadı"), path,
+                        S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
     QByteArray bytes;
     QByteArray chunk(1 << 16, Qt::Uninitialized);
     while (true) {

@@ -59,7 +59,7 @@ void writeAll(int fd, ByteView bytes, const std::filesystem::path& path);
 /// Flushes the file's data to the disk. Throws `FileError` naming `path`.
 void flushFile(int fd, const std::filesystem::path& path);
 
-/// The whole file, refused when longer than `limit` bytes. Throws `FileError`.
+/// The whole regular file, refused when longer than `limit` bytes. Throws `FileError`.
 QByteArray readWholeFile(const std::filesystem::path& path, std::int64_t limit);
 
 /// Replaces `path` by `bytes`: hidden temporary sibling, flush, rename, folder flush. A reader sees

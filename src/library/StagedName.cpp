@@ -10,8 +10,19 @@ namespace {
 constexpr qsizetype longestName = 255 - 6;
 constexpr qsizetype longestExtension = 16;
 
-qsizetype bytesOf(const QString& text) {
-    return text.toUtf8().size();
+bool isInsideCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; // RFC 3629, section 3
+}
+
+/// The longest beginning of the UTF-8 text that has at most so many bytes and no part of a
+/// character.
+QByteArray shortened(QByteArray text, qsizetype most) {
+    if (text.size() <= most)
+        return text;
+    while (most > 0 && isInsideCharacter(text[most]))
+        --most;
+    text.truncate(most);
+    return text;
 }
 
 } // namespace
@@ -25,13 +36,13 @@ std::filesystem::path stagedFileName(const QString& localIdentifier,
     QString name = safeId(localIdentifier) + u'_' + resourceFilename;
     name.replace(u'/', u'_').replace(QChar::Null, u'_');
     const qsizetype dot = name.lastIndexOf(u'.');
-    QString extension = dot < 0 ? QString() : name.mid(dot);
-    if (bytesOf(extension) > longestExtension)
+    QByteArray extension = dot < 0 ? QByteArray() : name.mid(dot).toUtf8();
+    if (extension.size() > longestExtension)
         extension.clear();
-    name.chop(extension.size());
-    while (!name.isEmpty() && bytesOf(name) + bytesOf(extension) > longestName)
-        name.chop(name.back().isLowSurrogate() ? 2 : 1);
-    return pathFrom(name + extension);
+    else if (dot >= 0)
+        name.truncate(dot);
+    const QByteArray stem = shortened(name.toUtf8(), longestName - extension.size());
+    return (stem + extension).toStdString();
 }
 
 } // namespace quorvane

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -12,17 +13,24 @@ namespace quorvane {
 
 namespace {
 
+constexpr std::time_t secondsOfAnHour = 3600;
 constexpr std::string_view prefix = "quorvane-photos-";
 
-/// An empty folder is left alone: its owner may be about to lock it. So is another user's.
+/// An empty folder of this hour is left alone: its owner may be about to lock it.
+bool isBeingMade(const std::filesystem::path& folder, const struct stat& status) {
+    std::error_code error;
+    return std::filesystem::is_empty(folder, error) &&
+           ::time(nullptr) - status.st_mtim.tv_sec < secondsOfAnHour;
+}
+
+/// Another user's is left alone.
 void removeIfLeftOver(const std::filesystem::path& folder) {
     const FileDescriptor lock(
         ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     std::error_code error;
     if (lock.isOpen() && ::fstat(lock.get(), &status) == 0 && status.st_uid == ::geteuid() &&
-        ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 && !std::filesystem::is_empty(folder, error) &&
-        !error)
+        ::flock(lock.get(), LOCK_EX | LOCK_NB) == 0 && !isBeingMade(folder, status))
         std::filesystem::remove_all(folder, error);
 }
 

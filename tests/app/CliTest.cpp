@@ -4,6 +4,9 @@
 
 #include <QJsonArray>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace quorvane::test {
 
 namespace {
@@ -106,6 +109,27 @@ TEST_F(CliTest, aLibraryIsBackedUpAndWhatIsHeldBackIsNamed) {
     left.sort();
     EXPECT_EQ(left, (QStringList{u"bozuk.jpg"_s, u"hareketli.gif"_s})) << "no place for a date";
     EXPECT_TRUE(second.err.contains(u"[Sync]")) << "the log goes to standard error";
+}
+
+TEST_F(CliTest, anOddSurroundingDoesNoHarm) {
+    sample::writeSampleLibrary(library);
+    ASSERT_EQ(signIn().code, 0);
+    ASSERT_EQ(::mkfifo((folder / ".env").c_str(), 0600), 0) << "nobody will ever write into it";
+    inChild = [] {
+        ::umask(0);
+        ::close(STDIN_FILENO);
+        ::close(STDERR_FILENO);
+    };
+    EXPECT_EQ(run({u"sync"_s, u"--library"_s, pathText(library), u"--quiet"_s}).code, 4);
+    using std::filesystem::perms;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folders.home)) {
+        if (entry.is_regular_file() && !entry.path().native().starts_with(library.native()) &&
+            entry.path().filename() != "user-dirs.dirs") {
+            EXPECT_EQ(entry.status().permissions() & (perms::group_all | perms::others_all),
+                      perms::none)
+                << entry.path();
+        }
+    }
 }
 
 TEST_F(CliTest, stagedCopiesAreShownAndOnlySafeOnesRemoved) {

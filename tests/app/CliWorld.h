@@ -50,8 +50,11 @@ struct CliWorld : testing::Test {
         folder.write("home/.config/user-dirs.dirs", "XDG_PICTURES_DIR=\"$HOME/Resimlerim\"\n");
     }
 
+    std::function<void()> inChild = [] {}; ///< called in the program's process before it begins
+
     std::unique_ptr<QProcess> start(const QStringList& words) const {
         auto process = std::make_unique<QProcess>();
+        process->setChildProcessModifier(inChild);
         process->setProcessEnvironment(environment);
         process->setWorkingDirectory(pathText(folder.path()));
         process->start(pathText(programFolder() / "quorvane-cli"), words);

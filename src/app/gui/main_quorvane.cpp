@@ -1,6 +1,6 @@
 #include "app/gui/QuorvaneApp.h"
 #include "app/gui/SingleInstance.h"
-#include "foundation/Memory.h"
+#include "foundation/Process.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -58,8 +58,7 @@ bool hasDisplay() {
 
 int main(int argc, char** argv) {
     using namespace quorvane;
-    shareOneArena();
-    std::signal(SIGPIPE, SIG_IGN);
+    prepareProcess();
     const FileDescriptor quitting = quitSignals();
     QStringList words;
     for (int i = 1; i < argc; ++i)
