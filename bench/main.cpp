@@ -50,7 +50,9 @@ int send(const QString& baseURL, const QString& file) {
     CurlHttpClient http;
     AnyToken tokens;
     GoogleLibraryApi api(http, tokens, GoogleEndpoints::resolve(baseURL));
-    GoogleUploadTask(api).upload(pathFrom(file), file, {}, {});
+    UploadMemory none;
+    GoogleUploadTask(api).upload({.file = pathFrom(file), .fileName = file, .isMovie = true}, none,
+                                 {}, {});
     return 0;
 }
 

@@ -73,7 +73,7 @@ class GoogleEmulator {
     void deleteMediaItem(const QString& id);
     void deleteAlbum(const QString& id);
 
-    /// {"requests": {kind: count}, "mediaItems": [...], "albums": [...]}
+    /// {"requests": {kind: count}, "uploadedBytes", "mediaItems": [...], "albums": [...]}
     QJsonObject report() const;
 
   private:

@@ -37,6 +37,7 @@ QJsonObject reportOf(const RequestLog& log, const Account& account) {
     for (const RequestKind kind : allRequestKinds)
         requests.insert(nameOf(kind), log.countOf(kind));
     return {{u"requests"_s, requests},
+            {u"uploadedBytes"_s, static_cast<qint64>(log.uploadedBytes())},
             {u"mediaItems"_s, describeAll(account.mediaItems().all())},
             {u"albums"_s, describeAll(account.albums().all())}};
 }

@@ -20,6 +20,8 @@ int RequestLog::countOf(RequestKind kind) const {
 }
 
 void RequestLog::add(const RecordedRequest& request) {
+    if (request.kind == RequestKind::upload)
+        uploadedBytes_ += request.bodySize;
     requests_.push_back(request);
     bytes_ += bytesOf(request);
     while (bytes_ > byteLimit_) {

@@ -16,6 +16,8 @@ class RequestLog {
     /// Counts a request at its arrival, before its body.
     void count(RequestKind kind) { ++counts_[kind]; }
     int countOf(RequestKind kind) const;
+    /// Of all uploads so far, whole or broken off.
+    std::int64_t uploadedBytes() const { return uploadedBytes_; }
 
     void add(const RecordedRequest& request);
     std::vector<RecordedRequest> all() const { return {requests_.begin(), requests_.end()}; }
@@ -24,6 +26,7 @@ class RequestLog {
   private:
     std::int64_t byteLimit_;
     std::int64_t bytes_ = 0;
+    std::int64_t uploadedBytes_ = 0;
     std::deque<RecordedRequest> requests_;
     std::map<RequestKind, int> counts_;
 };

@@ -53,6 +53,7 @@ StateServices::StateServices(CoreServices& core, const std::optional<StatePlace>
     : place(statePlace),
       db(place ? place->database : std::filesystem::path(":memory:"), core.console),
       life(db, account),
+      sessions(db, core.clock, account.userID),
       known(db, otherStates(core, place, account)),
       files(db, life) {
     db.requireUsable();
@@ -122,15 +123,10 @@ LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
       recognition(*library, state.known, state.life, google.destination, core.logger),
       batches(google.destination, state.life, core.preferences, core.logger, core.console,
               core.clock),
-      coordinator({state.db, state.life, staging, metadata, recognition, google.destination,
-                   batches, google.tracker, deletion, core.preferences, flags, core.logger,
-                   core.console, core.clock}),
-      mirrorState(state.db),
-      mirror({*library, mirrorState, google.albumContents, core.logger, core.clock}),
-      run{state.db,    *library, observer,
-          staging,     deletion, batches,
-          coordinator, flags,    choices.mirrorAlbums ? &mirror : nullptr} {
-    staging.settleForm(choices.form());
+      coordinator({state.db, state.life, state.sessions, staging, metadata, recognition,
+                   google.destination, batches, google.tracker, deletion, core.preferences, flags,
+                   core.logger, core.console, core.clock}),
+      run{state.db, *library, observer, staging, deletion, batches, coordinator, flags} {
     batches.onCreated = [this](const SyncRecord& record) {
         staging.wasSent(record.assetLocalIdentifier);
     };

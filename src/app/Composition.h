@@ -25,7 +25,7 @@
 #include "store/KnownContents.h"
 #include "store/MirrorState.h"
 #include "store/StateCatalogue.h"
-#include "sync/AlbumMirror.h"
+#include "store/UploadSessions.h"
 #include "sync/GoogleDestination.h"
 #include "sync/SyncRun.h"
 
@@ -88,6 +88,7 @@ struct StateServices {
     std::optional<StatePlace> place;
     DatabaseManager db;
     RecordLife life;
+    UploadSessions sessions;
     KnownContents known;
     StoredFiles files;
 };

@@ -16,6 +16,18 @@ UploadError UploadError::noToken() {
     return UploadError(QStringLiteral("[Upload] Gecersiz uploadToken"), foreignAnswer());
 }
 
+UploadError UploadError::invalidResponse() {
+    return UploadError(QStringLiteral("[Upload] Gecersiz yanit"), foreignAnswer());
+}
+
+UploadError UploadError::tooLarge(bool isMovie) {
+    return UploadError(isMovie ? QStringLiteral("[Upload] Video çok büyük: Google Fotoğraflar en "
+                                                "fazla 20 GB'lık videoları kabul eder")
+                               : QStringLiteral("[Upload] Fotoğraf çok büyük: Google Fotoğraflar "
+                                                "en fazla 200 MB'lık fotoğrafları kabul eder"),
+                       Fault{.code = FaultCode::tooLarge});
+}
+
 BatchError BatchError::httpError(const HttpResponse& response,
                                  const std::optional<QString>& albumID) {
     return BatchError(QStringLiteral("[Batch] HTTP %1").arg(response.status),

@@ -9,8 +9,10 @@ namespace quorvane {
 class UploadError : public Error {
   public:
     static UploadError httpError(const HttpResponse& response);
-    static UploadError emptyToken(); ///< answered with nothing
-    static UploadError noToken();    ///< answered with something that is no upload token
+    static UploadError emptyToken();           ///< answered with nothing
+    static UploadError noToken();              ///< answered with something that is no upload token
+    static UploadError invalidResponse();      ///< without what the protocol wants
+    static UploadError tooLarge(bool isMovie); ///< beyond what Google takes; nothing was sent
 
   private:
     using Error::Error;

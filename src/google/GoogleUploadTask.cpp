@@ -1,7 +1,9 @@
 #include "google/GoogleUploadTask.h"
 
+#include "foundation/FileVersion.h"
 #include "google/GoogleErrors.h"
 #include "google/MimeTypes.h"
+#include "google/ResumableUpload.h"
 
 #include <QStringDecoder>
 
@@ -32,25 +34,44 @@ QString uploadTokenFrom(const QByteArray& body) {
     return token;
 }
 
+void requireAcceptable(std::int64_t size, bool isMovie) {
+    if (size > (isMovie ? GoogleUploadTask::largestMovie : GoogleUploadTask::largestPicture))
+        throw UploadError::tooLarge(isMovie);
+}
+
 } // namespace
 
-QString GoogleUploadTask::upload(const std::filesystem::path& file, const QString& fileName,
+std::pair<QByteArray, QByteArray> uploadNameHeader(const QString& fileName) {
+    return {"X-Goog-Upload-File-Name", QUrl::toPercentEncoding(fileName, pathCharacters)};
+}
+
+QString GoogleUploadTask::upload(const UploadSource& source, UploadMemory& memory,
                                  const HttpRequest::Progress& progress, std::stop_token stop) {
+    const std::int64_t size = fileVersion(source.file).value_or(FileVersion()).size;
+    requireAcceptable(size, source.isMovie);
+    const HttpResponse response =
+        size < resumableFrom ? sendAtOnce(source, progress, stop)
+                             : ResumableUpload(api_, {source, size, memory, progress, stop}).send();
+    if (response.status != 200)
+        throw UploadError::httpError(response);
+    return uploadTokenFrom(response.body);
+}
+
+HttpResponse GoogleUploadTask::sendAtOnce(const UploadSource& source,
+                                          const HttpRequest::Progress& progress,
+                                          const std::stop_token& stop) {
     HttpRequest request;
     request.method = "POST";
     request.url = api_.at(QStringLiteral("/v1/uploads"));
     request.headers = {
         {"Content-Type", "application/octet-stream"},
-        {"X-Goog-Upload-Content-Type", mimeType(file)},
+        {"X-Goog-Upload-Content-Type", mimeType(source.file)},
         {"X-Goog-Upload-Protocol", "raw"},
-        {"X-Goog-Upload-File-Name", QUrl::toPercentEncoding(fileName, pathCharacters)},
+        uploadNameHeader(source.fileName),
     };
-    request.bodyFile = file;
+    request.bodyFile = source.file;
     request.onProgress = progress;
-    const HttpResponse response = api_.send(std::move(request), stop);
-    if (response.status != 200)
-        throw UploadError::httpError(response);
-    return uploadTokenFrom(response.body);
+    return api_.send(std::move(request), stop);
 }
 
 } // namespace quorvane

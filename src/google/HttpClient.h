@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <stop_token>
 #include <utility>
@@ -25,7 +26,12 @@ struct HttpRequest {
     Headers headers; ///< sent in this order
     QByteArray body;
     std::optional<std::filesystem::path> bodyFile; ///< streamed instead of `body`
-    std::chrono::seconds timeout{60};              ///< the longest time without any data
+    struct Range {
+        std::int64_t offset = 0;
+        std::int64_t size = 0;
+    };
+    std::optional<Range> bodyRange;        ///< of the file, bytes; none: all of it
+    std::chrono::seconds timeout{60};      ///< the longest time without any data
     std::chrono::seconds answerLimit{300}; ///< from the request's last byte to the answer's last
     /// Makes something at the service: never sent a second time on the client's own account.
     bool isCreation = false;
@@ -36,9 +42,16 @@ struct HttpRequest {
 
 struct HttpResponse {
     int status = 0;
-    QByteArray body;
-    std::optional<Date> date = {};      ///< by the service's clock, where it says so
-    std::chrono::seconds retryAfter{0}; ///< how long the service wants to be left alone
+    QByteArray body = {};
+    std::optional<Date> date = {};                 ///< by the service's clock, where it says so
+    std::chrono::seconds retryAfter{0};            ///< how long the service wants to be left alone
+    std::map<QByteArray, QByteArray> headers = {}; ///< by name in lower case
+
+    /// Empty when absent.
+    QByteArray header(const QByteArray& lowerCaseName) const {
+        const auto found = headers.find(lowerCaseName);
+        return found == headers.end() ? QByteArray() : found->second;
+    }
 };
 
 /// The request got no HTTP answer: no connection, no name, no trust, no data for too long.

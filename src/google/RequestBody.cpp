@@ -22,6 +22,10 @@ RequestBody::RequestBody(const HttpRequest& request) : request_(request) {
         throw FileError(QStringLiteral("Dosya okunamadı"), *request.bodyFile,
                         S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
     size_ = info.st_size;
+    if (const auto& range = request.bodyRange) {
+        start_ = range->offset;
+        size_ = range->size;
+    }
 }
 
 std::optional<size_t> RequestBody::read(char* buffer, size_t room) {
@@ -33,7 +37,7 @@ std::optional<size_t> RequestBody::read(char* buffer, size_t room) {
     }
     ssize_t n = 0;
     do {
-        n = ::pread(file_.get(), buffer, wanted, offset_);
+        n = ::pread(file_.get(), buffer, wanted, start_ + offset_);
     } while (n < 0 && errno == EINTR);
     if (n < 0 || (n == 0 && wanted > 0)) { // a file that shrank counts as damaged
         errorNumber_ = n < 0 ? errno : EIO;

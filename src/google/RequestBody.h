@@ -29,6 +29,7 @@ class RequestBody {
   private:
     const HttpRequest& request_;
     FileDescriptor file_;
+    std::int64_t start_ = 0; ///< in the file
     std::int64_t size_ = 0;
     std::int64_t offset_ = 0;
     int errorNumber_ = 0;

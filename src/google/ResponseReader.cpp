@@ -51,18 +51,15 @@ bool ResponseReader::takeHeaderLine(QByteArrayView line) {
     tooLarge_ = headerBytes_ > largestHeader;
     if (const qsizetype colon = line.indexOf(':'); colon > 0) {
         const QByteArray name = line.first(colon).toByteArray().toLower();
-        const QByteArray value = line.sliced(colon + 1).trimmed().toByteArray();
-        if (name == "date")
-            response_.date = dateIn(value);
-        else if (name == "retry-after")
-            retryAfter_ = value;
+        response_.headers[name] = line.sliced(colon + 1).trimmed().toByteArray();
     }
     return !tooLarge_;
 }
 
 HttpResponse ResponseReader::finish(int status) {
     response_.status = status;
-    response_.retryAfter = waitIn(retryAfter_, response_.date);
+    response_.date = dateIn(response_.header("date"));
+    response_.retryAfter = waitIn(response_.header("retry-after"), response_.date);
     return std::move(response_);
 }
 

@@ -23,7 +23,6 @@ class ResponseReader {
     std::int64_t largestBody_;
     std::int64_t headerBytes_ = 0;
     bool tooLarge_ = false;
-    QByteArray retryAfter_;
     HttpResponse response_;
 };
 

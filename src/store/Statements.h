@@ -60,6 +60,14 @@ CREATE TABLE IF NOT EXISTS record_deletions (
 CREATE TABLE IF NOT EXISTS record_leavings (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY
 ) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS upload_sessions (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    sha256                 TEXT NOT NULL,
+    size                   INTEGER NOT NULL,
+    account                TEXT NOT NULL,
+    address                TEXT NOT NULL,
+    made                   INTEGER NOT NULL
+) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS record_dates (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
     date                   INTEGER NOT NULL,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "google/UploadSource.h"
 #include "library/RemoteItems.h"
 
 #include <cstdint>
@@ -37,9 +38,10 @@ class Destination : public RemoteItems {
   public:
     using Progress = std::function<void(std::int64_t sent, std::int64_t total)>; ///< bytes
 
-    /// Sends the bytes of `file` and returns their upload token. `progress` is called on this
-    /// thread. Also throws `FileError`.
-    virtual QString upload(const std::filesystem::path& file, const QString& fileName,
+    /// Sends the bytes of a file and returns their upload token. A large upload that broke off goes
+    /// on where `memory` knows. `progress` is called on this thread. Also throws `FileError`, and
+    /// what the memory throws.
+    virtual QString upload(const UploadSource& source, UploadMemory& memory,
                            const Progress& progress, std::stop_token stop) = 0;
 
     /// One result for each item, in their order.

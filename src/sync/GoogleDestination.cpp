@@ -44,9 +44,9 @@ NewItemResult resultFrom(const NewMediaItemResult& said) {
 GoogleDestination::GoogleDestination(GoogleLibraryApi& api, GoogleAlbumManager& albums)
     : uploadTask_(api), mediaItems_(api), albums_(albums) {}
 
-QString GoogleDestination::upload(const std::filesystem::path& file, const QString& fileName,
+QString GoogleDestination::upload(const UploadSource& source, UploadMemory& memory,
                                   const Progress& progress, std::stop_token stop) {
-    return uploadTask_.upload(file, fileName, progress, std::move(stop));
+    return uploadTask_.upload(source, memory, progress, std::move(stop));
 }
 
 std::vector<NewItemResult> GoogleDestination::create(const std::vector<NewItem>& items,

@@ -12,8 +12,8 @@ class GoogleDestination final : public Destination {
   public:
     GoogleDestination(GoogleLibraryApi& api, GoogleAlbumManager& albums);
 
-    QString upload(const std::filesystem::path& file, const QString& fileName,
-                   const Progress& progress, std::stop_token stop) override;
+    QString upload(const UploadSource& source, UploadMemory& memory, const Progress& progress,
+                   std::stop_token stop) override;
     std::vector<NewItemResult> create(const std::vector<NewItem>& items,
                                       std::stop_token stop) override;
     bool hasTargetAlbum() const override;

@@ -3,6 +3,7 @@
 #include "foundation/File.h"
 #include "foundation/MainThread.h"
 #include "sync/Backoff.h"
+#include "sync/RecordUploadMemory.h"
 
 #include <algorithm>
 #include <thread>
@@ -124,6 +125,7 @@ void SyncCoordinator::runPasses() {
 bool SyncCoordinator::runSyncLoop() {
     std::vector<SyncRecord> records;
     try {
+        s_.sessions.forgetExpired();
         records = nextRecords();
     } catch (const DBError& error) {
         s_.console.print(QStringLiteral("[Sync] DB okuma hatasi: ") + error.localizedDescription());
@@ -254,7 +256,9 @@ void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
         const auto progress = [&](std::int64_t sent, std::int64_t total) {
             s_.tracker.updateProgress(item.id, sent, total);
         };
-        const QString token = s_.destination.upload(file->path, name, progress, stop);
+        RecordUploadMemory memory(s_.sessions, record, file->content);
+        const QString token =
+            s_.destination.upload({file->path, name, item.isVideo}, memory, progress, stop);
         if (fileVersion(file->path) != file->version) { // nobody knows what was sent
             s_.life.requeued(record);
             return;

@@ -5,6 +5,7 @@
 #include "library/SafeDeletionService.h"
 #include "metadata/MediaMetadataService.h"
 #include "store/RecordLife.h"
+#include "store/UploadSessions.h"
 #include "sync/BatchCoordinator.h"
 #include "sync/DateGate.h"
 #include "sync/Destination.h"
@@ -34,6 +35,7 @@ class SyncCoordinator {
     struct Services {
         DatabaseManager& db;
         RecordLife& life;
+        UploadSessions& sessions;
         AssetStagingService& staging;
         MediaMetadataService& metadata;
         Recognition& recognition;

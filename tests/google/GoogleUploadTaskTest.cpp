@@ -24,7 +24,8 @@ struct Uploading : testing::Test {
     std::int64_t progress = 0;
 
     QString upload(const QString& fileName = u"IMG_0001.JPG"_s) {
-        return task.upload(file, fileName,
+        UploadMemory none;
+        return task.upload({file, fileName}, none,
                            [&](std::int64_t sent, std::int64_t) { progress = sent; }, {});
     }
 };

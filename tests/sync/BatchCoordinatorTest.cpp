@@ -39,8 +39,7 @@ struct FakeDestination final : Destination {
     }
     void makeNextAlbum(std::stop_token) override { makeAlbum(); }
     bool hasTargetAlbum() const override { return true; }
-    QString upload(const std::filesystem::path&, const QString&, const Progress&,
-                   std::stop_token) override {
+    QString upload(const UploadSource&, UploadMemory&, const Progress&, std::stop_token) override {
         return {};
     }
     std::optional<std::set<QString>> existing(const QStringList&, std::stop_token) override {

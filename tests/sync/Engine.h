@@ -43,8 +43,8 @@ struct Engine {
           recognition(library, known, life, around.destination, around.log),
           batches(around.destination, life, around.preferences, around.log, around.console,
                   around.batchClock),
-          coordinator({database, life, staging, metadata, recognition, around.destination, batches,
-                       around.tracker, deletion, around.preferences, flags, around.log,
+          coordinator({database, life, sessions, staging, metadata, recognition, around.destination,
+                       batches, around.tracker, deletion, around.preferences, flags, around.log,
                        around.console, around.clock},
                       limits) {
         batches.onAlbumFull = [this, &preferences = around.preferences] {
@@ -58,6 +58,8 @@ struct Engine {
     DatabaseManager database;
     RecordLife life{database, {QStringLiteral("1"), QStringLiteral("kisi@example.com")}};
     KnownContents known{database, {}};
+    SystemClock sessionClock;
+    UploadSessions sessions{database, sessionClock, QStringLiteral("1")};
     StoredFiles files{database, life};
     FolderLibrary library;
     MediaMetadataService metadata;

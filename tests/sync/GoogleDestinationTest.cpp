@@ -41,7 +41,9 @@ struct Destinations : testing::Test {
     /// Sends one picture of its own, as the sync engine would.
     NewItemResult send(const QString& name) {
         const auto file = folder.write(pathFrom(name), "\x89PNG\r\n\x1a\n" + name.toUtf8());
-        return destination->create({{destination->upload(file, name, {}, {}), name}}, {}).at(0);
+        UploadMemory none;
+        return destination->create({{destination->upload({file, name}, none, {}, {}), name}}, {})
+            .at(0);
     }
 
     /// Answers every request of the kind so from now on.
