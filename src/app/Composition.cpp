@@ -39,7 +39,9 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
       tokens(keychain, core.preferences, core.logger),
       oauth({endpoints, config, http, browser, tokens, core.clock, core.logger}),
       tracker(core.clock),
-      api(http, oauth, endpoints),
+      requests(core.folders.requestCount(config.googleClientID()), core.clock),
+      countedHttp(http, requests),
+      api(countedHttp, oauth, endpoints),
       albums(api, core.preferences, core.logger),
       destination(api, albums),
       albumContents(api) {}

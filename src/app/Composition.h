@@ -6,6 +6,7 @@
 #include "foundation/Console.h"
 #include "foundation/Preferences.h"
 #include "foundation/UserFolders.h"
+#include "google/DailyRequests.h"
 #include "google/GoogleAlbumManager.h"
 #include "google/GoogleEndpoints.h"
 #include "google/GoogleOAuthManager.h"
@@ -73,6 +74,8 @@ struct GoogleServices {
     TokenStore tokens;
     GoogleOAuthManager oauth;
     TransferActivityTracker tracker;
+    DailyRequests requests;
+    CountedHttp countedHttp;
     GoogleLibraryApi api;
     GoogleAlbumManager albums;
     GoogleDestination destination;

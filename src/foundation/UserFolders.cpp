@@ -7,6 +7,12 @@
 
 namespace quorvane {
 
+std::filesystem::path UserFolders::requestCount(const QString& clientID) const {
+    QString project = clientID.section(u'-', 0, 0);
+    project.removeIf([](QChar character) { return !character.isLetterOrNumber(); });
+    return applicationSupport() / ("google-requests-" + project.toStdString());
+}
+
 UserFolders UserFolders::ofCurrentUser() {
     const QString home = QDir::homePath();
     const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <filesystem>
 
 namespace quorvane {
@@ -21,6 +23,8 @@ struct UserFolders {
     std::filesystem::path preferences() const { return applicationSupport() / "preferences.json"; }
     /// Held while a file is staged: nobody else of this user then stages, dates or tidies up.
     std::filesystem::path stagingLock() const { return applicationSupport() / "staging.lock"; }
+    /// How many requests the project of a client (its number, then "-") has sent today.
+    std::filesystem::path requestCount(const QString& clientID) const;
     std::filesystem::path runLock() const { return applicationSupport() / "run.lock"; }
 
     /// The folders of the user who runs the process. Throws `Error` when there is no home or no

@@ -1,0 +1,118 @@
+#include "google/DailyRequests.h"
+
+#include "foundation/File.h"
+#include "google/GoogleFaults.h"
+
+#include <QDateTime>
+#include <QTimeZone>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace quorvane {
+
+namespace {
+
+constexpr int dayShift = 32;
+constexpr int secondsWestOfUtc = 8 * 3600; ///< where the system has no table of zones
+
+QTimeZone pacificTime() {
+    const QTimeZone zone("America/Los_Angeles");
+    return zone.isValid() ? zone : QTimeZone(-secondsWestOfUtc);
+}
+
+QDateTime inPacificTime(Date date) {
+    static const QTimeZone zone = pacificTime();
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), zone);
+}
+
+std::uint32_t dayOf(std::uint64_t cell) {
+    return static_cast<std::uint32_t>(cell >> dayShift);
+}
+
+std::uint32_t requestsOf(std::uint64_t cell) {
+    return static_cast<std::uint32_t>(cell);
+}
+
+std::uint64_t cellOf(std::uint32_t day, std::uint32_t requests) {
+    return std::uint64_t(day) << dayShift | requests;
+}
+
+} // namespace
+
+DailyRequests::DailyRequests(std::filesystem::path file, Clock& clock)
+    : file_(std::move(file)), clock_(clock) {}
+
+DailyRequests::~DailyRequests() {
+    if (mapped_ != nullptr)
+        ::munmap(mapped_, sizeof(Cell));
+}
+
+DailyRequests::Cell& DailyRequests::cell(int openFlags) const {
+    const std::lock_guard lock(mutex_);
+    if (mapped_ == nullptr)
+        mapped_ = map(openFlags);
+    return mapped_ != nullptr ? *mapped_ : own_;
+}
+
+DailyRequests::Cell* DailyRequests::map(int openFlags) const try {
+    const FileDescriptor file = openFile(file_, O_RDWR | openFlags);
+    if (::ftruncate(file.get(), sizeof(Cell)) != 0)
+        return nullptr;
+    void* const memory =
+        ::mmap(nullptr, sizeof(Cell), PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
+    return memory != MAP_FAILED ? static_cast<Cell*>(memory) : nullptr;
+} catch (const FileError&) {
+    return nullptr;
+}
+
+void DailyRequests::count() {
+    add(1);
+}
+
+void DailyRequests::learnFrom(const HttpResponse& response) {
+    if (response.date)
+        serviceAhead_ = (*response.date - clock_.now()).count();
+    // Others use the same project, or an earlier count was lost.
+    if (response.status >= 400 && faultIn(response).code == FaultCode::dailyQuota)
+        add(limit);
+}
+
+void DailyRequests::add(std::uint32_t requests) {
+    const std::atomic_ref<Cell> shared(cell(O_CREAT));
+    const std::uint32_t day = dayNow();
+    Cell before = shared;
+    Cell after = 0;
+    do {
+        const std::uint32_t used = dayOf(before) == day ? requestsOf(before) : 0;
+        after = cellOf(day, std::min(used + requests, std::uint32_t(2 * limit)));
+    } while (!shared.compare_exchange_weak(before, after));
+}
+
+DailyRequests::Today DailyRequests::today() const {
+    const Cell now = std::atomic_ref<Cell>(cell(0));
+    const int used = dayOf(now) == dayNow() ? static_cast<int>(requestsOf(now)) : 0;
+    const QDateTime time = inPacificTime(serviceTime());
+    const QDateTime midnight(time.date().addDays(1), QTime(0, 0), time.timeZone());
+    return {.used = std::min(used, limit),
+            .left = std::max(0, limit - used),
+            .turns = clock_.now() + std::chrono::milliseconds(time.msecsTo(midnight))};
+}
+
+std::uint32_t DailyRequests::dayNow() const {
+    return static_cast<std::uint32_t>(inPacificTime(serviceTime()).date().toJulianDay());
+}
+
+Date DailyRequests::serviceTime() const {
+    return clock_.now() + std::chrono::milliseconds(serviceAhead_.load());
+}
+
+HttpResponse CountedHttp::send(const HttpRequest& request, std::stop_token stop) {
+    requests_.count();
+    HttpResponse response = http_.send(request, std::move(stop));
+    requests_.learnFrom(response);
+    return response;
+}
+
+} // namespace quorvane
