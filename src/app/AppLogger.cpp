@@ -1,6 +1,7 @@
 #include "app/AppLogger.h"
 
 #include "foundation/MainThread.h"
+#include "foundation/PlainText.h"
 
 #include <QDateTime>
 #include <QTimeZone>
@@ -42,7 +43,8 @@ AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Cloc
     log(rule);
 }
 
-void AppLogger::log(const QString& message) {
+void AppLogger::log(const QString& text) {
+    const QString message = plainText(text, Lines::one);
     const QString time = iso8601(clock_.now());
     const QString tag = isMainThread() ? QStringLiteral("Main") : QStringLiteral("Bg");
     const QByteArray fileLine =

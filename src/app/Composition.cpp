@@ -29,6 +29,7 @@ CoreServices::CoreServices(UserFolders userFolders, const Ports& outside)
       clock(ports.clock),
       logger(folders.logs(), console, clock),
       preferences(folders.preferences()),
+      runState(folders.runState()),
       states(folders) {}
 
 GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
@@ -56,6 +57,7 @@ StateServices::StateServices(CoreServices& core, const std::optional<StatePlace>
       db(place ? place->database : std::filesystem::path(":memory:"), core.console),
       life(db, account),
       sessions(db, core.clock, account.userID),
+      tokens(db, core.clock),
       known(db, otherStates(core, place, account)),
       files(db, life) {
     db.requireUsable();
@@ -123,12 +125,28 @@ LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
       observer(*library, state.db, state.life, staging, albums, core.preferences, core.console),
       deletion({state.db, state.life, staging, *library, google.destination, core.logger}),
       recognition(*library, state.known, state.life, google.destination, core.logger),
-      batches(google.destination, state.life, core.preferences, core.logger, core.console,
-              core.clock),
-      coordinator({state.db, state.life, state.sessions, staging, metadata, recognition,
-                   google.destination, batches, google.tracker, deletion, core.preferences, flags,
-                   core.logger, core.console, core.clock}),
-      run{state.db, *library, observer, staging, deletion, batches, coordinator, flags} {
+      attempts(core.clock),
+      batches({google.destination, state.life, state.tokens, attempts, core.preferences,
+               core.logger, core.console, core.clock}),
+      coordinator({state.db, state.life, state.tokens, state.sessions, staging, metadata,
+                   recognition, google.destination, attempts, batches, google.tracker, deletion,
+                   core.preferences, flags, core.logger, core.console, core.clock}),
+      mirrorState(state.db),
+      mirror({*library, mirrorState, google.albumContents, core.logger, core.clock}),
+      run{state.db,
+          *library,
+          observer,
+          staging,
+          deletion,
+          batches,
+          coordinator,
+          flags,
+          state.life,
+          attempts,
+          core.runState,
+          core.logger,
+          choices.mirrorAlbums ? &mirror : nullptr} {
+    staging.settleForm(choices.form());
     batches.onCreated = [this](const SyncRecord& record) {
         staging.wasSent(record.assetLocalIdentifier);
     };

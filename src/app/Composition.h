@@ -27,6 +27,8 @@
 #include "store/MirrorState.h"
 #include "store/StateCatalogue.h"
 #include "store/UploadSessions.h"
+#include "store/UploadTokens.h"
+#include "sync/AlbumMirror.h"
 #include "sync/GoogleDestination.h"
 #include "sync/SyncRun.h"
 
@@ -56,6 +58,7 @@ struct CoreServices {
     Clock& clock;
     AppLogger logger;
     Preferences preferences;
+    RunStateFile runState;
     StateCatalogue states;
 };
 
@@ -92,6 +95,7 @@ struct StateServices {
     DatabaseManager db;
     RecordLife life;
     UploadSessions sessions;
+    UploadTokens tokens;
     KnownContents known;
     StoredFiles files;
 };
@@ -148,6 +152,7 @@ struct LibraryServices : SourceServices {
     PhotoLibraryObserver observer;
     SafeDeletionService deletion;
     Recognition recognition;
+    Attempts attempts;
     BatchCoordinator batches;
     RunFlags flags;
     SyncCoordinator coordinator;

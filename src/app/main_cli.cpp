@@ -8,12 +8,12 @@
 
 namespace {
 
-/// SIGINT and SIGTERM, blocked in every thread, become a request to stop.
+/// SIGINT, SIGTERM and SIGHUP, blocked in every thread, become a request to stop.
 class StopSignals {
   public:
     StopSignals() {
         sigemptyset(&signals_);
-        for (const int signal : {SIGINT, SIGTERM, wakeUp})
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, wakeUp})
             sigaddset(&signals_, signal);
         pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
         waiter_ = std::thread([this] {

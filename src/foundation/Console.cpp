@@ -1,5 +1,7 @@
 #include "foundation/Console.h"
 
+#include "foundation/PlainText.h"
+
 #include <cerrno>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -67,7 +69,7 @@ void Console::setLiveLine(const QString& text) {
     const int fd = descriptorOf(channel_);
     if (channel_ == Channel::silent || !::isatty(fd) || text == liveLine_)
         return;
-    liveLine_ = text;
+    liveLine_ = plainText(text, Lines::one);
     writeBytes(fd, "\r\x1b[K" + fitted(liveLine_, fd).toUtf8());
 }
 
@@ -77,14 +79,15 @@ bool Console::isTerminal() const {
 }
 
 /// Caller holds the lock. The live line is on the terminal's last row: clear, write, draw it again.
-void Console::write(int fd, const QString& line) {
+void Console::write(int fd, const QString& text) {
+    const QByteArray line = plainText(text, Lines::several).toUtf8();
     if (liveLine_.isEmpty()) {
-        writeBytes(fd, line.toUtf8());
+        writeBytes(fd, line);
         return;
     }
     const int liveFd = descriptorOf(channel_);
     writeBytes(liveFd, "\r\x1b[K");
-    writeBytes(fd, line.toUtf8());
+    writeBytes(fd, line);
     writeBytes(liveFd, fitted(liveLine_, liveFd).toUtf8());
 }
 

@@ -7,7 +7,8 @@
 namespace quorvane {
 
 /// The one writer of console lines, so that whole lines, the live progress line and
-/// machine-readable output never tear each other. Any thread.
+/// machine-readable output never tear each other, and nothing that a terminal would obey reaches it
+/// from outside. Any thread.
 class Console {
   public:
     enum class Channel {
@@ -40,7 +41,7 @@ class Console {
     bool isTerminal() const;
 
   private:
-    void write(int fd, const QString& line);
+    void write(int fd, const QString& text);
 
     mutable std::mutex mutex_;
     Channel channel_;

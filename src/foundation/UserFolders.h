@@ -25,6 +25,8 @@ struct UserFolders {
     std::filesystem::path stagingLock() const { return applicationSupport() / "staging.lock"; }
     /// How many requests the project of a client (its number, then "-") has sent today.
     std::filesystem::path requestCount(const QString& clientID) const;
+    /// What the latest run does, or how it ended.
+    std::filesystem::path runState() const { return applicationSupport() / "run-state.json"; }
     std::filesystem::path runLock() const { return applicationSupport() / "run.lock"; }
 
     /// The folders of the user who runs the process. Throws `Error` when there is no home or no

@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QTimeZone>
+#include <map>
 
 namespace quorvane {
 
@@ -309,11 +310,20 @@ std::vector<std::pair<QString, SyncStatus>> DatabaseManager::fetchStatuses() {
 
 std::vector<FailedCategorySummary> DatabaseManager::fetchFailedCategorySummaries() {
     return executeOnQueue([&] {
-        sqlite::Statement statement = prepare(connection(), statements::failuresByError);
-        std::vector<std::pair<QString, int>> counts;
-        while (step(statement))
-            counts.emplace_back(statement.text(0), static_cast<int>(statement.integer(1)));
-        return summarizeFailures(counts);
+        std::vector<FailureCount> failures;
+        std::map<QString, int> known; // of each text, those whose fault is known
+        sqlite::Statement byFault = prepare(connection(), statements::failuresByFault);
+        while (step(byFault)) {
+            failures.push_back({byFault.text(0), static_cast<int>(byFault.integer(1)),
+                                faultCodeFrom(byFault.text(2))});
+            known[byFault.text(0)] += failures.back().count;
+        }
+        sqlite::Statement byText = prepare(connection(), statements::failuresByError);
+        while (step(byText))
+            if (const auto count = static_cast<int>(byText.integer(1)) - known[byText.text(0)];
+                count > 0)
+                failures.push_back({byText.text(0), count});
+        return summarizeFailures(failures);
     });
 }
 

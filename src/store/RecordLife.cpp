@@ -1,6 +1,7 @@
 #include "store/RecordLife.h"
 
 #include "store/RecordAbsences.h"
+#include "store/RecordFaults.h"
 #include "store/RecordRemainders.h"
 #include "store/StateFacts.h"
 
@@ -20,6 +21,7 @@ const std::array lifeOfARecord{
     RecordLife::Arrow{"requeued", {discovered, SyncStatus::staged}, discovered},
     RecordLife::Arrow{"heldBack", {SyncStatus::staged}, dateUnresolved},
     RecordLife::Arrow{"refused", {SyncStatus::staged}, failed},
+    RecordLife::Arrow{"relieved", {failed}, discovered},
     RecordLife::Arrow{"created", {SyncStatus::staged}, verified},
     RecordLife::Arrow{"recognised", {discovered, SyncStatus::staged}, verified},
     RecordLife::Arrow{
@@ -89,7 +91,11 @@ bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSour
 }
 
 bool RecordLife::stageFailed(const SyncRecord& record, const QString& reason) {
-    return setStatus("stageFailed", record, reason);
+    return follow("stageFailed", record, [&](SyncStatus to) {
+        db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to, {},
+                         {}, reason);
+        RecordFaults(db_).keep(record, {});
+    });
 }
 
 bool RecordLife::redated(const SyncRecord& record, const std::optional<RecordDate>& date) {
@@ -115,8 +121,17 @@ bool RecordLife::heldBack(const SyncRecord& record, const QString& reason, Want 
     });
 }
 
-bool RecordLife::refused(const SyncRecord& record, const QString& reason) {
-    return setStatus("refused", record, reason);
+bool RecordLife::refused(const SyncRecord& record, const QString& reason,
+                         const std::optional<Fault>& fault) {
+    return follow("refused", record, [&](SyncStatus to) {
+        db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to, {},
+                         {}, reason);
+        RecordFaults(db_).keep(record, fault);
+    });
+}
+
+bool RecordLife::relieved(const SyncRecord& record) {
+    return setStatus("relieved", record);
 }
 
 bool RecordLife::created(const SyncRecord& record, const QString& uploadToken,
@@ -124,6 +139,8 @@ bool RecordLife::created(const SyncRecord& record, const QString& uploadToken,
     return follow("created", record, [&](SyncStatus to) {
         db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to,
                          uploadToken, remoteID);
+        runFor(record.assetLocalIdentifier,
+               "DELETE FROM upload_tokens WHERE asset_local_identifier = ?");
         bindAccount();
     });
 }

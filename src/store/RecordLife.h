@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Fault.h"
 #include "foundation/FileVersion.h"
 #include "store/RecordDates.h"
 
@@ -66,8 +67,11 @@ class RecordLife {
     /// No trustworthy date; `undatable` where its file does not take any.
     enum class Want { date, undatable };
     bool heldBack(const SyncRecord& record, const QString& reason, Want want = Want::date);
-    /// The upload failed, or the destination refused the item.
-    bool refused(const SyncRecord& record, const QString& reason);
+    /// The upload failed, or the destination refused the item. The fault is kept beside the text.
+    bool refused(const SyncRecord& record, const QString& reason,
+                 const std::optional<Fault>& fault = {});
+    /// It failed by the world's fault, not by its own: it is tried again without being asked for.
+    bool relieved(const SyncRecord& record);
     /// The destination named the media item.
     bool created(const SyncRecord& record, const QString& uploadToken, const QString& remoteID);
     /// The same bytes are at the destination already, under this name.

@@ -42,7 +42,8 @@ CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
 /// have begun, the assets whose staged files are nobody's any more, the dates of the staged files
 /// (milliseconds since 1970 UTC), what a person chose where there was none, the assets whose
 /// original is not on this machine and why, what of an asset is not in its staged file, the albums
-/// that mirror the library's, the files of a folder library, and whose state this is.
+/// that mirror the library's, the bytes that were sent and are no item yet, what FAILED records
+/// failed by, the files of a folder library, and whose state this is.
 inline constexpr const char* besides =
     R"sql(CREATE TABLE IF NOT EXISTS record_sources (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
@@ -85,6 +86,17 @@ CREATE TABLE IF NOT EXISTS record_undatable (
 CREATE TABLE IF NOT EXISTS record_absences (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
     code                   TEXT NOT NULL
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS upload_tokens (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    sha256                 TEXT NOT NULL,
+    token                  TEXT NOT NULL,
+    made                   INTEGER NOT NULL
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_faults (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    code                   TEXT NOT NULL,
+    reason                 TEXT NOT NULL
 ) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS record_remainders (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
@@ -269,6 +281,12 @@ inline constexpr const char* countDateUnresolved =
 
 inline constexpr const char* failuresByError =
     R"sql(SELECT last_error, COUNT(*) FROM sync_records WHERE sync_status = 'FAILED' GROUP BY last_error;)sql";
+
+/// The same, of those whose fault is known.
+inline constexpr const char* failuresByFault =
+    R"sql(SELECT last_error, COUNT(*), code
+FROM record_faults CROSS JOIN sync_records USING (asset_local_identifier)
+WHERE sync_status = 'FAILED' GROUP BY last_error, code;)sql";
 
 inline constexpr const char* clearPending =
     R"sql(DELETE FROM sync_records WHERE sync_status IN ('DISCOVERED', 'STAGED');)sql";

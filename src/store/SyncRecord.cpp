@@ -22,6 +22,57 @@ constexpr std::array statusNames{
     StatusName{SyncStatus::dateUnresolved, "DATE_UNRESOLVED"},
 };
 
+FailedCategorySummary categoryOf(const QString& name, const QString& explanation,
+                                 const QString& symbol) {
+    return {name, 0, explanation, symbol};
+}
+
+FailedCategorySummary fullAlbum() {
+    return categoryOf(QStringLiteral("Albüm Sınırı Aşıldı"),
+                      QStringLiteral("Google Photos 20.000 albüm kapasitesine ulaşıldı"),
+                      QStringLiteral("exclamationmark.circle.fill"));
+}
+
+FailedCategorySummary passingFault() {
+    return categoryOf(QStringLiteral("Geçici Ağ / Sunucu Hatası"),
+                      QStringLiteral("İnternet kesintisi veya Google sunucu yoğunluğu"),
+                      QStringLiteral("wifi.exclamationmark"));
+}
+
+FailedCategorySummary categoryOf(FaultCode fault) {
+    const QString warning = QStringLiteral("exclamationmark.circle.fill");
+    if (fault == FaultCode::albumFull)
+        return fullAlbum();
+    if (fault == FaultCode::tooLarge)
+        return categoryOf(QStringLiteral("Çok Büyük Dosyalar"),
+                          QStringLiteral("Google Photos bu boyutta dosya kabul etmez"), warning);
+    switch (kindOf(fault)) {
+    case FaultKind::moment:
+        return passingFault();
+    case FaultKind::day:
+        return categoryOf(QStringLiteral("Günlük İstek Sınırı"),
+                          QStringLiteral("Google'ın günlük istek sınırı dolmuştu"), warning);
+    case FaultKind::session:
+        return categoryOf(QStringLiteral("Oturum Sona Erdi"),
+                          QStringLiteral("Google oturumu yenilenmeden yüklenemez"), warning);
+    case FaultKind::account:
+        return categoryOf(QStringLiteral("Google Hesabı"),
+                          QStringLiteral("Hesabın alanı dolu veya izni yok"), warning);
+    case FaultKind::target:
+        return categoryOf(QStringLiteral("Hedef Albüm Yok"),
+                          QStringLiteral("Seçili Google Photos albümü bulunamadı"), warning);
+    case FaultKind::machine:
+        return categoryOf(QStringLiteral("Bu Bilgisayar"),
+                          QStringLiteral("Disk, arşiv veya durum veritabanı kullanılamadı"),
+                          warning);
+    case FaultKind::item:
+        break;
+    }
+    return categoryOf(QStringLiteral("Google'ın Geri Çevirdikleri"),
+                      QStringLiteral("Google Photos bu dosyaları kabul etmedi"), warning);
+}
+
+/// For a text of which nobody knows the fault.
 FailedCategorySummary categoryOf(const QString& error) {
     const QString lower = error.toLower();
     if (lower.contains(u"cancel"))
@@ -30,13 +81,9 @@ FailedCategorySummary categoryOf(const QString& error) {
                 QStringLiteral("pause.circle.fill")};
     if (error.contains(u"limit") || error.contains(u"20.000") ||
         error.contains(u"maximum number of photos"))
-        return {QStringLiteral("Albüm Sınırı Aşıldı"), 0,
-                QStringLiteral("Google Photos 20.000 albüm kapasitesine ulaşıldı"),
-                QStringLiteral("exclamationmark.circle.fill")};
+        return fullAlbum();
     if (lower.contains(u"offline") || lower.contains(u"connection") || error.contains(u"HTTP"))
-        return {QStringLiteral("Geçici Ağ / Sunucu Hatası"), 0,
-                QStringLiteral("İnternet kesintisi veya Google sunucu yoğunluğu"),
-                QStringLiteral("wifi.exclamationmark")};
+        return passingFault();
     return {QStringLiteral("Diğer Hatalar"), 0, QStringLiteral("Teknik hata nedeniyle yüklenemedi"),
             QStringLiteral("questionmark.circle.fill")};
 }
@@ -74,16 +121,16 @@ std::optional<MediaType> mediaTypeFrom(const QString& rawValue) {
     return std::nullopt;
 }
 
-std::vector<FailedCategorySummary>
-summarizeFailures(const std::vector<std::pair<QString, int>>& countsByError) {
+std::vector<FailedCategorySummary> summarizeFailures(const std::vector<FailureCount>& failures) {
     std::vector<FailedCategorySummary> summaries;
-    for (const auto& [error, count] : countsByError) {
-        const FailedCategorySummary category = categoryOf(error);
+    for (const FailureCount& failure : failures) {
+        const FailedCategorySummary category =
+            failure.fault ? categoryOf(*failure.fault) : categoryOf(failure.error);
         auto found = std::ranges::find(summaries, category.categoryName,
                                        &FailedCategorySummary::categoryName);
         if (found == summaries.end())
             found = summaries.insert(found, category);
-        found->count += count;
+        found->count += failure.count;
     }
     std::ranges::stable_sort(summaries, std::greater(), &FailedCategorySummary::count);
     return summaries;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Date.h"
+#include "foundation/Fault.h"
 
 #include <QString>
 
@@ -68,9 +69,14 @@ struct FailedCategorySummary {
     bool operator==(const FailedCategorySummary&) const = default;
 };
 
-/// Groups pairs of (last error text, number of failed records): largest first, equal counts in
-/// order of first appearance.
-std::vector<FailedCategorySummary>
-summarizeFailures(const std::vector<std::pair<QString, int>>& countsByError);
+/// Failed records of one kind.
+struct FailureCount {
+    QString error; ///< the last error text
+    int count = 0;
+    std::optional<FaultCode> fault = {}; ///< where it is known; the text decides only elsewhere
+};
+
+/// Largest first, equal counts in order of first appearance.
+std::vector<FailedCategorySummary> summarizeFailures(const std::vector<FailureCount>& failures);
 
 } // namespace quorvane

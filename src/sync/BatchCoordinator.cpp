@@ -1,31 +1,15 @@
 #include "sync/BatchCoordinator.h"
 
 #include "foundation/MainThread.h"
+#include "google/OAuthError.h"
+#include "sync/Backoff.h"
+#include "sync/EitherStop.h"
 
 #include <algorithm>
 
 namespace quorvane {
 
 namespace {
-
-/// Stops when either of two others does.
-class EitherStop {
-  public:
-    EitherStop(std::stop_token first, std::stop_token second)
-        : first_(std::move(first), Request{source_}),
-          second_(std::move(second), Request{source_}) {}
-
-    std::stop_token token() const { return source_.get_token(); }
-
-  private:
-    struct Request {
-        std::stop_source source;
-        void operator()() { source.request_stop(); }
-    };
-    std::stop_source source_;
-    std::stop_callback<Request> first_;
-    std::stop_callback<Request> second_;
-};
 
 /// Turns every form of a cancellation into `Cancelled`.
 void throwIfCancellation(const std::exception& error, const std::stop_token& stop) {
@@ -34,34 +18,57 @@ void throwIfCancellation(const std::exception& error, const std::stop_token& sto
         throw Cancelled();
 }
 
-} // namespace
+std::optional<Fault> faultOf(const std::exception& error) {
+    const auto* own = dynamic_cast<const Error*>(&error);
+    return own == nullptr ? std::nullopt : own->fault();
+}
 
-BatchCoordinator::BatchCoordinator(Destination& destination, RecordLife& life,
-                                   Preferences& preferences, Log& log, Console& console,
-                                   Clock& clock)
-    : destination_(destination),
-      life_(life),
-      preferences_(preferences),
-      log_(log),
-      console_(console),
-      clock_(clock) {}
+bool isItems(const std::optional<Fault>& fault) {
+    return !fault || kindOf(fault->code) == FaultKind::item;
+}
+
+} // namespace
 
 void BatchCoordinator::enqueue(const QString& token, const SyncRecord& record,
                                const QString& fileName, std::stop_token stop) {
+    std::unique_lock lock(mutex_);
+    if (!changed_.wait(lock, stop, [this] { return buffer_.size() < batchSize; }))
+        throw Cancelled();
+    if (!sender_.joinable()) {
+        timer_ = std::jthread([this](const std::stop_token& end) { runTimer(end); });
+        sender_ = std::jthread([this](const std::stop_token& end) { runSender(end); });
+    }
+    if (buffer_.empty()) {
+        deadline_ = s_.clock.monotonic() + flushInterval;
+        deadlineStop_ = std::stop_source();
+    }
+    buffer_.push_back({token, record, fileName});
+    unsettled_.insert(record.assetLocalIdentifier);
+    run_ = std::move(stop);
+    changed_.notify_all();
+}
+
+void BatchCoordinator::handOver() {
+    const std::lock_guard lock(mutex_);
+    isHandedOver_ = !buffer_.empty();
+    changed_.notify_all();
+}
+
+void BatchCoordinator::flush() {
+    std::unique_lock lock(mutex_);
+    isHandedOver_ = !buffer_.empty();
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return buffer_.empty() && !isSending_; });
+}
+
+void BatchCoordinator::lookAtUnsettled(const std::function<void(const std::set<QString>&)>& look) {
+    const std::lock_guard settling(settling_);
+    std::set<QString> unsettled;
     {
         const std::lock_guard lock(mutex_);
-        buffer_.push_back({token, record, fileName});
-        if (buffer_.size() < batchSize) {
-            if (!flushTimer_)
-                startTimer(std::move(stop));
-            return;
-        }
-        // Taken at once: an entry of the other upload would otherwise make it a batch of 25 and 1.
-        std::ranges::move(buffer_, std::back_inserter(fullBatches_));
-        buffer_.clear();
-        stopTimer();
+        unsettled = unsettled_;
     }
-    sendBuffered(Part::fullBatches, stop);
+    look(unsettled);
 }
 
 std::optional<QString> BatchCoordinator::takeStoreRefusal() {
@@ -74,129 +81,178 @@ int BatchCoordinator::takeAlreadyExisting() {
     return std::exchange(alreadyExisting_, 0);
 }
 
-/// Called with `mutex_` held.
-void BatchCoordinator::startTimer(std::stop_token run) {
-    flushTimer_ = {clock_.monotonic() + flushInterval, std::move(run), std::stop_source()};
-    if (!timerThread_.joinable())
-        timerThread_ = std::jthread([this](std::stop_token end) { runTimer(std::move(end)); });
-    timerStarted_.notify_one();
-}
-
-void BatchCoordinator::runTimer(std::stop_token end) noexcept {
+void BatchCoordinator::runTimer(const std::stop_token& end) noexcept {
     while (!end.stop_requested()) {
-        std::optional<FlushTimer> timer;
-        {
-            std::unique_lock lock(mutex_);
-            if (!timerStarted_.wait(lock, end, [this] { return flushTimer_.has_value(); }))
-                return;
-            timer = flushTimer_;
-        }
+        std::unique_lock lock(mutex_);
+        if (!changed_.wait(lock, end, [this] { return deadline_.has_value(); }))
+            return;
         const auto wait =
-            std::chrono::ceil<std::chrono::milliseconds>(timer->deadline - clock_.monotonic());
-        if (clock_.sleep(wait, EitherStop(end, timer->cancel.get_token()).token()))
-            flush(EitherStop(end, timer->run).token());
-    }
-}
-
-/// Called with `mutex_` held.
-void BatchCoordinator::stopTimer() {
-    if (const auto timer = std::exchange(flushTimer_, std::nullopt))
-        timer->cancel.request_stop();
-}
-
-std::vector<BatchCoordinator::Entry> BatchCoordinator::takeBuffered(Part part) {
-    const std::lock_guard lock(mutex_);
-    std::vector<Entry> entries = std::exchange(fullBatches_, {});
-    if (part == Part::everything) {
-        std::ranges::move(buffer_, std::back_inserter(entries));
-        buffer_.clear();
-        stopTimer();
-    }
-    return entries;
-}
-
-void BatchCoordinator::flush(std::stop_token stop) {
-    sendBuffered(Part::everything, stop);
-}
-
-void BatchCoordinator::sendBuffered(Part part, const std::stop_token& stop) {
-    const std::lock_guard sending(sending_);
-    try {
-        sendAll(takeBuffered(part), stop);
-    } catch (const Cancelled&) {
-        log_.log(QStringLiteral("[Batch] İptal algılandı, batch öğeleri STAGED olarak korunuyor"));
-    }
-}
-
-void BatchCoordinator::sendAll(std::vector<Entry> entries, const std::stop_token& stop) {
-    bool hasRolledOver = false;
-    while (!entries.empty()) {
-        const auto batchEnd =
-            entries.begin() + static_cast<std::ptrdiff_t>(std::min(batchSize, entries.size()));
-        const std::vector<Entry> batch(entries.begin(), batchEnd);
-        entries.erase(entries.begin(), batchEnd);
-        const std::vector<Entry> heldBack = sendBatch(batch, stop);
-        if (heldBack.empty())
+            std::chrono::ceil<std::chrono::milliseconds>(*deadline_ - s_.clock.monotonic());
+        const EitherStop stop(end, deadlineStop_.get_token());
+        lock.unlock();
+        const bool isDue = s_.clock.sleep(wait, stop.token());
+        lock.lock();
+        if (!isDue || stop.token().stop_requested())
             continue;
-        if (!preferences_.boolean(preferenceKeys::autoRolloverOnLimit))
-            return endAtLimit(preferences_.boolean(preferenceKeys::stopAtLimit));
-        if (hasRolledOver || !rollOver(stop))
-            return endAtLimit(true);
-        hasRolledOver = true;
-        entries.insert(entries.begin(), heldBack.begin(), heldBack.end());
+        deadline_.reset();
+        isHandedOver_ = !buffer_.empty();
+        changed_.notify_all();
     }
 }
 
-/// The entries held back because the album is full; none when it is not, or when the batch failed.
-std::vector<BatchCoordinator::Entry> BatchCoordinator::sendBatch(const std::vector<Entry>& batch,
-                                                                 const std::stop_token& stop) {
+void BatchCoordinator::runSender(const std::stop_token& end) noexcept {
+    std::unique_lock lock(mutex_);
+    while (
+        changed_.wait(lock, end, [this] { return isHandedOver_ || buffer_.size() >= batchSize; })) {
+        Batch batch = std::exchange(buffer_, {});
+        isHandedOver_ = false;
+        isSending_ = true;
+        deadline_.reset();
+        std::stop_source taken = deadlineStop_;
+        const EitherStop stop(end, run_);
+        changed_.notify_all();
+        lock.unlock();
+        taken.request_stop();
+        send(std::move(batch), stop.token());
+        lock.lock();
+        isSending_ = false;
+        changed_.notify_all();
+    }
+}
+
+void BatchCoordinator::send(Batch batch, const std::stop_token& stop) {
+    const Batch all = batch;
+    try {
+        bool hasRolledOver = false;
+        for (int repeats = 0; !batch.empty(); ++repeats) {
+            Remainder rest = sendOnce(batch, repeats, stop);
+            batch = std::move(rest.again);
+            if (rest.wait.count() > 0 && !s_.attempts.sleep(rest.wait, stop))
+                throw Cancelled();
+            if (rest.heldBack.empty())
+                continue;
+            const bool rollsOver = s_.preferences.boolean(preferenceKeys::autoRolloverOnLimit);
+            if (!rollsOver || std::exchange(hasRolledOver, true) || !rollOver(stop)) {
+                endAtLimit(rollsOver || s_.preferences.boolean(preferenceKeys::stopAtLimit));
+                break;
+            }
+            batch.insert(batch.begin(), rest.heldBack.begin(), rest.heldBack.end());
+        }
+    } catch (const Cancelled&) {
+        s_.log.log(
+            QStringLiteral("[Batch] İptal algılandı, batch öğeleri STAGED olarak korunuyor"));
+    }
+    leave(all);
+}
+
+BatchCoordinator::Remainder BatchCoordinator::sendOnce(const Batch& batch, int repeats,
+                                                       const std::stop_token& stop) {
     std::vector<NewItem> items;
     for (const Entry& entry : batch)
         items.push_back({entry.token, entry.fileName});
-    std::vector<NewItemResult> results;
+    auto permit = s_.attempts.enter(stop);
+    if (!permit)
+        return {};
+    Remainder rest;
     try {
-        if (stop.stop_requested())
-            throw Cancelled();
-        results = destination_.create(items, stop);
+        const auto results = s_.destination.create(items, stop);
+        rest = sort(batch, results, std::move(*permit));
     } catch (const std::exception& error) {
         throwIfCancellation(error, stop);
-        logFlushError(error);
+        rest = failed(batch, error, std::move(*permit));
+    }
+    if (!rest.again.empty())
+        rest.wait = std::max<std::chrono::milliseconds>(rest.wait, backoffAfter(repeats + 1));
+    return rest;
+}
+
+/// The request as a whole was not carried out.
+BatchCoordinator::Remainder
+BatchCoordinator::failed(const Batch& batch, const std::exception& error, Attempts::Permit permit) {
+    logFlushError(error);
+    const auto fault = faultOf(error);
+    if (fault && fault->code == FaultCode::albumFull) {
+        permit.passed();
+        return {.heldBack = batch};
+    }
+    const World::Verdict verdict = permit.failed(fault);
+    // Refused twice although the sign-in renewed the session in between.
+    const bool isRefusedTwice = fault && fault->code == FaultCode::sessionEnded &&
+                                dynamic_cast<const OAuthError*>(&error) == nullptr;
+    if (isItems(fault) || isRefusedTwice) {
         for (const Entry& entry : batch)
-            markFailed(entry, describe(error));
+            markFailed(entry, describe(error), fault);
         return {};
     }
-    std::vector<Entry> heldBack;
+    if (s_.attempts.ending())
+        return {};
+    return {.again = batch, .wait = verdict.wait};
+}
+
+/// The request was answered, item by item. What the world did to some of them where others passed
+/// is theirs.
+BatchCoordinator::Remainder BatchCoordinator::sort(const Batch& batch,
+                                                   const std::vector<NewItemResult>& results,
+                                                   Attempts::Permit permit) {
+    using Outcome = NewItemResult::Outcome;
+    const auto isWorlds = [](const NewItemResult& result) {
+        return result.outcome == Outcome::refused && !isItems(result.fault);
+    };
+    const auto worlds = std::ranges::find_if(results, isWorlds);
+    const bool hasPassed = std::ranges::any_of(results, [](const NewItemResult& result) {
+        return result.outcome == Outcome::created || result.outcome == Outcome::alreadyExists;
+    });
+    const bool isItself =
+        worlds != results.end() && (!hasPassed || kindOf(worlds->fault->code) != FaultKind::moment);
+    Remainder rest;
+    if (isItself)
+        rest.wait = permit.failed(worlds->fault).wait;
+    else
+        permit.passed();
     for (std::size_t i = 0; i < batch.size(); ++i) {
-        if (results.at(i).outcome == NewItemResult::Outcome::heldBack)
-            heldBack.push_back(batch[i]);
+        if (results.at(i).outcome == Outcome::heldBack)
+            rest.heldBack.push_back(batch[i]);
+        else if (isItself && isWorlds(results[i]))
+            rest.again.push_back(batch[i]);
         else
             settle(batch[i], results[i]);
     }
-    return heldBack;
+    if (s_.attempts.ending())
+        rest.again.clear();
+    return rest;
 }
 
 /// True when the entries held back have a new album to go to.
 bool BatchCoordinator::rollOver(const std::stop_token& stop) {
-    console_.print(
+    s_.console.print(
         QStringLiteral("[Batch] Albüm limiti aşıldı, otomatik yeni albüm oluşturuluyor..."));
-    try {
-        destination_.makeNextAlbum(stop);
-        return true;
-    } catch (const std::exception& error) {
-        throwIfCancellation(error, stop);
-        logFlushError(error);
-        return false;
+    while (auto permit = s_.attempts.enter(stop)) {
+        try {
+            s_.destination.makeNextAlbum(stop);
+            permit->passed();
+            return true;
+        } catch (const std::exception& error) {
+            throwIfCancellation(error, stop);
+            logFlushError(error);
+            const auto fault = faultOf(error);
+            const World::Verdict verdict = permit->failed(fault);
+            if (isItems(fault))
+                return false;
+            if (!s_.attempts.sleep(verdict.wait, stop))
+                throw Cancelled();
+        }
     }
+    throw Cancelled(); // the run is over for another reason
 }
 
 void BatchCoordinator::endAtLimit(bool stopsRun) {
     if (stopsRun)
-        console_.print(QStringLiteral("[Batch] Albüm limiti aşıldı, stopAtLimit devrede. "
-                                      "Senkronizasyon durduruluyor."));
+        s_.console.print(QStringLiteral("[Batch] Albüm limiti aşıldı, stopAtLimit devrede. "
+                                        "Senkronizasyon durduruluyor."));
     onAlbumFull();
-    console_.print(
+    s_.console.print(
         QStringLiteral("[Sync] 🛑 Albüm sınırı nedeniyle eşitleme otomatik durduruldu"));
-    log_.log(QStringLiteral("Google Photos albüm sınırı (20.000 medya) doldu!"));
+    s_.log.log(QStringLiteral("Google Photos albüm sınırı (20.000 medya) doldu!"));
     onMainThread([publisher = googlePhotosAlbumLimitReached] { publisher.send({}); });
 }
 
@@ -212,27 +268,46 @@ void BatchCoordinator::settle(const Entry& entry, const NewItemResult& result) {
         break;
     }
     case NewItemResult::Outcome::refused:
-        markFailed(entry, result.reason);
-        log_.log(QStringLiteral("[Batch] FAILED: ") + entry.fileName + QStringLiteral(" -> ") +
-                 result.detail);
+        if (result.fault && result.fault->code == FaultCode::tokenRefused && mayBeSentAgain(entry))
+            break; // stays STAGED
+        markFailed(entry, result.reason, result.fault);
+        s_.log.log(QStringLiteral("[Batch] FAILED: ") + entry.fileName + QStringLiteral(" -> ") +
+                   result.detail);
         break;
     case NewItemResult::Outcome::heldBack:
         break; // stays STAGED
     }
 }
 
+/// Once: the bytes are gone at the destination, but not for a second time.
+bool BatchCoordinator::mayBeSentAgain(const Entry& entry) {
+    try {
+        s_.tokens.forget(entry.record);
+    } catch (const DBError& refusal) {
+        const std::lock_guard lock(mutex_);
+        storeRefusal_ = refusal.localizedDescription();
+    }
+    const std::lock_guard lock(mutex_);
+    if (sentAgain_.erase(entry.record.assetLocalIdentifier) > 0)
+        return false;
+    sentAgain_.insert(entry.record.assetLocalIdentifier);
+    return true;
+}
+
 /// Without a remote id the record is never offered for deletion: the item cannot be asked for.
 void BatchCoordinator::markVerified(const Entry& entry, const QString& remoteID,
                                     const QString& told) {
     if (!mark(entry, SyncStatus::verified,
-              [&] { return life_.created(entry.record, entry.token, remoteID); }))
+              [&] { return s_.life.created(entry.record, entry.token, remoteID); }))
         return;
-    log_.log(QStringLiteral("[Batch] VERIFIED: ") + entry.fileName + QStringLiteral(" -> ") + told);
+    s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.fileName + QStringLiteral(" -> ") +
+               told);
     onCreated(entry.record);
 }
 
-void BatchCoordinator::markFailed(const Entry& entry, const QString& reason) {
-    mark(entry, SyncStatus::failed, [&] { return life_.refused(entry.record, reason); });
+void BatchCoordinator::markFailed(const Entry& entry, const QString& reason,
+                                  const std::optional<Fault>& fault) {
+    mark(entry, SyncStatus::failed, [&] { return s_.life.refused(entry.record, reason, fault); });
 }
 
 /// False when the record stayed what it is: the store refused, which must not cost the other
@@ -241,22 +316,34 @@ bool BatchCoordinator::mark(const Entry& entry, SyncStatus status,
                             const std::function<bool()>& transition) {
     const QString outcome =
         rawValue(status) + QStringLiteral("): ") + entry.record.assetLocalIdentifier;
+    const std::lock_guard settling(settling_);
     try {
-        if (transition())
+        if (transition()) {
+            const std::lock_guard lock(mutex_);
+            unsettled_.erase(entry.record.assetLocalIdentifier);
             return true;
-        log_.log(QStringLiteral("[Batch] ⚠️ Kayıt bu arada değişti, sonuç yazılmadı (") +
-                 outcome);
+        }
+        s_.log.log(
+            QStringLiteral("[Batch] ⚠️ Kayıt bu arada değişti, sonuç yazılmadı (") +
+            outcome);
     } catch (const Error& refusal) {
-        log_.log(QStringLiteral("[Batch] ❌ Kayıt güncellenemedi (") + outcome +
-                 QStringLiteral(" -> ") + refusal.localizedDescription());
+        s_.log.log(QStringLiteral("[Batch] ❌ Kayıt güncellenemedi (") + outcome +
+                   QStringLiteral(" -> ") + refusal.localizedDescription());
         const std::lock_guard lock(mutex_);
         storeRefusal_ = refusal.localizedDescription();
     }
     return false;
 }
 
+/// Whatever of the batch has no result by now stays STAGED.
+void BatchCoordinator::leave(const Batch& batch) {
+    const std::lock_guard lock(mutex_);
+    for (const Entry& entry : batch)
+        unsettled_.erase(entry.record.assetLocalIdentifier);
+}
+
 void BatchCoordinator::logFlushError(const std::exception& error) {
-    log_.log(QStringLiteral("[Batch] Flush hatasi: ") + describe(error));
+    s_.log.log(QStringLiteral("[Batch] Flush hatasi: ") + describe(error));
 }
 
 } // namespace quorvane

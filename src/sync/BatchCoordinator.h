@@ -1,16 +1,18 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "foundation/Console.h"
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
 #include "foundation/Publisher.h"
 #include "store/RecordLife.h"
+#include "store/UploadTokens.h"
+#include "sync/Attempts.h"
 #include "sync/Destination.h"
 
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -20,32 +22,52 @@ namespace quorvane {
 struct AlbumLimitReached {};
 
 /// Turns upload tokens into items at the destination, 25 at a time or 30 seconds after the oldest
-/// was buffered, and marks each record of one library VERIFIED or FAILED. Any thread. Failures end
-/// in the records and the log: `enqueue` and `flush` throw nothing of their own.
+/// was buffered, beside the uploads: while one batch is under way another one may wait, then the
+/// uploads do. Marks each record of one library VERIFIED or FAILED. Any thread. Failures end in the
+/// records and the log.
 ///
-///     STAGED -> enqueue -> buffer -> flush -> VERIFIED | FAILED
-///                                          -> STAGED (stopped, or the album is full)
+///     STAGED -> enqueue -> buffer -> sender -> VERIFIED | FAILED
+///                                           -> the same batch again (the world's fault)
+///                                           -> STAGED (stopped, the run is over, the album is
+///                                              full, or its token is not known any more)
 ///
 /// When the album is full and roll-over is on, the entries held back are sent again at once, into
-/// the next part album. One flush rolls over at most once: when the new album refuses as well, or
-/// cannot be made, the run is stopped. So no entry is in the buffer when a flush ends, except those
-/// that were enqueued meanwhile.
+/// the next part album. One batch rolls over at most once: when the new album refuses as well, or
+/// cannot be made, the run is stopped.
 class BatchCoordinator {
   public:
     static constexpr std::size_t batchSize = 25;
     static constexpr std::chrono::seconds flushInterval{30};
 
-    BatchCoordinator(Destination& destination, RecordLife& life, Preferences& preferences, Log& log,
-                     Console& console, Clock& clock);
+    /// Not owned; they outlive the coordinator.
+    struct Services {
+        Destination& destination;
+        RecordLife& life;
+        UploadTokens& tokens;
+        Attempts& attempts;
+        Preferences& preferences;
+        Log& log;
+        Console& console;
+        Clock& clock;
+    };
 
-    /// Buffers one entry; the 25th sends them all. `stop` is the run's: it also stops the timed
-    /// flush of this entry. An empty `fileName` leaves the name to the destination.
+    explicit BatchCoordinator(const Services& services) : s_(services) {}
+
+    /// Buffers one entry; waits first while a whole batch is buffered. `stop` is the run's: it also
+    /// leaves all that is buffered STAGED. An empty `fileName` leaves the name to the destination.
+    /// Throws `Cancelled`.
     void enqueue(const QString& token, const SyncRecord& record, const QString& fileName,
                  std::stop_token stop);
 
-    /// Sends everything buffered. Waits for a flush of another thread that is under way, so that on
-    /// return all that was enqueued before has been settled. A stop leaves the records STAGED.
-    void flush(std::stop_token stop);
+    /// What is buffered becomes a batch, although it is no full one. Waits for nothing.
+    void handOver();
+
+    /// The same, and waits until all that was enqueued has been settled, or left STAGED.
+    void flush();
+
+    /// Calls `look` with the assets that are enqueued and not settled; none of them is settled
+    /// before it returns. Throws what `look` throws.
+    void lookAtUnsettled(const std::function<void(const std::set<QString>&)>& look);
 
     /// Why the store refused to record a result since this was last asked; none when it did not.
     std::optional<QString> takeStoreRefusal();
@@ -53,11 +75,11 @@ class BatchCoordinator {
     /// How many items were at the destination already, since this was last asked.
     int takeAlreadyExisting();
 
-    /// The album is full and items were held back; called on the flushing thread. Set while no run
+    /// The album is full and items were held back; called on the sending thread. Set while no run
     /// is active.
     std::function<void()> onAlbumFull = [] {};
 
-    /// The record's item is at the destination, and the store knows it; called on the flushing
+    /// The record's item is at the destination, and the store knows it; called on the sending
     /// thread. Set before the first use.
     std::function<void(const SyncRecord&)> onCreated = [](const SyncRecord&) {};
 
@@ -71,51 +93,52 @@ class BatchCoordinator {
         SyncRecord record;
         QString fileName;
     };
+    using Batch = std::vector<Entry>;
 
-    struct FlushTimer {
-        Clock::Monotonic deadline;
-        std::stop_token run;
-        std::stop_source cancel;
+    /// What became of a batch beyond what its records tell.
+    struct Remainder {
+        Batch again = {};                  ///< to be sent once more
+        Batch heldBack = {};               ///< the album is full
+        std::chrono::milliseconds wait{0}; ///< before that
     };
 
-    enum class Part { fullBatches, everything };
-
-    void startTimer(std::stop_token run);
-    void stopTimer();
-    void runTimer(std::stop_token end) noexcept;
-    std::vector<Entry> takeBuffered(Part part);
-    void sendBuffered(Part part, const std::stop_token& stop);
-
-    void sendAll(std::vector<Entry> entries, const std::stop_token& stop);
-    std::vector<Entry> sendBatch(const std::vector<Entry>& batch, const std::stop_token& stop);
+    void runSender(const std::stop_token& end) noexcept;
+    void runTimer(const std::stop_token& end) noexcept;
+    void send(Batch batch, const std::stop_token& stop);
+    Remainder sendOnce(const Batch& batch, int repeats, const std::stop_token& stop);
+    Remainder failed(const Batch& batch, const std::exception& error, Attempts::Permit permit);
+    Remainder sort(const Batch& batch, const std::vector<NewItemResult>& results,
+                   Attempts::Permit permit);
     bool rollOver(const std::stop_token& stop);
     void endAtLimit(bool stopsRun);
 
     void settle(const Entry& entry, const NewItemResult& result);
+    bool mayBeSentAgain(const Entry& entry);
     void markVerified(const Entry& entry, const QString& remoteID, const QString& told);
-    void markFailed(const Entry& entry, const QString& reason);
+    void markFailed(const Entry& entry, const QString& reason, const std::optional<Fault>& fault);
     bool mark(const Entry& entry, SyncStatus status, const std::function<bool()>& transition);
+    void leave(const Batch& batch);
     void logFlushError(const std::exception& error);
 
-    Destination& destination_;
-    RecordLife& life_;
-    Preferences& preferences_;
-    Log& log_;
-    Console& console_;
-    Clock& clock_;
+    const Services s_;
 
-    /// Held while a batch is on the network: the items of an account are created one request after
-    /// the other, and a roll-over must happen once. Taken before `mutex_`.
-    std::mutex sending_;
+    std::mutex settling_; ///< held while a record's result is written down; taken before `mutex_`
 
-    std::mutex mutex_;               ///< guards the fields below; never held on the network
-    std::vector<Entry> buffer_;      ///< fewer than `batchSize`
-    std::vector<Entry> fullBatches_; ///< wait for their turn to be sent
+    std::mutex mutex_; ///< guards the fields below; never held on the network
+    std::condition_variable_any changed_;
+    Batch buffer_;
+    std::stop_token run_;
+    std::optional<Clock::Monotonic> deadline_; ///< of the oldest buffered entry
+    std::stop_source deadlineStop_;            ///< the buffer was taken before
+    bool isHandedOver_ = false;
+    bool isSending_ = false;
+    std::set<QString> unsettled_;
+    std::set<QString> sentAgain_; ///< their first token was refused
     std::optional<QString> storeRefusal_;
     int alreadyExisting_ = 0;
-    std::optional<FlushTimer> flushTimer_; ///< set while a timed flush is pending
-    std::condition_variable_any timerStarted_;
-    std::jthread timerThread_; ///< started with the first timer; last, so that it ends first
+    std::jthread
+        timer_; ///< these two are started with the first entry; last, so that they end first
+    std::jthread sender_;
 };
 
 } // namespace quorvane

@@ -32,6 +32,12 @@ void StageAhead::expect(const std::vector<SyncRecord>& records) {
     changed_.notify_all();
 }
 
+void StageAhead::expectAgain(const SyncRecord& record) {
+    const std::lock_guard lock(mutex_);
+    queue_.push_back(record);
+    changed_.notify_all();
+}
+
 std::optional<StagedFile> StageAhead::take(const SyncRecord& record, const std::stop_token& stop) {
     const Key key = keyOf(record);
     Staged staged;

@@ -35,6 +35,9 @@ class StageAhead {
     /// them already stays so; what failed is tried anew.
     void expect(const std::vector<SyncRecord>& records);
 
+    /// One that was taken already will be taken once more. Any thread.
+    void expectAgain(const SyncRecord& record);
+
     /// Waits for the staged file of an expected record, each of which is taken once. None when no
     /// file came of it. Throws what `AssetStagingService::stage` throws. Any thread.
     std::optional<StagedFile> take(const SyncRecord& record, const std::stop_token& stop);

@@ -1,82 +1,92 @@
 #include "sync/SyncCoordinator.h"
 
-#include "foundation/File.h"
 #include "foundation/MainThread.h"
-#include "sync/Backoff.h"
-#include "sync/RecordUploadMemory.h"
 
 #include <algorithm>
 #include <thread>
 
 namespace quorvane {
 
-QString uploadName(const SyncRecord& record, const std::filesystem::path& file) {
-    const QString name = pathText(file.filename());
-    const QString prefix = QString(record.assetLocalIdentifier).replace(u'/', u'_') + u'_';
-    return name.startsWith(prefix) ? name.mid(prefix.size()) : name;
-}
-
 namespace {
 
 const QString storeText = QStringLiteral("durum veritabanına yazılamadı (%1)");
 
-/// Removes the transfer from the live table on every way out.
-class ActiveTransfer {
-  public:
-    ActiveTransfer(TransferActivityTracker& tracker, const ActiveTransferItem& item)
-        : tracker_(tracker), id_(item.id) {
-        tracker_.add(item);
-    }
-    ~ActiveTransfer() { tracker_.remove(id_); }
-    ActiveTransfer(const ActiveTransfer&) = delete;
-    ActiveTransfer& operator=(const ActiveTransfer&) = delete;
-
-  private:
-    TransferActivityTracker& tracker_;
-    QString id_;
-};
-
 } // namespace
 
 SyncCoordinator::SyncCoordinator(Services services, StageAhead::Limits stagingLimits)
-    : s_(services),
-      dateGate_({services.db, services.life, services.staging, services.metadata,
-                 services.preferences, services.console}),
-      stagingLimits_(stagingLimits) {}
+    : s_(services), stagingLimits_(stagingLimits), queue_(s_.db, s_.batchCoord, s_.recognition) {}
 
 SyncCoordinator::Summary SyncCoordinator::drainPendingQueue(bool deletionEnabled,
                                                             ProgressHandler progressHandler) {
+    queue_.begin();
     const int total = pendingOrZero();
     {
         const std::lock_guard lock(mutex_);
         summary_ = Summary();
         summary_.total = total;
-        consecutiveErrors_ = 0;
-        unavailable_.clear();
         currentProgressHandler_ = std::move(progressHandler);
     }
-    if (!s_.flags.isCancelled()) {
-        stageAhead_.emplace(s_.staging, s_.flags.stopToken(), stagingLimits_);
-        runPasses();
-        stageAhead_.reset(); // nothing is staged any more while originals are deleted
-    }
-    DeletionSummary deletion;
     if (!s_.flags.isCancelled())
+        drain();
+    DeletionSummary deletion;
+    if (!s_.flags.isCancelled() && !s_.attempts.ending())
         deletion = s_.deletion.performDeletion(deletionEnabled, s_.flags.stopToken());
 
     const std::lock_guard lock(mutex_);
     summary_.deletion = std::move(deletion);
     currentProgressHandler_ = nullptr;
     summary_.cancelled = s_.flags.isCancelled();
-    summary_.unavailable = static_cast<int>(unavailable_.size());
+    summary_.unavailable = queue_.unavailable();
     return summary_;
+}
+
+void SyncCoordinator::drain() {
+    forgetExpiredUploads();
+    stageAhead_.emplace(s_.staging, s_.flags.stopToken(), stagingLimits_);
+    transfer_.emplace(RecordTransfer::Services{s_.db, s_.life, s_.tokens, s_.sessions, s_.staging,
+                                               s_.metadata, s_.destination, s_.tracker,
+                                               s_.preferences, s_.console, s_.clock},
+                      *stageAhead_);
+    runPasses();
+    transfer_.reset();
+    stageAhead_.reset(); // nothing is staged any more while originals are deleted
+    s_.batchCoord.flush();
+    endIfStoreRefused();
+}
+
+/// Stopped, out of order here, or given up on.
+bool SyncCoordinator::isOver() {
+    if (s_.flags.isCancelled() || s_.attempts.ending())
+        return true;
+    const std::lock_guard lock(mutex_);
+    return summary_.failure.has_value();
 }
 
 int SyncCoordinator::pendingOrZero() {
     try {
-        return s_.db.countPendingRecords();
+        return queue_.count();
     } catch (const DBError&) {
         return 0;
+    }
+}
+
+/// What is left for another pass. The last batches are awaited before it is believed that nothing
+/// is: some of theirs may come back.
+int SyncCoordinator::pendingAfterPass() {
+    const int pending = pendingOrZero();
+    catchUpProgress(pending);
+    if (pending > 0)
+        return pending;
+    s_.batchCoord.flush();
+    return pendingOrZero();
+}
+
+void SyncCoordinator::forgetExpiredUploads() {
+    try {
+        s_.tokens.forgetExpired();
+        s_.sessions.forgetExpired();
+    } catch (const DBError&) { // NOLINT(bugprone-empty-catch)
+        // They serve nobody; a store that refuses is met again at the first record.
     }
 }
 
@@ -90,16 +100,16 @@ void SyncCoordinator::runPasses() {
             s_.log.log(QStringLiteral("[Sync] İptal bayrağı algılandı, döngü sonlandırılıyor"));
             return;
         }
-        pending = pendingOrZero();
-        catchUpProgress(pending);
+        pending = pendingAfterPass();
+        endIfStoreRefused();
         if (onPassEnded)
             onPassEnded();
         {
             const std::lock_guard lock(mutex_);
             summary_.passes = pass;
-            if (summary_.failure)
-                return;
         }
+        if (isOver())
+            break;
         if (!triedAny) {
             s_.log.log(
                 QStringLiteral("[Sync] ⚠️ %1 medya şu anda arşivden alınamıyor; sonraki "
@@ -113,20 +123,17 @@ void SyncCoordinator::runPasses() {
                                           "esitlemede devam edecek."));
             return;
         }
-        if (s_.flags.isCancelled()) {
-            s_.log.log(
-                QStringLiteral("[Sync] İptal bayrağı algılandı, kuyruk geçişi sonlandırılıyor"));
-            return;
-        }
     }
+    if (s_.flags.isCancelled())
+        s_.log.log(QStringLiteral("[Sync] İptal bayrağı algılandı, kuyruk geçişi sonlandırılıyor"));
 }
 
 /// One pass. False when there was nothing left that this run has not found unavailable.
 bool SyncCoordinator::runSyncLoop() {
     std::vector<SyncRecord> records;
     try {
-        s_.sessions.forgetExpired();
-        records = nextRecords();
+        records = queue_.next(
+            2 * passSize, [this](int count) { finishRecognised(count); }, s_.flags.stopToken());
     } catch (const DBError& error) {
         s_.console.print(QStringLiteral("[Sync] DB okuma hatasi: ") + error.localizedDescription());
         endBecauseOf(storeText.arg(error.localizedDescription()));
@@ -139,58 +146,21 @@ bool SyncCoordinator::runSyncLoop() {
         s_.console.print(QStringLiteral("[Sync] Bekleyen kayit yok"));
         return false;
     }
-    stageAhead_->expect(records);
+    stageAhead_->expect(records); // this pass, and the next one for the staging to go on with
     if (records.size() > passSize)
         records.resize(passSize);
     s_.console.print(QStringLiteral("[Sync] %1 kayit isleniyor").arg(records.size()));
     const int completedBefore = completed();
     processAll(std::move(records));
-    s_.batchCoord.flush(s_.flags.stopToken());
+    s_.batchCoord.handOver();
     // What was sent in this pass makes room for the next one.
     if (const auto full = takeDiskFull(); full && completed() == completedBefore)
         endBecauseOf(*full);
-    if (const auto refusal = s_.batchCoord.takeStoreRefusal())
-        endBecauseOf(storeText.arg(*refusal)); // else the same bytes again in every pass
     return true;
 }
 
-/// The oldest pending records that are to be sent: this pass, and the next one for the staging to
-/// go on with. Those found unavailable stay pending at the head of the queue and are stepped over
-/// unread; one that came back among them meanwhile is found when nothing else is left. A copy of
-/// bytes that are under way waits until nothing else is left. Called between two passes, when no
-/// worker runs.
-std::vector<SyncRecord> SyncCoordinator::nextRecords() {
-    constexpr int window = 2 * passSize;
-    const auto fetch = [&](int limit, int skipped) {
-        auto records = s_.db.fetchPendingRecords(limit, skipped);
-        std::erase_if(records, [&](const SyncRecord& record) {
-            return unavailable_.contains(record.assetLocalIdentifier);
-        });
-        return records;
-    };
-    while (true) {
-        const auto known = static_cast<int>(unavailable_.size());
-        auto records = fetch(window, known);
-        if (records.empty() && known > 0)
-            records = fetch(window + known, 0);
-        if (records.size() > window)
-            records.resize(window);
-        const auto found = s_.recognition.examine(records, s_.flags.stopToken());
-        if (found.recognised > 0) {
-            finishRecognised(found.recognised);
-            continue;
-        }
-        const auto isWaiting = [&](const SyncRecord& record) {
-            return found.waiting.contains(record.assetLocalIdentifier);
-        };
-        if (!std::ranges::all_of(records, isWaiting))
-            std::erase_if(records, isWaiting);
-        return records;
-    }
-}
-
 void SyncCoordinator::processAll(std::vector<SyncRecord> records) {
-    Pass pass{std::move(records)};
+    Pass pass{{std::make_move_iterator(records.begin()), std::make_move_iterator(records.end())}};
     std::vector<std::jthread> workers;
     for (int i = 0; i < maxConcurrent; ++i)
         workers.emplace_back([this, &pass] { work(pass); });
@@ -199,37 +169,53 @@ void SyncCoordinator::processAll(std::vector<SyncRecord> records) {
 /// One worker is one record in flight; records start in the fetched order.
 void SyncCoordinator::work(Pass& pass) {
     while (true) {
-        const SyncRecord* record = nullptr;
-        {
-            const std::lock_guard lock(mutex_);
-            if (pass.next == pass.records.size() || summary_.failure || diskFull_)
+        try {
+            auto permit = s_.attempts.enter(s_.flags.stopToken());
+            if (!permit)
                 return;
-            if (!s_.flags.isCancelled())
-                record = &pass.records[pass.next++];
-            else if (std::exchange(pass.stopLogged, true))
+            const auto record = nextIn(pass);
+            if (!record)
                 return;
-        }
-        if (record == nullptr) {
-            s_.log.log(QStringLiteral("[Sync] İptal bayrağı algılandı, batch sonlandırılıyor"));
+            processRecord(pass, *record, std::move(*permit));
+        } catch (const Cancelled&) {
+            if (!isStopLogged(pass))
+                s_.log.log(QStringLiteral("[Sync] İptal bayrağı algılandı, batch sonlandırılıyor"));
             return;
         }
-        processRecord(*record);
     }
+}
+
+/// None when the pass has nothing more to start.
+std::optional<SyncRecord> SyncCoordinator::nextIn(Pass& pass) {
+    const std::lock_guard lock(mutex_);
+    if (pass.queue.empty() || summary_.failure || diskFull_)
+        return std::nullopt;
+    SyncRecord record = std::move(pass.queue.front());
+    pass.queue.pop_front();
+    return record;
+}
+
+/// Also when there is nothing that the stop kept from being started.
+bool SyncCoordinator::isStopLogged(Pass& pass) {
+    const std::lock_guard lock(mutex_);
+    return pass.queue.empty() || std::exchange(pass.stopLogged, true);
 }
 
 /// Every error of a record ends here: in its status, or, when it is this computer's fault, in the
 /// end of the run.
-void SyncCoordinator::processRecord(const SyncRecord& record) noexcept {
+void SyncCoordinator::processRecord(Pass& pass, const SyncRecord& record,
+                                    Attempts::Permit given) noexcept {
+    std::optional<Attempts::Permit> permit(std::move(given));
     try {
         try {
-            upload(record, s_.flags.stopToken());
+            bring(record, permit);
         } catch (const DBError&) {
             throw;
         } catch (const StagingDiskFull& error) {
             const std::lock_guard lock(mutex_);
             diskFull_ = error.localizedDescription();
         } catch (const std::exception& error) {
-            handleFailure(record, error);
+            handleFailure(pass, record, error, permit);
         }
     } catch (const std::exception& error) {
         s_.console.print(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
@@ -237,46 +223,23 @@ void SyncCoordinator::processRecord(const SyncRecord& record) noexcept {
     }
 }
 
-void SyncCoordinator::upload(const SyncRecord& record, std::stop_token stop) {
-    auto file = stageAhead_->take(record, stop);
-    if (!file)
-        return leaveOut(record);
-    if (!dateGate_.passes(record, *file, stop))
-        return;
-    const std::int64_t bytes = file->content.sizeBytes;
-    const QString name = uploadName(record, file->path);
-    {
-        ActiveTransferItem item;
-        item.id = record.assetLocalIdentifier;
-        item.fileName = name;
-        item.isVideo = record.mediaType == MediaType::video;
-        item.totalBytes = bytes;
-        item.startedAt = s_.clock.now();
-        const ActiveTransfer transfer(s_.tracker, item);
-        const auto progress = [&](std::int64_t sent, std::int64_t total) {
-            s_.tracker.updateProgress(item.id, sent, total);
-        };
-        RecordUploadMemory memory(s_.sessions, record, file->content);
-        const QString token =
-            s_.destination.upload({file->path, name, item.isVideo}, memory, progress, stop);
-        if (fileVersion(file->path) != file->version) { // nobody knows what was sent
-            s_.life.requeued(record);
-            return;
-        }
-        s_.batchCoord.enqueue(token, record, name, stop);
+void SyncCoordinator::bring(const SyncRecord& record, std::optional<Attempts::Permit>& permit) {
+    const std::stop_token stop = s_.flags.stopToken();
+    const RecordTransfer::Result result = transfer_->bring(record, stop);
+    if (result.sentBytes > 0)
+        permit->passed();
+    permit.reset(); // the batches, which may have to be waited for, need one of their own
+    if (result.outcome == RecordTransfer::Outcome::unavailable) {
+        queue_.setUnavailable(record);
+    } else if (result.outcome == RecordTransfer::Outcome::sent) {
+        s_.batchCoord.enqueue(result.token, record, result.fileName, stop);
+        finishRecord(result.sentBytes);
     }
-    finishRecord(bytes);
 }
 
-/// No file came of the record. Unless its staging failed, it stays pending for a later run.
-void SyncCoordinator::leaveOut(const SyncRecord& record) {
-    if (s_.db.fetchStatus(record) != SyncStatus::discovered)
-        return;
-    const std::lock_guard lock(mutex_);
-    unavailable_.insert(record.assetLocalIdentifier);
-}
-
-void SyncCoordinator::handleFailure(const SyncRecord& record, const std::exception& error) {
+void SyncCoordinator::handleFailure(Pass& pass, const SyncRecord& record,
+                                    const std::exception& error,
+                                    std::optional<Attempts::Permit>& permit) {
     const QString description = describe(error);
     if (s_.flags.isCancelled() || dynamic_cast<const Cancelled*>(&error) != nullptr ||
         description.toLower().contains(u"cancel")) {
@@ -286,21 +249,46 @@ void SyncCoordinator::handleFailure(const SyncRecord& record, const std::excepti
         s_.life.requeued(record);
         return;
     }
-    int errors = 0;
-    {
-        // One count for both records in flight: two failures at once are two failures in a row, so
-        // the second of them waits twice as long as the first.
-        const std::lock_guard lock(mutex_);
-        errors = ++consecutiveErrors_;
+    const World::Verdict verdict = judge(record, error, permit);
+    if (verdict.isItsOwn) {
+        s_.console.print(
+            QStringLiteral("[Sync] Hata (%1x), %2s bekleniyor: %3")
+                .arg(verdict.errors)
+                .arg(QString::number(static_cast<double>(verdict.wait.count()), 'f', 1),
+                     description));
+        s_.clock.sleep(verdict.wait, s_.flags.stopToken());
+        return;
     }
-    const auto wait = backoffAfter(errors);
-    s_.console.print(
-        QStringLiteral("[Sync] Hata (%1x), %2s bekleniyor: %3")
-            .arg(errors)
-            .arg(QString::number(static_cast<double>(wait.count()), 'f', 1), description));
-    if (!s_.life.refused(record, description))
+    s_.log.log(QStringLiteral("[Sync] ⏸ Dosya sırada kaldı: ") + description);
+    stageAhead_->expectAgain(record);
+    const std::lock_guard lock(mutex_);
+    pass.queue.push_back(record); // the next attempt is another one's
+}
+
+/// Whose fault it was, with what follows for this record and for those that failed before it.
+World::Verdict SyncCoordinator::judge(const SyncRecord& record, const std::exception& error,
+                                      std::optional<Attempts::Permit>& permit) {
+    const auto* own = dynamic_cast<const Error*>(&error);
+    const std::optional<Fault> fault = own == nullptr ? std::nullopt : own->fault();
+    const std::lock_guard judging(judging_);
+    const World::Verdict verdict = permit->failed(fault);
+    if (verdict.beganOutage)
+        relieveSuspects(verdict.era);
+    if (!verdict.isItsOwn)
+        return verdict;
+    const QString description = describe(error);
+    if (!s_.life.refused(record, description, fault))
         s_.life.stageFailed(record, description);
-    s_.clock.sleep(wait, s_.flags.stopToken());
+    if (fault && kindOf(fault->code) == FaultKind::moment)
+        suspects_.push_back({record, verdict.era});
+    return verdict;
+}
+
+/// Those that failed in a row before an outage failed by it.
+void SyncCoordinator::relieveSuspects(int era) {
+    for (const Suspect& suspect : std::exchange(suspects_, {}))
+        if (suspect.era == era)
+            s_.life.relieved(suspect.record);
 }
 
 std::optional<QString> SyncCoordinator::takeDiskFull() {
@@ -318,6 +306,12 @@ void SyncCoordinator::endBecauseOf(const QString& failure) {
     summary_.failure = failure;
 }
 
+/// Else the same bytes again in every pass.
+void SyncCoordinator::endIfStoreRefused() {
+    if (const auto refusal = s_.batchCoord.takeStoreRefusal())
+        endBecauseOf(storeText.arg(*refusal));
+}
+
 void SyncCoordinator::finishRecognised(int count) {
     {
         const std::lock_guard lock(mutex_);
@@ -330,7 +324,6 @@ void SyncCoordinator::finishRecognised(int count) {
 void SyncCoordinator::finishRecord(std::int64_t bytes) {
     {
         const std::lock_guard lock(mutex_);
-        consecutiveErrors_ = 0;
         ++summary_.completed;
         summary_.uploadedBytes += bytes;
     }

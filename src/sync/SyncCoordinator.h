@@ -1,31 +1,24 @@
 #pragma once
 
-#include "google/TransferActivityTracker.h"
-#include "library/AssetStagingService.h"
 #include "library/SafeDeletionService.h"
-#include "metadata/MediaMetadataService.h"
 #include "store/RecordLife.h"
 #include "store/UploadSessions.h"
+#include "sync/Attempts.h"
 #include "sync/BatchCoordinator.h"
-#include "sync/DateGate.h"
-#include "sync/Destination.h"
-#include "sync/Recognition.h"
+#include "sync/PendingQueue.h"
+#include "sync/RecordTransfer.h"
 #include "sync/RunFlags.h"
-#include "sync/StageAhead.h"
 
+#include <deque>
 #include <functional>
 #include <mutex>
-#include <set>
 
 namespace quorvane {
 
-/// The name a staged file goes by: its own, without the identifier in front.
-QString uploadName(const SyncRecord& record, const std::filesystem::path& stagedFile);
-
 /// Drives a sync run: drains the pending records in passes of at most 50, at most two in flight,
-/// each through staging, date gate, upload and batch creation; backs off after failures; at the end
-/// lets safe deletion do its work. While records upload, the next ones are staged ahead. One run at
-/// a time (`RunFlags`).
+/// each through staging, date gate and upload to the batches, which make the items beside it; backs
+/// off after failures, waits while the world is out of order; at the end lets safe deletion do its
+/// work. While records upload, the next ones are staged ahead. One run at a time (`RunFlags`).
 class SyncCoordinator {
   public:
     /// (completed, total); called on the main thread.
@@ -36,10 +29,12 @@ class SyncCoordinator {
         DatabaseManager& db;
         RecordLife& life;
         UploadSessions& sessions;
+        UploadTokens& tokens;
         AssetStagingService& staging;
         MediaMetadataService& metadata;
         Recognition& recognition;
         Destination& destination;
+        Attempts& attempts;
         BatchCoordinator& batchCoord;
         TransferActivityTracker& tracker;
         SafeDeletionService& deletion;
@@ -65,7 +60,8 @@ class SyncCoordinator {
 
     explicit SyncCoordinator(Services services, StageAhead::Limits stagingLimits = {});
 
-    /// One whole run; blocks its caller until it is over. The caller has set the run flags.
+    /// One whole drain; blocks its caller until it is over, with every batch settled. The caller
+    /// has set the run flags and begun the attempts. Attempts that end leave the rest pending.
     Summary drainPendingQueue(bool deletionEnabled, ProgressHandler progressHandler = {});
 
     /// Called on the run's thread after each pass. Set while no run is active.
@@ -76,44 +72,60 @@ class SyncCoordinator {
     static constexpr int maximumSyncPasses = 1000;
 
   private:
-    /// The records of one pass and how far its workers are.
+    /// The records of one pass that are still to be started.
     struct Pass {
-        std::vector<SyncRecord> records;
-        size_t next = 0;
+        std::deque<SyncRecord> queue;
         bool stopLogged = false;
     };
+    /// Failed by a fault of the moment, in this era of the world.
+    struct Suspect {
+        SyncRecord record;
+        int era;
+    };
 
+    bool isOver();
     int pendingOrZero();
+    int pendingAfterPass();
+    void forgetExpiredUploads();
+    void drain();
     void runPasses();
     bool runSyncLoop();
-    std::vector<SyncRecord> nextRecords();
     void processAll(std::vector<SyncRecord> records);
     void work(Pass& pass);
+    std::optional<SyncRecord> nextIn(Pass& pass);
+    bool isStopLogged(Pass& pass);
 
-    void processRecord(const SyncRecord& record) noexcept;
-    void upload(const SyncRecord& record, std::stop_token stop);
-    void leaveOut(const SyncRecord& record);
-    void handleFailure(const SyncRecord& record, const std::exception& error);
-    void endBecauseOf(const QString& failure);
+    void processRecord(Pass& pass, const SyncRecord& record, Attempts::Permit permit) noexcept;
+    void bring(const SyncRecord& record, std::optional<Attempts::Permit>& permit);
+    void handleFailure(Pass& pass, const SyncRecord& record, const std::exception& error,
+                       std::optional<Attempts::Permit>& permit);
+    World::Verdict judge(const SyncRecord& record, const std::exception& error,
+                         std::optional<Attempts::Permit>& permit);
+    void relieveSuspects(int era);
+
     std::optional<QString> takeDiskFull();
     int completed();
+    void endBecauseOf(const QString& failure);
+    void endIfStoreRefused();
     void finishRecord(std::int64_t bytes);
     void finishRecognised(int count);
     void catchUpProgress(int pending);
     void reportProgress();
 
     Services s_;
-    DateGate dateGate_;
     StageAhead::Limits stagingLimits_;
+    PendingQueue queue_;
+
+    std::mutex judging_; ///< held while a failure is judged and written down; before `mutex_`
+    std::vector<Suspect> suspects_; ///< guarded by it
 
     std::mutex mutex_; ///< guards everything below; never held over network or disk
     ProgressHandler currentProgressHandler_;
     Summary summary_;
-    int consecutiveErrors_ = 0;
     std::optional<QString> diskFull_; ///< no further record of this pass can be staged
-    std::set<QString> unavailable_;   ///< found without a file in this run; not tried again in it
 
-    std::optional<StageAhead> stageAhead_; ///< while the passes of a run last; not guarded
+    std::optional<StageAhead> stageAhead_;   ///< this and the next: while the passes of a run
+    std::optional<RecordTransfer> transfer_; ///< last; not guarded
 };
 
 } // namespace quorvane

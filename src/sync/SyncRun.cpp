@@ -1,5 +1,7 @@
 #include "sync/SyncRun.h"
 
+#include "store/RecordFaults.h"
+
 #include <algorithm>
 #include <atomic>
 
@@ -7,18 +9,23 @@ namespace quorvane {
 
 namespace {
 
-/// Marks the run's beginning and end, and carries a stop and a full album into it.
+/// Marks the run's beginning and end, carries a stop and a full album into it, and tells its state.
 class ActiveRun {
   public:
-    ActiveRun(const SyncRunServices& services, const std::stop_token& stop)
+    ActiveRun(const SyncRunServices& services, const SyncRunOrder& order,
+              const SyncRunCallbacks& callbacks, const std::stop_token& stop)
         : services_(services),
+          callbacks_(callbacks),
           onStop_((services.flags.begin(), stop), [&flags = services.flags] { flags.cancel(); }) {
         services_.batches.onAlbumFull = [this] {
             isAlbumFull_ = true;
             services_.flags.cancel(); // else the same bytes again and again
         };
+        services_.attempts.begin(order.patience, [this](const auto& waiting) { tell(waiting); });
+        tell(RunState{.phase = RunState::Phase::running});
     }
     ~ActiveRun() {
+        services_.attempts.begin(World::endless);
         services_.batches.onAlbumFull = [] {};
         services_.flags.end();
     }
@@ -27,11 +34,39 @@ class ActiveRun {
 
     bool isAlbumFull() const { return isAlbumFull_; }
 
+    void tell(const RunState& state) {
+        services_.stateFile.keep(state);
+        if (callbacks_.stateChanged)
+            callbacks_.stateChanged(state);
+    }
+
   private:
+    void tell(const std::optional<Attempts::Waiting>& waiting) {
+        RunState state{.phase = RunState::Phase::running};
+        if (waiting)
+            state = {.phase = RunState::Phase::waiting,
+                     .fault = waiting->obstacle,
+                     .until = waiting->until};
+        services_.log.log(QStringLiteral("[Sync] ") +
+                          (waiting ? QStringLiteral("⏸ ") : QStringLiteral("▶ ")) + state.text());
+        tell(state);
+    }
+
     const SyncRunServices& services_;
+    const SyncRunCallbacks& callbacks_;
     std::atomic<bool> isAlbumFull_ = false;
     std::stop_callback<std::function<void()>> onStop_;
 };
+
+/// What failed by the world's fault is in the queue again.
+void relieve(const SyncRunServices& services, const SyncRunOrder& order) {
+    std::vector kinds{FaultKind::day, FaultKind::session, FaultKind::account, FaultKind::target,
+                      FaultKind::machine};
+    if (order.takesUpFailed)
+        kinds.push_back(FaultKind::moment);
+    for (const SyncRecord& record : RecordFaults(services.db).failedBy(kinds))
+        services.life.relieved(record);
+}
 
 void discover(const SyncRunServices& services, const SyncRunCallbacks& callbacks) {
     services.staging.removeLeftovers(services.flags.stopToken());
@@ -43,13 +78,13 @@ void discover(const SyncRunServices& services, const SyncRunCallbacks& callbacks
 
 /// A drain is followed by another only while records are pending that this run has not tried: those
 /// that appeared meanwhile, or those beyond the engine's limit of passes.
-void drainAll(const SyncRunServices& services, bool deletionEnabled,
-              const SyncRunCallbacks& callbacks, SyncRunOutcome& outcome) {
+void drainAll(const SyncRunServices& services, bool deletes, const SyncRunCallbacks& callbacks,
+              SyncRunOutcome& outcome) {
     services.coordinator.onPassEnded = callbacks.passEnded;
     while (true) {
         const int done = outcome.total;
         auto summary = services.coordinator.drainPendingQueue(
-            deletionEnabled, [progress = callbacks.progress, done](int completed, int total) {
+            deletes, [progress = callbacks.progress, done](int completed, int total) {
                 if (progress)
                     progress(done + completed, done + total);
             });
@@ -60,25 +95,41 @@ void drainAll(const SyncRunServices& services, bool deletionEnabled,
         outcome.deletion.deleted += summary.deletion.deleted;
         outcome.deletion.leftOut = std::move(summary.deletion.leftOut);
         outcome.error = summary.failure;
-        if (summary.failure || summary.cancelled || summary.completed == 0 ||
-            services.db.countPendingRecords() <= summary.unavailable)
+        if (summary.failure || summary.cancelled || services.attempts.ending() ||
+            summary.completed == 0 || services.db.countPendingRecords() <= summary.unavailable)
             return;
     }
 }
 
 } // namespace
 
-SyncRunOutcome runSync(const SyncRunServices& services, bool deletionEnabled,
+RunState SyncRunOutcome::state() const {
+    using End = RunState::End;
+    const End end = error          ? End::machine
+                    : fault        ? End::world
+                    : albumFull    ? End::albumFull
+                    : wasStopped   ? End::stopped
+                    : hasItemsLeft ? End::itemsLeft
+                                   : End::complete;
+    return {.phase = RunState::Phase::ended,
+            .end = end,
+            .fault = end == End::world ? fault : std::nullopt,
+            .error = error.value_or(QString())};
+}
+
+SyncRunOutcome runSync(const SyncRunServices& services, const SyncRunOrder& order,
                        const SyncRunCallbacks& callbacks, std::stop_token stop) {
     SyncRunOutcome outcome;
-    const ActiveRun run(services, stop);
+    ActiveRun run(services, order, callbacks, stop);
     try {
+        relieve(services, order);
         const StoreCounts before = StoreCounts::of(services.db);
         services.batches.takeAlreadyExisting();
         discover(services, callbacks);
         outcome.leftOut = services.library.leftOut();
-        drainAll(services, deletionEnabled, callbacks, outcome);
-        if (services.mirror != nullptr && !outcome.error && !services.flags.isCancelled())
+        drainAll(services, order.deletes, callbacks, outcome);
+        if (services.mirror != nullptr && !outcome.error && !services.attempts.ending() &&
+            !services.flags.isCancelled())
             outcome.mirror = services.mirror->run(services.flags.stopToken());
         const StoreCounts after = StoreCounts::of(services.db);
         outcome.existing = services.batches.takeAlreadyExisting();
@@ -86,6 +137,10 @@ SyncRunOutcome runSync(const SyncRunServices& services, bool deletionEnabled,
         outcome.datedByNumber = std::max(0, after.datedByNumber - before.datedByNumber);
         outcome.failed = std::max(0, after.failed - before.failed);
         outcome.undated = std::max(0, after.undated - before.undated);
+        const int pending = services.db.countPendingRecords();
+        outcome.hasItemsLeft = after.failed + after.undated + pending > 0;
+        outcome.mayPassLater =
+            pending > 0 || !RecordFaults(services.db).failedBy({FaultKind::moment}).empty();
     } catch (const Cancelled&) {
         outcome.wasStopped = true;
     } catch (const std::exception& error) {
@@ -93,6 +148,9 @@ SyncRunOutcome runSync(const SyncRunServices& services, bool deletionEnabled,
     }
     outcome.albumFull = run.isAlbumFull();
     outcome.wasStopped = !outcome.albumFull && services.flags.isCancelled();
+    if (!outcome.wasStopped)
+        outcome.fault = services.attempts.ending();
+    run.tell(outcome.state());
     return outcome;
 }
 

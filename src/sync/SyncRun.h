@@ -3,6 +3,7 @@
 #include "library/PhotoLibraryObserver.h"
 #include "store/StoreCounts.h"
 #include "sync/AlbumMirror.h"
+#include "sync/RunState.h"
 #include "sync/SyncCoordinator.h"
 
 #include <functional>
@@ -21,7 +22,18 @@ struct SyncRunServices {
     BatchCoordinator& batches;
     SyncCoordinator& coordinator;
     RunFlags& flags;
+    RecordLife& life;
+    Attempts& attempts;
+    RunStateFile& stateFile;
+    Log& log;
     AlbumMirror* mirror = nullptr; ///< none: albums are not mirrored
+};
+
+/// What whoever starts a run wants of it.
+struct SyncRunOrder {
+    bool deletes = false; ///< safe deletion follows
+    World::Patience patience = World::endless;
+    bool takesUpFailed = false; ///< what failed by a fault of the moment is tried again
 };
 
 /// What a run tells while it runs. All may be empty.
@@ -29,6 +41,7 @@ struct SyncRunCallbacks {
     SyncCoordinator::ProgressHandler progress; ///< called on the main thread
     std::function<void()> discovered; ///< called on the run's thread, before the first pass
     std::function<void()> passEnded;  ///< called on the run's thread
+    std::function<void(const RunState&)> stateChanged; ///< any thread, one call at a time
 };
 
 /// How one run ended.
@@ -48,15 +61,20 @@ struct SyncRunOutcome {
     bool albumFull = false;
     bool wasStopped = false;      ///< by whoever started it
     std::optional<QString> error; ///< why the run could not do its work, or not to its end
+    std::optional<Fault> fault;   ///< of the world, which ended it; the rest is pending
+    bool hasItemsLeft = false;    ///< something is pending, failed or without a date
+    bool mayPassLater = false;    ///< some of it without anybody's doing
 
+    /// As `RunState` tells it.
+    RunState state() const;
     /// Nothing reached the destination although something was tried.
-    bool hasFailed() const { return error || (failed > 0 && verified == 0); }
+    bool hasFailed() const { return error || fault || (failed > 0 && verified == 0); }
 };
 
 /// One run, on the calling thread: the removals in which an earlier one died are settled, the
 /// source is listed, and its pending records are drained until nothing untried is left; a full
 /// album ends it; safe deletion has the last word. Never throws. The caller holds the run lock.
-SyncRunOutcome runSync(const SyncRunServices& services, bool deletionEnabled,
+SyncRunOutcome runSync(const SyncRunServices& services, const SyncRunOrder& order,
                        const SyncRunCallbacks& callbacks, std::stop_token stop);
 
 } // namespace quorvane

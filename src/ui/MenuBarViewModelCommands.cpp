@@ -30,7 +30,8 @@ SyncRunOutcome runLocked(const LibrarySession& session, bool deletionEnabled,
     }
     try {
         const std::shared_ptr<void> lock = acquireRunLock();
-        return runSync(session.run, deletionEnabled, callbacks, stop);
+        return runSync(session.run, {.deletes = deletionEnabled, .takesUpFailed = true}, callbacks,
+                       stop);
     } catch (const Error& error) {
         outcome.error = error.localizedDescription();
     }

@@ -101,7 +101,7 @@ TEST(ProgressTest, theLineTellsCountPaceAndNames) {
         {1, 1001, 10, {}, u"1/1001 (%0) · 3.2 MB/s · kalan 2:46:40"_s},
         {1, 500'000, 10, {}, u"1/500000 (%0) · 3.2 MB/s · kalan 1388:53:10"_s},
         {30'000'000, 40'000'000, 60, {}, u"30000000/40000000 (%75) · 3.2 MB/s · kalan 0:20"_s},
-        {0, 0, 0, {}, u"0/0 (%100) · 3.2 MB/s"_s},
+        {0, 0, 0, {}, u"Arşiv taranıyor…"_s},
     };
     for (const auto& each : cases)
         EXPECT_EQ(progressLine(each.completed, each.total, std::chrono::seconds(each.elapsed),

@@ -66,6 +66,7 @@ const std::vector<Operation> operations{
      setReason},
     {"refused", [](auto& life, auto& record) { return life.refused(record, u"reason"_s); },
      countFailure},
+    {"relieved", [](auto& life, auto& record) { return life.relieved(record); }, clearError},
     {"created", [](auto& life, auto& record) { return life.created(record, u"T"_s, u"R"_s); },
      [](SyncRecord& record) {
          setRemote(record);

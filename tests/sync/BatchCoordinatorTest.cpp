@@ -56,9 +56,16 @@ struct Batches : testing::Test {
     Preferences preferences{folder / "preferences.json"};
     DatabaseManager database{folder / "quorvane.sqlite", console};
     RecordLife life{database};
+    UploadTokens tokens{database, clock};
+    test::FakeClock worldClock;
+    Attempts attempts{worldClock};
     std::optional<BatchCoordinator> coordinator;
 
-    Batches() { coordinator.emplace(destination, life, preferences, log, console, clock); }
+    Batches() {
+        worldClock.skipSleeps(true);
+        coordinator.emplace(BatchCoordinator::Services{destination, life, tokens, attempts,
+                                                       preferences, log, console, clock});
+    }
 
     /// Records "0", "1"... with tokens "t0", "t1"... named "0.jpg", "1.jpg"...
     void enqueue(int from, int to, const std::stop_token& stop = {}) {
@@ -91,12 +98,12 @@ struct Batches : testing::Test {
 } // namespace
 
 TEST_F(Batches, The25thEntrySendsThemAll) {
-    coordinator->flush({}); // nothing yet
+    coordinator->flush(); // nothing yet
     enqueue(0, 24);
     EXPECT_TRUE(destination.batches.empty());
     enqueue(24, 25);
+    ASSERT_TRUE(test::waitOnMainThread([&] { return verified() == 25; }));
     EXPECT_EQ(destination.batches.size(), 1U);
-    EXPECT_EQ(verified(), 25U);
     EXPECT_EQ(state(7), u"VERIFIED m-t7"_s);
     EXPECT_EQ(database.fetchVerifiedForDeletion().at(0).uploadToken, u"t0"_s);
 }
@@ -114,7 +121,7 @@ TEST_F(Batches, TheOldestEntryWaitsThirtySeconds) {
 
     enqueue(24, 25); // the next entry starts a timer of its own, and a flush ends it
     waitForTimer(2);
-    coordinator->flush({});
+    coordinator->flush();
     enqueue(25, 26);
     waitForTimer(3);
     EXPECT_EQ(clock.sleeps(), (std::vector<std::chrono::milliseconds>{30s, 30s, 30s}));
@@ -137,7 +144,7 @@ TEST_F(Batches, EachResultDecidesItsOwnRecord) {
     for (const auto& row : rows) {
         destination.answer = [&](const NewItem&, const std::stop_token&) { return row.result; };
         enqueue(0, 1);
-        coordinator->flush({});
+        coordinator->flush();
         EXPECT_EQ(state(0), row.state);
         EXPECT_TRUE(log.contains(row.log)) << row.log.toStdString();
         EXPECT_EQ(verified(), row.state == u"VERIFIED m"_s ? 1U : 0U);
@@ -165,8 +172,8 @@ TEST_F(Batches, AFailedRequestFailsItsRecordsAndAStopLeavesThemStaged) {
             fault();
             return made(item);
         };
-        enqueue(0, 2);
-        coordinator->flush(stop.get_token());
+        enqueue(0, 2, stop.get_token());
+        coordinator->flush();
         EXPECT_EQ(state(0), expected);
         EXPECT_EQ(state(1), expected);
         EXPECT_EQ(log.messages().back(), message);
@@ -181,7 +188,7 @@ TEST_F(Batches, ARecordThatCannotBeMarkedCostsNoOtherRecord) {
                  "WHEN NEW.asset_local_identifier = '1' "
                  "BEGIN SELECT RAISE(FAIL, 'disk dolu'); END;");
     database.updateStatus(u"2"_s, googlePhotosProvider, pendingAccount, SyncStatus::excluded);
-    coordinator->flush({});
+    coordinator->flush();
     EXPECT_EQ(state(0), u"VERIFIED m-t0"_s);
     EXPECT_EQ(state(1), u"STAGED"_s);
     EXPECT_EQ(state(2), u"EXCLUDED"_s);
@@ -229,7 +236,7 @@ TEST_F(Batches, AFullAlbumStopsTheRunOrRollsOverAsTheSettingsSay) {
         destination.batches.clear();
         enqueue(0, 3);
         testing::internal::CaptureStdout();
-        coordinator->flush({});
+        coordinator->flush();
         EXPECT_EQ(testing::internal::GetCapturedStdout(), row.printed);
         EXPECT_EQ(told, row.verified == 3 ? 0 : 1);
         EXPECT_EQ(verified(), row.verified);
@@ -247,7 +254,7 @@ TEST_F(Batches, EveryTokenOfTwoThreadsIsSentOnce) {
         const std::jthread first([&] { enqueue(0, 100); });
         const std::jthread second([&] { enqueue(100, 200); });
     }
-    coordinator->flush({});
+    coordinator->flush();
     QStringList sent;
     for (const QStringList& batch : destination.batches) {
         EXPECT_LE(batch.size(), 25);
@@ -269,12 +276,12 @@ TEST_F(Batches, AFlushWaitsForTheOneUnderWayWhileEntriesComeIn) {
         return made(item);
     };
     enqueue(0, 1);
-    const std::jthread first([&] { coordinator->flush({}); });
+    const std::jthread first([&] { coordinator->flush(); });
     onTheNetwork.wait();
     enqueue(1, 2); // not blocked
     EXPECT_EQ(destination.batches.size(), 1U);
     const std::jthread release([&] { mayAnswer.count_down(); });
-    coordinator->flush({});
+    coordinator->flush();
     EXPECT_EQ(verified(), 2U) << "also the other thread's entry is settled";
 }
 

@@ -5,6 +5,7 @@
 #include "library/StoredFiles.h"
 #include "platform/folder/FolderLibrary.h"
 #include "store/StateCatalogue.h"
+#include "store/UploadTokens.h"
 #include "support/Fakes.h"
 #include "sync/GoogleDestination.h"
 #include "sync/SyncRun.h"
@@ -33,6 +34,7 @@ struct Engine {
     explicit Engine(const Around& around, StageAhead::Limits limits = {})
         : place(StateCatalogue(around.folders).first()),
           database(place.database, around.console),
+          tokens(database, around.clock),
           library(around.pictures, files, confirmation, around.log),
           metadata(library, around.folders.pictures, around.log, around.clock),
           sources(library, around.preferences, around.log),
@@ -41,12 +43,16 @@ struct Engine {
           observer(library, database, life, staging, sources, around.preferences, around.console),
           deletion({database, life, staging, library, around.destination, around.log}),
           recognition(library, known, life, around.destination, around.log),
-          batches(around.destination, life, around.preferences, around.log, around.console,
-                  around.batchClock),
-          coordinator({database, life, sessions, staging, metadata, recognition, around.destination,
-                       batches, around.tracker, deletion, around.preferences, flags, around.log,
-                       around.console, around.clock},
-                      limits) {
+          attempts(around.clock),
+          batches({around.destination, life, tokens, attempts, around.preferences, around.log,
+                   around.console, around.batchClock}),
+          coordinator({database, life, tokens, sessions, staging, metadata, recognition,
+                       around.destination, attempts, batches, around.tracker, deletion,
+                       around.preferences, flags, around.log, around.console, around.clock},
+                      limits),
+          runState(around.folders.runState()),
+          run{database,    library, observer, staging,  deletion, batches,
+              coordinator, flags,   life,     attempts, runState, around.log} {
         batches.onAlbumFull = [this, &preferences = around.preferences] {
             if (preferences.boolean(preferenceKeys::stopAtLimit))
                 flags.cancel();
@@ -57,6 +63,7 @@ struct Engine {
     StatePlace place;
     DatabaseManager database;
     RecordLife life{database, {QStringLiteral("1"), QStringLiteral("kisi@example.com")}};
+    UploadTokens tokens;
     KnownContents known{database, {}};
     SystemClock sessionClock;
     UploadSessions sessions{database, sessionClock, QStringLiteral("1")};
@@ -68,11 +75,12 @@ struct Engine {
     PhotoLibraryObserver observer;
     SafeDeletionService deletion;
     Recognition recognition;
+    Attempts attempts;
     BatchCoordinator batches;
     RunFlags flags;
     SyncCoordinator coordinator;
-    SyncRunServices run{database, library, observer,    staging,
-                        deletion, batches, coordinator, flags};
+    RunStateFile runState;
+    SyncRunServices run;
 };
 
 } // namespace quorvane::test

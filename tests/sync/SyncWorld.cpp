@@ -87,6 +87,7 @@ SyncCoordinator::Summary SyncProgram::run() {
 void SyncProgram::start() {
     testing::internal::CaptureStdout();
     flags.begin();
+    attempts.begin(patience);
     run_ = std::async(std::launch::async,
                       [this] { return coordinator.drainPendingQueue(false, onProgress); });
 }

@@ -86,6 +86,7 @@ class SyncProgram : public Surroundings, private Engine {
     SyncProgram(SyncWorld& world, const std::filesystem::path& home,
                 StageAhead::Limits stagingLimits = {});
 
+    using Engine::attempts;
     using Engine::coordinator;
     using Engine::database;
     using Engine::flags;
@@ -116,6 +117,7 @@ class SyncProgram : public Surroundings, private Engine {
     int stagedFiles() const;
 
     SyncCoordinator::ProgressHandler onProgress;
+    World::Patience patience = World::endless;
 
   private:
     std::map<QString, QString> identifiers_; ///< by name, as discovered

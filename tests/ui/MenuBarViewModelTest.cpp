@@ -259,11 +259,10 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
   statusMessage: Arşiviniz güncel ve güvende
   verifiedCount: 30
 ## the access was withdrawn
-  failedCategorySummaries: [Diğer Hatalar, 1, Teknik hata nedeniyle yüklenemedi, questionmark.circle.fill]
-  failedCount: 1
   isLastRunComplete: false
+  pendingCount: 1
   selectedSourceCount: 31
-  statusMessage: 1 öğe aktarılamadı (tekrar denenecek)
+  statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
   syncState: error
   syncTotalCount: 1
   totalPhotoCount: 31

@@ -63,17 +63,39 @@ int run(const QStringList& words, Console& console, std::stop_token stop) {
         return usage;
     } catch (const OAuthError& error) {
         console.error(error.localizedDescription());
-        return error.which() == OAuthError::Case::notSignedIn ? notSignedIn : failedToRun;
+        if (error.which() == OAuthError::Case::notSignedIn)
+            return notSignedIn;
+        return error.fault() ? exitCodeOf(*error.fault()) : failedToRun;
     } catch (const RunLockHeld& error) {
         console.error(error.localizedDescription());
         return anotherRunActive;
     } catch (const Cancelled&) {
         console.error(QStringLiteral("Durduruldu."));
         return stopped;
+    } catch (const Error& error) {
+        console.error(error.localizedDescription());
+        return error.fault() ? exitCodeOf(*error.fault()) : failedToRun;
     } catch (const std::exception& error) {
         console.error(describe(error));
         return failedToRun;
     }
+}
+
+ExitCode exitCodeOf(const Fault& fault) {
+    switch (kindOf(fault.code)) {
+    case FaultKind::moment:
+    case FaultKind::day:
+        return putOff;
+    case FaultKind::session:
+        return notSignedIn;
+    case FaultKind::target:
+    case FaultKind::item:
+        return someItemsLeft;
+    case FaultKind::account:
+    case FaultKind::machine:
+        break;
+    }
+    return failedToRun;
 }
 
 void printJson(Console& console, const QJsonObject& object) {

@@ -15,6 +15,7 @@ enum ExitCode : int {
     notSignedIn = 3,
     someItemsLeft = 4, ///< or, of the doctor, some faults found
     anotherRunActive = 5,
+    putOff = 6, ///< Google or the network asked to wait; everything is kept
     stopped = 130,
 };
 
@@ -23,7 +24,7 @@ struct Invocation {
     Arguments arguments;
     UserFolders folders;
     Console& console;
-    std::stop_token stop; ///< requested by SIGINT and SIGTERM
+    std::stop_token stop; ///< requested by SIGINT, SIGTERM and SIGHUP
 };
 
 /// A command: its grammar and its work. The work returns an exit code; what it throws is turned
@@ -37,6 +38,9 @@ const std::vector<Command>& allCommands();
 
 /// Runs the command that `words` (without the program's name) ask for and returns the exit code.
 int run(const QStringList& words, Console& console, std::stop_token stop);
+
+/// What a command ends with when the world kept it from its work.
+ExitCode exitCodeOf(const Fault& fault);
 
 /// The JSON object on one line of standard output.
 void printJson(Console& console, const QJsonObject& object);

@@ -153,6 +153,7 @@ QString Forecast::table() const {
     text += leftOutRows(leftOut);
     text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
     text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
+    text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(toUpload()));
     if (targetTitle)
         text += tableRow(QStringLiteral("Hedef albüm"),
                          QStringLiteral("%1 (%2 öğe)%3")
@@ -178,6 +179,7 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("held"), held},
                        {QStringLiteral("leftOut"), leftOutJson(leftOut)},
                        {QStringLiteral("toUpload"), toUpload()},
+                       {QStringLiteral("days"), daysUnderQuota(toUpload())},
                        {QStringLiteral("bytes"), qint64(bytes)}};
     if (targetTitle) {
         object[QStringLiteral("targetAlbum")] = *targetTitle;

@@ -19,6 +19,7 @@ int login(Invocation& invocation) {
                                core.console, core.logger);
     GoogleServices google(core, session);
     const SignInOutcome outcome = google.oauth.signIn(invocation.stop);
+    core.runState.signedIn();
     if (!outcome.mayListAlbums)
         core.console.print(oauth::readingDeclined);
     core.console.result(QStringLiteral("Oturum açıldı: ") +

@@ -28,7 +28,7 @@ QString clockText(std::int64_t total) {
 }
 
 int percentOf(int completed, int total) {
-    return total > 0 ? static_cast<int>(std::int64_t(completed) * 100 / total) : 100;
+    return total > 0 ? static_cast<int>(std::int64_t(completed) * 100 / total) : 0;
 }
 
 std::optional<std::int64_t> secondsLeft(int completed, int total, seconds elapsed) {
@@ -39,10 +39,16 @@ std::optional<std::int64_t> secondsLeft(int completed, int total, seconds elapse
 
 } // namespace
 
-QString progressLine(int completed, int total, seconds elapsed, const TransferSnapshot& transfers) {
+QString progressLine(int completed, int total, seconds elapsed, const TransferSnapshot& transfers,
+                     const RunState& state) {
+    const bool isWaiting = state.phase == RunState::Phase::waiting;
+    if (total == 0)
+        return isWaiting ? state.text() : QStringLiteral("Arşiv taranıyor…");
     QStringList parts{
-        QStringLiteral("%1/%2 (%%3)").arg(completed).arg(total).arg(percentOf(completed, total)),
-        transfers.currentSpeedText};
+        QStringLiteral("%1/%2 (%%3)").arg(completed).arg(total).arg(percentOf(completed, total))};
+    if (isWaiting)
+        return (parts << state.text()).join(QStringLiteral(" · "));
+    parts += transfers.currentSpeedText;
     if (const auto left = secondsLeft(completed, total, elapsed))
         parts += QStringLiteral("kalan ") + clockText(*left);
     QStringList names;
@@ -74,6 +80,20 @@ void Progress::update(int completed, int total) {
     total_ = total;
 }
 
+void Progress::update(const RunState& state) {
+    {
+        const std::lock_guard lock(mutex_);
+        state_ = state;
+    }
+    QJsonObject object = state.json();
+    object[QStringLiteral("event")] = QStringLiteral("state");
+    if (form_ == Form::json)
+        printJson(console_, object);
+    else if (form_ == Form::text && state.phase == RunState::Phase::waiting &&
+             !console_.isTerminal())
+        console_.print(state.text());
+}
+
 void Progress::show(std::stop_token stop) {
     const bool onTerminal = form_ == Form::text && console_.isTerminal();
     while (clock_.sleep(onTerminal ? livePeriod : plainPeriod, stop))
@@ -83,10 +103,12 @@ void Progress::show(std::stop_token stop) {
 void Progress::showOnce(bool onTerminal) {
     int completed = 0;
     int total = 0;
+    RunState state;
     {
         const std::lock_guard lock(mutex_);
         completed = completed_;
         total = total_;
+        state = state_;
     }
     const auto elapsed = duration_cast<seconds>(clock_.monotonic() - started_);
     const TransferSnapshot transfers = tracker_.getSnapshot();
@@ -104,9 +126,9 @@ void Progress::showOnce(bool onTerminal) {
             object[QStringLiteral("secondsLeft")] = qint64(*left);
         printJson(console_, object);
     } else if (onTerminal) {
-        console_.setLiveLine(progressLine(completed, total, elapsed, transfers));
+        console_.setLiveLine(progressLine(completed, total, elapsed, transfers, state));
     } else if (completed != std::exchange(lastShown_, completed)) {
-        console_.print(progressLine(completed, total, elapsed, transfers));
+        console_.print(progressLine(completed, total, elapsed, transfers, state));
     }
 }
 

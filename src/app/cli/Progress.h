@@ -3,16 +3,19 @@
 #include "foundation/Clock.h"
 #include "foundation/Console.h"
 #include "google/TransferActivityTracker.h"
+#include "sync/RunState.h"
 
 #include <mutex>
 #include <thread>
 
 namespace quorvane::cli {
 
-/// "12/40 (%30) · 3.2 MB/s · kalan 0:45 · IMG_0012.JPG, klip.mov". `elapsed` is since the start of
-/// the uploads; the time left follows from the pace so far and is missing before the first item.
+/// "12/40 (%30) · 3.2 MB/s · kalan 0:45 · IMG_0012.JPG, klip.mov". While it waits, the state says
+/// for what instead of the pace; before anything is known to be done it says so. `elapsed` is since
+/// the start of the uploads; the time left follows from the pace so far and is missing before the
+/// first item.
 QString progressLine(int completed, int total, std::chrono::seconds elapsed,
-                     const TransferSnapshot& transfers);
+                     const TransferSnapshot& transfers, const RunState& state = {});
 
 /// Shows a run while it runs: one live line on a terminal, a plain line now and then elsewhere, or
 /// JSON objects. Created and ended by the command; the progress itself comes on the main thread.
@@ -25,6 +28,9 @@ class Progress {
 
     void update(int completed, int total);
 
+    /// Shown at once where it changes. Any thread.
+    void update(const RunState& state);
+
   private:
     void show(std::stop_token stop);
     void showOnce(bool onTerminal);
@@ -34,10 +40,11 @@ class Progress {
     TransferActivityTracker& tracker_;
     Clock& clock_;
     const Clock::Monotonic started_;
-    std::mutex mutex_; ///< guards the two counts
+    std::mutex mutex_; ///< guards the next three
     int completed_ = 0;
     int total_ = 0;
-    int lastShown_ = -1; ///< the showing thread's own
+    RunState state_;
+    int lastShown_ = 0; ///< the showing thread's own
     std::jthread thread_;
 };
 

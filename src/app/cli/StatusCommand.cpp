@@ -4,6 +4,7 @@
 #include "app/cli/Remainders.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
+#include "foundation/FileLock.h"
 #include "store/RecordAbsences.h"
 
 #include <QJsonArray>
@@ -16,6 +17,7 @@ namespace {
 struct Status {
     StoreCounts counts;
     bool signedIn = false;
+    RunState run;
     QString email;
     QString library;
     QString targetAlbum;
@@ -29,11 +31,31 @@ AbsenceCounts absencesOf(const StoreCounts& counts) {
     return {counts.onlyInCloud, counts.elsewhere};
 }
 
+/// What the latest run does, or how it ended. One that was killed tells neither itself.
+RunState runStateOf(const CoreServices& core) {
+    const RunState state = core.runState.last();
+    if (state.phase != RunState::Phase::running && state.phase != RunState::Phase::waiting)
+        return state;
+    if (!FileLock::tryLock(core.folders.runLock()))
+        return state;
+    return {.phase = RunState::Phase::ended,
+            .end = RunState::End::machine,
+            .error = QStringLiteral("program kapandı")};
+}
+
+QString accountText(const Status& status) {
+    if (!status.signedIn)
+        return QStringLiteral("açılmamış");
+    const QString account = status.email.isEmpty() ? QStringLiteral("açık") : status.email;
+    return status.run.needsSignIn()
+               ? account + QStringLiteral(" (sona erdi, yeniden giriş: quorvane-cli login)")
+               : account;
+}
+
 QString table(const Status& status, const UserFolders& folders, const StatePlace& place) {
-    const QString account = status.signedIn
-                                ? (status.email.isEmpty() ? QStringLiteral("açık") : status.email)
-                                : QStringLiteral("açılmamış");
-    QString text = tableRow(QStringLiteral("Oturum"), account);
+    QString text = tableRow(QStringLiteral("Oturum"), accountText(status));
+    if (const QString run = status.run.text(); !run.isEmpty())
+        text += tableRow(QStringLiteral("Son durum"), run);
     text += tableRow(QStringLiteral("Arşiv"),
                      status.library.isEmpty() ? QStringLiteral("seçilmedi") : status.library);
     text += tableRow(QStringLiteral("Hedef albüm"), status.targetAlbum.isEmpty()
@@ -41,6 +63,8 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
                                                         : status.targetAlbum);
     text += tableRow(QStringLiteral("Doğrulanan"), QString::number(status.counts.verified));
     text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
+    if (status.counts.pending > 0)
+        text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(status.counts.pending));
     text += tableRow(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
     text += tableRow(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
     if (status.counts.undatable > 0)
@@ -66,6 +90,7 @@ int status(Invocation& invocation) {
     const StatePlace place = state.place.value_or(core.states.first());
     const Status now{StoreCounts::of(state.db),
                      google.oauth.isSignedIn(),
+                     runStateOf(core),
                      google.oauth.email().value_or(QString()),
                      core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
                      core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString()),
@@ -77,6 +102,9 @@ int status(Invocation& invocation) {
     }
     printJson(core.console,
               {{QStringLiteral("signedIn"), now.signedIn},
+               {QStringLiteral("needsSignIn"), now.run.needsSignIn()},
+               {QStringLiteral("state"), now.run.json()},
+               {QStringLiteral("daysLeft"), daysUnderQuota(now.counts.pending)},
                {QStringLiteral("email"), now.email},
                {QStringLiteral("library"), now.library},
                {QStringLiteral("targetAlbum"), now.targetAlbum},

@@ -5,6 +5,9 @@
 #include "app/cli/Progress.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/Watching.h"
+#include "store/RecordFaults.h"
+
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -23,6 +26,15 @@ QString nameOf(const SyncRecord& record, LibraryServices& library) {
     return file ? uploadName(record, *file) : identifier;
 }
 
+/// The record's own text, and what Google said about it.
+QString reasonOf(const SyncRecord& record, RecordFaults& faults) {
+    const QString text = record.lastError.value_or(QString());
+    const auto fault = faults.of(record);
+    const bool saysMore = record.syncStatus == SyncStatus::failed && fault &&
+                          !fault->reason.isEmpty() && !text.contains(fault->reason);
+    return saysMore ? text + QStringLiteral(" (Google: %1)").arg(fault->reason) : text;
+}
+
 /// Writes down what the store holds after the run, with the names a person knows the files by. A
 /// store that has failed already tells nothing more.
 void describeEnd(SyncReport& report, LibraryServices& library) {
@@ -32,9 +44,10 @@ void describeEnd(SyncReport& report, LibraryServices& library) {
         report.behind = RecordRemainders(db).counts();
         report.pending = db.countPendingRecords();
         report.failures = db.fetchFailedCategorySummaries();
+        RecordFaults faults(db);
         for (const SyncRecord& record : db.fetchUnfinishedRecords(SyncReport::shownItems))
             report.unfinished.push_back(
-                {nameOf(record, library), record.syncStatus, record.lastError.value_or(QString())});
+                {nameOf(record, library), record.syncStatus, reasonOf(record, faults)});
     } catch (const Error& error) {
         if (!report.run.error)
             report.run.error = error.localizedDescription();
@@ -57,6 +70,20 @@ void applyOptions(const Arguments& arguments, Preferences& preferences) {
     }
 }
 
+/// "90", "90s", "10m", "2h" or "1d".
+World::Patience patienceFrom(const Arguments& arguments) {
+    const auto text = arguments.value(QStringLiteral("wait"));
+    if (!text)
+        return std::chrono::minutes(10);
+    static const QRegularExpression form(QStringLiteral("^([0-9]{1,6})([smhd]?)$"));
+    const auto match = form.match(*text);
+    if (!match.hasMatch())
+        throw UsageError(QStringLiteral("--wait bir süre bekler (90s, 10m, 2h, 1d): ") + *text);
+    const QString unit = match.captured(2);
+    const int seconds = unit == u"m" ? 60 : unit == u"h" ? 3600 : unit == u"d" ? 86400 : 1;
+    return World::Patience(match.captured(1).toLongLong() * seconds);
+}
+
 SyncReport run(Invocation& invocation, CoreServices& core, GoogleServices& google,
                LibraryServices& library) {
     SyncReport report;
@@ -69,12 +96,17 @@ SyncReport run(Invocation& invocation, CoreServices& core, GoogleServices& googl
         if (const auto shown = weak.lock())
             shown->update(completed, total);
     };
+    callbacks.stateChanged = [weak = std::weak_ptr(progress)](const RunState& state) {
+        if (const auto shown = weak.lock(); shown && state.phase != RunState::Phase::ended)
+            shown->update(state);
+    };
     callbacks.discovered = [&] {
         rememberLibrary(library, core.preferences);
         watching.emplace(library);
     };
-    report.run = runSync(library.run, invocation.arguments.has(QStringLiteral("delete-verified")),
-                         callbacks, invocation.stop);
+    const SyncRunOrder order{.deletes = invocation.arguments.has(QStringLiteral("delete-verified")),
+                             .patience = patienceFrom(invocation.arguments)};
+    report.run = runSync(library.run, order, callbacks, invocation.stop);
     report.seconds = std::chrono::duration<double>(core.clock.monotonic() - started).count();
     describeEnd(report, library);
     return report;
@@ -137,8 +169,8 @@ int sync(Invocation& invocation) {
     choose(invocation, core, program.google, library);
     library.mirror.remakesGone = arguments.has(QStringLiteral("remake-albums"));
     const SyncReport report = run(invocation, core, program.google, library);
-    if (report.run.error)
-        core.console.error(*report.run.error);
+    if (report.run.error || report.run.fault)
+        core.console.error(report.run.state().text());
     if (arguments.has(QStringLiteral("json")))
         printJson(core.console, report.json());
     else
@@ -173,6 +205,8 @@ Command syncCommand() {
            {},
            QStringLiteral("yüklendiği doğrulanan asılları, onayınızla, Çöp'e taşır")},
           {QStringLiteral("yes"), {}, QStringLiteral("Çöp'e taşımayı sormadan onaylar")},
+          {QStringLiteral("wait"), QStringLiteral("SÜRE"),
+           QStringLiteral("Google'a ulaşılamazken en çok bu kadar bekler (90s, 10m, 2h; 10m)")},
           {QStringLiteral("dry-run"),
            {},
            QStringLiteral("ne yapılacağını söyler, hiçbir şey yapmaz")},

@@ -19,15 +19,20 @@ QString countRow(const QString& label, int count) {
 }
 
 QString title(const SyncReport& report) {
-    if (report.run.error)
-        return QStringLiteral("Eşitleme yarıda kaldı: ") + *report.run.error;
-    if (report.run.albumFull)
-        return QStringLiteral("Eşitleme durdu: hedef albüm dolu");
-    if (report.run.wasStopped)
-        return QStringLiteral("Eşitleme durduruldu");
-    if (report.run.total == 0)
+    const RunState state = report.run.state();
+    if (report.run.total == 0 && state.end == RunState::End::complete)
         return QStringLiteral("Yüklenecek yeni öğe yok");
-    return QStringLiteral("Eşitleme bitti");
+    return state.text();
+}
+
+/// What a person can do so that the rest goes on.
+QString advice(const SyncReport& report) {
+    const RunState state = report.run.state();
+    if (state.needsSignIn())
+        return QStringLiteral("Yeniden giriş için: quorvane-cli login\n");
+    if (state.wasPutOff())
+        return QStringLiteral("Her şey saklandı; sürdürmek için aynı komutu yeniden çalıştırın\n");
+    return {};
 }
 
 /// Nothing for none.
@@ -70,6 +75,17 @@ QJsonObject mirrorJson(const MirrorOutcome& mirror) {
 
 } // namespace
 
+int daysUnderQuota(int items) {
+    constexpr std::int64_t requestsADay = 10'000; // of a project of the Photos Library API
+    constexpr auto batch = static_cast<std::int64_t>(BatchCoordinator::batchSize);
+    const std::int64_t requests = items + (items + batch - 1) / batch;
+    return static_cast<int>((requests + requestsADay - 1) / requestsADay);
+}
+
+QString daysText(int items) {
+    return QStringLiteral("%1 gün").arg(daysUnderQuota(items));
+}
+
 QString byteText(std::int64_t bytes) {
     return turkish.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
 }
@@ -94,7 +110,7 @@ QJsonObject leftOutJson(const LeftOut& leftOut) {
 }
 
 QString SyncReport::table() const {
-    QString text = title(*this) + u'\n';
+    QString text = title(*this) + u'\n' + advice(*this);
     text += countRow(QStringLiteral("Doğrulanan (bu kez)"), run.verified);
     text += rowUnlessZero(QStringLiteral("  zaten yüklü, tanınan"), run.recognised);
     text += rowUnlessZero(QStringLiteral("  Google'da zaten varmış"), run.existing);
@@ -165,7 +181,8 @@ QJsonObject SyncReport::json() const {
         {QStringLiteral("behind"), remainderJson(behind)},
         {QStringLiteral("deleted"), run.deletion.deleted},
         {QStringLiteral("notDeleted"), notDeleted},
-        {QStringLiteral("items"), items}};
+        {QStringLiteral("items"), items},
+        {QStringLiteral("state"), run.state().json()}};
     if (run.error)
         object[QStringLiteral("error")] = *run.error;
     return object;
@@ -174,6 +191,8 @@ QJsonObject SyncReport::json() const {
 int SyncReport::exitCode() const {
     if (run.error)
         return failedToRun;
+    if (run.fault)
+        return exitCodeOf(*run.fault);
     if (run.wasStopped)
         return stopped;
     const bool isMirrored = !run.mirror.failure && run.mirror.refused.isEmpty();

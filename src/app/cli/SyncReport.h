@@ -39,6 +39,11 @@ QJsonObject leftOutJson(const LeftOut& leftOut);
 /// How what takes no date gets out.
 QString undatableAdvice();
 
+/// How many days Google's daily limit of requests spreads the upload of `items` over: one request
+/// an item, and one a batch. The text: "1 gün".
+int daysUnderQuota(int items);
+QString daysText(int items);
+
 /// "1,2 MB"
 QString byteText(std::int64_t bytes);
 

@@ -11,6 +11,8 @@ namespace quorvane::cli {
 namespace {
 
 constexpr std::chrono::seconds defaultSettling{30};
+constexpr std::chrono::hours longestWait{24 * 365}; ///< of what nothing is expected
+constexpr std::chrono::seconds signInCheck{5};
 
 /// Tells the watching thread that something was recorded, and when nothing has been for a while.
 class Settling {
@@ -23,16 +25,15 @@ class Settling {
         came_.notify_all();
     }
 
-    /// Waits for the first arrival, then until there was none for `quiet`. False when stopped.
-    bool wait(std::chrono::seconds quiet, std::stop_token stop) {
+    /// Waits for the first arrival, then until there was none for `quiet`; not longer than until
+    /// `atLatest`. False when stopped.
+    bool wait(std::chrono::seconds quiet, std::chrono::seconds atLatest, std::stop_token stop) {
         std::unique_lock lock(mutex_);
-        if (!came_.wait(lock, stop, [this] { return arrivals_ > 0; }))
-            return false;
-        int seen = 0;
-        do {
-            seen = std::exchange(arrivals_, 0);
-        } while (came_.wait_for(lock, stop, quiet, [this] { return arrivals_ > 0; }));
-        return seen > 0 && !stop.stop_requested();
+        const auto hasCome = [this] { return arrivals_ > 0; };
+        came_.wait_for(lock, stop, std::min<std::chrono::seconds>(atLatest, longestWait), hasCome);
+        while (std::exchange(arrivals_, 0) > 0)
+            came_.wait_for(lock, stop, quiet, hasCome);
+        return !stop.stop_requested();
     }
 
   private:
@@ -52,14 +53,40 @@ std::chrono::seconds settlingTime(const Arguments& arguments) {
     return std::chrono::seconds(seconds);
 }
 
-/// One run. Somebody else's goes first: what is left comes with the next arrival.
-void backUp(CoreServices& core, LibraryServices& library, std::stop_token stop) {
+/// When the next turn comes although nothing appears: soon while some work is left that may pass
+/// next time, after ever longer waits while it does not.
+class Turns {
+  public:
+    explicit Turns(std::chrono::seconds first) : first_(std::max(first, shortestWait)) {}
+
+    void ended(const SyncRunOutcome& outcome) {
+        const bool isMoving = outcome.verified > 0;
+        next_ = isMoving || next_ == longestWait ? first_ : std::min<std::chrono::seconds>(2 * next_, longestRetry);
+        if (!outcome.mayPassLater && !outcome.error && !outcome.fault)
+            next_ = longestWait;
+    }
+    void missed() { next_ = first_; }
+    std::chrono::seconds next() const { return next_; }
+
+  private:
+    static constexpr std::chrono::seconds shortestWait{1};
+    static constexpr std::chrono::hours longestRetry{1};
+
+    const std::chrono::seconds first_;
+    std::chrono::seconds next_ = longestWait;
+};
+
+/// One run. Somebody else's goes first: what is left comes with the next turn.
+void backUp(CoreServices& core, LibraryServices& library, Turns& turns, std::stop_token stop) {
     try {
         const RunLock lock(core.folders.runLock());
-        const SyncRunOutcome outcome = runSync(
-            library.run, core.preferences.boolean(preferenceKeys::isAutoDeleteEnabled), {}, stop);
-        if (outcome.error)
-            core.logger.log(QStringLiteral("[Watch] ⚠️ ") + *outcome.error);
+        const SyncRunOrder order{.deletes =
+                                     core.preferences.boolean(preferenceKeys::isAutoDeleteEnabled),
+                                 .takesUpFailed = true};
+        const SyncRunOutcome outcome = runSync(library.run, order, {}, stop);
+        turns.ended(outcome);
+        if (outcome.error || outcome.fault)
+            core.logger.log(QStringLiteral("[Watch] ⚠️ ") + outcome.state().text());
         core.logger.log(QStringLiteral("[Watch] %1 öğe yüklendi, %2 başarısız, %3 tarihsiz")
                             .arg(QString::number(outcome.verified), QString::number(outcome.failed),
                                  QString::number(outcome.undated)));
@@ -68,8 +95,14 @@ void backUp(CoreServices& core, LibraryServices& library, std::stop_token stop) 
                 QStringLiteral("[Watch] ⚠️ %1 öğe okunamadı veya yazılıyordu, atlandı")
                     .arg(outcome.leftOut.missed()));
     } catch (const RunLockHeld& error) {
+        turns.missed();
         core.logger.log(QStringLiteral("[Watch] ⚠️ ") + error.localizedDescription());
     }
+}
+
+/// While somebody has to sign in, that is looked for instead.
+std::chrono::seconds waitFor(const Turns& turns, const CoreServices& core) {
+    return core.runState.last().needsSignIn() ? signInCheck : turns.next();
 }
 
 /// Watches the library and backs up what appears, until it is told to stop.
@@ -96,10 +129,13 @@ int watch(Invocation& invocation) {
         });
     const Watching watching(library);
     core.logger.log(QStringLiteral("[Watch] Arşiv izleniyor: ") + pathText(path));
-    if (library.state.db.countPendingRecords() > 0)
+    core.runState.signedIn(); // else the first run tells
+    if (library.state.db.countPendingRecords() + library.state.db.countFailedRecords() > 0)
         arrivals.somethingCame();
-    while (arrivals.wait(settling, invocation.stop))
-        backUp(core, library, invocation.stop);
+    Turns turns(settling);
+    while (arrivals.wait(settling, waitFor(turns, core), invocation.stop))
+        if (!core.runState.last().needsSignIn())
+            backUp(core, library, turns, invocation.stop);
     return done; // being stopped is how it ends
 }
 

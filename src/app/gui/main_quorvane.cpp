@@ -23,12 +23,13 @@ std::vector<QUrl> urlsOf(const QStringList& arguments) {
     return urls;
 }
 
-/// SIGTERM and SIGINT, as at the end of a session, become an orderly end. Before any thread.
+/// SIGTERM, SIGINT and SIGHUP, as at the end of a session, become an orderly end. Before any
+/// thread.
 FileDescriptor quitSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&signals, signal);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }

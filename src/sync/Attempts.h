@@ -1,0 +1,79 @@
+#pragma once
+
+#include "sync/World.h"
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+
+namespace quorvane {
+
+/// Where every request of a run that sends or makes something asks before it goes out: when the
+/// world is as it should be they all pass, in an outage one at a time and only when its wait is
+/// over. Any thread.
+class Attempts {
+  public:
+    explicit Attempts(Clock& clock) : clock_(clock) {}
+
+    /// What is waited for, and until when; none when nothing is any more.
+    struct Waiting {
+        Fault obstacle;
+        Date until;
+    };
+    using Teller = std::function<void(const std::optional<Waiting>&)>;
+
+    /// A new run. `teller` is called on the waiting threads, one call at a time.
+    void begin(World::Patience patience, Teller teller = {});
+
+    /// The leave to make one attempt. Given back without a word, nothing was learnt.
+    class Permit {
+      public:
+        ~Permit();
+        Permit(Permit&& other) noexcept;
+        Permit& operator=(Permit&&) = delete;
+        Permit(const Permit&) = delete;
+        Permit& operator=(const Permit&) = delete;
+
+        /// See `World`. Each gives the leave back.
+        void passed();
+        World::Verdict failed(const std::optional<Fault>& fault);
+
+      private:
+        friend class Attempts;
+        Permit(Attempts& attempts, bool isProbe) : attempts_(&attempts), isProbe_(isProbe) {}
+        void giveBack();
+
+        Attempts* attempts_; ///< none once it is given back
+        bool isProbe_;
+    };
+
+    /// Blocks until an attempt may be made; none when the run is over. Throws `Cancelled`.
+    std::optional<Permit> enter(const std::stop_token& stop);
+
+    /// A wait of the caller's own. False when it was stopped.
+    bool sleep(std::chrono::milliseconds time, const std::stop_token& stop) {
+        return clock_.sleep(time, stop);
+    }
+
+    /// Why the run is over; none while it is not.
+    std::optional<Fault> ending() const;
+
+  private:
+    World::Now now() const { return {clock_.monotonic(), clock_.now()}; }
+    void tell(const std::optional<Waiting>& waiting);
+    World::Verdict learn(const std::function<World::Verdict(World&)>& what);
+    void waitFor(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds time,
+                 const std::stop_token& stop);
+
+    Clock& clock_;
+    mutable std::mutex mutex_; ///< guards everything below; never held while waiting
+    std::condition_variable_any changed_;
+    World world_;
+    bool isProbing_ = false; ///< somebody waits for the next attempt of an outage, or makes it
+    std::stop_source over_;  ///< wakes whoever waits when the run is over
+    std::mutex telling_;     ///< taken before `mutex_`
+    Teller teller_;
+    bool hasTold_ = false;
+};
+
+} // namespace quorvane
