@@ -18,7 +18,8 @@ enum class EvidenceKind { partner, sameName, neighbours, album, text, folder, fi
 
 /// The case's name, as the command line takes it: "same-name".
 QString rawValue(EvidenceKind kind);
-std::optional<EvidenceKind> evidenceKindFrom(const QString& rawValue);
+/// For a person: "aynı adlı dosya".
+QString kindText(EvidenceKind kind);
 
 /// That an item is of a certain time. Nothing follows from it before a person has agreed.
 struct DateEvidence {

@@ -37,11 +37,8 @@ QString rawValue(EvidenceKind kind) {
     return QString::fromUtf16(names.at(static_cast<std::size_t>(kind)).word);
 }
 
-std::optional<EvidenceKind> evidenceKindFrom(const QString& rawValue) {
-    for (const Name& name : names)
-        if (rawValue == name.word)
-            return name.kind;
-    return std::nullopt;
+QString kindText(EvidenceKind kind) {
+    return QString::fromUtf16(names.at(static_cast<std::size_t>(kind)).text);
 }
 
 Date DateEvidence::date() const {
@@ -74,7 +71,7 @@ QString DateEvidence::spanText() const {
 }
 
 QString DateEvidence::sourceText() const {
-    const QString text = QString::fromUtf16(names.at(static_cast<std::size_t>(kind)).text);
+    const QString text = kindText(kind);
     return witnesses.isEmpty()
                ? text
                : QStringLiteral("%1 (%2)").arg(text, witnesses.join(QStringLiteral(", ")));

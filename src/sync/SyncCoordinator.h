@@ -28,8 +28,8 @@ class SyncCoordinator {
     struct Services {
         DatabaseManager& db;
         RecordLife& life;
-        UploadSessions& sessions;
         UploadTokens& tokens;
+        UploadSessions& sessions;
         AssetStagingService& staging;
         MediaMetadataService& metadata;
         Recognition& recognition;

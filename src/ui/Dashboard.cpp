@@ -2,7 +2,6 @@
 
 #include <QLocale>
 
-#include <array>
 #include <cmath>
 
 namespace quorvane {
@@ -11,18 +10,6 @@ namespace {
 
 const QString upToDateMessage = QStringLiteral("Arşiviniz güncel ve güvende");
 const QString laterTitle = QStringLiteral("Vazgeç / Daha Sonra");
-
-struct Choice {
-    DateFallbackMode mode;
-    const char16_t* title;
-};
-
-constexpr std::array choices{
-    Choice{DateFallbackMode::fileSaveDate,
-           u"Mac'e Kayıt Tarihini Kullan (Önerilen - Kronoloji Korunur)"},
-    Choice{DateFallbackMode::today, u"Bugünün Tarihini Kullan"},
-    Choice{DateFallbackMode::strictNone, u"Karantinada Bırak (Yükleme)"},
-};
 
 QString grouped(qint64 number) {
     return QLocale().toString(number);
@@ -46,6 +33,7 @@ Dashboard::Dashboard(MenuBarViewModel& model) : model_(model) {
     relay(&Model::errorMessageChanged, {&Self::errorMessageChanged});
     relay(&Model::countsChanged,
           {&Self::heroChanged, &Self::quarantineChanged, &Self::inspectorChanged});
+    relay(&Model::undatedChanged, {&Self::quarantineChanged});
     relay(&Model::settingsChanged,
           {&Self::settingsChanged, &Self::quarantineChanged, &Self::menusChanged});
     relay(&Model::sheetsChanged, {&Self::sheetsChanged});
@@ -58,7 +46,7 @@ Dashboard::Dashboard(MenuBarViewModel& model) : model_(model) {
     connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
     connect(&model_, &Model::sheetsChanged, this, [this] {
         if (!model_.showQuarantineSheet())
-            chosenFallback_.clear();
+            resetReview();
     });
 }
 
@@ -168,43 +156,6 @@ HeroView Dashboard::hero() const {
     }
     if (const int held = model_.failedCount() + model_.dateUnresolvedCount(); held > 0)
         view.quarantine = grouped(held) + QStringLiteral(" öğe inceleme bekliyor");
-    return view;
-}
-
-QString Dashboard::dateFallback() const {
-    return chosenFallback_.isEmpty() ? model_.dateFallbackMode() : chosenFallback_;
-}
-
-int Dashboard::retryCount() const {
-    const bool leavesUndated = dateFallback() == rawValue(DateFallbackMode::strictNone);
-    return model_.failedCount() + (leavesUndated ? 0 : model_.dateUnresolvedCount());
-}
-
-QuarantineView Dashboard::quarantine() const {
-    QuarantineView view;
-    const auto row = [](const QString& title, const QString& text, const QString& symbol, int count,
-                        bool isUndated) {
-        return QVariantMap{{QStringLiteral("title"), title},
-                           {QStringLiteral("text"), text},
-                           {QStringLiteral("symbol"), symbol},
-                           {QStringLiteral("count"), grouped(count)},
-                           {QStringLiteral("isUndated"), isUndated}};
-    };
-    for (const FailedCategorySummary& summary : model_.failedCategorySummaries())
-        view.rows.append(row(summary.categoryName, summary.explanation, summary.systemImage,
-                             summary.count, false));
-    if (model_.dateUnresolvedCount() > 0) {
-        view.rows.append(row(
-            QStringLiteral("Tarih Eksik"), QStringLiteral("Çekim tarihi tespit edilemeyen öğeler"),
-            QStringLiteral("calendar.badge.exclamationmark"), model_.dateUnresolvedCount(), true));
-        for (const Choice& choice : choices)
-            view.choices.append(
-                QVariantMap{{QStringLiteral("value"), rawValue(choice.mode)},
-                            {QStringLiteral("title"), QString::fromUtf16(choice.title)}});
-    }
-    view.chosen = dateFallback();
-    view.retryTitle = QStringLiteral("Yeniden Sıraya Ekle (%1)").arg(grouped(retryCount()));
-    view.canRetry = retryCount() > 0;
     return view;
 }
 

@@ -70,6 +70,8 @@ class Dashboard final : public QObject {
     Q_INVOKABLE void choose(const QString& command, const QString& value = {});
     Q_INVOKABLE void answerAlert(int button);
     Q_INVOKABLE void chooseDateFallback(const QString& value);
+    Q_INVOKABLE void chooseUndatable(bool sends);
+    Q_INVOKABLE void showMoreUndated();
     Q_INVOKABLE void retryQuarantined();
     Q_INVOKABLE void clearLog();
 
@@ -96,6 +98,7 @@ class Dashboard final : public QObject {
     /// `changed` follows the model's `cause`, for as long as somebody looks.
     void relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed);
     void updateTransfers();
+    void resetReview();
     QString dateFallback() const;
     int retryCount() const;
 
@@ -103,6 +106,8 @@ class Dashboard final : public QObject {
     TransferListModel transfers_;
     bool isLive_ = false;
     QString chosenFallback_; ///< in the open sheet; empty: what is stored
+    bool sendsUndatable_ = false;
+    int shownUndated_ = 2;
     QString hint_;
 };
 

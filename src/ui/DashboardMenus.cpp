@@ -147,16 +147,6 @@ void Dashboard::answerAlert(int button) {
     }
 }
 
-void Dashboard::chooseDateFallback(const QString& value) {
-    chosenFallback_ = value;
-    Q_EMIT quarantineChanged();
-}
-
-void Dashboard::retryQuarantined() {
-    model_.retryQuarantinedItems(dateFallback());
-    model_.setShowQuarantineSheet(false);
-}
-
 void Dashboard::clearLog() {
     model_.recentLogs()->clear();
 }

@@ -11,6 +11,8 @@ struct LibrarySession {
     SyncRunServices run;
     RecordLife& life;
     PhotoAlbumService& albums;
+    MediaMetadataService& metadata;
+    std::filesystem::path root; ///< of the library
 };
 
 } // namespace quorvane

@@ -298,6 +298,8 @@ void MenuBarViewModel::toggleInspector() {
 }
 
 void MenuBarViewModel::setShowQuarantineSheet(bool show) {
+    if (show && !showQuarantineSheet_)
+        reviewUndatedItems();
     publish(showQuarantineSheet_, show, &MenuBarViewModel::sheetsChanged);
 }
 

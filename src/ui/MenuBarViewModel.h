@@ -4,6 +4,7 @@
 #include "google/GoogleAlbumManager.h"
 #include "google/GoogleOAuthManager.h"
 #include "library/TaskRunner.h"
+#include "library/UndatedReview.h"
 #include "metadata/MetadataTypes.h"
 #include "store/StoreCounts.h"
 #include "ui/Desktop.h"
@@ -145,7 +146,12 @@ class MenuBarViewModel final : public QObject {
     Q_INVOKABLE void dismissAlbumLimitAlert();
     Q_INVOKABLE void dismissError();
     /// `dateFallbackMode` is a raw value; an unknown one is `strictNone`.
-    Q_INVOKABLE void retryQuarantinedItems(const QString& dateFallbackMode);
+    /// What takes no date goes up as it is, once `sendsUndatable`.
+    Q_INVOKABLE void retryQuarantinedItems(const QString& dateFallbackMode,
+                                           bool sendsUndatable = false);
+    /// Gives the item, or all whose strongest evidence is of the kind, the date that it speaks for.
+    Q_INVOKABLE void acceptUndatedItem(const QString& identifier);
+    Q_INVOKABLE void acceptUndatedItems(const QString& kind);
     Q_INVOKABLE void openLogFile();
 
     /// True while work of any command is under way.
@@ -178,6 +184,10 @@ class MenuBarViewModel final : public QObject {
     int verifiedCount() const { return counts_.records.verified; }
     int failedCount() const { return counts_.records.failed; }
     int dateUnresolvedCount() const { return counts_.records.undated; }
+    /// Of these, those whose file takes no date.
+    int undatableCount() const { return counts_.records.undatable; }
+    /// The others, with what speaks for a date; read anew whenever the sheet is opened.
+    const std::vector<UndatedItem>& undatedItems() const { return undated_; }
     const std::vector<FailedCategorySummary>& failedCategorySummaries() const {
         return counts_.categories;
     }
@@ -239,6 +249,7 @@ class MenuBarViewModel final : public QObject {
     void progressChanged();
     void countsChanged();
     void sheetsChanged();
+    void undatedChanged();
     void routeChanged();
     void localAlbumsChanged();
     void googleAlbumsChanged();
@@ -302,6 +313,8 @@ class MenuBarViewModel final : public QObject {
     void publishRoute();
     void publishState(int refresh, Account account, Counts counts);
     void countLibrary();
+    void reviewUndatedItems();
+    void acceptUndated(const std::function<bool(const UndatedItem&)>& isWanted);
     void sampleTransfers();
 
     void startSignIn(bool isRenewal);
@@ -337,6 +350,7 @@ class MenuBarViewModel final : public QObject {
     int syncCompletedCount_ = 0;
     int syncTotalCount_ = 0;
     Counts counts_;
+    std::vector<UndatedItem> undated_;
     bool showQuarantineSheet_ = false;
     std::vector<LocalAlbumItem> localAlbums_;
     int totalPhotoCount_ = 0;

@@ -191,18 +191,20 @@ void MenuBarViewModel::createNextPartAlbumAndResume() {
 
 // Quarantine.
 
-void MenuBarViewModel::retryQuarantinedItems(const QString& rawMode) {
+void MenuBarViewModel::retryQuarantinedItems(const QString& rawMode, bool sendsUndatable) {
     const DateFallbackMode mode =
         dateFallbackModeFrom(rawMode).value_or(DateFallbackMode::strictNone);
     store([&] { s_.preferences.setString(preferenceKeys::dateFallbackMode, rawValue(mode)); });
     Q_EMIT settingsChanged();
     if (!session_)
         return;
-    stateTasks_.post([this, mode, session = session_](const std::stop_token&) {
+    stateTasks_.post([this, mode, sendsUndatable, session = session_](const std::stop_token&) {
         try {
             session->life.retriedFailed(true);
             if (mode != DateFallbackMode::strictNone)
                 session->life.retriedUndated();
+            if (sendsUndatable)
+                session->life.undatableReleased();
         } catch (const DBError& error) {
             s_.log.log(
                 QStringLiteral("[MenuBarViewModel] Karantina sıfırlama hatası (date fallback): ") +

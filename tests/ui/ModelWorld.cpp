@@ -93,8 +93,8 @@ ModelWorld::~ModelWorld() {
 }
 
 void ModelWorld::openLibrary() {
-    model->setLibrary(
-        std::make_shared<LibrarySession>(LibrarySession{engine.run, engine.life, engine.sources}));
+    model->setLibrary(std::make_shared<LibrarySession>(
+        LibrarySession{engine.run, engine.life, engine.sources, engine.metadata, world.pictures}));
     scan();
 }
 

@@ -262,6 +262,28 @@ TEST_F(WindowStoryTest, theSessionIsChecked) {
     expectHidden({u"Yeniden Denetle"_s});
 }
 
+TEST_F(WindowStoryTest, whatHasNoDateIsReviewed) {
+    world.addPicture(u"IMG_0040.jpg"_s);
+    world.addPicture(u"IMG_0041.jpg"_s, std::nullopt);
+    world.addPicture(u"IMG_0042.jpg"_s);
+    world.addPicture(u"hareketli.gif"_s);
+    openSignedIn();
+    click(u"start"_s);
+    ASSERT_TRUE(awaitView([&] { return !model->isSyncing(); }));
+    click(u"quarantineLink"_s);
+    expectShown({u"Tarih Yazılamayan Biçimler"_s, u"IMG_0041.jpg"_s,
+                 u"5 Mart 2021 · komşu dosyalar (IMG_0040.jpg, IMG_0042.jpg)"_s,
+                 u"Yeniden Sıraya Ekle (0)"_s});
+    shot(u"review-undated-light"_s);
+    click(u"accept0"_s);
+    expectHidden({u"IMG_0041.jpg"_s, u"Tarih Eksik"_s});
+    click(u"undatable"_s);
+    expectShown({u"Yeniden Sıraya Ekle (1)"_s});
+    click(u"retry"_s);
+    EXPECT_EQ(model->pendingCount(), 2);
+    EXPECT_EQ(model->dateUnresolvedCount(), 0);
+}
+
 TEST_F(WindowStoryTest, theAlbumLimit) {
     world.addPictures(30);
     world.google.addAlbum(u"Aile Arşivi"_s, 19'980);

@@ -8,7 +8,8 @@ namespace quorvane {
 struct LibraryHost::OpenLibrary {
     OpenLibrary(CoreServices& core, GoogleServices& google, const std::filesystem::path& path)
         : services(core, google, LibraryAt(core, path)),
-          session{services.run, services.state.life, services.albums},
+          session{services.run, services.state.life, services.albums, services.metadata,
+                  services.path},
           status(services.library->authorizationStatus()) {}
 
     LibraryServices services;

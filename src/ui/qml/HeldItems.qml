@@ -6,7 +6,10 @@ import Quorvane
 Rectangle {
     id: table
 
-    property var rows: []
+    required property quarantineView view
+    signal accepted(string identifier)
+    signal acceptedKind(string kind)
+    signal moreWanted()
 
     implicitHeight: column.implicitHeight + 1
     radius: Theme.tileRadius
@@ -21,7 +24,7 @@ Rectangle {
 
         Repeater {
             id: reasons
-            model: table.rows
+            model: table.view.rows
 
             Item {
                 id: reason
@@ -30,7 +33,7 @@ Rectangle {
                 required property int index
 
                 width: column.width
-                height: words.implicitHeight + 13
+                height: words.implicitHeight + 13 + items.height
                 Accessible.role: Accessible.ListItem
                 Accessible.name: modelData.title + ": " + modelData.count + ". " + modelData.text
 
@@ -70,6 +73,21 @@ Rectangle {
                     text: reason.modelData.count
                     Accessible.ignored: true
                     anchors.verticalCenter: words.verticalCenter
+                }
+                UndatedItems {
+                    id: items
+
+                    readonly property bool isWanted: reason.modelData.listsItems
+
+                    y: words.implicitHeight + 13
+                    width: parent.width
+                    height: isWanted ? implicitHeight : 0
+                    items: isWanted ? table.view.items : []
+                    moreTitle: isWanted ? table.view.moreTitle : ""
+                    kinds: isWanted ? table.view.kinds : []
+                    onAccepted: identifier => table.accepted(identifier)
+                    onAcceptedKind: kind => table.acceptedKind(kind)
+                    onMoreWanted: table.moreWanted()
                 }
                 Rectangle {
                     visible: reason.index < reasons.count - 1

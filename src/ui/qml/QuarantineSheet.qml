@@ -46,7 +46,12 @@ Sheet {
             contentHeight: details.height
             boundsBehavior: Flickable.StopAtBounds
             clip: contentHeight > height
-            ScrollBar.vertical: ScrollThumb { }
+            ScrollBar.vertical: ScrollThumb {
+                parent: middle.parent
+                x: middle.width + 8 // beside what it moves, never over it
+                y: middle.y
+                height: middle.height
+            }
 
             Column {
                 id: details
@@ -54,7 +59,13 @@ Sheet {
 
                 SafetyNote { width: parent.width }
                 Item { width: 1; height: 14 }
-                HeldItems { width: parent.width; rows: sheet.view.rows }
+                HeldItems {
+                    width: parent.width
+                    view: sheet.view
+                    onAccepted: identifier => sheet.dashboard.model.acceptUndatedItem(identifier)
+                    onAcceptedKind: kind => sheet.dashboard.model.acceptUndatedItems(kind)
+                    onMoreWanted: sheet.dashboard.showMoreUndated()
+                }
                 Item { width: 1; height: choices.visible ? 12 : 0 }
                 DateChoices {
                     id: choices
@@ -62,6 +73,22 @@ Sheet {
                     visible: count > 0
                     view: sheet.view
                     onChosen: value => sheet.dashboard.chooseDateFallback(value)
+                }
+                Item { width: 1; height: undatable.visible ? 8 : 0 }
+                Rectangle {
+                    width: parent.width
+                    height: undatable.visible ? 1 : 0
+                    color: Theme.divider
+                }
+                CheckRow {
+                    id: undatable
+                    objectName: "undatable"
+                    width: parent.width
+                    visible: sheet.view.undatableTitle.length > 0
+                    text: sheet.view.undatableTitle
+                    note: "AVI, BMP, GIF gibi: Google bunları yüklendikleri güne koyar."
+                    checked: sheet.view.sendsUndatable
+                    onToggled: sheet.dashboard.chooseUndatable(checked)
                 }
             }
         }
