@@ -32,7 +32,7 @@ Answer Account::answer(const Call& call, const Behaviour& behaviour, Date now) t
         return oauth_.userInfo(call, now);
     case RequestKind::upload:
         requireScope(call, {appendScope}, now);
-        return uploads_.receive(call, behaviour.uploadTokenLifetime, now);
+        return uploads_.receive(call, behaviour, now);
     case RequestKind::batchCreate:
         requireScope(call, {appendScope}, now);
         return mediaItems_.batchCreate(call, behaviour, now);

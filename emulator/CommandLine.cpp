@@ -112,6 +112,10 @@ const std::vector<Option>& allOptions() {
         {u"--outages"_s, u"AÇIK:KAPALI"_s,
          u"hizmet rastgele, ortalama bu kadar saniye açık ve kapalıdır"_s,
          [](L& l, const QString& v) { l.outages = outagesFrom(v); }},
+        {u"--date-shift"_s, u"SANİYE"_s, u"saklanan dosyaların tarihi bu kadar yanlış okunur"_s,
+         [](L& l, const QString& v) {
+             l.options.behaviour.dateShift = std::chrono::seconds(number(v, -largest, largest));
+         }},
         {u"--storage"_s, u"BAYT"_s, u"hesapta öğelere ayrılan yer"_s,
          [](L& l, const QString& v) {
              l.options.behaviour.storageBytes = number(v, 0, std::numeric_limits<qint64>::max());

@@ -65,6 +65,7 @@ struct Behaviour {
     std::chrono::seconds sessionLifetime{0};  ///< of refresh tokens; 0: without end
     std::chrono::seconds clockAhead{0};       ///< what the service's clock is wrong by
     std::int64_t albumCapacity = 20'000;      ///< media items in one album
+    std::chrono::seconds dateShift{0};        ///< what is read wrongly of capture times
     std::int64_t storageBytes = -1;           ///< room for media items; negative: without end
     std::int64_t dailyRequests = 0;           ///< to the library, a day; 0: as many as come
     std::chrono::seconds uploadTokenLifetime = std::chrono::days(1);
@@ -113,7 +114,7 @@ struct StoredMediaItem {
     QString mimeType;
     QByteArray sha256; ///< lower-case hexadecimal
     std::int64_t size = 0;
-    QString creationTime; ///< ISO 8601, UTC, of the item's creation at the service
+    QString creationTime; ///< ISO 8601, UTC, of the capture; empty when the file was not kept
     QStringList albumIds = {};
 };
 

@@ -36,12 +36,19 @@ QJsonObject describe(const StoredMediaItem& item) {
         {u"productUrl"_s, QString(u"https://photos.google.com/lr/photo/"_s + item.id)},
         {u"mimeType"_s, item.mimeType},
         {u"filename"_s, item.filename},
-        {u"mediaMetadata"_s, QJsonObject{{u"creationTime"_s, item.creationTime},
-                                         {isVideo ? u"video"_s : u"photo"_s, QJsonObject()}}},
     };
+    QJsonObject metadata{{isVideo ? u"video"_s : u"photo"_s, QJsonObject()}};
+    if (!item.creationTime.isEmpty())
+        metadata.insert(u"creationTime"_s, item.creationTime);
+    object.insert(u"mediaMetadata"_s, metadata);
     if (!item.description.isEmpty())
         object.insert(u"description"_s, item.description);
     return object;
+}
+
+QString rfc3339(Date date) {
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), QTimeZone::utc())
+        .toString(u"yyyy-MM-dd'T'HH:mm:ss'Z'"_s);
 }
 
 /// Google looks at the bytes; a claim of an image or a video only has to agree in that.
@@ -136,7 +143,7 @@ QJsonObject MediaItems::create(const NewItem& item, const QString& albumId,
         return failure(item.uploadToken, resourceExhaustedCode,
                        u"ERR_PHOTO_PER_ALBUM_LIMIT: The maximum number of photos in an album has "
                        "been reached."_s);
-    const StoredMediaItem& stored = add(*upload, item, id, now);
+    const StoredMediaItem& stored = add(*upload, item, id);
     if (!albumId.isEmpty())
         albums_.insert(albumId, id);
     uploads_.use(item.uploadToken);
@@ -145,8 +152,8 @@ QJsonObject MediaItems::create(const NewItem& item, const QString& albumId,
             {u"mediaItem"_s, describe(stored)}};
 }
 
-const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item, const QString& id,
-                                       Date now) {
+const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item,
+                                       const QString& id) {
     const auto [entry, isNew] = indexOfId_.try_emplace(id, items_.size());
     if (isNew)
         items_.push_back({.id = id,
@@ -155,9 +162,7 @@ const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item
                           .mimeType = upload.format,
                           .sha256 = upload.sha256,
                           .size = upload.size,
-                          .creationTime = QDateTime::fromMSecsSinceEpoch(
-                                              now.time_since_epoch().count(), QTimeZone::utc())
-                                              .toString(u"yyyy-MM-dd'T'HH:mm:ss'Z'"_s)});
+                          .creationTime = upload.captured ? rfc3339(*upload.captured) : QString()});
     return items_[entry->second];
 }
 

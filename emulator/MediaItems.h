@@ -36,8 +36,7 @@ class MediaItems {
     void requireRoom(const std::vector<NewItem>& items, const Behaviour& behaviour, Date now) const;
     QJsonObject create(const NewItem& item, const QString& albumId, const Behaviour& behaviour,
                        Date now);
-    const StoredMediaItem& add(const Upload& upload, const NewItem& item, const QString& id,
-                               Date now);
+    const StoredMediaItem& add(const Upload& upload, const NewItem& item, const QString& id);
 
     Uploads& uploads_;
     Albums& albums_;

@@ -47,13 +47,15 @@ void UploadBody::sumUp(Call& call) {
     call.uploadStart = start_;
 }
 
-void UploadBody::keep(const Call& call) {
+std::filesystem::path UploadBody::keep(const Call& call) {
     if (file_.empty())
-        return;
+        return {};
     const QString name = call.uploadFilename().replace(u'/', u'_').right(longestKeptName);
     const QString prefix = QString::fromLatin1(call.request.bodySha256.first(16));
-    std::filesystem::rename(file_, folder_ / pathFrom(prefix + u'-' + name));
+    const std::filesystem::path kept = folder_ / pathFrom(prefix + u'-' + name);
+    std::filesystem::rename(file_, kept);
     file_.clear();
+    return kept;
 }
 
 } // namespace quorvane::emulator

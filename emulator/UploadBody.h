@@ -27,8 +27,9 @@ class UploadBody final : public ByteSink {
     /// Enters the sum of what came into `call`. Call once.
     void sumUp(Call& call);
 
-    /// Gives the file in the folder its final name. Without it the file goes.
-    void keep(const Call& call);
+    /// Gives the file in the folder its final name, and returns its path; empty without a folder.
+    /// A file that is not kept goes.
+    std::filesystem::path keep(const Call& call);
 
   private:
     std::filesystem::path folder_;

@@ -3,6 +3,8 @@
 #include "emulator/MediaFormat.h"
 #include "emulator/Tokens.h"
 #include "emulator/UploadSession.h"
+#include "metadata/ImageMetadata.h"
+#include "metadata/MovieDates.h"
 
 using namespace Qt::StringLiterals;
 
@@ -14,6 +16,16 @@ Answer badHeader(const QString& name) {
     return invalidArgument(u"Missing or invalid header: "_s + name);
 }
 
+/// What Google reads of the file; the time of its upload where it states none.
+std::optional<Date> captureTime(const std::filesystem::path& file, const QString& format,
+                                const Behaviour& behaviour, Date now) {
+    if (file.empty())
+        return std::nullopt;
+    const auto stated =
+        format.startsWith(u"video/"_s) ? readExistingVideoDate(file) : readExistingImageDate(file);
+    return stated.value_or(now) + behaviour.dateShift;
+}
+
 bool isMediaType(const QByteArray& value) {
     const qsizetype slash = value.indexOf('/');
     return slash > 0 && slash < value.size() - 1;
@@ -21,10 +33,10 @@ bool isMediaType(const QByteArray& value) {
 
 } // namespace
 
-Answer Uploads::receive(const Call& call, std::chrono::seconds tokenLifetime, Date now) {
+Answer Uploads::receive(const Call& call, const Behaviour& behaviour, Date now) {
     const RecordedRequest& request = call.request;
     if (!call.sessionID().isEmpty())
-        return goOn(call, tokenLifetime, now);
+        return goOn(call, behaviour, now);
     const bool isStart = call.commands("start");
     if (request.header("X-Goog-Upload-Protocol") != (isStart ? "resumable" : "raw"))
         return badHeader(u"X-Goog-Upload-Protocol"_s);
@@ -34,7 +46,7 @@ Answer Uploads::receive(const Call& call, std::chrono::seconds tokenLifetime, Da
         return start(call);
     if (call.contentType() != "application/octet-stream")
         return badHeader(u"Content-Type"_s);
-    return take(call, tokenLifetime, now);
+    return take(call, behaviour, now);
 }
 
 Answer Uploads::start(const Call& call) {
@@ -56,7 +68,7 @@ Answer Uploads::start(const Call& call) {
     return answer;
 }
 
-Answer Uploads::goOn(const Call& call, std::chrono::seconds tokenLifetime, Date now) {
+Answer Uploads::goOn(const Call& call, const Behaviour& behaviour, Date now) {
     if (!call.session || session(call.sessionID()) != call.session)
         return apiError(404, u"Requested entity was not found."_s);
     UploadSession& session = *call.session;
@@ -65,7 +77,7 @@ Answer Uploads::goOn(const Call& call, std::chrono::seconds tokenLifetime, Date 
     if (call.commands("finalize")) {
         if (!session.isComplete())
             return invalidArgument(u"The upload is not complete."_s);
-        const Answer answer = take(session.finish(), tokenLifetime, now);
+        const Answer answer = take(session.finish(), behaviour, now);
         sessions_.erase(call.sessionID());
         return answer;
     }
@@ -79,21 +91,22 @@ Answer Uploads::goOn(const Call& call, std::chrono::seconds tokenLifetime, Date 
 }
 
 /// The bytes are here as a whole.
-Answer Uploads::take(const Call& call, std::chrono::seconds tokenLifetime, Date now) {
+Answer Uploads::take(const Call& call, const Behaviour& behaviour, Date now) {
     const RecordedRequest& request = call.request;
     if (request.bodySize == 0)
         return invalidArgument(u"The upload has no content."_s);
     std::erase_if(uploads_, [&](const auto& entry) { return entry.second.expiry <= now; });
     const QString token = u"CAIS"_s + opaqueText(96);
     const QByteArray claimedType = request.header("X-Goog-Upload-Content-Type").toLower();
-    uploads_.insert_or_assign(token,
-                              Upload{.sha256 = request.bodySha256,
-                                     .size = request.bodySize,
-                                     .filename = call.uploadFilename(),
-                                     .claimedType = QString::fromLatin1(claimedType),
-                                     .format = mediaFormatOf(call.uploadStart).value_or(QString()),
-                                     .expiry = now + tokenLifetime});
-    call.upload->keep(call);
+    const QString format = mediaFormatOf(call.uploadStart).value_or(QString());
+    uploads_.insert_or_assign(
+        token, Upload{.sha256 = request.bodySha256,
+                      .size = request.bodySize,
+                      .filename = call.uploadFilename(),
+                      .claimedType = QString::fromLatin1(claimedType),
+                      .format = format,
+                      .captured = captureTime(call.upload->keep(call), format, behaviour, now),
+                      .expiry = now + behaviour.uploadTokenLifetime});
     Answer answer = textAnswer(token.toLatin1());
     answer.headers = {{"X-Goog-Upload-Status", "final"}};
     return answer;

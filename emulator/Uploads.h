@@ -17,6 +17,7 @@ struct Upload {
     QString filename; ///< of the upload request; often empty
     QString claimedType;
     QString format; ///< the MIME type by the bytes themselves; empty when they are no media
+    std::optional<Date> captured = {}; ///< as the file itself says; known for kept files
     Date expiry;
 };
 
@@ -26,7 +27,7 @@ struct Upload {
 class Uploads {
   public:
     /// The bearer token has been checked before.
-    Answer receive(const Call& call, std::chrono::seconds tokenLifetime, Date now);
+    Answer receive(const Call& call, const Behaviour& behaviour, Date now);
 
     /// None when the session is unknown.
     std::shared_ptr<UploadSession> session(const QString& id) const;
@@ -41,8 +42,8 @@ class Uploads {
 
   private:
     Answer start(const Call& call);
-    Answer goOn(const Call& call, std::chrono::seconds tokenLifetime, Date now);
-    Answer take(const Call& call, std::chrono::seconds tokenLifetime, Date now);
+    Answer goOn(const Call& call, const Behaviour& behaviour, Date now);
+    Answer take(const Call& call, const Behaviour& behaviour, Date now);
 
     std::map<QString, Upload> uploads_;
     std::map<QString, std::shared_ptr<UploadSession>> sessions_;

@@ -3,6 +3,7 @@
 #include "google/GoogleErrors.h"
 #include "google/GoogleFaults.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,6 +50,16 @@ QString mediaItemIDOf(const QJsonValue& result) {
     return result[QStringLiteral("mediaItem")][QStringLiteral("id")].toString();
 }
 
+/// RFC 3339, with or without a fraction of a second.
+std::optional<Date> creationTimeOf(const QJsonValue& result) {
+    const QString text = result[QStringLiteral("mediaItem")][QStringLiteral("mediaMetadata")]
+                               [QStringLiteral("creationTime")]
+                                   .toString();
+    const QDateTime time = QDateTime::fromString(text, Qt::ISODateWithMs);
+    return time.isValid() ? std::optional(Date(std::chrono::milliseconds(time.toMSecsSinceEpoch())))
+                          : std::nullopt;
+}
+
 /// For each item the result that speaks of it: the one that names its upload token, where result
 /// and item are the only ones with that token, else the one at its place unless that names another
 /// item. An original must never be taken for saved by what was said about another one.
@@ -80,6 +91,7 @@ NewMediaItemResult resultFrom(const QJsonValue& value) {
     NewMediaItemResult result;
     result.isAnswered = true;
     result.id = mediaItemIDOf(value);
+    result.creationTime = creationTimeOf(value);
     result.code = codeOf(value);
     const QJsonValue status = value[QStringLiteral("status")];
     if (result.code != 0 || result.id.isEmpty())

@@ -15,11 +15,12 @@ struct NewMediaItem {
 
 /// What Google says about one of them.
 struct NewMediaItemResult {
-    bool isAnswered = false;         ///< false: the answer held nothing about this item
-    QString id;                      ///< of the item; counts only while `code` is 0
-    qint64 code = 0;                 ///< google.rpc.Code, 0 for success
-    QString statusText;              ///< the whole status as JSON; empty when there was none
-    std::optional<Fault> fault = {}; ///< why there is no item; none when there is one
+    bool isAnswered = false;               ///< false: the answer held nothing about this item
+    QString id;                            ///< of the item; counts only while `code` is 0
+    std::optional<Date> creationTime = {}; ///< the capture time that Google files it under
+    qint64 code = 0;                       ///< google.rpc.Code, 0 for success
+    QString statusText;                    ///< the whole status as JSON; empty when there was none
+    std::optional<Fault> fault = {};       ///< why there is no item; none when there is one
 };
 
 /// The requests about media items of the Google Photos Library API. Any thread; blocks its caller.

@@ -16,6 +16,14 @@ Date dateOf(std::int64_t milliseconds) {
 
 } // namespace
 
+bool isMisdated(Date ours, Date theirs) {
+    using namespace std::chrono_literals;
+    const auto apart = std::chrono::abs(theirs - ours);
+    const auto beyondZones = apart % 15min;
+    const bool isZone = apart <= 26h + 1min && std::min(beyondZones, 15min - beyondZones) <= 1min;
+    return apart > 1min && !isZone;
+}
+
 void RecordDates::setDate(const QString& identifier, const RecordDate& date) {
     db_.onConnection([&](sqlite::Connection& database) {
         sqlite::Statement row(database, "INSERT OR REPLACE INTO record_dates VALUES (?, ?, ?)");
@@ -34,6 +42,32 @@ std::vector<std::pair<QString, RecordDate>> RecordDates::all() {
         while (row.step())
             dates.emplace_back(row.text(0), RecordDate{dateOf(row.integer(1)), row.text(2)});
         return dates;
+    });
+}
+
+void RecordDates::compare(const QString& identifier, Date theirs) {
+    db_.onConnection([&](sqlite::Connection& database) {
+        sqlite::Statement ours(database,
+                               "SELECT date FROM record_dates WHERE asset_local_identifier = ?");
+        ours.bind(1, identifier);
+        const bool isWrong = ours.step() && isMisdated(dateOf(ours.integer(0)), theirs);
+        sqlite::Statement row(
+            database, isWrong ? "INSERT OR REPLACE INTO record_misdatings VALUES (?, ?)"
+                              : "DELETE FROM record_misdatings WHERE asset_local_identifier = ?");
+        row.bind(1, identifier);
+        if (isWrong)
+            row.bind(2, milliseconds(theirs));
+        row.step();
+    });
+}
+
+std::vector<Misdating> RecordDates::misdated() {
+    return db_.onConnection([](sqlite::Connection& database) {
+        sqlite::Statement row(database, statements::misdated);
+        std::vector<Misdating> found;
+        while (row.step())
+            found.push_back({row.text(0), dateOf(row.integer(1)), dateOf(row.integer(2))});
+        return found;
     });
 }
 

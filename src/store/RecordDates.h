@@ -14,6 +14,17 @@ struct RecordDate {
     bool operator==(const RecordDate&) const = default;
 };
 
+/// An item that the destination files under another time than its copy was given.
+struct Misdating {
+    QString identifier;
+    Date ours;
+    Date theirs;
+};
+
+/// Whether these are further apart than a minute, time zones aside: a difference of whole quarters
+/// of an hour, up to 26 hours, may be the zone that a reader took a date without one in.
+bool isMisdated(Date ours, Date theirs);
+
 /// What a person decided about an item that was held back for want of a date.
 struct DateChoice {
     std::optional<Date> date; ///< its capture date; none: it goes up as it is, without one
@@ -30,6 +41,11 @@ class RecordDates {
     void setDate(const QString& identifier, const RecordDate& date);
     /// By identifier, in no order: of every asset that was staged with a date.
     std::vector<std::pair<QString, RecordDate>> all();
+
+    /// The destination filed the asset's item under this time. Kept while it is not ours.
+    void compare(const QString& identifier, Date theirs);
+    /// Of items at the destination, by identifier.
+    std::vector<Misdating> misdated();
 
     void setChoice(const QString& identifier, const DateChoice& choice);
     std::optional<DateChoice> choiceOf(const QString& identifier);

@@ -135,8 +135,10 @@ bool RecordLife::relieved(const SyncRecord& record) {
 }
 
 bool RecordLife::created(const SyncRecord& record, const QString& uploadToken,
-                         const QString& remoteID) {
+                         const QString& remoteID, std::optional<Date> filedUnder) {
     return follow("created", record, [&](SyncStatus to) {
+        if (filedUnder)
+            dates_.compare(record.assetLocalIdentifier, *filedUnder);
         db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to,
                          uploadToken, remoteID);
         runFor(record.assetLocalIdentifier,

@@ -72,8 +72,9 @@ class RecordLife {
                  const std::optional<Fault>& fault = {});
     /// It failed by the world's fault, not by its own: it is tried again without being asked for.
     bool relieved(const SyncRecord& record);
-    /// The destination named the media item.
-    bool created(const SyncRecord& record, const QString& uploadToken, const QString& remoteID);
+    /// The destination named the media item, and the time that it files it under, if it says.
+    bool created(const SyncRecord& record, const QString& uploadToken, const QString& remoteID,
+                 std::optional<Date> filedUnder = {});
     /// The same bytes are at the destination already, under this name.
     bool recognised(const SyncRecord& record, const RecordSource& source, const QString& remoteID);
     /// Another version is in the library now, and this one was never sent.

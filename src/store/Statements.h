@@ -61,6 +61,10 @@ CREATE TABLE IF NOT EXISTS record_deletions (
 CREATE TABLE IF NOT EXISTS record_leavings (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY
 ) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_misdatings (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    date                   INTEGER NOT NULL
+) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS upload_sessions (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
     sha256                 TEXT NOT NULL,
@@ -312,6 +316,18 @@ WHERE sync_status = 'DATE_UNRESOLVED')sql";
 inline constexpr const char* countDatedByNumber =
     R"sql(SELECT COUNT(*) FROM record_dates JOIN sync_records USING (asset_local_identifier)
 WHERE source = 'numberInName' AND sync_status IN ('VERIFIED', 'DELETED_LOCALLY'))sql";
+
+inline constexpr const char* misdated =
+    R"sql(SELECT asset_local_identifier, record_dates.date, record_misdatings.date
+FROM record_misdatings
+JOIN record_dates USING (asset_local_identifier)
+JOIN sync_records USING (asset_local_identifier)
+WHERE sync_status IN ('VERIFIED', 'DELETED_LOCALLY')
+ORDER BY asset_local_identifier)sql";
+
+inline constexpr const char* countMisdated =
+    R"sql(SELECT COUNT(*) FROM record_misdatings JOIN sync_records USING (asset_local_identifier)
+WHERE sync_status IN ('VERIFIED', 'DELETED_LOCALLY'))sql";
 
 inline constexpr const char* fetchStatuses =
     R"sql(SELECT asset_local_identifier, sync_status FROM sync_records;)sql";

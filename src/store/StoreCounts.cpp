@@ -19,6 +19,7 @@ int count(DatabaseManager& db, const char* sql) {
 StoreCounts StoreCounts::of(DatabaseManager& db) {
     StoreCounts counts;
     counts.undatable = count(db, statements::countHeldUndatable);
+    counts.misdated = count(db, statements::countMisdated);
     counts.datedByNumber = count(db, statements::countDatedByNumber);
     for (const auto& [status, count] : db.countByStatus()) {
         switch (status) {

@@ -8,6 +8,7 @@ namespace quorvane {
 struct StoreCounts {
     int verified = 0;      ///< with those deleted here since
     int datedByNumber = 0; ///< of `verified`: by a number in the name, taken for a Unix time
+    int misdated = 0;      ///< of `verified`: filed under another time than their copy's
     int failed = 0;
     int undated = 0;   ///< held back for want of a date
     int undatable = 0; ///< of `undated`: their file takes none

@@ -259,10 +259,10 @@ void BatchCoordinator::endAtLimit(bool stopsRun) {
 void BatchCoordinator::settle(const Entry& entry, const NewItemResult& result) {
     switch (result.outcome) {
     case NewItemResult::Outcome::created:
-        markVerified(entry, result.remoteID, result.remoteID);
+        markVerified(entry, result, result.remoteID);
         break;
     case NewItemResult::Outcome::alreadyExists: {
-        markVerified(entry, {}, QStringLiteral("hedefte zaten vardı"));
+        markVerified(entry, result, QStringLiteral("hedefte zaten vardı"));
         const std::lock_guard lock(mutex_);
         ++alreadyExisting_;
         break;
@@ -295,10 +295,11 @@ bool BatchCoordinator::mayBeSentAgain(const Entry& entry) {
 }
 
 /// Without a remote id the record is never offered for deletion: the item cannot be asked for.
-void BatchCoordinator::markVerified(const Entry& entry, const QString& remoteID,
+void BatchCoordinator::markVerified(const Entry& entry, const NewItemResult& result,
                                     const QString& told) {
-    if (!mark(entry, SyncStatus::verified,
-              [&] { return s_.life.created(entry.record, entry.token, remoteID); }))
+    if (!mark(entry, SyncStatus::verified, [&] {
+            return s_.life.created(entry.record, entry.token, result.remoteID, result.filedUnder);
+        }))
         return;
     s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.fileName + QStringLiteral(" -> ") +
                told);

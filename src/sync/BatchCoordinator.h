@@ -114,7 +114,7 @@ class BatchCoordinator {
 
     void settle(const Entry& entry, const NewItemResult& result);
     bool mayBeSentAgain(const Entry& entry);
-    void markVerified(const Entry& entry, const QString& remoteID, const QString& told);
+    void markVerified(const Entry& entry, const NewItemResult& result, const QString& told);
     void markFailed(const Entry& entry, const QString& reason, const std::optional<Fault>& fault);
     bool mark(const Entry& entry, SyncStatus status, const std::function<bool()>& transition);
     void leave(const Batch& batch);

@@ -26,9 +26,10 @@ struct NewItemResult {
     };
     Outcome outcome = Outcome::refused;
     QString remoteID = {};
-    QString reason = {};             ///< for the record
-    QString detail = {};             ///< what the destination said, for the log
-    std::optional<Fault> fault = {}; ///< whose fault it is that there is no item; none: its own
+    QString reason = {};                 ///< for the record
+    QString detail = {};                 ///< what the destination said, for the log
+    std::optional<Fault> fault = {};     ///< whose fault it is that there is no item; none: its own
+    std::optional<Date> filedUnder = {}; ///< the capture time that the destination read, if it says
 };
 
 /// The place that pictures are backed up to: one account, and the album in it that new items go to,

@@ -24,7 +24,7 @@ NewItemResult resultFrom(const NewMediaItemResult& said) {
         return {.outcome = Outcome::refused, .reason = text, .detail = text};
     }
     if (said.code == 0 && !said.id.isEmpty())
-        return {.outcome = Outcome::created, .remoteID = said.id};
+        return {.outcome = Outcome::created, .remoteID = said.id, .filedUnder = said.creationTime};
     const QString detail =
         said.statusText.isEmpty() ? QStringLiteral("status.code = 0") : said.statusText;
     if (said.fault && said.fault->code == FaultCode::albumFull)

@@ -116,6 +116,11 @@ TEST_F(Destinations, AnItemsResultIsReadAsWhatBecameOfIt) {
             items.push_back({u"t1"_s, {}});
         EXPECT_EQ(textsOf(destination->create(items, {})), texts) << results.constData();
     }
+    answer(RequestKind::batchCreate, 200,
+           R"({"newMediaItemResults":[{"mediaItem":{"id":"m","mediaMetadata":)"
+           R"({"creationTime":"1970-01-01T00:01:00Z"}}}]})");
+    EXPECT_EQ(destination->create({{u"t0"_s, u"0.jpg"_s}, {u"t1"_s, {}}}, {}).at(0).filedUnder,
+              Date(std::chrono::minutes(1)));
     EXPECT_EQ(google.requests(RequestKind::batchCreate).back().body,
               R"({"newMediaItems":[{"simpleMediaItem":{"fileName":"0.jpg","uploadToken":"t0"}},)"
               R"({"simpleMediaItem":{"uploadToken":"t1"}}]})");

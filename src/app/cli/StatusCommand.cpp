@@ -7,8 +7,10 @@
 #include "foundation/FileLock.h"
 #include "store/RecordAbsences.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QLocale>
 
 namespace quorvane::cli {
 
@@ -62,6 +64,9 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
                                                         ? QStringLiteral("yok (ana akış)")
                                                         : status.targetAlbum);
     text += tableRow(QStringLiteral("Doğrulanan"), QString::number(status.counts.verified));
+    if (status.counts.misdated > 0)
+        text += tableRow(QStringLiteral("  Google'da başka tarihte"),
+                         QString::number(status.counts.misdated));
     text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
     if (status.counts.pending > 0)
         text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(status.counts.pending));
@@ -80,6 +85,30 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
     return text.chopped(1);
 }
 
+QString dateText(Date date) {
+    return QLocale(QLocale::Turkish)
+        .toString(QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count()),
+                  QStringLiteral("d MMMM yyyy HH:mm"));
+}
+
+void listMisdated(StateServices& state, Console& console, bool asJson) {
+    const std::vector<Misdating> items = RecordDates(state.db).misdated();
+    QJsonArray array;
+    QString text;
+    for (const Misdating& item : items) {
+        array += QJsonObject{{QStringLiteral("name"), item.identifier},
+                             {QStringLiteral("ours"), describe(item.ours)},
+                             {QStringLiteral("google"), describe(item.theirs)}};
+        text += QStringLiteral("%1: bizde %2, Google'da %3\n")
+                    .arg(item.identifier, dateText(item.ours), dateText(item.theirs));
+    }
+    if (asJson)
+        printJson(console, {{QStringLiteral("misdated"), array}});
+    else
+        console.result(items.empty() ? QStringLiteral("Google'da başka tarihte duran öğe yok")
+                                     : text.chopped(1));
+}
+
 int status(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
     Program program(invocation);
@@ -87,6 +116,10 @@ int status(Invocation& invocation) {
     GoogleServices& google = program.google;
     const AccountIdentity account = google.account();
     StateServices state(core, rememberedState(core, account), account);
+    if (invocation.arguments.has(QStringLiteral("misdated"))) {
+        listMisdated(state, core.console, invocation.arguments.has(QStringLiteral("json")));
+        return done;
+    }
     const StatePlace place = state.place.value_or(core.states.first());
     const Status now{StoreCounts::of(state.db),
                      google.oauth.isSignedIn(),
@@ -109,6 +142,7 @@ int status(Invocation& invocation) {
                {QStringLiteral("library"), now.library},
                {QStringLiteral("targetAlbum"), now.targetAlbum},
                {QStringLiteral("verified"), now.counts.verified},
+               {QStringLiteral("misdated"), now.counts.misdated},
                {QStringLiteral("pending"), now.counts.pending},
                {QStringLiteral("failed"), now.counts.failed},
                {QStringLiteral("undated"), now.counts.undated},
@@ -127,7 +161,10 @@ int status(Invocation& invocation) {
 Command statusCommand() {
     return {{QStringLiteral("status"),
              QStringLiteral("oturumu, sayıları ve dosyaların yerini gösterir"),
-             {{QStringLiteral("json"), {}, QStringLiteral("tek bir JSON nesnesi yazar")}}},
+             {{QStringLiteral("misdated"),
+               {},
+               QStringLiteral("Google'da başka bir tarihte duran öğeleri listeler")},
+              {QStringLiteral("json"), {}, QStringLiteral("tek bir JSON nesnesi yazar")}}},
             status};
 }
 

@@ -116,6 +116,7 @@ QString SyncReport::table() const {
     text += rowUnlessZero(QStringLiteral("  Google'da zaten varmış"), run.existing);
     text += rowUnlessZero(QStringLiteral("  tarihi addaki sayı"), run.datedByNumber);
     text += countRow(QStringLiteral("Doğrulanan (toplam)"), after.verified);
+    text += rowUnlessZero(QStringLiteral("  Google'da başka tarihte"), after.misdated);
     text += countRow(QStringLiteral("Başarısız"), after.failed);
     for (const FailedCategorySummary& failure : failures)
         text += countRow(QStringLiteral("  ") + failure.categoryName, failure.count);
@@ -167,6 +168,7 @@ QJsonObject SyncReport::json() const {
         {QStringLiteral("failed"), after.failed},
         {QStringLiteral("failedByCategory"), categories},
         {QStringLiteral("datedByNumber"), run.datedByNumber},
+        {QStringLiteral("misdated"), after.misdated},
         {QStringLiteral("undated"), after.undated},
         {QStringLiteral("undatable"), after.undatable},
         {QStringLiteral("pending"), pending},
