@@ -41,6 +41,10 @@ QString sizeText(std::int64_t bytes) {
         .formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
 }
 
+QString countText(int count) {
+    return QLocale(QLocale::Turkish).toString(count);
+}
+
 QString durationText(std::chrono::seconds duration) {
     const auto hours = std::chrono::duration_cast<std::chrono::hours>(duration).count();
     return hours >= 48  ? u"%1 gün"_s.arg(hours / 24)
@@ -160,17 +164,19 @@ Finding apiFinding(const GoogleFacts& google) {
                   u"Biraz sonra yeniden deneyin"_s);
 }
 
-Finding quotaFinding(const GoogleFacts& google) {
+Finding quotaFinding(const GoogleFacts& google, const QuotaFacts& today) {
     const QString id = u"quota"_s, title = u"Günlük kota"_s;
-    if (google.listStatus == 429)
-        return faulty(id, title, u"projenin istek hakkı bitti"_s,
+    const QString renewal = durationText(today.untilNewDay) + u" sonra yenilenir"_s;
+    if (google.isRateLimited)
+        return faulty(id, title, u"Google şu anda daha az istek istiyor"_s,
+                      u"Birkaç dakika sonra yeniden deneyin"_s);
+    if (google.isQuotaSpent || today.left == 0)
+        return faulty(id, title, u"projenin bugünkü istek hakkı bitti, "_s + renewal,
                       u"Bekleyin: hak her gün Pasifik saatiyle gece yarısı yenilenir (10.000 "
                       "istek)"_s);
-    if (google.listStatus != 200)
-        return unknown(id, title, u"açık bir oturum ve albümleri görme izni gerekir"_s);
     return fine(id, title,
-                u"tükenmedi (projenin günde 10.000 isteği vardır, kalanı Google Cloud Console "
-                "gösterir)"_s);
+                u"bu bilgisayardan bugün %1 istek yapıldı, %2 istek kaldı; %3"_s.arg(
+                    countText(today.used), countText(today.left), renewal));
 }
 
 Finding storageFinding(const std::optional<QString>& refusal) {

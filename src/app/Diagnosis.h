@@ -50,7 +50,16 @@ struct GoogleFacts {
     std::optional<std::chrono::seconds> sessionLeft; ///< Google says it of clients in testing only
     int listStatus = 0;                              ///< 0: not asked
     bool isApiDisabled = false;
+    bool isQuotaSpent = false;                      ///< of the day
+    bool isRateLimited = false;                     ///< for now
     std::optional<std::chrono::seconds> clockAhead; ///< of this computer's clock
+};
+
+/// Of the requests that the client's project may send a day.
+struct QuotaFacts {
+    int used = 0; ///< by this user on this computer
+    int left = 0;
+    std::chrono::seconds untilNewDay{0};
 };
 
 struct KeyringFacts {
@@ -70,7 +79,8 @@ Finding sessionFinding(const GoogleFacts& google);
 Finding sessionEndFinding(const GoogleFacts& google);
 Finding permissionsFinding(const GoogleFacts& google);
 Finding apiFinding(const GoogleFacts& google);
-Finding quotaFinding(const GoogleFacts& google);
+/// `today` as this computer counted, with what other programs of the project sent unknown.
+Finding quotaFinding(const GoogleFacts& google, const QuotaFacts& today);
 /// `refusal` is what Google said when it last refused an upload for want of room.
 Finding storageFinding(const std::optional<QString>& refusal);
 Finding keyringFinding(const KeyringFacts& keyring);

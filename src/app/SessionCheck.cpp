@@ -62,7 +62,10 @@ void list(GoogleServices& google, const QString& accessToken, GoogleFacts& facts
     request.headers = {bearerHeader(accessToken)};
     const HttpResponse response = ask(google, request, facts, stop);
     facts.listStatus = response.status;
-    facts.isApiDisabled = faultIn(response).code == FaultCode::serviceDisabled;
+    const FaultCode fault = faultIn(response).code;
+    facts.isApiDisabled = fault == FaultCode::serviceDisabled;
+    facts.isQuotaSpent = fault == FaultCode::dailyQuota;
+    facts.isRateLimited = fault == FaultCode::rateLimited;
 }
 
 GoogleFacts googleFacts(GoogleServices& google, const std::stop_token& stop) {
@@ -83,6 +86,14 @@ GoogleFacts googleFacts(GoogleServices& google, const std::stop_token& stop) {
         facts.unreachable = error.localizedDescription();
     }
     return facts;
+}
+
+QuotaFacts quotaFacts(const GoogleServices& google, const Clock& clock) {
+    const DailyRequests::Today today = google.requests.today();
+    return {.used = today.used,
+            .left = today.left,
+            .untilNewDay =
+                std::chrono::duration_cast<std::chrono::seconds>(today.turns - clock.now())};
 }
 
 KeyringFacts keyringFacts(GoogleServices& google) {
@@ -143,7 +154,7 @@ std::vector<Finding> checkSession(CoreServices& core, GoogleServices& services,
                                   sessionEndFinding(google),
                                   permissionsFinding(google),
                                   apiFinding(google),
-                                  quotaFinding(google),
+                                  quotaFinding(google, quotaFacts(services, core.clock)),
                                   storageFinding({}),
                                   keyringFinding(keyringFacts(services)),
                                   clockFinding(google)};
