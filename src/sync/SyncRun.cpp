@@ -62,7 +62,9 @@ class ActiveRun {
 void relieve(const SyncRunServices& services, const SyncRunOrder& order) {
     std::vector kinds{FaultKind::day, FaultKind::session, FaultKind::account, FaultKind::target,
                       FaultKind::machine};
-    if (order.takesUpFailed)
+    if (order.takesUp == SyncRunOrder::TakesUp::everything)
+        return services.life.retriedFailed(true);
+    if (order.takesUp == SyncRunOrder::TakesUp::whatTheMomentFailed)
         kinds.push_back(FaultKind::moment);
     for (const SyncRecord& record : RecordFaults(services.db).failedBy(kinds))
         services.life.relieved(record);

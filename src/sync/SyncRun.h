@@ -33,7 +33,8 @@ struct SyncRunServices {
 struct SyncRunOrder {
     bool deletes = false; ///< safe deletion follows
     World::Patience patience = World::endless;
-    bool takesUpFailed = false; ///< what failed by a fault of the moment is tried again
+    /// Which FAILED records are tried again beside those that the world ended a run by.
+    enum class TakesUp { nothing, whatTheMomentFailed, everything } takesUp = TakesUp::nothing;
 };
 
 /// What a run tells while it runs. All may be empty.

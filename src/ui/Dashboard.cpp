@@ -122,41 +122,83 @@ HeroView Dashboard::hero() const {
     view.note = model_.statusMessage() == upToDateMessage || model_.statusMessage().isEmpty()
                     ? QStringLiteral("Son eşitleme: ") + model_.lastSyncTimeString()
                     : model_.statusMessage();
-    if (model_.isSyncing()) {
-        const int percent = static_cast<int>(std::floor(model_.syncProgressFraction() * 100));
-        view.kind = QStringLiteral("syncing");
-        view.title = QStringLiteral("Eşitleme Devam Ediyor");
-        view.subtitle = QStringLiteral("Dosyalar Google Photos'a güvenle yükleniyor");
-        view.note = grouped(model_.syncCompletedCount()) + QStringLiteral(" / ") +
-                    grouped(model_.syncTotalCount());
-        view.speed = model_.currentUploadSpeedString();
-        view.fraction = model_.syncProgressFraction();
-        view.percent = QStringLiteral("%%1").arg(percent);
-        view.ringName = QStringLiteral("Eşitleme ilerlemesi yüzde %1").arg(percent);
-    } else if (model_.syncState() == SyncVisualState::error) {
-        view.kind = QStringLiteral("warning");
-        view.title = QStringLiteral("Eşitleme Uyarısı");
-        view.subtitle = QStringLiteral("Lütfen bağlantıyı ve ayarları kontrol edin");
-        view.symbol = QStringLiteral("exclamationmark.circle.fill");
-        view.ringName = view.title;
-        view.startTitle = QStringLiteral("Tekrar Dene");
-    } else if (model_.isLastRunComplete()) {
-        view.kind = QStringLiteral("done");
-        view.title = QStringLiteral("Eşitleme Tamamlandı");
-        view.subtitle = QStringLiteral("Tüm anılarınız bulutta güncel");
-        view.symbol = QStringLiteral("checkmark.circle.fill");
-        view.fraction = 1;
-        view.ringName = QStringLiteral("Eşitleme tamamlandı");
-    } else {
-        view.kind = QStringLiteral("idle");
-        view.title = QStringLiteral("Arşiviniz Güncel ve Güvende");
-        view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
-        view.symbol = QStringLiteral("checkmark.shield.fill");
-        view.ringName = view.title;
-    }
-    if (const int held = model_.failedCount() + model_.dateUnresolvedCount(); held > 0)
+    const int held = model_.failedCount() + model_.dateUnresolvedCount();
+    const bool isAllSafe = held + model_.pendingCount() == 0;
+    if (model_.isSyncing())
+        showProgress(view);
+    else if (model_.syncState() == SyncVisualState::error)
+        showWarning(view, QStringLiteral("Eşitleme Uyarısı"));
+    else if (model_.isLastRunComplete() && isAllSafe)
+        showDone(view);
+    else if (held > 0)
+        showWarning(view, QStringLiteral("İnceleme Bekleyen Öğeler Var"));
+    else if (model_.pendingCount() > 0)
+        showPending(view);
+    else
+        showIdle(view);
+    if (held > 0)
         view.quarantine = grouped(held) + QStringLiteral(" öğe inceleme bekliyor");
     return view;
+}
+
+void Dashboard::showProgress(HeroView& view) const {
+    const RunState& run = model_.runState();
+    const bool isWaiting = run.phase == RunState::Phase::waiting;
+    const bool isCounted = model_.syncTotalCount() > 0;
+    const int percent = static_cast<int>(std::floor(model_.syncProgressFraction() * 100));
+    view.kind = QStringLiteral("syncing");
+    view.title =
+        isWaiting ? QStringLiteral("Eşitleme Bekliyor") : QStringLiteral("Eşitleme Devam Ediyor");
+    view.subtitle =
+        isWaiting ? run.text() : QStringLiteral("Dosyalar Google Photos'a güvenle yükleniyor");
+    view.note = isCounted ? grouped(model_.syncCompletedCount()) + QStringLiteral(" / ") +
+                                grouped(model_.syncTotalCount())
+                          : QStringLiteral("Arşiv taranıyor…");
+    view.speed = model_.currentUploadSpeedString();
+    view.fraction = model_.syncProgressFraction();
+    view.percent = isCounted ? QStringLiteral("%%1").arg(percent) : QStringLiteral("…");
+    view.ringName =
+        isWaiting ? run.text() : QStringLiteral("Eşitleme ilerlemesi yüzde %1").arg(percent);
+}
+
+void Dashboard::showWarning(HeroView& view, const QString& title) const {
+    const RunState& run = model_.runState();
+    const bool saysWhy = run.phase == RunState::Phase::ended && run.fault;
+    view.kind = QStringLiteral("warning");
+    view.title = title;
+    view.subtitle = saysWhy ? faultText(*run.fault)
+                    : model_.syncState() == SyncVisualState::error
+                        ? QStringLiteral("Lütfen bağlantıyı ve ayarları kontrol edin")
+                        : QStringLiteral("Bazı öğeler yüklenemedi veya tarih bekliyor");
+    view.symbol = QStringLiteral("exclamationmark.circle.fill");
+    view.ringName = view.title;
+    if (model_.isRetryOffered())
+        view.startTitle = QStringLiteral("Tekrar Dene");
+}
+
+void Dashboard::showDone(HeroView& view) const {
+    view.kind = QStringLiteral("done");
+    view.title = QStringLiteral("Eşitleme Tamamlandı");
+    view.subtitle = QStringLiteral("Tüm anılarınız bulutta güncel");
+    view.symbol = QStringLiteral("checkmark.circle.fill");
+    view.fraction = 1;
+    view.ringName = QStringLiteral("Eşitleme tamamlandı");
+}
+
+void Dashboard::showPending(HeroView& view) const {
+    view.kind = QStringLiteral("pending");
+    view.title = QStringLiteral("Eşitlenmeyi Bekleyenler Var");
+    view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
+    view.symbol = QStringLiteral("arrow.triangle.2.circlepath");
+    view.ringName = view.title;
+}
+
+void Dashboard::showIdle(HeroView& view) const {
+    view.kind = QStringLiteral("idle");
+    view.title = QStringLiteral("Arşiviniz Güncel ve Güvende");
+    view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
+    view.symbol = QStringLiteral("checkmark.shield.fill");
+    view.ringName = view.title;
 }
 
 InspectorView Dashboard::inspector() const {

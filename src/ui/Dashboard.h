@@ -98,6 +98,11 @@ class Dashboard final : public QObject {
     /// `changed` follows the model's `cause`, for as long as somebody looks.
     void relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed);
     void updateTransfers();
+    void showProgress(HeroView& view) const;
+    void showWarning(HeroView& view, const QString& title) const;
+    void showDone(HeroView& view) const;
+    void showPending(HeroView& view) const;
+    void showIdle(HeroView& view) const;
     void resetReview();
     QString dateFallback() const;
     int retryCount() const;

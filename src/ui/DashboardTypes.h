@@ -60,7 +60,7 @@ struct HeroView {
     Q_PROPERTY(QString quarantine MEMBER quarantine)
 
   public:
-    QString kind; ///< "idle", "syncing", "done", "warning"
+    QString kind; ///< "idle", "pending", "syncing", "done", "warning"
     QString title;
     QString subtitle;
     QString note; ///< the third line

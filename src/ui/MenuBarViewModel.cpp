@@ -86,7 +86,7 @@ void MenuBarViewModel::refreshThen(std::function<void()> then) {
 }
 
 MenuBarViewModel::Account MenuBarViewModel::readAccount() {
-    Account account{s_.oauth.isSignedIn(), {}};
+    Account account{s_.oauth.isSignedIn() && !hasSessionEnded_, {}};
     if (account.isSignedIn)
         account.userEmail = s_.oauth.email().value_or(QString());
     return account;
@@ -121,11 +121,14 @@ void MenuBarViewModel::publishRoute() {
 void MenuBarViewModel::publishState(int refresh, Account account, Counts counts) {
     publish(account_, std::move(account), &MenuBarViewModel::accountChanged);
     publish(counts_, std::move(counts), &MenuBarViewModel::countsChanged);
-    publish(statusMessage_,
-            counts_.records.pending < 1 ? QStringLiteral("Arşiviniz güncel ve güvende")
-                                        : QLocale().toString(counts_.records.pending) +
-                                              QStringLiteral(" yeni öğe eşitlenmeyi bekliyor"),
-            &MenuBarViewModel::statusMessageChanged);
+    if (isSyncing_ && runState_.phase == RunState::Phase::waiting)
+        publish(statusMessage_, runState_.text(), &MenuBarViewModel::statusMessageChanged);
+    else
+        publish(statusMessage_,
+                counts_.records.pending < 1 ? QStringLiteral("Arşiviniz güncel ve güvende")
+                                            : QLocale().toString(counts_.records.pending) +
+                                                  QStringLiteral(" yeni öğe eşitlenmeyi bekliyor"),
+                &MenuBarViewModel::statusMessageChanged);
     if (account_.isSignedIn && googleAlbums_.empty() && !isLoadingGoogleAlbums_ &&
         !knowsGoogleAlbums_)
         loadGoogleAlbums();

@@ -168,6 +168,10 @@ class MenuBarViewModel final : public QObject {
     QString signInAddress() const { return signInAddress_; }
     SyncVisualState syncState() const { return syncState_; }
     bool isSyncing() const { return isSyncing_; }
+    /// Of the latest run of this process: what it waits for, or how it ended.
+    const RunState& runState() const { return runState_; }
+    /// The next run tries the failed records again.
+    bool isRetryOffered() const;
     const std::optional<Date>& lastSyncTime() const { return lastSyncTime_; }
     /// The local time of day, in the short style of the locale; "Henüz yok" before the first sync.
     QString lastSyncTimeString() const;
@@ -326,6 +330,7 @@ class MenuBarViewModel final : public QObject {
     void finishRun(int run, const SyncRunOutcome& outcome);
     void tellOutcome(const SyncRunOutcome& outcome);
     void publishProgress(int completed, int total);
+    void publishRunState(const RunState& state);
     void setRunning(bool running, SyncVisualState state);
     void createAlbum(const QString& title, std::function<void(const GoogleAlbum&)> created,
                      std::function<void(const QString&)> failed);
@@ -343,6 +348,7 @@ class MenuBarViewModel final : public QObject {
     QString signInAddress_;
     SyncVisualState syncState_ = SyncVisualState::idle;
     bool isSyncing_ = false;
+    RunState runState_;
     std::optional<Date> lastSyncTime_;
     bool isLastRunComplete_ = false;
     QString statusMessage_;
@@ -368,10 +374,11 @@ class MenuBarViewModel final : public QObject {
     LogListModel recentLogs_;
     SessionCheckModel sessionCheck_;
 
-    bool knowsGoogleAlbums_ = false; ///< of the account that is signed in
-    bool isLibraryStale_ = true;     ///< its albums and total are to be counted
-    bool hasLibraryChanged_ = false; ///< since its albums were listed
-    int runNumber_ = 0;              ///< of the latest run; an earlier one publishes nothing
+    std::atomic<bool> hasSessionEnded_ = false; ///< nothing goes on before somebody signs in
+    bool knowsGoogleAlbums_ = false;            ///< of the account that is signed in
+    bool isLibraryStale_ = true;                ///< its albums and total are to be counted
+    bool hasLibraryChanged_ = false;            ///< since its albums were listed
+    int runNumber_ = 0; ///< of the latest run; an earlier one publishes nothing
     EndCause endCause_ = EndCause::none;
     int refreshNumber_ = 0; ///< of the latest refresh that was asked for
     std::vector<std::pair<int, std::function<void()>>> afterRefresh_;

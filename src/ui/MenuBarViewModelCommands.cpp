@@ -19,7 +19,7 @@ QString grouped(qint64 number) {
 
 /// One run on the run thread: under the lock that keeps other processes out, unless it was stopped
 /// while it waited for its turn.
-SyncRunOutcome runLocked(const LibrarySession& session, bool deletionEnabled,
+SyncRunOutcome runLocked(const LibrarySession& session, const SyncRunOrder& order,
                          const SyncRunCallbacks& callbacks,
                          const std::function<std::shared_ptr<void>()>& acquireRunLock,
                          const std::stop_token& stop) {
@@ -30,8 +30,7 @@ SyncRunOutcome runLocked(const LibrarySession& session, bool deletionEnabled,
     }
     try {
         const std::shared_ptr<void> lock = acquireRunLock();
-        return runSync(session.run, {.deletes = deletionEnabled, .takesUpFailed = true}, callbacks,
-                       stop);
+        return runSync(session.run, order, callbacks, stop);
     } catch (const Error& error) {
         outcome.error = error.localizedDescription();
     }
@@ -93,6 +92,9 @@ void MenuBarViewModel::signInEnded(bool isRenewal, const std::optional<QString>&
     }
     if (isRenewal)
         s_.log.log(QStringLiteral("[MenuBarViewModel] Yeniden yetkilendirme başarılı"));
+    hasSessionEnded_ = false;
+    if (session_)
+        session_->run.stateFile.signedIn();
     s_.accountDidChange();
     refreshState();
     loadGoogleAlbums();
@@ -186,12 +188,17 @@ bool MenuBarViewModel::isReadyToRun() {
 void MenuBarViewModel::executeSyncLoop() {
     if (!isReadyToRun())
         return;
+    const SyncRunOrder order{.deletes = isAutoDeleteEnabled_,
+                             .takesUp = isRetryOffered()
+                                            ? SyncRunOrder::TakesUp::everything
+                                            : SyncRunOrder::TakesUp::whatTheMomentFailed};
     dismissAlbumLimitAlert();
     setRunning(true, SyncVisualState::syncing);
     publish(statusMessage_, QStringLiteral("Eşitleme başlatılıyor…"),
             &MenuBarViewModel::statusMessageChanged);
     publishProgress(0, counts_.records.pending);
     endCause_ = EndCause::none;
+    runState_ = RunState{.phase = RunState::Phase::running};
     runStop_ = std::stop_source();
     transferTimer_.start();
 
@@ -201,11 +208,17 @@ void MenuBarViewModel::executeSyncLoop() {
             model->publishProgress(completed, total);
     };
     callbacks.passEnded = [this] { post([this] { refreshState(); }); };
-    runTasks_.post([this, callbacks, session = session_, run = runNumber_, source = runStop_,
-                    deletionEnabled = isAutoDeleteEnabled_](const std::stop_token& end) {
+    callbacks.stateChanged = [this, run = runNumber_](const RunState& state) {
+        post([this, run, state] {
+            if (run == runNumber_ && isSyncing_)
+                publishRunState(state);
+        });
+    };
+    runTasks_.post([this, callbacks, order, session = session_, run = runNumber_,
+                    source = runStop_](const std::stop_token& end) {
         const std::stop_callback onEnd(end, [source]() mutable { source.request_stop(); });
         const SyncRunOutcome outcome =
-            runLocked(*session, deletionEnabled, callbacks, s_.acquireRunLock, source.get_token());
+            runLocked(*session, order, callbacks, s_.acquireRunLock, source.get_token());
         post([this, run, outcome] { finishRun(run, outcome); });
     });
 }
@@ -216,6 +229,19 @@ void MenuBarViewModel::publishProgress(int completed, int total) {
     syncCompletedCount_ = completed;
     syncTotalCount_ = total;
     Q_EMIT progressChanged();
+}
+
+/// While a run waits it says for what, wherever it is shown.
+void MenuBarViewModel::publishRunState(const RunState& state) {
+    runState_ = state;
+    if (state.phase == RunState::Phase::waiting)
+        publish(statusMessage_, state.text(), &MenuBarViewModel::statusMessageChanged);
+    Q_EMIT syncChanged();
+}
+
+bool MenuBarViewModel::isRetryOffered() const {
+    return syncState_ == SyncVisualState::error ||
+           (counts_.records.failed > 0 && counts_.records.pending == 0);
 }
 
 void MenuBarViewModel::setRunning(bool running, SyncVisualState state) {
@@ -238,11 +264,15 @@ void MenuBarViewModel::finishRun(int run, const SyncRunOutcome& outcome) {
         lastSyncTime_ = s_.clock.now();
     isLastRunComplete_ = !isFailed && !outcome.wasStopped && outcome.verified > 0 &&
                          outcome.failed + outcome.undated == 0;
+    runState_ = outcome.state();
+    hasSessionEnded_ = runState_.needsSignIn();
     isSyncing_ = false;
     syncState_ = isFailed ? SyncVisualState::error : SyncVisualState::idle;
     Q_EMIT syncChanged();
     if (outcome.error)
         publish(errorMessage_, *outcome.error, &MenuBarViewModel::errorMessageChanged);
+    else if (outcome.fault)
+        publish(errorMessage_, faultText(*outcome.fault), &MenuBarViewModel::errorMessageChanged);
     if (!route_.targetID.isEmpty())
         loadGoogleAlbums(); // the target's count has grown, or a next part was made
     refreshThen([this, run, outcome] {
@@ -256,12 +286,17 @@ void MenuBarViewModel::tellOutcome(const SyncRunOutcome& outcome) {
     const QString message =
         endCause_ == EndCause::person      ? stoppedMessage
         : endCause_ == EndCause::albumFull ? albumFullMessage
+        : outcome.fault                    ? outcome.state().text()
         : outcome.failed > 0
             ? grouped(outcome.failed) + QStringLiteral(" öğe aktarılamadı (tekrar denenecek)")
             : statusMessage_;
     publish(statusMessage_, message, &MenuBarViewModel::statusMessageChanged);
     if (endCause_ != EndCause::none)
         return;
+    if (outcome.fault)
+        notifyPerson(outcome.state().needsSignIn() ? QStringLiteral("Yeniden Giriş Gerekiyor")
+                                                   : QStringLiteral("Eşitleme Uyarısı"),
+                     faultText(*outcome.fault));
     if (outcome.verified > 0)
         notifyPerson(QStringLiteral("Eşitleme Tamamlandı"),
                      grouped(outcome.verified) + QStringLiteral(" öğe Google Photos'a aktarıldı."));

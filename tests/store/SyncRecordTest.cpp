@@ -45,6 +45,15 @@ TEST(SyncRecord, failuresFallIntoTheFirstMatchingCategory) {
         EXPECT_EQ(categoryOf(error), QString::fromUtf8(category)) << error;
 }
 
+TEST(SyncRecord, aKnownFaultDecidesBeforeTheText) {
+    const auto category = [](FaultCode code) {
+        return summarizeFailures({{QStringLiteral("HTTP limit"), 1, code}}).at(0).categoryName;
+    };
+    EXPECT_EQ(category(FaultCode::storageFull), QStringLiteral("Google Hesabı"));
+    EXPECT_EQ(category(FaultCode::albumFull), QStringLiteral("Albüm Sınırı Aşıldı"));
+    EXPECT_EQ(category(FaultCode::unreachable), QStringLiteral("Geçici Ağ / Sunucu Hatası"));
+}
+
 TEST(SyncRecord, categoriesAreMergedAndSortedStably) {
     const auto summaries = summarizeFailures({{QStringLiteral("x"), 2},
                                               {QStringLiteral("HTTP 500"), 1},

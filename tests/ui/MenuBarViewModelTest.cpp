@@ -259,13 +259,16 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
   statusMessage: Arşiviniz güncel ve güvende
   verifiedCount: 30
 ## the access was withdrawn
+  errorMessage: Google oturumu sona erdi, yeniden giriş yapın (Google: Token has been expired or revoked.)
   isLastRunComplete: false
+  isSignedIn: false
   pendingCount: 1
   selectedSourceCount: 31
-  statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
+  statusMessage: Eşitleme durdu: Google oturumu sona erdi, yeniden giriş yapın (Google: Token has been expired or revoked.)
   syncState: error
   syncTotalCount: 1
   totalPhotoCount: 31
+  userEmail: 
 )");
 }
 

@@ -108,7 +108,7 @@ TEST_F(KeyboardTest, tabReachesEveryControlInOrderAndEachHasItsName) {
         {u"renewAccess"_s, u"İzni Yenile (Giriş Yap)"_s, Button},
         {u"reloadAlbums"_s, u"Google Albümlerini Yenile"_s, Button},
         {u"quarantineLink"_s, u"1 öğe inceleme bekliyor"_s, Button},
-        {u"start"_s, u"Şimdi Eşitle"_s, Button},
+        {u"start"_s, u"Tekrar Dene"_s, Button},
         {u"deletion"_s, u"Yedeklenenleri Mac'ten Temizle"_s, CheckBox},
         {u"logFile"_s, u"Günlük Dosyasını Aç..."_s, Button},
         {u"theme"_s, u"Tema"_s, Button},

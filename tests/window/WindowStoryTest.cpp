@@ -96,7 +96,7 @@ TEST_F(WindowStoryTest, aRouteIsChosen) {
         world.google.addAlbum(title, count);
     openSignedIn();
     expectShown({u"Fotoğraf & Video Arşivi (2)"_s, u"Google Fotoğraflar (Ana Akış / Kitaplık)"_s,
-                 u"Arşiviniz Güncel ve Güvende"_s, u"2 yeni öğe eşitlenmeyi bekliyor"_s});
+                 u"Eşitlenmeyi Bekleyenler Var"_s, u"2 yeni öğe eşitlenmeyi bekliyor"_s});
     shot(u"main-idle-light"_s);
     click(u"source"_s);
     expectShown({u"Özel Albümlerim"_s, u"Aile (1)"_s});

@@ -61,7 +61,9 @@ class Turns {
 
     void ended(const SyncRunOutcome& outcome) {
         const bool isMoving = outcome.verified > 0;
-        next_ = isMoving || next_ == longestWait ? first_ : std::min<std::chrono::seconds>(2 * next_, longestRetry);
+        next_ = isMoving || next_ == longestWait
+                    ? first_
+                    : std::min<std::chrono::seconds>(2 * next_, longestRetry);
         if (!outcome.mayPassLater && !outcome.error && !outcome.fault)
             next_ = longestWait;
     }
@@ -82,7 +84,7 @@ void backUp(CoreServices& core, LibraryServices& library, Turns& turns, std::sto
         const RunLock lock(core.folders.runLock());
         const SyncRunOrder order{.deletes =
                                      core.preferences.boolean(preferenceKeys::isAutoDeleteEnabled),
-                                 .takesUpFailed = true};
+                                 .takesUp = SyncRunOrder::TakesUp::whatTheMomentFailed};
         const SyncRunOutcome outcome = runSync(library.run, order, {}, stop);
         turns.ended(outcome);
         if (outcome.error || outcome.fault)

@@ -8,11 +8,12 @@ Ring {
     required property heroView hero
     readonly property bool isWarning: hero.kind === "warning"
     readonly property bool isSyncing: hero.kind === "syncing"
+    readonly property bool isPending: hero.kind === "pending"
 
     width: 88
     height: 88
-    disc: isSyncing ? "transparent" : isWarning ? Theme.dangerTint : Theme.successTint
-    track: isSyncing ? Theme.track : isWarning ? Theme.dangerTrack : Theme.successTrack
+    disc: isSyncing ? "transparent" : isPending ? Theme.accentTint : isWarning ? Theme.dangerTint : Theme.successTint
+    track: isSyncing || isPending ? Theme.track : isWarning ? Theme.dangerTrack : Theme.successTrack
     arc: isSyncing ? Theme.progress : Theme.success
     fraction: hero.fraction
     Accessible.role: Accessible.ProgressBar
@@ -36,6 +37,6 @@ Ring {
         size: 38
         visible: !ring.isSyncing
         name: ring.hero.symbol
-        color: ring.isWarning ? Theme.danger : Theme.success
+        color: ring.isPending ? Theme.accentText : ring.isWarning ? Theme.danger : Theme.success
     }
 }

@@ -62,6 +62,7 @@ void MenuBarController::observeViewModel() {
     connect(&model_, &MenuBarViewModel::syncChanged, this, [this] {
         if (shownState_ != model_.syncState())
             updateStatusItemIcon(model_.syncState());
+        updateToolTip();
         updateMenu();
     });
     connect(&model_, &MenuBarViewModel::accountChanged, this, &MenuBarController::updateMenu);
@@ -83,20 +84,32 @@ void MenuBarController::updateStatusItemIcon(SyncVisualState state) {
     shownState_ = state;
     if (!item_)
         return;
+    updateToolTip();
     const int pixels = itemPixels();
     if (state == SyncVisualState::syncing) {
-        item_->setToolTip(QStringLiteral("Eşitleme devam ediyor..."));
         animator_.start(pixels);
         return;
     }
     animator_.stop();
     const bool isError = state == SyncVisualState::error;
-    item_->setToolTip(isError ? QStringLiteral("Eşitleme Uyarısı") : QStringLiteral("Quorvane"));
     item_->setIcon(QIcon(QPixmap::fromImage(
         drawSymbolBadge(isError ? QStringLiteral("exclamationmark.circle.fill")
                                 : QStringLiteral("photo.on.rectangle"),
                         MenuBarIconAnimator::side, pixels / MenuBarIconAnimator::side,
                         isError ? badgeRed : badgeBlue))));
+}
+
+/// What the run waits for, or what ended it, where there is something of the kind to say.
+void MenuBarController::updateToolTip() {
+    if (!item_)
+        return;
+    const RunState& run = model_.runState();
+    const QString usual =
+        shownState_ == SyncVisualState::syncing ? QStringLiteral("Eşitleme devam ediyor...")
+        : shownState_ == SyncVisualState::error ? QStringLiteral("Eşitleme Uyarısı")
+                                                : QStringLiteral("Quorvane");
+    const bool saysMore = shownState_ != SyncVisualState::idle && run.fault;
+    item_->setToolTip(saysMore ? run.text() : usual);
 }
 
 void MenuBarController::statusItemClicked() {

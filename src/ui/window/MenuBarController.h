@@ -30,6 +30,7 @@ class MenuBarController final : public QObject {
     void observeViewModel();
     void buildMenu();
     void updateMenu();
+    void updateToolTip();
     void showItem();
     void openWindowInstead();
     int itemPixels() const;
