@@ -57,6 +57,11 @@ void Preferences::remove(const QString& key) {
     change(key, [&](QJsonObject& values) { values.remove(key); });
 }
 
+bool Preferences::isVolatile(const QString& key) const {
+    const std::lock_guard lock(mutex_);
+    return volatileValues_.contains(key);
+}
+
 void Preferences::setVolatile(const QString& key, const QJsonValue& value) {
     const std::lock_guard lock(mutex_);
     volatileValues_[key] = value;

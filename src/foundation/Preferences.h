@@ -34,6 +34,9 @@ class Preferences {
     /// A value for this process only, which wins over the stored one until the key is written.
     void setVolatile(const QString& key, const QJsonValue& value);
 
+    /// Whether such a value is in force.
+    bool isVolatile(const QString& key) const;
+
     /// Deletes the damaged files that were kept beside: there may be secrets in them.
     void removeDamaged();
 
@@ -71,6 +74,8 @@ inline const QString targetAlbumID = QStringLiteral("com.quorvane.google.target_
 inline const QString targetAlbumTitle = QStringLiteral("com.quorvane.google.target_album_title");
 inline const QString localCreatedAlbums =
     QStringLiteral("com.quorvane.google.local_created_albums");
+/// Which album was made to continue which: a JSON object of album ids.
+inline const QString rolloverParts = QStringLiteral("com.quorvane.google.rollover_parts");
 inline const QString autoRolloverOnLimit =
     QStringLiteral("com.quorvane.google.autoRolloverOnLimit");
 inline const QString stopAtLimit = QStringLiteral("com.quorvane.google.stopAtLimit");

@@ -182,6 +182,29 @@ GoogleAlbum GoogleAlbumManager::createAndSelectNextPartAlbum(std::stop_token sto
     return createAlbum(nextPartTitle(current), stop);
 }
 
+bool GoogleAlbumManager::continueInNextPart(std::stop_token stop) {
+    const QString current = targetAlbumID().value_or(QString());
+    QJsonObject parts = rolloverParts();
+    QString newest = current;
+    for (qsizetype i = 0; i < parts.size() && parts.contains(newest); ++i)
+        newest = parts[newest].toString();
+    if (newest != current)
+        for (const GoogleAlbum& album : getLocalCreatedAlbums())
+            if (album.id == newest) {
+                selectTargetAlbum(album);
+                return false;
+            }
+    parts[current] = createAndSelectNextPartAlbum(std::move(stop)).id;
+    preferences_.setData(preferenceKeys::rolloverParts,
+                         QJsonDocument(parts).toJson(QJsonDocument::Compact));
+    return true;
+}
+
+QJsonObject GoogleAlbumManager::rolloverParts() const {
+    const auto stored = preferences_.data(preferenceKeys::rolloverParts);
+    return QJsonDocument::fromJson(stored.value_or(QByteArray())).object();
+}
+
 QString GoogleAlbumManager::nextPartTitle(const QString& title) {
     static const QRegularExpression suffix(QStringLiteral(" - Parça ([0-9]+)$"));
     const QRegularExpressionMatch match = suffix.match(title);
@@ -208,8 +231,14 @@ void GoogleAlbumManager::selectTargetAlbum(const std::optional<GoogleAlbum>& alb
         preferences_.remove(preferenceKeys::targetAlbumTitle);
         return;
     }
+    const QString title = album->title.value_or(QString());
+    if (preferences_.isVolatile(preferenceKeys::targetAlbumID)) { // named for this process alone
+        preferences_.setVolatile(preferenceKeys::targetAlbumID, album->id);
+        preferences_.setVolatile(preferenceKeys::targetAlbumTitle, title);
+        return;
+    }
     preferences_.setString(preferenceKeys::targetAlbumID, album->id);
-    preferences_.setString(preferenceKeys::targetAlbumTitle, album->title.value_or(QString()));
+    preferences_.setString(preferenceKeys::targetAlbumTitle, title);
 }
 
 std::optional<QString> GoogleAlbumManager::targetAlbumID() const {

@@ -41,6 +41,10 @@ class GoogleAlbumManager {
     /// `createAlbum` with the title that follows the target album's.
     GoogleAlbum createAndSelectNextPartAlbum(std::stop_token stop);
 
+    /// Makes the newest album that earlier calls made to continue the target, or one that continued
+    /// it, the target; where there is none, `createAndSelectNextPartAlbum`. True when one was made.
+    bool continueInNextPart(std::stop_token stop);
+
     /// "Aile" → "Aile - Parça 2" → "Aile - Parça 3".
     static QString nextPartTitle(const QString& title);
 
@@ -69,6 +73,7 @@ class GoogleAlbumManager {
     std::optional<QJsonObject> fetchPage(const QUrl& endpoint, const QString& pageToken,
                                          Listing& listing, const std::stop_token& stop);
     void rememberFault(const std::optional<Fault>& fault);
+    QJsonObject rolloverParts() const;
     void saveLocalCreatedAlbum(const GoogleAlbum& album);
     void saveDiscoveredAlbums(const std::vector<GoogleAlbum>& albums);
     std::vector<GoogleAlbum> remember(const std::vector<GoogleAlbum>& fetched);

@@ -132,10 +132,12 @@ void BatchCoordinator::send(Batch batch, const std::stop_token& stop) {
             if (rest.heldBack.empty())
                 continue;
             const bool rollsOver = s_.preferences.boolean(preferenceKeys::autoRolloverOnLimit);
-            if (!rollsOver || std::exchange(hasRolledOver, true) || !rollOver(stop)) {
+            const auto isNew = rollsOver && !hasRolledOver ? rollOver(stop) : std::nullopt;
+            if (!isNew) {
                 endAtLimit(rollsOver || s_.preferences.boolean(preferenceKeys::stopAtLimit));
                 break;
             }
+            hasRolledOver = *isNew;
             batch.insert(batch.begin(), rest.heldBack.begin(), rest.heldBack.end());
         }
     } catch (const Cancelled&) {
@@ -222,22 +224,23 @@ BatchCoordinator::Remainder BatchCoordinator::sort(const Batch& batch,
     return rest;
 }
 
-/// True when the entries held back have a new album to go to.
-bool BatchCoordinator::rollOver(const std::stop_token& stop) {
+/// Whether the album that the entries held back go to now was made for them; none when there is no
+/// such album.
+std::optional<bool> BatchCoordinator::rollOver(const std::stop_token& stop) {
     s_.console.print(
         QStringLiteral("[Batch] Albüm limiti aşıldı, otomatik yeni albüm oluşturuluyor..."));
     while (auto permit = s_.attempts.enter(stop)) {
         try {
-            s_.destination.makeNextAlbum(stop);
+            const bool isNew = s_.destination.makeNextAlbum(stop);
             permit->passed();
-            return true;
+            return isNew;
         } catch (const std::exception& error) {
             throwIfCancellation(error, stop);
             logFlushError(error);
             const auto fault = faultOf(error);
             const World::Verdict verdict = permit->failed(fault);
             if (isItems(fault))
-                return false;
+                return std::nullopt;
             if (!s_.attempts.sleep(verdict.wait, stop))
                 throw Cancelled();
         }

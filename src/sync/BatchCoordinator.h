@@ -109,7 +109,7 @@ class BatchCoordinator {
     Remainder failed(const Batch& batch, const std::exception& error, Attempts::Permit permit);
     Remainder sort(const Batch& batch, const std::vector<NewItemResult>& results,
                    Attempts::Permit permit);
-    bool rollOver(const std::stop_token& stop);
+    std::optional<bool> rollOver(const std::stop_token& stop);
     void endAtLimit(bool stopsRun);
 
     void settle(const Entry& entry, const NewItemResult& result);

@@ -52,8 +52,8 @@ class Destination : public RemoteItems {
     /// True when new items go into an album.
     virtual bool hasTargetAlbum() const = 0;
 
-    /// Makes the album that continues the full one, and makes it the target.
-    virtual void makeNextAlbum(std::stop_token stop) = 0;
+    /// Makes the album that continues the full one the target. False when it was there already.
+    virtual bool makeNextAlbum(std::stop_token stop) = 0;
 };
 
 } // namespace quorvane

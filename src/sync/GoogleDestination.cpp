@@ -69,8 +69,8 @@ bool GoogleDestination::hasTargetAlbum() const {
     return albums_.targetAlbumID().has_value();
 }
 
-void GoogleDestination::makeNextAlbum(std::stop_token stop) {
-    albums_.createAndSelectNextPartAlbum(std::move(stop));
+bool GoogleDestination::makeNextAlbum(std::stop_token stop) {
+    return albums_.continueInNextPart(std::move(stop));
 }
 
 std::optional<std::set<QString>> GoogleDestination::existing(const QStringList& remoteIDs,

@@ -17,7 +17,7 @@ class GoogleDestination final : public Destination {
     std::vector<NewItemResult> create(const std::vector<NewItem>& items,
                                       std::stop_token stop) override;
     bool hasTargetAlbum() const override;
-    void makeNextAlbum(std::stop_token stop) override;
+    bool makeNextAlbum(std::stop_token stop) override;
     std::optional<std::set<QString>> existing(const QStringList& remoteIDs,
                                               std::stop_token stop) override;
 

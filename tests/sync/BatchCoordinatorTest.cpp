@@ -37,7 +37,10 @@ struct FakeDestination final : Destination {
         }
         return results;
     }
-    void makeNextAlbum(std::stop_token) override { makeAlbum(); }
+    bool makeNextAlbum(std::stop_token) override {
+        makeAlbum();
+        return true;
+    }
     bool hasTargetAlbum() const override { return true; }
     QString upload(const UploadSource&, UploadMemory&, const Progress&, std::stop_token) override {
         return {};
@@ -179,6 +182,34 @@ TEST_F(Batches, AFailedRequestFailsItsRecordsAndAStopLeavesThemStaged) {
         EXPECT_EQ(log.messages().back(), message);
     }
     EXPECT_EQ(destination.batches.size(), 4U);
+}
+
+TEST_F(Batches, TheWorldsFaultsCostNoRecordAndARefusedTokenOnce) {
+    const auto refusal = [](FaultCode code) {
+        return NewItemResult{Outcome::refused, {}, u"neden"_s, u"code"_s, Fault{code}};
+    };
+    const std::vector<std::pair<std::vector<std::function<NewItemResult()>>, QString>> rows{
+        {{[]() -> NewItemResult { throw Error(u"HTTP 503"_s, Fault{FaultCode::serviceBusy}); },
+          []() -> NewItemResult { throw Error(u"HTTP 429"_s, Fault{FaultCode::rateLimited}); },
+          [&] { return refusal(FaultCode::serviceBusy); }},
+         u"VERIFIED m-t0"_s},
+        {{[&] { return refusal(FaultCode::tokenRefused); }}, u"STAGED"_s},
+        {{[&] { return refusal(FaultCode::tokenRefused); }}, u"FAILED neden"_s},
+        {{[]() -> NewItemResult { throw Error(u"HTTP 401"_s, Fault{FaultCode::sessionEnded}); }},
+         u"FAILED HTTP 401"_s},
+        {{[&] { return refusal(FaultCode::storageFull); }}, u"STAGED"_s},
+    };
+    for (const auto& [answers, expected] : rows) {
+        attempts.begin(World::endless);
+        std::size_t next = 0;
+        destination.answer = [&](const NewItem& item, const std::stop_token&) {
+            return next < answers.size() ? answers[next++]() : made(item);
+        };
+        enqueue(0, 1);
+        coordinator->flush();
+        EXPECT_EQ(state(0), expected);
+        EXPECT_EQ(next, answers.size());
+    }
 }
 
 TEST_F(Batches, ARecordThatCannotBeMarkedCostsNoOtherRecord) {

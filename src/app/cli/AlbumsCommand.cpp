@@ -35,7 +35,7 @@ std::vector<Row> googleAlbums(Invocation& invocation, Program& program) {
     GoogleServices& google = program.google;
     requireSignedIn(google.oauth);
     std::vector<Row> rows;
-    for (const GoogleAlbum& album : google.albums.listAlbums(invocation.stop))
+    for (const GoogleAlbum& album : listedAlbums(google.albums, invocation.stop))
         rows.push_back({album.id, album.title.value_or(QString()), album.itemCount()});
     if (google.albums.lacksReadPermission())
         program.core.console.error(

@@ -120,9 +120,17 @@ void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums) {
         findOne(all, idOrTitle, [](const LocalAlbumItem& item) { return item.title; }));
 }
 
+std::vector<GoogleAlbum> listedAlbums(GoogleAlbumManager& albums, const std::stop_token& stop) {
+    auto all = albums.listAlbums(stop);
+    const auto fault = albums.listingFault();
+    if (fault && !albums.lacksReadPermission())
+        throw Error(QStringLiteral("Google albümleri alınamadı: ") + faultText(*fault), fault);
+    return all;
+}
+
 void chooseTargetAlbum(const QString& idOrTitle, GoogleAlbumManager& albums,
                        Preferences& preferences, std::stop_token stop) {
-    const std::vector<GoogleAlbum> all = albums.listAlbums(stop);
+    const std::vector<GoogleAlbum> all = listedAlbums(albums, stop);
     const GoogleAlbum& album = findOne(
         all, idOrTitle, [](const GoogleAlbum& item) { return item.title.value_or(QString()); });
     preferences.setVolatile(preferenceKeys::targetAlbumID, album.id);

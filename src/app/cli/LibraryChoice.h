@@ -32,6 +32,10 @@ std::optional<StatePlace> rememberedState(const CoreServices& core, const Accoun
 /// is none, or several of that title.
 void chooseSourceAlbum(const QString& idOrTitle, PhotoAlbumService& albums);
 
+/// `GoogleAlbumManager::listAlbums`, for those who cannot do with a part of the list: throws
+/// `Error` where it is not whole, unless only the permission to read is missing.
+std::vector<GoogleAlbum> listedAlbums(GoogleAlbumManager& albums, const std::stop_token& stop);
+
 /// Makes the Google Photos album named by identifier or title the target of this run.
 void chooseTargetAlbum(const QString& idOrTitle, GoogleAlbumManager& albums,
                        Preferences& preferences, std::stop_token stop);
