@@ -4,7 +4,6 @@
 #include "library/PhotoLibrary.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -239,16 +238,22 @@ SourceContent exportFile(const FileDescriptor& original, const std::filesystem::
 
 std::int64_t contentSample(const FileDescriptor& original,
                            const std::filesystem::path& originalPath) {
-    constexpr std::int64_t part = 4096;
     const std::int64_t size = fileVersion(original.get(), originalPath).size;
-    std::array<char, part> bytes{};
-    Sha256 hash;
-    for (const std::int64_t offset : {std::int64_t{0}, std::max(std::int64_t{0}, size - part)}) {
-        const ssize_t n = ::pread(original.get(), bytes.data(), bytes.size(), offset);
+    const auto read = [&](std::int64_t offset) {
+        QByteArray bytes(sampledBytes, Qt::Uninitialized);
+        const ssize_t n = ::pread(original.get(), bytes.data(), sampledBytes, offset);
         if (n < 0)
             throw FileError(QStringLiteral("Dosya okunamadı"), originalPath, errno);
-        hash.add(QByteArrayView(bytes.data(), n));
-    }
+        bytes.truncate(n);
+        return bytes;
+    };
+    return contentSample(read(0), read(std::max(std::int64_t{0}, size - sampledBytes)), size);
+}
+
+std::int64_t contentSample(QByteArrayView beginning, QByteArrayView end, std::int64_t size) {
+    Sha256 hash;
+    hash.add(beginning);
+    hash.add(end);
     std::int64_t sample = 0;
     std::memcpy(&sample, hash.finish().constData(), sizeof sample);
     return sample ^ size;

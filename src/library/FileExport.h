@@ -43,6 +43,11 @@ SourceContent exportFile(const FileDescriptor& original, const std::filesystem::
 std::int64_t contentSample(const FileDescriptor& original,
                            const std::filesystem::path& originalPath);
 
+/// The same of content that comes as a stream: of `size` bytes the first and the last
+/// `sampledBytes`, or all of them twice where there are fewer.
+std::int64_t contentSample(QByteArrayView beginning, QByteArrayView end, std::int64_t size);
+inline constexpr std::int64_t sampledBytes = 4096;
+
 /// Renames a file, each name in a folder (a descriptor, or AT_FDCWD), but never over something that
 /// has the new name: EEXIST then. 0, or the system's error number.
 int renameToNew(int fromFolder, const std::filesystem::path& from, int toFolder,

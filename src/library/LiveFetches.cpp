@@ -6,10 +6,8 @@
 
 namespace quorvane {
 
-namespace {
-
-FetchResultChangeDetails difference(const std::vector<PhotoAsset>& before,
-                                    const AssetFetchResult& after) {
+FetchResultChangeDetails differenceOf(const std::vector<PhotoAsset>& before,
+                                      const AssetFetchResult& after) {
     const auto [oldRest, newRest] = std::ranges::mismatch(before, *after);
     const std::span<const PhotoAsset> old(oldRest, before.end());
     std::unordered_map<QString, const PhotoAsset*> gone;
@@ -34,8 +32,6 @@ FetchResultChangeDetails difference(const std::vector<PhotoAsset>& before,
     return details;
 }
 
-} // namespace
-
 AssetFetchResult LiveFetches::remember(AssetFetchResult result, Fetch again) {
     const std::lock_guard lock(mutex_);
     std::erase_if(entries_, [](const Entry& entry) { return entry.result.expired(); });
@@ -57,7 +53,7 @@ LiveFetches::changeDetails(const AssetFetchResult& before) const {
     const AssetFetchResult after = again();
     if (!after)
         return std::nullopt;
-    FetchResultChangeDetails details = difference(*before, after);
+    FetchResultChangeDetails details = differenceOf(*before, after);
     if (details.insertedObjects.empty() && details.removedObjects.empty() &&
         details.changedObjects.empty())
         return std::nullopt;

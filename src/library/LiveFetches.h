@@ -7,6 +7,11 @@
 
 namespace quorvane {
 
+/// What came, went and is different, in linear time, and in memory only for what is not alike at
+/// the beginning.
+FetchResultChangeDetails differenceOf(const std::vector<PhotoAsset>& before,
+                                      const AssetFetchResult& after);
+
 /// The fetch results that a library handed out and that somebody still holds, each with the way to
 /// fetch it again. So a change can be told against the very result that the observer has. Any
 /// thread.
@@ -18,9 +23,8 @@ class LiveFetches final : public LibraryChange {
     /// Returns `result`. `again` fetches what there is now, cheaply and without `remember`.
     AssetFetchResult remember(AssetFetchResult result, Fetch again);
 
-    /// In linear time, and in memory only for what is not alike at the beginning. None when the
-    /// same assets are there as before, in whatever order, or when `before` is nobody's. Throws
-    /// what the fetch throws.
+    /// None when the same assets are there as before, in whatever order, or when `before` is
+    /// nobody's. Throws what the fetch throws.
     std::optional<FetchResultChangeDetails>
     changeDetails(const AssetFetchResult& before) const override;
 
