@@ -29,7 +29,7 @@ QString latin(std::string_view text) {
 }
 
 /// Every other form that a date is written in: Exif's own, and the one of mail headers, which the
-/// PNG specification recommends.
+/// PNG standard recommends (ISO/IEC 15948).
 std::optional<Date> anyDate(const QString& text) {
     if (const auto date = parseTypedDate(text))
         return date;
@@ -40,7 +40,7 @@ std::optional<Date> anyDate(const QString& text) {
                           : std::nullopt;
 }
 
-/// The properties that tell when a picture was taken (XMP specification, part 2), the surest first.
+/// The properties that tell when a picture was taken (ISO 16684-1), the surest first.
 constexpr std::array<const char16_t*, 3> properties{u"DateTimeOriginal", u"DateCreated",
                                                     u"CreateDate"};
 
@@ -101,7 +101,7 @@ std::optional<Date> iptcDate(std::string_view text) {
     return parseIsoDate(iso);
 }
 
-/// A text chunk's keyword (PNG specification, "Keywords and text strings") and its text.
+/// A text chunk's keyword (ISO/IEC 15948, "Keywords and text strings") and its text.
 std::optional<Date> pngDate(std::string_view text) {
     for (const auto keyword : {"tEXtCreation Time\0"sv, "iTXtCreation Time\0\0\0\0\0"sv}) {
         const auto at = text.find(keyword);
