@@ -146,13 +146,13 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     click(u"start"_s);
     ASSERT_TRUE(awaitView([&] {
         return world.google.requestCount(emulator::RequestKind::batchCreate) > 0 &&
-               model->syncCompletedCount() == 29;
+               model->syncCompletedCount() == 30;
     }));
     tracker.add({u"a"_s, u"Sahil Yürüyüşü – Ağustos 2024.MOV"_s, true, 100, 0, 0, clock.now()});
     tracker.add({u"b"_s, u"IMG_4823.HEIC"_s, false, 100, 0, 0, clock.now()});
     tracker.updateProgress(u"a"_s, 64, 100);
     tracker.updateProgress(u"b"_s, 27, 100);
-    expectShown({u"Eşitleme Devam Ediyor"_s, u"29 / 30"_s, u"%96"_s});
+    expectShown({u"Eşitleme Devam Ediyor"_s, u"30 / 30"_s, u"%100"_s});
     shot(u"main-syncing-light"_s);
 
     const auto line = [&](LogLevel level, const QString& text) {
