@@ -18,6 +18,12 @@ QByteArray packet(const QByteArray& attributes, const QByteArray& elements = {})
            attributes + ">" + elements + "</rdf:Description></rdf:RDF></x:xmpmeta>....";
 }
 
+/// With the zeros that are in it.
+template <std::size_t size>
+QByteArray all(const char (&literal)[size]) {
+    return {literal, size - 1};
+}
+
 QByteArray chunk(const QByteArray& content) {
     QByteArray size(4, '\0');
     size[3] = static_cast<char>(content.size() - 4);
@@ -44,46 +50,38 @@ TEST(TextDates, AreFoundInWhateverBytes) {
         {"XMP", packet("xmp:CreateDate='2019-05-03'").chopped(20), {}},
         {"XMP", "<x:xmpmeta><a b=></x:xmpmeta>", {}},
         {"IPTC",
-         QByteArray("..\x1C\x02\x37\0\x08"
-                    "20190503"
-                    "\x1C\x02\x3C\0\x0B"
-                    "142210+0300",
-                    34),
+         all("..\x1C\x02\x37\0\x08"
+             "20190503"
+             "\x1C\x02\x3C\0\x0B"
+             "142210+0300"),
          zoned},
         {"IPTC",
-         QByteArray("\x1C\x02\x37\0\x08"
-                    "20190503",
-                    13),
+         all("\x1C\x02\x37\0\x08"
+             "20190503"),
          noon},
         {"IPTC",
-         QByteArray("\x1C\x02\x37\0\x08"
-                    "00000000",
-                    13),
+         all("\x1C\x02\x37\0\x08"
+             "00000000"),
          {}},
         {"IPTC",
-         QByteArray("\x1C\x02\x37\0\x08"
-                    "2019",
-                    9),
+         all("\x1C\x02\x37\0\x08"
+             "2019"),
          {}},
         {"PNG",
-         chunk(QByteArray("tEXtCreation Time\0"
-                          "2019:05:03 14:22:10",
-                          37)),
+         chunk(all("tEXtCreation Time\0"
+                   "2019:05:03 14:22:10")),
          local},
         {"PNG",
-         chunk(QByteArray("tEXtCreation Time\0"
-                          "Fri, 03 May 2019 14:22:10 +0300",
-                          49)),
+         chunk(all("tEXtCreation Time\0"
+                   "Fri, 03 May 2019 14:22:10 +0300")),
          zoned},
         {"PNG",
-         chunk(QByteArray("tEXtCreation Time\0"
-                          "yesterday",
-                          27)),
+         chunk(all("tEXtCreation Time\0"
+                   "yesterday")),
          {}},
         {"PNG",
-         QByteArray("tEXtCreation Time\0"
-                    "2019-05-03",
-                    28),
+         all("tEXtCreation Time\0"
+             "2019-05-03"),
          {}},
         {"-", {}, {}},
     };
