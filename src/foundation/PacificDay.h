@@ -2,10 +2,16 @@
 
 #include "foundation/Date.h"
 
+#include <QDate>
+
 namespace quorvane {
 
-/// The instant at which the day of `now` ends on the American west coast: Google counts requests by
-/// those days.
-Date nextPacificMidnight(Date now);
+/// The days of the American west coast, by which Google counts requests.
+
+/// The day of `instant`.
+QDate pacificDate(Date instant);
+
+/// The instant at which that day ends.
+Date nextPacificMidnight(Date instant);
 
 } // namespace quorvane

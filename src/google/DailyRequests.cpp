@@ -1,10 +1,8 @@
 #include "google/DailyRequests.h"
 
 #include "foundation/File.h"
+#include "foundation/PacificDay.h"
 #include "google/GoogleFaults.h"
-
-#include <QDateTime>
-#include <QTimeZone>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -15,17 +13,6 @@ namespace quorvane {
 namespace {
 
 constexpr int dayShift = 32;
-constexpr int secondsWestOfUtc = 8 * 3600; ///< where the system has no table of zones
-
-QTimeZone pacificTime() {
-    const QTimeZone zone("America/Los_Angeles");
-    return zone.isValid() ? zone : QTimeZone(-secondsWestOfUtc);
-}
-
-QDateTime inPacificTime(Date date) {
-    static const QTimeZone zone = pacificTime();
-    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), zone);
-}
 
 std::uint32_t dayOf(std::uint64_t cell) {
     return static_cast<std::uint32_t>(cell >> dayShift);
@@ -93,15 +80,14 @@ void DailyRequests::add(std::uint32_t requests) {
 DailyRequests::Today DailyRequests::today() const {
     const Cell now = std::atomic_ref<Cell>(cell(0));
     const int used = dayOf(now) == dayNow() ? static_cast<int>(requestsOf(now)) : 0;
-    const QDateTime time = inPacificTime(serviceTime());
-    const QDateTime midnight(time.date().addDays(1), QTime(0, 0), time.timeZone());
+    const Date time = serviceTime();
     return {.used = std::min(used, limit),
             .left = std::max(0, limit - used),
-            .turns = clock_.now() + std::chrono::milliseconds(time.msecsTo(midnight))};
+            .turns = clock_.now() + (nextPacificMidnight(time) - time)};
 }
 
 std::uint32_t DailyRequests::dayNow() const {
-    return static_cast<std::uint32_t>(inPacificTime(serviceTime()).date().toJulianDay());
+    return static_cast<std::uint32_t>(pacificDate(serviceTime()).toJulianDay());
 }
 
 Date DailyRequests::serviceTime() const {
