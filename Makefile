@@ -64,7 +64,7 @@ fuzz:
 	@scripts/fuzz.sh
 
 format:
-	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+	@git ls-files '*.cpp' '*.h' '*.mm' | xargs clang-format -i
 
 lint:
 	@scripts/setup.sh build lint

@@ -8,7 +8,7 @@ declare -A groups=(
     libcurl4-openssl-dev libssl-dev zlib1g-dev libexiv2-dev libsecret-1-dev"
   [test]="libgtest-dev libgmock-dev libcpp-httplib-dev libimage-exiftool-perl ffmpeg libheif-examples sqlite3 openssl
     dbus gnome-keyring libglib2.0-bin xdg-utils xvfb
-    xdotool openbox trayer curl"
+    xdotool openbox trayer curl clang libgnustep-base-dev libobjc-12-dev libblocksruntime-dev"
   [run]="qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-controls
     qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtquick-shapes
     qml6-module-qtqml qml6-module-qtqml-workerscript libqt6svg6 fonts-inter fonts-dejavu-core

@@ -19,7 +19,8 @@ void forEachInclude(Visit&& visit) {
                                             QRegularExpression::MultilineOption);
     const std::filesystem::path source = sourceFolder() / "src";
     for (const auto& entry : std::filesystem::recursive_directory_iterator(source)) {
-        if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h")
+        const auto extension = entry.path().extension();
+        if (extension != ".cpp" && extension != ".h" && extension != ".mm")
             continue;
         const QString file = pathText(entry.path().lexically_relative(source));
         auto matches = include.globalMatch(QString::fromUtf8(readFile(entry.path())));

@@ -1,0 +1,2 @@
+// What Foundation asks of a runtime with blocks.
+#include <Block.h>
