@@ -8,11 +8,6 @@ namespace quorvane {
 
 namespace {
 
-std::optional<QString> configuredBaseURL() {
-    const QString value = qEnvironmentVariable("QUORVANE_GOOGLE_BASE_URL");
-    return value.isEmpty() ? std::nullopt : std::optional(value);
-}
-
 std::vector<std::filesystem::path> otherStates(const CoreServices& core,
                                                const std::optional<StatePlace>& own,
                                                const AccountIdentity& account) {
@@ -36,7 +31,7 @@ GoogleServices::GoogleServices(CoreServices& core, WebAuthSession& browser)
     : http(core.ports.http),
       keychain(core.ports.keychain),
       config(AppConfig::standardCandidates(core.folders.home), core.logger),
-      endpoints(GoogleEndpoints::resolve(configuredBaseURL())),
+      endpoints(GoogleEndpoints::resolve(core.ports.googleBaseURL)),
       tokens(keychain, core.preferences, core.logger),
       oauth({endpoints, config, http, browser, tokens, core.clock, core.logger}),
       tracker(core.clock),
@@ -113,12 +108,13 @@ void requireReadable(const PhotoLibrary& library, const std::filesystem::path& p
     }
 }
 
-LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at)
+LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at,
+                                 StageAhead::Limits ahead)
     : LibraryServices(core, google, core.states.open(at.identity(), google.account()),
-                      std::move(at)) {}
+                      std::move(at), ahead) {}
 
 LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
-                                 const StatePlace& place, LibraryAt&& at)
+                                 const StatePlace& place, LibraryAt&& at, StageAhead::Limits ahead)
     : SourceServices(core, google.account(), std::move(at), place, Use::work),
       staging({*library, state.db, state.life, state.known, metadata, core.console}, place,
               core.folders.stagingLock()),
@@ -127,10 +123,11 @@ LibraryServices::LibraryServices(CoreServices& core, GoogleServices& google,
       recognition(*library, state.known, state.life, google.destination, core.logger),
       attempts(core.clock),
       batches({google.destination, state.life, state.tokens, attempts, core.preferences,
-               core.logger, core.console, core.clock}),
+               core.logger, core.console, core.ports.batchClock}),
       coordinator({state.db, state.life, state.tokens, state.sessions, staging, metadata,
                    recognition, google.destination, attempts, batches, google.tracker, deletion,
-                   core.preferences, flags, core.logger, core.console, core.clock}),
+                   core.preferences, flags, core.logger, core.console, core.clock},
+                  ahead),
       mirrorState(state.db),
       mirror({*library, mirrorState, google.albumContents, core.logger, core.clock}),
       run{state.db,

@@ -46,6 +46,8 @@ struct Ports {
     HttpClient& http;
     SecretStore& keychain;
     DeletionConfirmation& confirmation;
+    Clock& batchClock;                         ///< counts how long a batch that is not full waits
+    std::optional<QString> googleBaseURL = {}; ///< of a service on this computer; else Google's
 };
 
 /// What every command needs.
@@ -64,7 +66,7 @@ struct CoreServices {
 
 /// Google, signed in or not.
 struct GoogleServices {
-    /// Throws `Error` when QUORVANE_GOOGLE_BASE_URL is not this computer.
+    /// Throws `Error` when the ports name a service that is not on this computer.
     GoogleServices(CoreServices& core, WebAuthSession& browser);
 
     /// Of whoever is signed in, as far as it is known here.
@@ -146,7 +148,8 @@ void requireReadable(const PhotoLibrary& library, const std::filesystem::path& p
 
 /// And what works on it: discovery, staging, the engine. Creates the state and the staging folders.
 struct LibraryServices : SourceServices {
-    LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at);
+    LibraryServices(CoreServices& core, GoogleServices& google, LibraryAt&& at,
+                    StageAhead::Limits ahead = {});
 
     AssetStagingService staging;
     PhotoLibraryObserver observer;
@@ -162,7 +165,7 @@ struct LibraryServices : SourceServices {
 
   private:
     LibraryServices(CoreServices& core, GoogleServices& google, const StatePlace& place,
-                    LibraryAt&& at);
+                    LibraryAt&& at, StageAhead::Limits ahead);
 };
 
 } // namespace quorvane

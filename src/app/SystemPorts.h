@@ -13,7 +13,14 @@ struct SystemPorts {
     LibsecretStore keychain;
 
     Ports with(Console& console, DeletionConfirmation& confirmation) {
-        return {console, clock, http, keychain, confirmation};
+        const QString baseURL = qEnvironmentVariable("QUORVANE_GOOGLE_BASE_URL");
+        return {console,
+                clock,
+                http,
+                keychain,
+                confirmation,
+                clock,
+                baseURL.isEmpty() ? std::nullopt : std::optional(baseURL)};
     }
 };
 

@@ -1,4 +1,4 @@
-#include "sync/SyncWorld.h"
+#include "support/TestProgram.h"
 
 #include "sync/AlbumMirror.h"
 
@@ -35,9 +35,9 @@ struct MirrorWorld {
     int requests(emulator::RequestKind kind) const { return world.google.requestCount(kind); }
 
     SyncWorld world;
-    SyncProgram program{world, world.folder / "home"};
+    TestProgram program{world, world.folder / "home"};
     MirrorState state{program.database};
-    GoogleAlbumContents contents{program.api};
+    GoogleAlbumContents contents{program.google.api};
     bool remakesGone = false;
 };
 
@@ -58,7 +58,7 @@ TEST(AlbumMirror, GivesEachAlbumOneAndAsksForNothingTwice) {
     EXPECT_EQ(world.requests(albumsAdd), 2);
     EXPECT_EQ(world.requests(albumsCreate), 2);
     EXPECT_EQ(world.requests(albumsList), 1);
-    EXPECT_FALSE(world.program.albums.targetAlbumID());
+    EXPECT_FALSE(world.program.google.albums.targetAlbumID());
 }
 
 TEST(AlbumMirror, ARunThatDiesAnywhereIsContinued) {

@@ -1,8 +1,9 @@
 #include "sync/SyncCoordinator.h"
 
-#include "SyncWorld.h"
 #include "foundation/MainThread.h"
+#include "google/ScriptedHttp.h"
 #include "metadata/ImageMetadata.h"
+#include "support/TestProgram.h"
 
 #include <QJsonArray>
 
@@ -20,8 +21,8 @@ using test::Counts;
 using test::expectAllStoredOnce;
 using test::faultOf;
 using test::refusal;
-using test::SyncProgram;
 using test::SyncWorld;
+using test::TestProgram;
 
 struct SyncRun : testing::Test {
     SyncWorld world;
@@ -36,7 +37,7 @@ int sizeOf(const emulator::RecordedRequest& batch) {
 TEST_F(SyncRun, DrainsInPassesOfFiftyWithTwoUploadsAtOnce) {
     world.addPictures(120);
     world.google.change([](auto& behaviour) { behaviour.latency = milliseconds(3); });
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     std::vector<std::pair<int, int>> progress;
     bool alwaysOnMainThread = true;
@@ -73,17 +74,17 @@ TEST_F(SyncRun, DrainsInPassesOfFiftyWithTwoUploadsAtOnce) {
     EXPECT_EQ(summary.completed, 120);
     EXPECT_EQ(summary.passes, 3);
     EXPECT_FALSE(summary.cancelled);
-    EXPECT_TRUE(program.tracker.getSnapshot().items.empty());
+    EXPECT_TRUE(program.google.tracker.getSnapshot().items.empty());
     EXPECT_TRUE(program.log.contains(u"[SafeDeletion]"_s)) << "a run ends with the deletion";
 }
 
 TEST_F(SyncRun, ASecondRunHasNothingToDo) {
     world.addPictures(3);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.run();
     world.google.clearRequests();
-    SyncProgram next(world);
+    TestProgram next(world);
     next.discover();
     const auto summary = next.run();
     EXPECT_EQ(summary.total, 0);
@@ -98,7 +99,7 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     world.addPicture(u"dated.jpg"_s);
     world.addPicture(u"undated.jpg"_s, std::nullopt);
     world.addPicture(u"undated.gif"_s); // no place for a date
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.run();
     EXPECT_EQ(world.google.mediaItems().size(), 1U);
@@ -113,7 +114,7 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
                               program.identifierOf(name)});
     }
 
-    program.preferences.setString(preferenceKeys::dateFallbackMode, u"fileSaveDate"_s);
+    program.core.preferences.setString(preferenceKeys::dateFallbackMode, u"fileSaveDate"_s);
     program.life.retriedUndated();
     program.run();
     EXPECT_EQ(program.record(u"undated.jpg"_s).syncStatus, SyncStatus::verified);
@@ -127,7 +128,7 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
 
     EXPECT_EQ(program.life.undatableReleased(), 1);
-    SyncProgram next(world);
+    TestProgram next(world);
     next.run();
     EXPECT_EQ(next.database.fetchRecord(program.identifierOf(u"undated.gif"_s))->syncStatus,
               SyncStatus::verified);
@@ -136,12 +137,12 @@ TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
 
 TEST_F(SyncRun, ADateThatAPersonNamedIsWritten) {
     world.addPicture(u"undated.jpg"_s, std::nullopt);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.run();
     const Date chosen{std::chrono::sys_days(std::chrono::May / 3 / 2019)};
     EXPECT_TRUE(program.life.dateChosen(program.record(u"undated.jpg"_s), chosen));
-    SyncProgram next(world);
+    TestProgram next(world);
     next.run();
     ASSERT_EQ(world.google.mediaItems().size(), 1U);
     EXPECT_EQ(readExistingImageDate(program.stagedPath(u"undated.jpg"_s)), chosen);
@@ -160,7 +161,7 @@ TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
     Disturbance afterASuccess = refusal(5, 1);
     afterASuccess.delay = milliseconds(900);
     world.google.addDisturbance(afterASuccess);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.clock.skipSleeps(true);
     program.run();
@@ -190,7 +191,7 @@ TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
 
 TEST_F(SyncRun, WhatTheLibraryCannotHandOutKeepsNobodyWaiting) {
     world.addPictures(91);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     for (int i = 1; i <= 60; ++i)
         std::filesystem::remove(world.pictures / pathFrom(u"%1.jpg"_s.arg(i, 3, 10, QChar(u'0'))));
@@ -219,7 +220,7 @@ TEST_F(SyncRun, StagesTheNextRecordsWhileTheFirstOnesUpload) {
     for (const auto& [limits, ahead] : cases) {
         SCOPED_TRACE(ahead);
         std::filesystem::remove_all(world.folder / "home");
-        SyncProgram program(world, limits);
+        TestProgram program(world, limits);
         program.discover();
         program.start();
         EXPECT_TRUE(test::waitOnMainThread(
@@ -234,7 +235,7 @@ TEST_F(SyncRun, StagesTheNextRecordsWhileTheFirstOnesUpload) {
 TEST_F(SyncRun, AServiceThatIsDownCostsNoPictureAndEndsTheRunWhenPatienceDoes) {
     world.addPictures(70);
     world.google.addDisturbance(refusal(1, 0));
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.clock.skipSleeps(true);
     program.patience = std::chrono::minutes(10);
@@ -253,7 +254,7 @@ TEST_F(SyncRun, ABatchIsRepeatedWithItsTokens) {
     Disturbance busy = faultOf(RequestKind::batchCreate, 2, 5);
     busy.status = 503;
     world.google.addDisturbance(busy);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.clock.skipSleeps(true);
     program.run();
@@ -263,7 +264,7 @@ TEST_F(SyncRun, ABatchIsRepeatedWithItsTokens) {
 
 TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {
     world.addPictures(4);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     std::filesystem::create_directories(program.stagedPath(u"001.jpg"_s));
     const auto summary = program.run();
@@ -277,7 +278,7 @@ TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {
 
 TEST_F(SyncRun, AStagedFileThatWasLostIsStagedAgain) {
     world.addPictures(2);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     for (const SyncRecord& record : program.database.fetchPendingRecords(10))
         program.staging.stage(record, {});
@@ -290,17 +291,18 @@ TEST_F(SyncRun, AStagedFileThatWasLostIsStagedAgain) {
 TEST_F(SyncRun, AFullAlbumEndsTheRunOnlyWhenAskedTo) {
     world.addPictures(2);
     world.google.change([](auto& behaviour) { behaviour.albumCapacity = 0; });
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
-    program.preferences.setString(preferenceKeys::targetAlbumID, world.google.addAlbum(u"Dolu"_s));
-    program.preferences.setBoolean(preferenceKeys::stopAtLimit, true);
+    program.core.preferences.setString(preferenceKeys::targetAlbumID,
+                                       world.google.addAlbum(u"Dolu"_s));
+    program.batches.onAlbumFull = [&] { program.flags.cancel(); };
     const auto stopped = program.run();
     EXPECT_TRUE(stopped.cancelled);
     EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
     EXPECT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
     EXPECT_FALSE(program.log.contains(u"[SafeDeletion]"_s));
 
-    program.preferences.setBoolean(preferenceKeys::stopAtLimit, false);
+    program.batches.onAlbumFull = [] {};
     const auto drained = program.run();
     EXPECT_EQ(drained.passes, SyncCoordinator::maximumSyncPasses);
     EXPECT_FALSE(drained.cancelled);

@@ -1,4 +1,4 @@
-#include "SyncWorld.h"
+#include "support/TestProgram.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +15,8 @@ using test::Counts;
 using test::expectAllStoredOnce;
 using test::refusal;
 using test::stall;
-using test::SyncProgram;
 using test::SyncWorld;
+using test::TestProgram;
 
 constexpr milliseconds stopsWithin{500};
 
@@ -34,7 +34,7 @@ TEST_F(Interrupted, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
         [&] { world.google.change([](auto& all) { all.uploadBytesPerSecond = 10; }); },
         [&] { world.google.change([](auto& all) { all.latency = std::chrono::minutes(1); }); },
     };
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     for (const auto& hinder : hindrances) {
         world.google.clearRequests();
@@ -71,7 +71,7 @@ TEST_F(Interrupted, AStopDuringAnUploadLeavesTheRecordsToTheNextRun) {
 TEST_F(Interrupted, AStopEndsABackOffWait) {
     world.addPictures(4);
     world.google.addDisturbance(refusal(1, 0));
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.start();
     ASSERT_TRUE(test::waitOnMainThread([&] { return program.clock.sleeps().size() == 2; }));
@@ -87,7 +87,7 @@ TEST(InterruptedOnItsOwn, AStopDuringABatchLeavesItsRecordsStaged) {
         SyncWorld world;
         world.addPictures(count);
         world.google.addDisturbance(stall(RequestKind::batchCreate));
-        SyncProgram program(world);
+        TestProgram program(world);
         program.discover();
         program.start();
         ASSERT_TRUE(world.google.waitForRequests(RequestKind::batchCreate, 1));
@@ -111,7 +111,7 @@ TEST_F(Interrupted, AStopAtARandomInstantIsFeltAtOnce) {
     world.google.change([](auto& behaviour) { behaviour.latency = milliseconds(30); });
     std::vector<milliseconds> latencies;
     for (int i = 0; i < stops; ++i) {
-        SyncProgram program(world, world.folder / "homes" / std::to_string(i));
+        TestProgram program(world, world.folder / "homes" / std::to_string(i));
         program.discover();
         std::uniform_int_distribution<int> instant(0, 400);
         const auto deadline = std::chrono::steady_clock::now() + milliseconds(instant(random));
@@ -128,12 +128,12 @@ TEST_F(Interrupted, AStopAtARandomInstantIsFeltAtOnce) {
 
 TEST_F(Interrupted, AStopBeforeTheFirstPassDoesNothing) {
     world.addPictures(1);
-    SyncProgram program(world);
+    TestProgram program(world);
     program.discover();
     program.flags.begin();
     program.flags.cancel();
     EXPECT_TRUE(program.coordinator.drainPendingQueue(true).cancelled);
-    EXPECT_TRUE(program.log.messages().isEmpty());
+    EXPECT_TRUE(program.messagesWith(u"[Sync]"_s).isEmpty());
     EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 1}}));
 }
 
@@ -141,7 +141,7 @@ TEST(InterruptedOnItsOwn, EndsWhenTheStoreRefusesAndLosesNothing) {
     for (const int count : {3, 15}) { // at the batch's results, and at the staging of the eleventh
         SyncWorld world;
         world.addPictures(count);
-        SyncProgram program(world);
+        TestProgram program(world);
         program.discover();
         sqlite::Connection other(world.folder / "home/Library/Application Support/Quorvane" /
                                      "quorvane.sqlite",
@@ -180,7 +180,7 @@ TEST_P(SyncInterrupted, AtAnyRequestIsMadeGoodByTheNextRun) {
         SCOPED_TRACE(fatal);
         SyncWorld world;
         world.addPictures(pictureCount);
-        SyncProgram program(world);
+        TestProgram program(world);
         program.discover();
         program.staging.stageDiscoveredAssets(); // so that nothing is half copied below
         std::atomic<bool> isOver = false;
@@ -199,7 +199,7 @@ TEST_P(SyncInterrupted, AtAnyRequestIsMadeGoodByTheNextRun) {
         EXPECT_TRUE(program.run().cancelled);
         EXPECT_LT(program.counts()[SyncStatus::verified], pictureCount);
 
-        SyncProgram next(world, world.folder / (isCrash ? "after" : "home"));
+        TestProgram next(world, world.folder / (isCrash ? "after" : "home"));
         EXPECT_EQ(next.run().total, pictureCount);
         expectAllStoredOnce(world, next, pictureCount);
     }

@@ -1,5 +1,7 @@
 #include "ui/ModelWorld.h"
 
+#include "app/RunLock.h"
+
 #include <QCoreApplication>
 #include <QJsonDocument>
 #include <QMetaProperty>
@@ -64,42 +66,43 @@ QString textOf(const QJsonValue& value) {
 
 } // namespace
 
-ModelWorld::ModelWorld()
-    : folders_{world.folder / "home", world.folder / "home/Pictures", world.folder / "home/temp"},
-      preferences(folders_.preferences()),
-      endpoints(GoogleEndpoints::resolve(world.google.baseURL())),
-      engine({world.pictures, folders_, destination, tracker, preferences, log, console, clock,
-              batchClock}) {
+ModelWorld::ModelWorld() {
     QLocale::setDefault(QLocale(QLocale::Turkish, QLocale::Turkey));
     clock.skipSleeps(true);
+    host.onOpened = [this](std::shared_ptr<const LibrarySession> session) {
+        session_ = std::move(session);
+        model->setLibrary(session_);
+    };
     restart();
     lastState_ = stateOf(*model);
 }
 
 void ModelWorld::restart() {
     model = std::make_unique<MenuBarViewModel>(MenuBarViewModel::Services{
-        oauth, albums, tracker, preferences, log, logPublisher, console, clock, desktop,
-        [this] {
-            ++locksTaken;
-            return std::make_shared<int>(locksTaken);
-        },
-        "quorvane.log", [] {}, [this](const QString& url) { return handOverURL(url); },
+        house.google.oauth, house.google.albums, tracker, preferences, house.core.logger,
+        logPublisher, house.console, clock, desktop,
+        [file = house.core.folders.runLock()] { return std::make_shared<RunLock>(file); },
+        house.core.logger.logFile(), [this] { host.accountDidChange(); },
+        [this](const QString& url) { return handOverURL(url); },
         [this](const std::stop_token&) { return checkedThings; }});
 }
 
 ModelWorld::~ModelWorld() {
+    settle(); // a library that is being opened again belongs to the house
     model.reset();
+    session_.reset();
     QCoreApplication::sendPostedEvents();
 }
 
 void ModelWorld::openLibrary() {
-    model->setLibrary(std::make_shared<LibrarySession>(
-        LibrarySession{engine.run, engine.life, engine.sources, engine.metadata, world.pictures}));
+    bool isOpen = false;
+    host.open(world.pictures, [&](AuthorizationStatus) { isOpen = true; });
+    ASSERT_TRUE(waitOnMainThread([&] { return isOpen; }));
     scan();
 }
 
 void ModelWorld::scan() {
-    engine.observer.initialScan();
+    session_->run.observer.initialScan();
     model->libraryDidChange();
     settle();
 }
@@ -117,7 +120,8 @@ bool ModelWorld::settle() {
                 return false;
             QCoreApplication::sendPostedEvents();
         }
-        return !model->isWorking();
+        const bool isReopened = !session_ || session_->life.account() == house.google.account();
+        return isReopened && !model->isWorking();
     };
     return waitOnMainThread(isSettled);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "google/OAuthWorld.h"
-#include "sync/SyncWorld.h"
+#include "app/LibraryHost.h"
+#include "support/TestProgram.h"
 #include "ui/MenuBarViewModel.h"
 
 #include <QJsonObject>
@@ -23,8 +23,8 @@ class FakeDesktop final : public Desktop {
     bool isAutostarted = false;
 };
 
-/// The state model over real services, the local Google service and a folder of pictures. Only the
-/// desktop, the browser, the keychain and the engine's clock are not real.
+/// The state model over the program's own house, the local Google service and a folder of pictures.
+/// Only the desktop and what is outside of the house are not real.
 class ModelWorld {
   public:
     ModelWorld();
@@ -32,7 +32,7 @@ class ModelWorld {
 
     SyncWorld world;
 
-    /// Scans the library into the store, as the launch does.
+    /// Opens the library and scans it into the store, as the launch does.
     void openLibrary();
     void scan();
     /// A new model over the same services, as after a restart.
@@ -48,32 +48,24 @@ class ModelWorld {
     QString changes();
 
   private:
-    UserFolders folders_;
     QJsonObject lastState_;
+    std::shared_ptr<const LibrarySession> session_;
 
   public:
-    Console console{Console::Channel::silent};
-    RecordingLog log;
-    Publisher<LogEntry> logPublisher;
-    FakeClock clock;
-    SystemClock batchClock;
+    TestHouse house{world, world.folder / "home", Console::Channel::silent};
+    LibraryHost host{house.core, house.google};
     FakeDesktop desktop;
-    FakeKeychain keychain;
-    FakeClient client;
-    ScriptedSession browser;
     std::function<bool(const QString&)> handOverURL;
     std::vector<CheckedThing> checkedThings;
-    Preferences preferences;
-    GoogleEndpoints endpoints;
-    WatchedHttp http;
-    TokenStore tokens{keychain, preferences, log};
-    GoogleOAuthManager oauth{{endpoints, client, http, browser, tokens, clock, log}};
-    TransferActivityTracker tracker{clock, [] { return 12; }};
-    GoogleLibraryApi api{http, oauth, endpoints};
-    GoogleAlbumManager albums{api, preferences, log};
-    GoogleDestination destination{api, albums};
-    Engine engine;
-    int locksTaken = 0;
+
+    RecordingLog& log = house.log;
+    FakeClock& clock = house.clock;
+    ScriptedSession& browser = house.browser;
+    Preferences& preferences = house.core.preferences;
+    Publisher<LogEntry>& logPublisher = house.core.logger.logPublisher();
+    TransferActivityTracker& tracker = house.google.tracker;
+    /// Of the library that is open.
+    DatabaseManager& database() const { return session_->run.db; }
 
     /// Last: it uses the rest.
     std::unique_ptr<MenuBarViewModel> model;

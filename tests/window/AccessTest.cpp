@@ -154,7 +154,7 @@ TEST_F(KeyboardTest, theKeyboardDoesWhatThePointerDoes) {
     EXPECT_FALSE(model->isAutoDeleteEnabled());
     key(Qt::Key_Tab);
     key(Qt::Key_Return);
-    EXPECT_EQ(desktop.opened, "quorvane.log");
+    EXPECT_EQ(desktop.opened.filename(), "quorvane.log");
     key(Qt::Key_Tab);
     shot(u"focus-theme-light"_s);
     key(Qt::Key_Space);

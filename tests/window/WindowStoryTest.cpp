@@ -248,6 +248,7 @@ TEST_F(WindowStoryTest, theSessionIsChecked) {
         {State::unknown, u"Saat"_s, u"öğrenilemedi"_s},
         {State::faulty, u"Arşiv: yok"_s, u"Diski bağlayın"_s, u"Seç…"_s, u"chooseLibrary"_s}};
     choose(u"settings"_s, u"Oturum Denetimi…"_s);
+    ASSERT_TRUE(awaitView([&] { return shows(u"Yeniden Denetle"_s); }));
     expectShown({u"Oturum Denetimi"_s, u"açık"_s, u"Diski bağlayın"_s, u"Yeniden Denetle"_s});
     EXPECT_TRUE(texts().filter(u" denetlendi · 1 sorun, 1 madde yolunda"_s).size() == 1);
     const QStringList seen = texts();

@@ -71,6 +71,8 @@ QStringList WindowWorld::texts() {
 
 QString WindowWorld::focus() {
     const QQuickItem* item = window.window()->activeFocusItem();
+    while (item != nullptr && item->objectName().isEmpty())
+        item = item->parentItem(); // of a list, its row has the keyboard
     return item == nullptr ? QString() : item->objectName();
 }
 

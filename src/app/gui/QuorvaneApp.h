@@ -1,8 +1,8 @@
 #pragma once
 
+#include "app/LibraryHost.h"
 #include "app/SystemPorts.h"
 #include "app/gui/AppDelegate.h"
-#include "app/gui/LibraryHost.h"
 #include "app/gui/SystemDialogs.h"
 #include "platform/linux/BrowserAuthSession.h"
 #include "platform/linux/desktop/DesktopLook.h"

@@ -34,6 +34,7 @@ Rectangle {
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         activeFocusOnTab: true
+        currentIndex: -1 // the focus stays with the list
         keyNavigationEnabled: false
         reuseItems: true
         model: frame.log

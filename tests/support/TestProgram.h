@@ -1,15 +1,12 @@
 #pragma once
 
+#include "app/Composition.h"
 #include "emulator/GoogleEmulator.h"
-#include "foundation/Console.h"
-#include "foundation/Preferences.h"
-#include "foundation/UserFolders.h"
 #include "google/CurlHttpClient.h"
-#include "google/GoogleAlbumManager.h"
-#include "google/ScriptedHttp.h"
+#include "google/FakeKeychain.h"
+#include "google/OAuthWorld.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
-#include "sync/Engine.h"
 
 #include <future>
 
@@ -23,7 +20,6 @@ struct SyncWorld {
     TemporaryFolder folder;
     std::filesystem::path pictures = folder / "library";
     GoogleEmulator google;
-    QString accessToken;
 
     SyncWorld();
 
@@ -58,46 +54,51 @@ class WatchedHttp final : public HttpClient {
     std::atomic<int> mostAtOnce_ = 0;
 };
 
-/// What the engine of a test works with.
-struct Surroundings {
-    Surroundings(SyncWorld& world, const std::filesystem::path& home);
-
-    UserFolders folders;
-    FixedToken tokens;
-    Console console;
-    RecordingLog log;
-    FakeClock clock;
-    FakeClock batchClock;
-    Preferences preferences;
-    WatchedHttp http;
-    TransferActivityTracker tracker{clock};
-    GoogleEndpoints endpoints;
-    GoogleLibraryApi api;
-    GoogleAlbumManager albums;
-    GoogleDestination destination;
+/// Nobody is there to agree to a deletion.
+class NoConfirmation final : public DeletionConfirmation {
+  public:
+    bool confirmDeletion(const DeletionQuestion&) override { return false; }
 };
 
-/// The sync engine and all it works with, over one home folder. Only the clocks are not real, and
-/// the batches' own stands still: nothing is sent before the 25th entry or the end of a pass.
-class SyncProgram : public Surroundings, private Engine {
-  public:
-    explicit SyncProgram(SyncWorld& world, StageAhead::Limits stagingLimits = {})
-        : SyncProgram(world, world.folder / "home", stagingLimits) {}
-    SyncProgram(SyncWorld& world, const std::filesystem::path& home,
-                StageAhead::Limits stagingLimits = {});
+/// What is outside of a program: times that only a test moves, a network that it watches, a keyring
+/// and a browser of its own, and the local Google service.
+struct Outside {
+    explicit Outside(Console::Channel channel) : console(channel) {}
 
-    using Engine::attempts;
-    using Engine::coordinator;
-    using Engine::database;
-    using Engine::flags;
-    using Engine::library;
-    using Engine::life;
-    using Engine::staging;
+    Console console;
+    FakeClock clock;
+    FakeClock batchClock; ///< stands still: a batch goes when it is full, or at the end of a pass
+    WatchedHttp http;
+    FakeKeychain keychain;
+    ScriptedSession browser;
+    NoConfirmation confirmation;
+};
+
+/// The program's own house over one home folder. Nobody is signed in.
+struct TestHouse : Outside {
+    TestHouse(SyncWorld& world, const std::filesystem::path& home,
+              Console::Channel channel = Console::Channel::standardOutput);
+
+    /// Puts the tokens of an earlier sign-in where the program looks for them.
+    void haveSignedIn(SyncWorld& world);
+
+    CoreServices core;
+    GoogleServices google;
+    RecordingLog log; ///< what the program's log got
+    Subscription recording;
+};
+
+/// The engine on top of it, signed in, over the world's pictures.
+class TestProgram : public TestHouse {
+  public:
+    explicit TestProgram(SyncWorld& world, StageAhead::Limits ahead = {})
+        : TestProgram(world, world.folder / "home", ahead) {}
+    TestProgram(SyncWorld& world, const std::filesystem::path& home, StageAhead::Limits ahead = {});
 
     /// Records every picture of the library as DISCOVERED, in its order.
     void discover();
 
-    /// One whole run, and what it printed.
+    /// The whole drain of the queue, and what it printed.
     SyncCoordinator::Summary run();
     QStringList printed;
 
@@ -120,12 +121,23 @@ class SyncProgram : public Surroundings, private Engine {
     World::Patience patience = World::endless;
 
   private:
+    LibraryServices services_;
     std::map<QString, QString> identifiers_; ///< by name, as discovered
     std::future<SyncCoordinator::Summary> run_;
+
+  public:
+    PhotoLibrary& library = *services_.library;
+    DatabaseManager& database = services_.state.db;
+    RecordLife& life = services_.state.life;
+    AssetStagingService& staging = services_.staging;
+    Attempts& attempts = services_.attempts;
+    RunFlags& flags = services_.flags;
+    SyncCoordinator& coordinator = services_.coordinator;
+    BatchCoordinator& batches = services_.batches;
 };
 
 /// Every asset is VERIFIED, and the service holds the bytes of each exactly once.
-void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count);
+void expectAllStoredOnce(const SyncWorld& world, TestProgram& program, int count);
 
 /// A fault of the service that does nothing yet; `times` 0 means for ever.
 emulator::Disturbance faultOf(emulator::RequestKind kind, int nth = 1, int times = 1);

@@ -1,4 +1,4 @@
-#include "app/gui/LibraryHost.h"
+#include "app/LibraryHost.h"
 
 #include "foundation/MainThread.h"
 

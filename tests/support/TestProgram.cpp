@@ -1,4 +1,4 @@
-#include "SyncWorld.h"
+#include "support/TestProgram.h"
 
 #include "library/StagedName.h"
 #include "sample/SampleMedia.h"
@@ -12,7 +12,6 @@ namespace quorvane::test {
 
 SyncWorld::SyncWorld() {
     google.start();
-    accessToken = google.issueTokens().accessToken;
     std::filesystem::create_directories(pictures);
 }
 
@@ -50,24 +49,34 @@ HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop)
     return response;
 }
 
-Surroundings::Surroundings(SyncWorld& world, const std::filesystem::path& home)
-    : folders{home, home / "Pictures", home / "temporary"},
-      preferences(folders.preferences()),
-      endpoints(GoogleEndpoints::resolve(world.google.baseURL())),
-      api(http, tokens, endpoints),
-      albums(api, preferences, log),
-      destination(api, albums) {
-    tokens.token = world.accessToken;
+TestHouse::TestHouse(SyncWorld& world, const std::filesystem::path& home,
+                     Console::Channel channel)
+    : Outside(channel),
+      core({home, home / "Pictures", home / "temporary"},
+           {console, clock, http, keychain, confirmation, batchClock, world.google.baseURL()}),
+      google(core, browser),
+      recording(core.logger.logPublisher().subscribe(
+          [this](const LogEntry& entry) { log.log(entry.message); })) {}
+
+void TestHouse::haveSignedIn(SyncWorld& world) {
+    const auto issued = world.google.issueTokens();
+    const Date expiry = clock.now() + std::chrono::hours(24 * 365);
+    for (const auto& [key, value] :
+         {std::pair{tokenKeys::accessToken, issued.accessToken},
+          std::pair{tokenKeys::refreshToken, issued.refreshToken},
+          std::pair{tokenKeys::expiry, QString::number(unixSeconds(expiry), 'f', 3)},
+          std::pair{tokenKeys::userID, QStringLiteral("1")},
+          std::pair{tokenKeys::email, QStringLiteral("kisi@example.com")}})
+        google.tokens.writeToken(key, value);
 }
 
-SyncProgram::SyncProgram(SyncWorld& world, const std::filesystem::path& home,
-                         StageAhead::Limits stagingLimits)
-    : Surroundings(world, home),
-      Engine({world.pictures, folders, destination, tracker, preferences, log, console, clock,
-              batchClock},
-             stagingLimits) {}
+/// The order of the house: whose library it is has to be known before it is opened.
+TestProgram::TestProgram(SyncWorld& world, const std::filesystem::path& home,
+                         StageAhead::Limits ahead)
+    : TestHouse(world, home),
+      services_(core, (haveSignedIn(world), google), LibraryAt(core, world.pictures), ahead) {}
 
-void SyncProgram::discover() {
+void TestProgram::discover() {
     const AssetFetchResult assets = library.fetchAssets();
     std::vector<SyncRecord> records;
     for (const PhotoAsset& asset : *assets) {
@@ -79,12 +88,12 @@ void SyncProgram::discover() {
     database.insertDiscoveredBatch(test::batchOf(records));
 }
 
-SyncCoordinator::Summary SyncProgram::run() {
+SyncCoordinator::Summary TestProgram::run() {
     start();
     return finish();
 }
 
-void SyncProgram::start() {
+void TestProgram::start() {
     testing::internal::CaptureStdout();
     flags.begin();
     attempts.begin(patience);
@@ -92,7 +101,7 @@ void SyncProgram::start() {
                       [this] { return coordinator.drainPendingQueue(false, onProgress); });
 }
 
-SyncCoordinator::Summary SyncProgram::finish() {
+SyncCoordinator::Summary TestProgram::finish() {
     const SyncCoordinator::Summary summary = run_.get();
     flags.end();
     printed = QString::fromStdString(testing::internal::GetCapturedStdout())
@@ -101,7 +110,7 @@ SyncCoordinator::Summary SyncProgram::finish() {
     return summary;
 }
 
-std::chrono::milliseconds SyncProgram::stop() {
+std::chrono::milliseconds TestProgram::stop() {
     const auto begin = std::chrono::steady_clock::now();
     flags.cancel();
     run_.wait();
@@ -109,31 +118,31 @@ std::chrono::milliseconds SyncProgram::stop() {
                                                                  begin);
 }
 
-QString SyncProgram::identifierOf(const QString& name) const {
+QString TestProgram::identifierOf(const QString& name) const {
     return identifiers_.at(name);
 }
 
-SyncRecord SyncProgram::record(const QString& name) {
+SyncRecord TestProgram::record(const QString& name) {
     return database.fetchRecordsOfAsset(identifierOf(name)).at(0);
 }
 
-Counts SyncProgram::counts() {
+Counts TestProgram::counts() {
     const auto counts = database.countByStatus();
     return {counts.begin(), counts.end()};
 }
 
-std::filesystem::path SyncProgram::stagedPath(const QString& name) const {
+std::filesystem::path TestProgram::stagedPath(const QString& name) const {
     return staging.permanentFolder() / stagedFileName(identifierOf(name), name);
 }
 
-int SyncProgram::stagedFiles() const {
+int TestProgram::stagedFiles() const {
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(staging.permanentFolder()))
         count += entry.path().extension() == ".jpg" ? 1 : 0;
     return count;
 }
 
-void expectAllStoredOnce(const SyncWorld& world, SyncProgram& program, int count) {
+void expectAllStoredOnce(const SyncWorld& world, TestProgram& program, int count) {
     EXPECT_EQ(program.counts(), (Counts{{SyncStatus::verified, count}}));
     std::map<QString, int> contents;
     std::map<QString, QString> contentOfItem;
