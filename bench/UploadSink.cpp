@@ -1,6 +1,6 @@
 #include "bench/UploadSink.h"
 
-#include "foundation/File.h"
+#include "foundation/System.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,7 +17,7 @@ namespace {
 constexpr size_t pieceBytes = 1 << 20;
 
 FileDescriptor listenAnywhere() {
-    FileDescriptor listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    FileDescriptor listener = system::openSocket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -55,7 +55,7 @@ bool serve(int peer) {
         left -= count;
     }
     constexpr char answer[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\ntoken";
-    return ::send(peer, answer, sizeof answer - 1, MSG_NOSIGNAL) > 0;
+    return system::sendBytes(peer, answer, sizeof answer - 1) > 0;
 }
 
 } // namespace
@@ -63,7 +63,7 @@ bool serve(int peer) {
 void runUploadSink() {
     const FileDescriptor listener = listenAnywhere();
     while (true) {
-        const FileDescriptor peer(::accept4(listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        const FileDescriptor peer = system::acceptConnection(listener.get());
         while (peer.isOpen() && serve(peer.get())) {
         }
     }

@@ -1,5 +1,7 @@
 #include "emulator/Connection.h"
 
+#include "foundation/System.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -66,7 +68,7 @@ std::optional<QByteArray> Connection::readUntil(QByteArrayView mark, qsizetype l
 bool Connection::write(QByteArrayView bytes) {
     while (!bytes.isEmpty()) {
         const ssize_t count =
-            ::send(socket_.get(), bytes.data(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
+            system::sendBytes(socket_.get(), bytes.data(), static_cast<size_t>(bytes.size()));
         if (count < 0 && errno != EINTR)
             return false;
         bytes = bytes.sliced(std::max<ssize_t>(count, 0));

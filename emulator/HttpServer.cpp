@@ -1,5 +1,7 @@
 #include "emulator/HttpServer.h"
 
+#include "foundation/System.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -52,7 +54,7 @@ HttpServer::~HttpServer() {
 }
 
 void HttpServer::start(int port) {
-    FileDescriptor listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    FileDescriptor listener = system::openSocket(AF_INET, SOCK_STREAM, 0);
     const int on = 1;
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -83,7 +85,7 @@ void HttpServer::stop() {
 
 void HttpServer::acceptClients() {
     for (int number = 1;; ++number) {
-        FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        FileDescriptor socket = system::acceptConnection(listener_.get());
         if (!socket.isOpen() && (errno == EINTR || errno == ECONNABORTED))
             continue;
         if (!socket.isOpen())

@@ -7,7 +7,6 @@
 #include <QTimeZone>
 
 #include <fcntl.h>
-#include <syslog.h>
 #include <unistd.h>
 
 namespace quorvane {
@@ -23,9 +22,9 @@ QString iso8601(Date date) {
 
 } // namespace
 
-AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock)
-    : console_(console), clock_(clock), logFile_(folder / "quorvane.log") {
-    ::openlog("com.quorvane", LOG_PID, LOG_USER);
+AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock,
+                     SystemLog* systemLog)
+    : console_(console), clock_(clock), systemLog_(systemLog), logFile_(folder / "quorvane.log") {
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
     if (failure)
@@ -49,7 +48,8 @@ void AppLogger::log(const QString& text) {
     const QString tag = isMainThread() ? QStringLiteral("Main") : QStringLiteral("Bg");
     const QByteArray fileLine =
         QStringLiteral("[%1] [%2] ").arg(time, tag).append(message).append(u'\n').toUtf8();
-    ::syslog(LOG_NOTICE, "%s", message.toUtf8().constData());
+    if (systemLog_)
+        systemLog_->log(message);
     console_.print(QStringLiteral("[%1] ").arg(tag) + message);
 
     const LogEntry entry{QUuid::createUuid(), clock_.now(), message, levelOf(message)};

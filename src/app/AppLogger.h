@@ -6,6 +6,7 @@
 #include "foundation/Log.h"
 #include "foundation/LogEntry.h"
 #include "foundation/Publisher.h"
+#include "foundation/SystemLog.h"
 
 #include <deque>
 #include <filesystem>
@@ -18,8 +19,10 @@ namespace quorvane {
 /// left out.
 class AppLogger final : public Log {
   public:
-    /// Opens (or creates) "quorvane.log" in `folder` and writes the banner.
-    AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock);
+    /// Opens (or creates) "quorvane.log" in `folder` and writes the banner. `systemLog` may be
+    /// none.
+    AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock,
+              SystemLog* systemLog = nullptr);
 
     void log(const QString& message) override;
 
@@ -35,6 +38,7 @@ class AppLogger final : public Log {
   private:
     Console& console_;
     Clock& clock_;
+    SystemLog* const systemLog_;
     std::filesystem::path logFile_;
     mutable std::mutex mutex_; ///< guards the file and the ring
     FileDescriptor file_;

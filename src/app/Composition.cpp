@@ -22,8 +22,9 @@ CoreServices::CoreServices(UserFolders userFolders, const Ports& outside)
       folders(std::move(userFolders)),
       console(ports.console),
       clock(ports.clock),
-      logger(folders.logs(), console, clock),
-      preferences(folders.preferences()),
+      logger(folders.logs(), console, clock, ports.systemLog),
+      preferences(ports.settings ? Preferences(*ports.settings)
+                                 : Preferences(folders.preferences())),
       runState(folders.runState()),
       states(folders) {}
 
@@ -60,7 +61,11 @@ StateServices::StateServices(CoreServices& core, const std::optional<StatePlace>
 
 LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
     : core_(core), path_(std::move(path)) {
-    if (PhotosBundleLibrary::looksLikeBundle(path_)) {
+    if (path_ == PhotosApp::libraryPath) {
+        if (!core.ports.photos)
+            throw Error(QStringLiteral("Bu bilgisayarda Fotoğraflar uygulaması yok"));
+        identity_ = pathText(path_);
+    } else if (PhotosBundleLibrary::looksLikeBundle(path_)) {
         bundle_ = std::make_unique<PhotosBundleLibrary>(path_, core.folders.applicationSupport(),
                                                         core.logger);
         identity_ = bundle_->identity();
@@ -77,7 +82,13 @@ LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
     choices = LibraryChoices::of(identity_, core_.preferences);
 }
 
+PhotosAppScripts* LibraryAt::scripts() const {
+    return path_ == PhotosApp::libraryPath ? &core_.ports.photos->scripts() : nullptr;
+}
+
 std::unique_ptr<PhotoLibrary> LibraryAt::open(KnownFiles& known) {
+    if (path_ == PhotosApp::libraryPath)
+        return core_.ports.photos->open(core_.ports.confirmation, core_.logger);
     if (bundle_) {
         bundle_->use(choices);
         return std::move(bundle_);
@@ -94,7 +105,18 @@ SourceServices::SourceServices(CoreServices& core, const AccountIdentity& accoun
       lookedAt(state.files),
       library(at.open(use == Use::work ? static_cast<KnownFiles&>(state.files) : lookedAt)),
       metadata(*library, core.folders.pictures, core.logger, core.clock),
-      albums(*library, core.preferences, core.logger, identity) {}
+      albums(*library, core.preferences, core.logger, identity, at.scripts()) {}
+
+std::optional<std::filesystem::path> rememberedLibrary(const CoreServices& core) {
+    if (const auto path = core.preferences.string(preferenceKeys::libraryPath))
+        return pathFrom(*path);
+    return core.ports.photos ? std::optional(PhotosApp::libraryPath) : std::nullopt;
+}
+
+bool isThere(const std::filesystem::path& library) {
+    std::error_code unreachable;
+    return library == PhotosApp::libraryPath || std::filesystem::is_directory(library, unreachable);
+}
 
 void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path) {
     switch (library.authorizationStatus()) {

@@ -19,6 +19,7 @@
 #include "library/LibraryChoices.h"
 #include "library/PhotoAlbumService.h"
 #include "library/PhotoLibraryObserver.h"
+#include "library/PhotosApp.h"
 #include "library/SafeDeletionService.h"
 #include "library/StoredFiles.h"
 #include "metadata/MediaMetadataService.h"
@@ -48,6 +49,9 @@ struct Ports {
     DeletionConfirmation& confirmation;
     Clock& batchClock;                         ///< counts how long a batch that is not full waits
     std::optional<QString> googleBaseURL = {}; ///< of a service on this computer; else Google's
+    PhotosApp* photos = nullptr;               ///< where there is one
+    SettingsStore* settings = nullptr;         ///< none: a file of the product's own
+    SystemLog* systemLog = nullptr;            ///< none: the product's own log only
 };
 
 /// What every command needs.
@@ -102,9 +106,11 @@ struct StateServices {
     StoredFiles files;
 };
 
-/// What is at a path, before its state is known: a Photos bundle, or a plain folder.
+/// What is at a path, before its state is known: the library of the Photos application, a Photos
+/// bundle, or a plain folder.
 class LibraryAt {
   public:
+    /// Throws `Error` for the Photos application where there is none.
     LibraryAt(CoreServices& core, std::filesystem::path path);
 
     const std::filesystem::path& path() const { return path_; }
@@ -117,6 +123,9 @@ class LibraryAt {
 
     /// The adapter; once. `known` outlives it.
     std::unique_ptr<PhotoLibrary> open(KnownFiles& known);
+
+    /// None but in the library of the Photos application.
+    PhotosAppScripts* scripts() const;
 
   private:
     CoreServices& core_;
@@ -142,6 +151,13 @@ struct SourceServices {
     MediaMetadataService metadata;
     PhotoAlbumService albums;
 };
+
+/// The library that was used last; before any was, that of the Photos application, where there is
+/// one.
+std::optional<std::filesystem::path> rememberedLibrary(const CoreServices& core);
+
+/// Whether there is anything at the path of a library. A disk that does not answer counts as no.
+bool isThere(const std::filesystem::path& library);
 
 /// Throws `Error` naming `path` when the library that is there may not be read.
 void requireReadable(const PhotoLibrary& library, const std::filesystem::path& path);

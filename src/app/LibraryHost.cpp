@@ -21,11 +21,17 @@ LibraryHost::LibraryHost(CoreServices& core, GoogleServices& google)
     : core_(core), google_(google) {}
 
 void LibraryHost::openRemembered(Answer answer) {
-    const auto path = core_.preferences.string(preferenceKeys::libraryPath);
-    if (path)
-        open(pathFrom(*path), std::move(answer));
+    if (const auto path = rememberedLibrary(core_))
+        open(*path, std::move(answer));
     else
         onMainThread([answer = std::move(answer)] { answer(AuthorizationStatus::notDetermined); });
+}
+
+void LibraryHost::requestPhotos(Answer answer) {
+    tasks_.post([this, answer = std::move(answer)](const std::stop_token& stop) {
+        core_.ports.photos->requestAuthorization(stop);
+        onMainThread([this, answer] { open(PhotosApp::libraryPath, answer); });
+    });
 }
 
 void LibraryHost::open(const std::filesystem::path& path, Answer answer) {

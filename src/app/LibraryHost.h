@@ -26,6 +26,9 @@ class LibraryHost {
     /// before any was chosen.
     void openRemembered(Answer answer);
 
+    /// Has the system ask for the library of the Photos application, and opens it.
+    void requestPhotos(Answer answer);
+
     /// Opens the library at `path` and remembers it if it is readable; else the earlier one stays.
     void open(const std::filesystem::path& path, Answer answer);
 

@@ -2,25 +2,38 @@
 
 #include "app/Composition.h"
 #include "google/CurlHttpClient.h"
-#include "platform/linux/LibsecretStore.h"
+#ifdef __APPLE__
+#include "platform/macos/MacPorts.h"
+#else
+#include "platform/linux/LinuxPorts.h"
+#endif
 
 namespace quorvane {
 
-/// The real clock, network and keyring of this computer.
+#ifdef __APPLE__
+using PlatformPorts = MacPorts;
+#else
+using PlatformPorts = LinuxPorts;
+#endif
+
+/// The real clock and network, and what the platform has: here it is chosen.
 struct SystemPorts {
     SystemClock clock;
     CurlHttpClient http;
-    LibsecretStore keychain;
+    PlatformPorts platform;
 
     Ports with(Console& console, DeletionConfirmation& confirmation) {
         const QString baseURL = qEnvironmentVariable("QUORVANE_GOOGLE_BASE_URL");
         return {console,
                 clock,
                 http,
-                keychain,
+                platform.keychain,
                 confirmation,
                 clock,
-                baseURL.isEmpty() ? std::nullopt : std::optional(baseURL)};
+                baseURL.isEmpty() ? std::nullopt : std::optional(baseURL),
+                platform.photos(),
+                platform.settings(),
+                &platform.log};
     }
 };
 

@@ -1,5 +1,7 @@
 #include "foundation/File.h"
 
+#include "foundation/System.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -92,7 +94,7 @@ void writeAll(int fd, ByteView bytes, const std::filesystem::path& path) {
 }
 
 void flushFile(int fd, const std::filesystem::path& path) {
-    if (::fsync(fd) != 0)
+    if (!system::flush(fd))
         throw FileError(QStringLiteral("Dosya diske yazılamadı"), path, errno);
 }
 

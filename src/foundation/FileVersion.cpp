@@ -1,6 +1,7 @@
 #include "foundation/FileVersion.h"
 
 #include "foundation/File.h"
+#include "foundation/System.h"
 
 #include <cerrno>
 
@@ -17,14 +18,8 @@ std::int64_t nanoseconds(const struct timespec& time) {
 } // namespace
 
 FileVersion FileVersion::of(const struct stat& status) {
-#ifdef __APPLE__
-    const struct timespec modified = status.st_mtimespec;
-    const struct timespec changed = status.st_ctimespec;
-#else
-    const struct timespec modified = status.st_mtim;
-    const struct timespec changed = status.st_ctim;
-#endif
-    return {status.st_size, nanoseconds(modified), nanoseconds(changed), status.st_ino};
+    return {status.st_size, nanoseconds(system::modificationTime(status)),
+            nanoseconds(system::statusChangeTime(status)), status.st_ino};
 }
 
 std::optional<FileVersion> fileVersion(const std::filesystem::path& path) noexcept {

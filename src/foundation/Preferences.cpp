@@ -1,31 +1,13 @@
 #include "foundation/Preferences.h"
 
-#include "foundation/FileLock.h"
-
-#include <QJsonDocument>
-
-#include <cerrno>
-#include <string>
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include "foundation/PreferencesFile.h"
 
 namespace quorvane {
 
-namespace {
+Preferences::Preferences(const std::filesystem::path& file)
+    : own_(std::make_unique<PreferencesFile>(file)), store_(*own_) {}
 
-constexpr std::int64_t largestFile = 64 << 20;
-constexpr const char* lockSuffix = ".lock";
-constexpr const char* damagedSuffix = ".bozuk-";
-
-} // namespace
-
-Preferences::Version Preferences::versionOf(const struct stat& info) {
-    return {static_cast<long long>(info.st_ino), info.st_size, info.st_mtim.tv_sec,
-            info.st_mtim.tv_nsec};
-}
-
-Preferences::Preferences(std::filesystem::path file) : file_(std::move(file)) {}
+Preferences::Preferences(SettingsStore& store) : store_(store) {}
 
 std::optional<QString> Preferences::string(const QString& key) const {
     const QJsonValue found = value(key);
@@ -42,11 +24,11 @@ std::optional<QByteArray> Preferences::data(const QString& key) const {
 }
 
 void Preferences::setString(const QString& key, const QString& value) {
-    change(key, [&](QJsonObject& values) { values[key] = value; });
+    change(key, value);
 }
 
 void Preferences::setBoolean(const QString& key, bool value) {
-    change(key, [&](QJsonObject& values) { values[key] = value; });
+    change(key, value);
 }
 
 void Preferences::setData(const QString& key, const QByteArray& value) {
@@ -54,7 +36,7 @@ void Preferences::setData(const QString& key, const QByteArray& value) {
 }
 
 void Preferences::remove(const QString& key) {
-    change(key, [&](QJsonObject& values) { values.remove(key); });
+    change(key, QJsonValue::Undefined);
 }
 
 bool Preferences::isVolatile(const QString& key) const {
@@ -71,94 +53,13 @@ QJsonValue Preferences::value(const QString& key) const {
     const std::lock_guard lock(mutex_);
     if (volatileValues_.contains(key))
         return volatileValues_.value(key);
-    try {
-        reloadIfChanged(ProcessLock::notHeld);
-    } catch (const Error&) {
-        if (!isLoaded_)
-            throw;
-        // What was read last still holds: a setting never changes because a disk has a bad moment.
-    }
-    return values_.value(key);
+    return store_.value(key);
 }
 
-void Preferences::change(const QString& key, const std::function<void(QJsonObject&)>& edit) {
+void Preferences::change(const QString& key, const QJsonValue& value) {
     const std::lock_guard lock(mutex_);
     volatileValues_.remove(key);
-    const std::filesystem::path folder = file_.parent_path();
-    std::error_code ignored;
-    std::filesystem::create_directories(folder, ignored);
-    ::chmod(folder.c_str(), 0700);
-
-    // The lock file is never removed: the preferences file itself is replaced by each write.
-    const FileLock processLock(besides(lockSuffix));
-
-    reloadIfChanged(ProcessLock::held);
-    QJsonObject changed = values_;
-    edit(changed);
-    if (changed == values_)
-        return;
-    replaceFile(file_, QJsonDocument(changed).toJson());
-    reloadIfChanged(ProcessLock::held);
-}
-
-std::filesystem::path Preferences::besides(const char* suffix) const {
-    std::filesystem::path path = file_;
-    path += suffix;
-    return path;
-}
-
-/// Caller holds the mutex. A replaced file has another inode, so one stat tells whether to read.
-void Preferences::reloadIfChanged(ProcessLock lock) const {
-    struct stat info {};
-    if (::stat(file_.c_str(), &info) != 0) {
-        if (errno != ENOENT && errno != ENOTDIR)
-            throw FileError(QStringLiteral("Ayarlar okunamadı"), file_, errno);
-        version_ = Version();
-        if (!isSetAside_)
-            values_ = QJsonObject();
-        isLoaded_ = true;
-        return;
-    }
-    const Version found = versionOf(info);
-    if (found == version_)
-        return;
-    const QJsonDocument document = QJsonDocument::fromJson(readWholeFile(file_, largestFile));
-    if (!document.isObject())
-        return setAside(found, lock);
-    values_ = document.object();
-    version_ = found;
-    isLoaded_ = true;
-    isSetAside_ = false;
-}
-
-/// Caller holds the mutex. What cannot be understood may still be worth a look, and is nobody
-/// else's: it is not written over. By now it may be a good file that another process wrote.
-void Preferences::setAside(const Version& damaged, ProcessLock lock) const {
-    std::optional<FileLock> processLock;
-    if (lock == ProcessLock::notHeld)
-        processLock.emplace(besides(lockSuffix));
-    struct stat info {};
-    if (::stat(file_.c_str(), &info) != 0 || versionOf(info) != damaged)
-        return reloadIfChanged(ProcessLock::held);
-    std::filesystem::path aside = file_;
-    for (int number = 1; aside == file_ || ::access(aside.c_str(), F_OK) == 0; ++number)
-        aside = besides((damagedSuffix + std::to_string(number)).c_str());
-    if (::rename(file_.c_str(), aside.c_str()) != 0)
-        throw FileError(QStringLiteral("Bozuk ayar dosyası kenara alınamadı"), file_, errno);
-    ::chmod(aside.c_str(), 0600);
-    isSetAside_ = isLoaded_;
-    throw Error(QStringLiteral("Ayar dosyası bozuktu, kenara alındı: %1. Ayarları (hedef albüm, "
-                               "kaynak albüm, arşiv) yeniden seçin.")
-                    .arg(pathText(aside)));
-}
-
-void Preferences::removeDamaged() {
-    const std::filesystem::path folder = file_.parent_path();
-    const std::string prefix = file_.filename().native() + damagedSuffix;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
-        if (entry.path().filename().native().starts_with(prefix))
-            ::unlink(entry.path().c_str());
+    store_.change(key, value);
 }
 
 } // namespace quorvane

@@ -1,26 +1,24 @@
 #pragma once
 
+#include "foundation/SettingsStore.h"
+
 #include <QByteArray>
 #include <QJsonObject>
-#include <QString>
 
 #include <filesystem>
-#include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 
-struct stat;
-
 namespace quorvane {
 
-/// The user defaults: one JSON file, mode 0600 in a folder of mode 0700. Any thread; two processes
-/// may use one file without losing each other's keys (a write merges into the file as it then is).
-/// A file that cannot be read is never taken for an empty one, nor written over: whoever asks then
-/// gets what was read before, or a `FileError`. One that is no JSON is kept beside under another
-/// name, which is told once by an `Error`.
+/// The user defaults. Any thread. Throws what the store throws.
 class Preferences {
   public:
-    explicit Preferences(std::filesystem::path file);
+    /// In a file of the product's own (`PreferencesFile`).
+    explicit Preferences(const std::filesystem::path& file);
+    /// `store` outlives this.
+    explicit Preferences(SettingsStore& store);
 
     std::optional<QString> string(const QString& key) const;
     bool boolean(const QString& key) const; ///< absent or of another type: false
@@ -37,30 +35,15 @@ class Preferences {
     /// Whether such a value is in force.
     bool isVolatile(const QString& key) const;
 
-    /// Deletes the damaged files that were kept beside: there may be secrets in them.
-    void removeDamaged();
+    void removeDamaged() { store_.removeDamaged(); }
 
   private:
-    struct Version {
-        long long inode = -1, size = -1, seconds = 0, nanoseconds = 0;
-        bool operator==(const Version&) const = default;
-    };
-
     QJsonValue value(const QString& key) const;
-    void change(const QString& key, const std::function<void(QJsonObject&)>& edit);
-    static Version versionOf(const struct stat& info);
-    enum class ProcessLock { held, notHeld };
+    void change(const QString& key, const QJsonValue& value);
 
-    std::filesystem::path besides(const char* suffix) const;
-    void reloadIfChanged(ProcessLock lock) const;
-    void setAside(const Version& damaged, ProcessLock lock) const;
-
-    std::filesystem::path file_;
+    const std::unique_ptr<SettingsStore> own_;
+    SettingsStore& store_;
     mutable std::mutex mutex_;
-    mutable Version version_;
-    mutable QJsonObject values_; ///< as read last
-    mutable bool isLoaded_ = false;
-    mutable bool isSetAside_ = false; ///< `values_` are those before the file was damaged
     QJsonObject volatileValues_;
 };
 

@@ -1,13 +1,12 @@
 #include "foundation/Process.h"
 
+#include "foundation/System.h"
+
 #include <csignal>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 namespace quorvane {
 
@@ -27,9 +26,7 @@ void prepareProcess() noexcept {
     openStandardStreams();
     ::umask(S_IRWXG | S_IRWXO);
     std::signal(SIGPIPE, SIG_IGN);
-#ifdef __GLIBC__
-    mallopt(M_ARENA_MAX, 1);
-#endif
+    system::prepareProcess();
 }
 
 } // namespace quorvane

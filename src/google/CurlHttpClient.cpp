@@ -1,5 +1,6 @@
 #include "google/CurlHttpClient.h"
 
+#include "foundation/System.h"
 #include "google/GoogleEndpoints.h"
 #include "google/RequestBody.h"
 #include "google/ResponseReader.h"
@@ -8,12 +9,7 @@
 #include <set>
 
 #include <curl/curl.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
 #include <unistd.h>
-#ifdef __linux__
-#include <linux/sockios.h>
-#endif
 
 namespace quorvane {
 
@@ -308,19 +304,14 @@ class CurlHttpClient::Lane {
         Activity now;
         curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &now.sent);
         now.received = answer_->received();
-#ifdef SIOCOUTQ
-        for (const curl_socket_t socket : sockets_) {
-            int bytes = 0;
-            if (::ioctl(socket, SIOCOUTQ, &bytes) == 0)
-                now.waitingInSystem += bytes;
-        }
-#endif
+        for (const curl_socket_t socket : sockets_)
+            now.waitingInSystem += system::unsentBytes(socket);
         return now;
     }
 
     static curl_socket_t openSocket(void* self, curlsocktype, curl_sockaddr* address) {
         const int socket =
-            ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+            system::openSocket(address->family, address->socktype, address->protocol).release();
         if (socket < 0)
             return CURL_SOCKET_BAD;
         static_cast<Lane*>(self)->sockets_.insert(socket);

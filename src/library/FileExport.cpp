@@ -1,6 +1,7 @@
 #include "library/FileExport.h"
 
 #include "foundation/Crypto.h"
+#include "foundation/System.h"
 #include "library/PhotoLibrary.h"
 
 #include <algorithm>
@@ -10,13 +11,9 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
-#ifdef __linux__
-#include <linux/fs.h>
-#endif
 
 namespace quorvane {
 
@@ -56,14 +53,6 @@ FileDescriptor openIn(const FileDescriptor& folder, const std::filesystem::path&
         QStringLiteral("Özgün dosya okunurken değişti: %1").arg(pathText(path)));
 }
 
-bool cloneWhole(int from, int to) {
-#ifdef FICLONE
-    return ::ioctl(to, FICLONE, from) == 0;
-#else
-    return from == to;
-#endif
-}
-
 void requireRoom(std::int64_t bytes, const std::filesystem::path& destination) {
     struct statvfs disk {};
     if (::statvfs(destination.parent_path().c_str(), &disk) != 0)
@@ -75,10 +64,15 @@ void requireRoom(std::int64_t bytes, const std::filesystem::path& destination) {
 /// A hidden sibling of the destination; removed unless it was published.
 class PartFile {
   public:
-    explicit PartFile(const std::filesystem::path& destination)
+    PartFile(const std::filesystem::path& destination, const FileDescriptor& original)
         : path_(destination.parent_path() /
-                ("." + secureRandomBytes(8).toHex().toStdString() + ".part")),
-          file_(openFile(path_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, 0600)) {}
+                ("." + secureRandomBytes(8).toHex().toStdString() + ".part")) {
+        system::NewFile made = system::createAsClone(original.get(), path_);
+        if (!made.file.isOpen())
+            throw FileError(QStringLiteral("Dosya açılamadı"), path_, errno);
+        file_ = std::move(made.file);
+        isClone_ = made.isClone;
+    }
     ~PartFile() {
         if (file_.isOpen() && !isLeft_)
             ::unlink(path_.c_str());
@@ -93,6 +87,7 @@ class PartFile {
     }
 
     int fd() const { return file_.get(); }
+    bool isClone() const { return isClone_; } ///< of the original, whole
 
     void write(ByteView bytes) {
         writeAll(file_.get(), bytes, path_);
@@ -137,6 +132,7 @@ class PartFile {
     FileDescriptor file_;
     std::int64_t unflushed_ = 0;
     bool isLeft_ = false;
+    bool isClone_ = false;
 };
 
 /// Reads `size` bytes up to the end of a file, handing each chunk to `take`. Returns their digest.
@@ -216,10 +212,10 @@ SourceContent exportFile(const FileDescriptor& original, const std::filesystem::
     if (::lstat(destination.c_str(), &there) == 0)
         throw FileError(QStringLiteral("Dosya kopyalanamadı"), destination, EEXIST);
     const FileVersion before = fileVersion(original.get(), originalPath);
-    PartFile part(destination);
+    PartFile part(destination, original);
     QString digest;
     try {
-        if (cloneWhole(original.get(), part.fd())) {
+        if (part.isClone()) {
             digest = digestOf(part.fd(), before.size, originalPath, stop, [](ByteView) {});
         } else {
             requireRoom(before.size, destination);
@@ -261,12 +257,9 @@ std::int64_t contentSample(QByteArrayView beginning, QByteArrayView end, std::in
 
 int renameToNew(int fromFolder, const std::filesystem::path& from, int toFolder,
                 const std::filesystem::path& to) noexcept {
-#ifdef RENAME_NOREPLACE
-    if (::renameat2(fromFolder, from.c_str(), toFolder, to.c_str(), RENAME_NOREPLACE) == 0)
-        return 0;
-    if (errno != EINVAL && errno != ENOSYS)
-        return errno;
-#endif
+    const int error = system::renameToNew(fromFolder, from.c_str(), toFolder, to.c_str());
+    if (error != ENOTSUP)
+        return error;
     // A file system that cannot promise it: what appears in between is not expected.
     struct stat there {};
     if (::fstatat(toFolder, to.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0)

@@ -48,8 +48,11 @@ QString titleOf(const QString& title) {
     return title.isEmpty() ? QStringLiteral("İsimsiz") : title;
 }
 
-/// By creation date; assets without one first, equal ones in the order they came in.
+/// By creation date; assets without one first, equal ones in the order they came in. What is so
+/// already stays the library's own result, of which it can tell changes.
 AssetFetchResult oldestFirst(const AssetFetchResult& assets) {
+    if (std::ranges::is_sorted(*assets, {}, &PhotoAsset::creationDate))
+        return assets;
     auto sorted = std::make_shared<std::vector<PhotoAsset>>(*assets);
     std::ranges::stable_sort(*sorted, {}, &PhotoAsset::creationDate);
     return sorted;

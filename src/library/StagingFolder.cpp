@@ -1,5 +1,6 @@
 #include "library/StagingFolder.h"
 
+#include "foundation/System.h"
 #include "library/FileExport.h"
 
 #include <cerrno>
@@ -56,11 +57,7 @@ std::optional<StagingFolder::Stamp> StagingFolder::stamp() const {
         return std::nullopt;
     if (isPrivate && (info.st_uid != ::geteuid() || (info.st_mode & 0777) != 0700))
         return std::nullopt;
-#ifdef __APPLE__
-    const struct timespec changed = info.st_mtimespec;
-#else
-    const struct timespec changed = info.st_mtim;
-#endif
+    const timespec changed = system::modificationTime(info);
     return Stamp{info.st_dev, info.st_ino, changed.tv_sec, changed.tv_nsec};
 }
 

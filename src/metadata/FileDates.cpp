@@ -1,5 +1,6 @@
 #include "metadata/FileDates.h"
 
+#include "foundation/System.h"
 #include "metadata/LocalCalendar.h"
 
 #include <fcntl.h>
@@ -11,9 +12,9 @@ std::optional<Date> readFileCreationDate(const std::filesystem::path& file) noex
     struct stat info {};
     if (::stat(file.c_str(), &info) != 0)
         return std::nullopt;
-    const double nanoseconds = static_cast<double>(info.st_mtim.tv_nsec);
-    return writableDate(
-        dateFromUnixSeconds(static_cast<double>(info.st_mtim.tv_sec) + nanoseconds / 1e9));
+    const timespec modified = system::modificationTime(info);
+    return writableDate(dateFromUnixSeconds(static_cast<double>(modified.tv_sec) +
+                                            static_cast<double>(modified.tv_nsec) / 1e9));
 }
 
 void setFileDates(const std::filesystem::path& file, Date date) noexcept {
@@ -23,6 +24,7 @@ void setFileDates(const std::filesystem::path& file, Date date) noexcept {
     modified.tv_nsec = std::chrono::nanoseconds(date - second).count();
     const timespec times[] = {{0, UTIME_OMIT}, modified};
     ::utimensat(AT_FDCWD, file.c_str(), times, 0);
+    system::setCreationTime(file, modified);
 }
 
 } // namespace quorvane

@@ -1,5 +1,7 @@
 #include "store/DatabaseSnapshot.h"
 
+#include "foundation/System.h"
+
 #include <sys/stat.h>
 
 namespace quorvane {
@@ -21,7 +23,8 @@ DatabaseSnapshot::Stamp DatabaseSnapshot::stampOf(const std::filesystem::path& f
     struct stat info {};
     if (::stat(file.c_str(), &info) != 0)
         return {};
-    return {info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
+    const timespec modified = system::modificationTime(info);
+    return {info.st_ino, info.st_size, modified.tv_sec, modified.tv_nsec};
 }
 
 bool DatabaseSnapshot::isCurrent() const {

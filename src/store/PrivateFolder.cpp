@@ -1,5 +1,7 @@
 #include "store/PrivateFolder.h"
 
+#include "foundation/System.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
@@ -20,7 +22,7 @@ constexpr std::string_view prefix = "quorvane-photos-";
 bool isBeingMade(const std::filesystem::path& folder, const struct stat& status) {
     std::error_code error;
     return std::filesystem::is_empty(folder, error) &&
-           ::time(nullptr) - status.st_mtim.tv_sec < secondsOfAnHour;
+           ::time(nullptr) - system::modificationTime(status).tv_sec < secondsOfAnHour;
 }
 
 /// Another user's is left alone.

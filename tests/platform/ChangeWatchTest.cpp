@@ -86,23 +86,23 @@ TEST(FolderNotifier, WatchesTheFoldersItWasToldLast) {
     const TemporaryFolder folder;
     folder.write("a/1.jpg", "x");
     folder.write("b/1.jpg", "x");
-    FolderNotifier notifier(FolderNotifier::Events::entries);
+    const auto notifier = FolderNotifier::make(FolderNotifier::Events::entries);
     using Wake = FolderNotifier::Wake;
-    EXPECT_TRUE(notifier.watch({folder / "a"}).gained);
-    EXPECT_FALSE(notifier.watch({folder / "a", folder / "gone"}).gained);
+    EXPECT_TRUE(notifier->watch({folder / "a"}).gained);
+    EXPECT_FALSE(notifier->watch({folder / "a", folder / "gone"}).gained);
     std::filesystem::rename(folder / "a", folder / "c"); // the folder itself is told
-    EXPECT_EQ(notifier.wait(5s, {}), Wake::changed);
-    EXPECT_FALSE(notifier.watch({folder / "c"}).gained) << "the same folder by another name";
-    EXPECT_TRUE(notifier.watch({folder / "b"}).gained);
-    notifier.wait(0ms, {}); // the end of the other watch is told
+    EXPECT_EQ(notifier->wait(5s, {}), Wake::changed);
+    EXPECT_FALSE(notifier->watch({folder / "c"}).gained) << "the same folder by another name";
+    EXPECT_TRUE(notifier->watch({folder / "b"}).gained);
+    notifier->wait(0ms, {}); // the end of the other watch is told
     folder.write("c/2.jpg", "x");
-    EXPECT_EQ(notifier.wait(0ms, {}), Wake::timeout);
+    EXPECT_EQ(notifier->wait(0ms, {}), Wake::timeout);
     folder.write("b/2.jpg", "x");
-    EXPECT_EQ(notifier.wait(5s, {}), Wake::changed);
-    EXPECT_EQ(notifier.wait(0ms, {}), Wake::timeout) << "a burst is one notification";
+    EXPECT_EQ(notifier->wait(5s, {}), Wake::changed);
+    EXPECT_EQ(notifier->wait(0ms, {}), Wake::timeout) << "a burst is one notification";
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_EQ(notifier.wait(60s, stop.get_token()), Wake::stopped);
+    EXPECT_EQ(notifier->wait(60s, stop.get_token()), Wake::stopped);
 }
 
 } // namespace quorvane::test

@@ -1,4 +1,6 @@
 #include "platform/folder/FolderDeletion.h"
+#include "platform/folder/Mount.h"
+#include "platform/folder/Trash.h"
 
 #include "FolderWorld.h"
 #include "platform/folder/FolderLibrary.h"
@@ -180,15 +182,15 @@ TEST_F(FolderDeletionTest, UsesTheTrashOfAnotherFileSystem) {
         GTEST_SKIP() << "no second file system without a Trash";
     const auto takenTo = [&](const path& place) {
         std::ofstream(there / "a ş.jpg") << "picture";
-        Trash trash = Trash::forFilesIn(there);
-        EXPECT_EQ(trash.place(), place);
+        const auto trash = Trash::forFilesIn(there);
+        EXPECT_EQ(trash->place(), place);
         const FileDescriptor opened = openFile(there, O_RDONLY | O_DIRECTORY);
-        EXPECT_EQ(trash.take(opened, there / "a ş.jpg"), "a ş.jpg");
+        EXPECT_EQ(trash->take(opened, there / "a ş.jpg"), "a ş.jpg");
         EXPECT_EQ(readFile(place / "files/a ş.jpg"), "picture");
         const std::string name = there.filename().native();
         EXPECT_TRUE(readFile(place / "info/a ş.jpg.trashinfo")
                         .contains(QByteArray::fromStdString("Path=" + name + "/a%20%C5%9F.jpg\n")));
-        EXPECT_TRUE(trash.giveBack("a ş.jpg", opened, there / "a ş.jpg"));
+        EXPECT_TRUE(trash->giveBack("a ş.jpg", opened, there / "a ş.jpg"));
         EXPECT_TRUE(namesIn(place / "info").empty());
     };
     takenTo(own);

@@ -16,8 +16,7 @@ struct Row {
 
 std::vector<Row> localAlbums(Invocation& invocation, Program& program) {
     CoreServices& core = program.core;
-    const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
-                                    core.preferences, core.folders);
+    const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")), core);
     const AccountIdentity account = program.google.account();
     LibraryAt at(core, path);
     const auto place = core.states.find(at.identity(), account);

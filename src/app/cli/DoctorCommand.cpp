@@ -67,8 +67,7 @@ int doctor(Invocation& invocation) {
     Program program(invocation);
     CoreServices& core = program.core;
     const auto library = [&] {
-        return chooseLibrary(invocation.arguments.value(u"library"_s), core.preferences,
-                             core.folders);
+        return chooseLibrary(invocation.arguments.value(u"library"_s), core);
     };
     const std::vector<Finding> findings =
         checkSession(core, program.google, library, invocation.stop);

@@ -40,8 +40,9 @@ const Album& findOne(const std::vector<Album>& albums, const QString& wanted, Ti
 
 } // namespace
 
-std::filesystem::path chooseLibrary(const std::optional<QString>& named,
-                                    const Preferences& preferences, const UserFolders& folders) {
+std::filesystem::path chooseLibrary(const std::optional<QString>& named, const CoreServices& core) {
+    if (named == pathText(PhotosApp::libraryPath))
+        return PhotosApp::libraryPath;
     if (named) {
         const std::filesystem::path path = std::filesystem::absolute(pathFrom(*named));
         if (!std::filesystem::is_directory(path))
@@ -52,14 +53,13 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named,
                         pathText(path));
         return path;
     }
-    if (const auto remembered = preferences.string(preferenceKeys::libraryPath)) {
-        const std::filesystem::path path = pathFrom(*remembered);
-        if (!std::filesystem::is_directory(path))
+    if (const auto remembered = rememberedLibrary(core)) {
+        if (!isThere(*remembered))
             throw Error(QStringLiteral("Son kullanılan arşiv artık yerinde değil: ") +
-                        pathText(path));
-        return path;
+                        pathText(*remembered));
+        return *remembered;
     }
-    if (const auto bundle = firstBundle(folders.pictures))
+    if (const auto bundle = firstBundle(core.folders.pictures))
         return *bundle;
     throw Error(QStringLiteral("Arşiv seçilmedi: --library ile bir Fotoğraflar arşivi veya resim "
                                "klasörü verin"));

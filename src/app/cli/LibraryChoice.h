@@ -10,8 +10,7 @@ namespace quorvane::cli {
 
 /// The library to back up: the one named, else the remembered one, else the first Photos bundle in
 /// the Pictures folder. Throws `Error` when there is none or it is gone.
-std::filesystem::path chooseLibrary(const std::optional<QString>& named,
-                                    const Preferences& preferences, const UserFolders& folders);
+std::filesystem::path chooseLibrary(const std::optional<QString>& named, const CoreServices& core);
 
 /// What this call chooses for the library, on top of what is remembered for it. Throws `Error`.
 void applyChoices(const Arguments& arguments, LibraryChoices& choices);

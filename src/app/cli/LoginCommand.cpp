@@ -1,7 +1,6 @@
 #include "app/RunLock.h"
 #include "app/cli/Program.h"
 #include "google/OAuthMessages.h"
-#include "platform/linux/BrowserAuthSession.h"
 
 #include <unistd.h>
 
@@ -9,15 +8,13 @@ namespace quorvane::cli {
 
 namespace {
 
-/// Opens the browser where there is a desktop; the callback URL comes from its URL handler or from
-/// standard input, whichever is first.
 int login(Invocation& invocation) {
     SystemPorts system;
     TerminalConfirmation confirmation(invocation.console, false, invocation.stop);
     CoreServices core(invocation.folders, system.with(invocation.console, confirmation));
-    BrowserAuthSession session(DesktopEnvironment::ofProcess(core.folders), {STDIN_FILENO},
-                               core.console, core.logger);
-    GoogleServices google(core, session);
+    const auto session =
+        PlatformPorts::signIn(core.folders, STDIN_FILENO, core.console, core.logger);
+    GoogleServices google(core, *session);
     const SignInOutcome outcome = google.oauth.signIn(invocation.stop);
     core.runState.signedIn();
     if (!outcome.mayListAlbums)
@@ -42,7 +39,7 @@ int handleUrl(Invocation& invocation) {
     const QString url = invocation.arguments.operand();
     if (url.isEmpty())
         throw UsageError(QStringLiteral("handle-url: bir adres bekler"));
-    if (handOverURL(DesktopEnvironment::ofProcess(invocation.folders), url))
+    if (PlatformPorts::handOver(invocation.folders, url))
         return done;
     throw Error(QStringLiteral("Bu adresi bekleyen bir giriş yok"));
 }

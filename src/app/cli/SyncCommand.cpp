@@ -158,8 +158,7 @@ int sync(Invocation& invocation) {
     const bool isDryRun = arguments.has(QStringLiteral("dry-run"));
     if (!isDryRun)
         requireSignedIn(program.google.oauth);
-    const auto path =
-        chooseLibrary(arguments.value(QStringLiteral("library")), core.preferences, core.folders);
+    const auto path = chooseLibrary(arguments.value(QStringLiteral("library")), core);
     if (isDryRun)
         return dryRun(invocation, core, program.google, path);
 

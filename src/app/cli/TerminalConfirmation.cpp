@@ -6,7 +6,6 @@
 #include <array>
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace quorvane::cli {
@@ -15,10 +14,14 @@ namespace {
 
 /// One line of standard input; empty at its end or when stopped.
 QString readLine(const std::stop_token& stop) {
-    const FileDescriptor wake(::eventfd(0, EFD_CLOEXEC));
-    const std::stop_callback onStop(stop, [&wake] { ::eventfd_write(wake.get(), 1); });
-    std::array<pollfd, 2> watched{pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{wake.get(), POLLIN, 0}};
-    if (::poll(watched.data(), watched.size(), -1) <= 0 || (watched[1].revents & POLLIN) != 0)
+    std::array<int, 2> ends{-1, -1};
+    if (::pipe(ends.data()) != 0)
+        return {};
+    const FileDescriptor hangup(ends[0]);
+    FileDescriptor held(ends[1]);
+    const std::stop_callback onStop(stop, [&held] { held = FileDescriptor(); });
+    std::array<pollfd, 2> watched{pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{hangup.get(), POLLIN, 0}};
+    if (::poll(watched.data(), watched.size(), -1) <= 0 || watched[1].revents != 0)
         return {};
     std::array<char, 256> line{};
     const ssize_t length = ::read(STDIN_FILENO, line.data(), line.size());

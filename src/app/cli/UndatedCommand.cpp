@@ -164,8 +164,7 @@ int undated(Invocation& invocation) {
     invocation.console.setChannel(Console::Channel::silent);
     Program program(invocation);
     CoreServices& core = program.core;
-    const auto path =
-        chooseLibrary(arguments.value(QStringLiteral("library")), core.preferences, core.folders);
+    const auto path = chooseLibrary(arguments.value(QStringLiteral("library")), core);
     const AccountIdentity account = program.google.account();
     LibraryAt at(core, path);
     const auto place = core.states.find(at.identity(), account);

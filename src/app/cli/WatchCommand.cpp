@@ -113,8 +113,7 @@ int watch(Invocation& invocation) {
     Program program(invocation);
     CoreServices& core = program.core;
     requireSignedIn(program.google.oauth);
-    const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")),
-                                    core.preferences, core.folders);
+    const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")), core);
     LibraryAt at(core, path);
     applyChoices(invocation.arguments, at.choices);
     requireOneUseOfAlbums(at.choices, program.google.albums);

@@ -42,7 +42,8 @@ CheckedThing shown(const Finding& finding) {
 
 } // namespace
 
-QuorvaneApp::QuorvaneApp(const DesktopEnvironment& environment) : environment_(environment) {
+QuorvaneApp::QuorvaneApp(const UserFolders& folders)
+    : core_(folders, system_.with(console_, confirmation_)) {
     library_.onOpened = [this](std::shared_ptr<const LibrarySession> session) {
         model_.setLibrary(std::move(session));
     };
@@ -51,11 +52,7 @@ QuorvaneApp::QuorvaneApp(const DesktopEnvironment& environment) : environment_(e
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
     });
     QObject::connect(&window_, &MainWindowController::quitRequested, qApp, &QApplication::quit);
-    QObject::connect(&look_, &DesktopLook::changed, &window_, [this] {
-        window_.setReducesMotion(look_.reducesMotion());
-        window_.setSystemIsDark(look_.isDark());
-    });
-    look_.watch();
+    platform_.follow(model_, window_);
 }
 
 QuorvaneApp::~QuorvaneApp() {
@@ -72,23 +69,22 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             core_.logger.logPublisher(),
             console_,
             core_.clock,
-            desktop_,
+            platform_.desktop,
             [file = core_.folders.runLock()] { return std::make_shared<RunLock>(file); },
             core_.logger.logFile(),
             [this] { library_.accountDidChange(); },
-            [this](const QString& url) { return handOverURL(environment_, url); },
+            [this](const QString& url) { return PlatformPorts::handOver(core_.folders, url); },
             [this](const std::stop_token& stop) { return checkedThings(stop); }};
 }
 
 std::vector<CheckedThing> QuorvaneApp::checkedThings(const std::stop_token& stop) {
     const auto library = [this] {
-        const auto path = core_.preferences.string(preferenceKeys::libraryPath);
+        const auto path = rememberedLibrary(core_);
         if (!path)
             throw Error(QStringLiteral("Arşiv seçilmedi"));
-        std::error_code unreachable;
-        if (!std::filesystem::is_directory(pathFrom(*path), unreachable))
-            throw Error(QStringLiteral("Arşiv yerinde değil: ") + *path);
-        return pathFrom(*path);
+        if (!isThere(*path))
+            throw Error(QStringLiteral("Arşiv yerinde değil: ") + pathText(*path));
+        return *path;
     };
     std::vector<CheckedThing> things;
     for (const Finding& finding : checkSession(core_, google_, library, stop))
@@ -99,23 +95,31 @@ std::vector<CheckedThing> QuorvaneApp::checkedThings(const std::stop_token& stop
 AppDelegate::Platform QuorvaneApp::launchPlatform() {
     AppDelegate::Platform platform;
     platform.becomeAccessory = [] {
+        GuiPlatform::becomeAccessory();
         QApplication::setQuitOnLastWindowClosed(
             AppDelegate::applicationShouldTerminateAfterLastWindowClosed());
     };
     platform.createMenuBarController = [this] { menuBarController_.setupStatusItem(); };
     platform.authorizationStatus = [this](auto answer) { library_.openRemembered(answer); };
-    platform.requestAuthorization = [this](auto answer) { chooseLibrary(answer); };
+    platform.requestAuthorization = [this](auto answer) {
+        if (core_.ports.photos)
+            library_.requestPhotos(answer);
+        else
+            chooseLibrary(answer);
+    };
     platform.showAlert = [this](const AlertText& text, auto answer) {
         dialogs_.showAlert(text, answer);
     };
     platform.openPrivacySettings = [this] {
+        if (platform_.openPrivacySettings())
+            return;
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
     };
     platform.startObserver = [this] { library_.startObserver(); };
     platform.stopObserver = [this] { library_.stopObserver(); };
     platform.refreshState = [this] { model_.refreshState(); };
     platform.handleURL = [this](const QUrl& url) {
-        handOverURL(environment_, url.toString(QUrl::FullyEncoded));
+        PlatformPorts::handOver(core_.folders, url.toString(QUrl::FullyEncoded));
     };
     return platform;
 }

@@ -3,11 +3,8 @@
 #include "app/LibraryHost.h"
 #include "app/SystemPorts.h"
 #include "app/gui/AppDelegate.h"
+#include "app/gui/GuiPlatform.h"
 #include "app/gui/SystemDialogs.h"
-#include "platform/linux/BrowserAuthSession.h"
-#include "platform/linux/desktop/DesktopLook.h"
-#include "platform/linux/desktop/LinuxDesktop.h"
-#include "platform/linux/desktop/LinuxStatusHost.h"
 #include "ui/window/MenuBarController.h"
 
 namespace quorvane {
@@ -16,7 +13,7 @@ namespace quorvane {
 /// Main thread.
 class QuorvaneApp {
   public:
-    explicit QuorvaneApp(const DesktopEnvironment& environment);
+    explicit QuorvaneApp(const UserFolders& folders);
     ~QuorvaneApp();
     QuorvaneApp(const QuorvaneApp&) = delete;
     QuorvaneApp& operator=(const QuorvaneApp&) = delete;
@@ -27,21 +24,19 @@ class QuorvaneApp {
     AppDelegate::Platform launchPlatform();
     void chooseLibrary(const LibraryHost::Answer& answer);
 
-    const DesktopEnvironment environment_;
     Console console_;
     SystemPorts system_;
     SystemDialogs dialogs_;
     DialogConfirmation confirmation_{dialogs_};
-    CoreServices core_{UserFolders::ofCurrentUser(), system_.with(console_, confirmation_)};
-    BrowserAuthSession signIn_{environment_, {}, console_, core_.logger};
-    GoogleServices google_{core_, signIn_};
-    LinuxDesktop desktop_{environment_, core_.logger};
+    CoreServices core_;
+    GuiPlatform platform_{core_.folders, core_.logger};
+    const std::unique_ptr<WebAuthSession> signIn_ =
+        PlatformPorts::signIn(core_.folders, {}, console_, core_.logger);
+    GoogleServices google_{core_, *signIn_};
     LibraryHost library_{core_, google_};
     MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
     MainWindowController window_{model_, core_.preferences};
-    LinuxStatusHost statusHost_;
-    MenuBarController menuBarController_{model_, window_, statusHost_};
-    DesktopLook look_;
+    MenuBarController menuBarController_{model_, window_, platform_.statusHost};
 
   public:
     AppDelegate appDelegate{launchPlatform(), core_.logger};

@@ -1,16 +1,11 @@
+#include "app/StopSignals.h"
 #include "app/gui/QuorvaneApp.h"
 #include "app/gui/SingleInstance.h"
+#include "app/gui/UrlEvents.h"
 #include "foundation/Process.h"
 
 #include <QApplication>
 #include <QIcon>
-
-#include <QSocketNotifier>
-
-#include <csignal>
-
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 namespace quorvane {
 
@@ -21,17 +16,6 @@ std::vector<QUrl> urlsOf(const QStringList& arguments) {
     for (const QString& argument : arguments)
         urls.push_back(QUrl(argument, QUrl::StrictMode));
     return urls;
-}
-
-/// SIGTERM, SIGINT and SIGHUP, as at the end of a session, become an orderly end. Before any
-/// thread.
-FileDescriptor quitSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
-        sigaddset(&signals, signal);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    return FileDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
 /// The answer to an option that is no address; none when the program is to start.
@@ -45,14 +29,6 @@ std::optional<QString> answerTo(const QStringList& arguments) {
     return std::nullopt;
 }
 
-/// Asked before the toolkit is, which would abort.
-bool hasDisplay() {
-    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-        if (!qEnvironmentVariableIsEmpty(variable))
-            return true;
-    return false;
-}
-
 } // namespace
 
 } // namespace quorvane
@@ -60,7 +36,7 @@ bool hasDisplay() {
 int main(int argc, char** argv) {
     using namespace quorvane;
     prepareProcess();
-    const FileDescriptor quitting = quitSignals();
+    const StopSignals signals;
     QStringList words;
     for (int i = 1; i < argc; ++i)
         words += QString::fromLocal8Bit(argv[i]);
@@ -68,25 +44,28 @@ int main(int argc, char** argv) {
         Console().result(*answer);
         return 0;
     }
-    if (!hasDisplay()) {
+    if (!GuiPlatform::hasDisplay()) {
         Console().error(QStringLiteral("Ekran bulunamadı: quorvane bir masaüstü oturumu ister. "
                                        "Ekransız kullanım için: quorvane-cli --help"));
         return 1;
     }
     const QApplication application(argc, argv);
-    const QSocketNotifier quitNotifier(quitting.get(), QSocketNotifier::Read);
-    QObject::connect(&quitNotifier, &QSocketNotifier::activated, qApp, &QApplication::quit);
+    const std::stop_callback quitting(signals.token(), [] {
+        QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
+    });
     QApplication::setApplicationName(QStringLiteral("quorvane"));
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/quorvane/AppIcon.svg")));
     QLocale::setDefault(QLocale(QLocale::Turkish, QLocale::Turkey));
     const std::vector<QUrl> urls = urlsOf(QApplication::arguments().mid(1));
     try {
-        const auto environment = DesktopEnvironment::ofProcess(UserFolders::ofCurrentUser());
-        SingleInstance instance(environment.runtimeFolder);
+        const UserFolders folders = UserFolders::ofCurrentUser();
+        SingleInstance instance(GuiPlatform::runtimeFolder(folders));
         if (!instance.claim(urls))
             return 0;
-        QuorvaneApp app(environment);
+        QuorvaneApp app(folders);
+        UrlEvents urlEvents([&app](const QUrl& url) { app.appDelegate.applicationOpen({url}); });
+        qApp->installEventFilter(&urlEvents);
         instance.onLaterStart = [&app](const std::vector<QUrl>& later) {
             if (later.empty())
                 app.bringToFront();

@@ -61,10 +61,10 @@ Trash& FolderDeletion::trashFor(const path& folder) {
     auto trash = trashes_.find(mount);
     if (trash == trashes_.end())
         trash = trashes_.emplace(mount, Trash::forFilesIn(folder)).first;
-    if (isShownIn(root_, std::filesystem::weakly_canonical(trash->second.place())))
+    if (isShownIn(root_, std::filesystem::weakly_canonical(trash->second->place())))
         throw PhotoLibraryError(QStringLiteral("Çöp Kutusu kitaplığın içinde: %1")
-                                    .arg(pathText(trash->second.place())));
-    return trash->second;
+                                    .arg(pathText(trash->second->place())));
+    return *trash->second;
 }
 
 DeletionQuestion FolderDeletion::question(const QString& warning) const {

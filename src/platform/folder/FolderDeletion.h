@@ -2,6 +2,7 @@
 
 #include "library/DeletionConfirmation.h"
 #include "library/PhotoLibrary.h"
+#include "platform/folder/Mount.h"
 #include "platform/folder/Trash.h"
 
 #include <map>
@@ -45,7 +46,7 @@ class FolderDeletion {
     const std::stop_token& stop_;
     std::vector<File> files_;
     std::map<QString, std::size_t> positions_; ///< of the files, by identifier
-    std::map<Mount, Trash> trashes_;
+    std::map<Mount, std::unique_ptr<Trash>> trashes_;
 };
 
 } // namespace quorvane

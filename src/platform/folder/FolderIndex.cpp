@@ -95,7 +95,7 @@ bool FolderIndex::isOutdated(const std::filesystem::path& root) const {
     return std::ranges::any_of(folders_, [&root](const Folder& folder) {
         struct stat status {};
         return ::stat((root / folder.path).c_str(), &status) != 0 ||
-               status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec != folder.modified;
+               FileVersion::of(status).modified != folder.modified;
     });
 }
 

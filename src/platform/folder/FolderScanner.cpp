@@ -23,10 +23,6 @@ namespace {
 constexpr std::size_t otherFilesNamed = 20;
 constexpr std::string_view photosBundleExtension = ".photoslibrary";
 
-std::int64_t nanoseconds(const struct timespec& time) {
-    return time.tv_sec * 1'000'000'000LL + time.tv_nsec;
-}
-
 struct CloseDirectory {
     void operator()(DIR* directory) const { ::closedir(directory); }
 };
@@ -59,7 +55,7 @@ class Scanner {
             return;
         struct stat status {};
         ::fstat(::dirfd(directory.get()), &status);
-        found_.folders[position].modified = nanoseconds(status.st_mtim);
+        found_.folders[position].modified = FileVersion::of(status).modified;
 
         std::vector<std::string> subfolders;
         errno = 0;

@@ -19,7 +19,10 @@ Time now() {
 class ChangeWatch::Loop {
   public:
     Loop(const ChangeWatch& watch, LibraryChangeObserver& observer, std::stop_token stop)
-        : watch_(watch), observer_(observer), stop_(std::move(stop)), notifier_(watch.events_) {}
+        : watch_(watch),
+          observer_(observer),
+          stop_(std::move(stop)),
+          notifier_(FolderNotifier::make(watch.events_)) {}
 
     void run() {
         do
@@ -35,7 +38,7 @@ class ChangeWatch::Loop {
         QString trouble;
         try {
             found_ = watch_.look_(told, stop_);
-            const FolderNotifier::Watched watched = notifier_.watch(found_.folders);
+            const FolderNotifier::Watched watched = notifier_->watch(found_.folders);
             isDue_ = watched.gained; // what came into a folder before it was watched was not told
             if (watched.refused > 0)
                 trouble = textOfRefusal(watched.refused);
@@ -79,7 +82,7 @@ class ChangeWatch::Loop {
     }
 
     Wake waitUntil(Time time) {
-        return notifier_.wait(std::chrono::ceil<std::chrono::milliseconds>(time - now()), stop_);
+        return notifier_->wait(std::chrono::ceil<std::chrono::milliseconds>(time - now()), stop_);
     }
 
     QString textOfRefusal(int folders) const {
@@ -99,7 +102,7 @@ class ChangeWatch::Loop {
     const ChangeWatch& watch_;
     LibraryChangeObserver& observer_;
     const std::stop_token stop_;
-    FolderNotifier notifier_;
+    std::unique_ptr<FolderNotifier> notifier_;
     Found found_;
     bool told_ = false;
     bool isDue_ = false; ///< a look without having been told

@@ -1,7 +1,9 @@
+#include "foundation/File.h"
 #include "platform/watch/FolderNotifier.h"
 
 #include <array>
 #include <cerrno>
+#include <set>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -16,13 +18,26 @@ constexpr std::uint32_t entryEvents = IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | I
                                       IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ATTRIB |
                                       IN_ONLYDIR | IN_EXCL_UNLINK;
 
-} // namespace
+class InotifyNotifier final : public FolderNotifier {
+  public:
+    explicit InotifyNotifier(Events events);
 
-FolderNotifier::FolderNotifier(Events events)
+    Watched watch(const std::vector<std::filesystem::path>& folders) override;
+    Wake wait(std::chrono::milliseconds atMost, const std::stop_token& stop) override;
+
+  private:
+    void forgetArrived();
+
+    std::uint32_t mask_;
+    FileDescriptor notifications_; ///< not open when the kernel gave none
+    std::set<int> watched_;
+};
+
+InotifyNotifier::InotifyNotifier(Events events)
     : mask_(events == Events::contents ? entryEvents | IN_MODIFY : entryEvents),
       notifications_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {}
 
-FolderNotifier::Watched FolderNotifier::watch(const std::vector<std::filesystem::path>& folders) {
+FolderNotifier::Watched InotifyNotifier::watch(const std::vector<std::filesystem::path>& folders) {
     Watched result;
     std::set<int> now;
     for (const std::filesystem::path& folder : folders) {
@@ -42,8 +57,8 @@ FolderNotifier::Watched FolderNotifier::watch(const std::vector<std::filesystem:
     return result;
 }
 
-FolderNotifier::Wake FolderNotifier::wait(std::chrono::milliseconds atMost,
-                                          const std::stop_token& stop) {
+FolderNotifier::Wake InotifyNotifier::wait(std::chrono::milliseconds atMost,
+                                           const std::stop_token& stop) {
     const FileDescriptor wake(::eventfd(0, EFD_CLOEXEC));
     const std::stop_callback onStop(stop, [&wake] { ::eventfd_write(wake.get(), 1); });
     // A descriptor that is not open is passed over.
@@ -60,10 +75,16 @@ FolderNotifier::Wake FolderNotifier::wait(std::chrono::milliseconds atMost,
     return Wake::changed;
 }
 
-void FolderNotifier::forgetArrived() {
+void InotifyNotifier::forgetArrived() {
     std::array<char, 1 << 16> buffer{};
     while (::read(notifications_.get(), buffer.data(), buffer.size()) > 0) {
     }
+}
+
+} // namespace
+
+std::unique_ptr<FolderNotifier> FolderNotifier::make(Events events) {
+    return std::make_unique<InotifyNotifier>(events);
 }
 
 } // namespace quorvane

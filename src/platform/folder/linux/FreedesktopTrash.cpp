@@ -1,7 +1,7 @@
-#include "platform/folder/Trash.h"
-
 #include "foundation/UserFolders.h"
 #include "library/FileExport.h"
+#include "platform/folder/Mount.h"
+#include "platform/folder/Trash.h"
 
 #include <QDateTime>
 
@@ -104,39 +104,36 @@ std::string numbered(const path& file, int n) {
     return base.append(suffix).append(extension);
 }
 
-} // namespace
+/// After the freedesktop.org rules for Trash folders 1.0: the home Trash for what is on the home's
+/// file system, one at the top of every other file system. Nothing is ever copied into it.
+class FreedesktopTrash final : public Trash {
+  public:
+    FreedesktopTrash(path place, path top, const Mount& mount);
+    static std::unique_ptr<Trash> atTopOf(const path& folder, const Mount& mount);
 
-Mount Mount::of(const path& folder) {
-    struct stat status {};
-    if (::stat(folder.c_str(), &status) != 0)
-        throwUnusable(folder, errno);
-    Mount mount{status.st_dev, 0};
-#ifdef STATX_MNT_ID
-    struct statx more {};
-    if (::statx(AT_FDCWD, folder.c_str(), 0, STATX_MNT_ID, &more) == 0 &&
-        (more.stx_mask & STATX_MNT_ID))
-        mount.number = more.stx_mnt_id;
-#endif
-    return mount;
-}
+    const path& place() const override { return place_; }
+    std::string take(const FileDescriptor& folder, const path& file) override;
+    struct stat statusOf(const std::string& name) const override;
+    bool giveBack(const std::string& name, const FileDescriptor& folder,
+                  const path& file) noexcept override;
 
-Trash::Trash(path place, path top, const Mount& mount)
+  private:
+    /// Reserves a name: none when it is in use.
+    bool writeInfo(const std::string& name, const QByteArray& text) const;
+
+    path place_;
+    path top_; ///< paths are written relative to it; empty in the home Trash
+    FileDescriptor files_, info_;
+};
+
+FreedesktopTrash::FreedesktopTrash(path place, path top, const Mount& mount)
     : place_(std::move(place)), top_(std::move(top)) {
     requireOwnFolder(place_, top_.empty()); // nobody else puts links into the home
     files_ = openFolder(place_ / "files", mount);
     info_ = openFolder(place_ / "info", mount);
 }
 
-Trash Trash::forFilesIn(const path& folder) {
-    const Mount mount = Mount::of(folder);
-    const path data = dataHome();
-    if (Mount::of(existing(data)) != mount)
-        return atTopOf(folder, mount);
-    makeFolders(data);
-    return {data / "Trash", {}, mount};
-}
-
-Trash Trash::atTopOf(const path& folder, const Mount& mount) {
+std::unique_ptr<Trash> FreedesktopTrash::atTopOf(const path& folder, const Mount& mount) {
     const path top = topOf(folder, mount);
     const std::string user = std::to_string(::getuid());
     const path shared = top / ".Trash";
@@ -144,15 +141,15 @@ Trash Trash::atTopOf(const path& folder, const Mount& mount) {
     if (::lstat(shared.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
         (status.st_mode & S_ISVTX)) {
         try {
-            return {shared / user, top, mount};
+            return std::make_unique<FreedesktopTrash>(shared / user, top, mount);
         } catch (const FileError&) {
             // The user's own one at the top does as well.
         }
     }
-    return {top / (".Trash-" + user), top, mount};
+    return std::make_unique<FreedesktopTrash>(top / (".Trash-" + user), top, mount);
 }
 
-bool Trash::writeInfo(const std::string& name, const QByteArray& text) const {
+bool FreedesktopTrash::writeInfo(const std::string& name, const QByteArray& text) const {
     const std::string file = name + infoExtension;
     const FileDescriptor info(::openat(info_.get(), file.c_str(),
                                        O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
@@ -169,7 +166,7 @@ bool Trash::writeInfo(const std::string& name, const QByteArray& text) const {
     return true;
 }
 
-std::string Trash::take(const FileDescriptor& folder, const path& file) {
+std::string FreedesktopTrash::take(const FileDescriptor& folder, const path& file) {
     const QByteArray text =
         "[Trash Info]\nPath=" + encoded(top_.empty() ? file : file.lexically_relative(top_)) +
         "\nDeletionDate=" +
@@ -187,19 +184,30 @@ std::string Trash::take(const FileDescriptor& folder, const path& file) {
     }
 }
 
-struct stat Trash::statusOf(const std::string& name) const {
+struct stat FreedesktopTrash::statusOf(const std::string& name) const {
     struct stat status {};
     if (::fstatat(files_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
         throwUnusable(place_ / "files" / name, errno);
     return status;
 }
 
-bool Trash::giveBack(const std::string& name, const FileDescriptor& folder,
-                     const path& file) noexcept {
+bool FreedesktopTrash::giveBack(const std::string& name, const FileDescriptor& folder,
+                                const path& file) noexcept {
     if (renameToNew(files_.get(), name, folder.get(), file.filename()) != 0)
         return false;
     ::unlinkat(info_.get(), (name + infoExtension).c_str(), 0);
     return true;
+}
+
+} // namespace
+
+std::unique_ptr<Trash> Trash::forFilesIn(const path& folder) {
+    const Mount mount = Mount::of(folder);
+    const path data = dataHome();
+    if (Mount::of(existing(data)) != mount)
+        return FreedesktopTrash::atTopOf(folder, mount);
+    makeFolders(data);
+    return std::make_unique<FreedesktopTrash>(data / "Trash", path(), mount);
 }
 
 } // namespace quorvane
