@@ -5,7 +5,9 @@ if(APPLE)
   enable_language(OBJCXX)
   add_library(quorvane_apple_frameworks INTERFACE)
   target_link_libraries(quorvane_apple_frameworks INTERFACE "-framework Foundation"
-    "-framework CoreLocation" "-framework Photos")
+    "-framework AppKit" "-framework AuthenticationServices" "-framework CoreLocation"
+    "-framework CoreServices" "-framework Photos" "-framework Security"
+    "-framework UserNotifications")
   return()
 endif()
 

@@ -1,6 +1,8 @@
 #include "app/gui/AppDelegate.h"
+#include "app/gui/UrlEvents.h"
 #include "support/Fakes.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <gtest/gtest.h>
@@ -93,7 +95,12 @@ TEST(AppDelegateTest, launchesInOrder) {
 TEST(AppDelegateTest, logsEachAddressThenHandsItOn) {
     Launch launch;
     AppDelegate delegate(launch.platform(), launch);
-    delegate.applicationOpen({QUrl(u"a:/x?y=%20z"_s), QUrl(u"b:/"_s)});
+    UrlEvents events([&](const QUrl& url) { delegate.applicationOpen({url}); });
+    QCoreApplication::instance()->installEventFilter(&events);
+    for (const QString& url : {u"a:/x?y=%20z"_s, u"b:/"_s}) {
+        QFileOpenEvent event{QUrl(url)};
+        QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
+    }
     delegate.applicationWillTerminate();
     EXPECT_EQ(launch.events, (QStringList{u"[AppDelegate] 🔗 Harici URL alindi: a:/x?y=%20z"_s,
                                           u"url a"_s, u"[AppDelegate] 🔗 Harici URL alindi: b:/"_s,

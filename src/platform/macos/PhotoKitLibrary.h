@@ -14,7 +14,7 @@ class PhotoKitLibrary final : public PhotoLibrary {
 
     /// Has the system ask the person unless they answered before. Blocks until they do; none when
     /// stopped first.
-    std::optional<AuthorizationStatus> requestAuthorization(const std::stop_token& stop);
+    static std::optional<AuthorizationStatus> requestAuthorization(const std::stop_token& stop);
     AuthorizationStatus authorizationStatus() const override;
 
     AssetFetchResult fetchAssets(std::stop_token stop = {}) override;

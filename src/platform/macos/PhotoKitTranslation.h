@@ -1,20 +1,13 @@
 #pragma once
 
 #include "library/PhotoLibrary.h"
+#include "platform/macos/CocoaText.h"
 
 #import <Photos/Photos.h>
 
 /// PhotoKit's objects as the port's values, and back. Objective-C++ only; any thread, inside an
 /// autorelease pool.
 namespace quorvane::photokit {
-
-/// Empty for nil.
-QString textOf(NSString* text);
-NSString* stringOf(const QString& text);
-NSArray<NSString*>* stringsOf(const QStringList& texts);
-
-/// One line for a person: the description, or domain and number where there is none.
-QString reasonOf(NSError* error);
 
 PhotoAsset assetOf(PHAsset* asset);
 AssetCollection collectionOf(PHAssetCollection* collection);

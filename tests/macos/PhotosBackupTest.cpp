@@ -1,0 +1,174 @@
+#include "app/Composition.h"
+#include "app/cli/SignIn.h"
+#include "emulator/GoogleEmulator.h"
+#include "google/CurlHttpClient.h"
+#include "macos/StandInPhotos.h"
+#include "platform/FolderWorld.h"
+#include "platform/macos/MacPorts.h"
+#include "sample/SampleMedia.h"
+#include "support/TemporaryFolder.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+namespace quorvane::test {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using emulator::RequestKind;
+using Counts = std::map<SyncStatus, int>;
+
+StandInPhotos& photos() {
+    return StandInPhotos::shared();
+}
+
+/// The product of a Mac over a home folder.
+struct House {
+    House(const std::filesystem::path& home, const QString& service, const QString& accessToken) {
+        core.emplace(
+            UserFolders{home, home / "Pictures", home / "temporary"},
+            Ports{console, clock, http, keychain, confirmation, clock, service, &photosApp});
+        google.emplace(*core, noSignIn);
+        google->tokens.writeToken(tokenKeys::accessToken, accessToken);
+        google->tokens.writeToken(tokenKeys::expiry, u"4000000000"_s);
+        google->tokens.writeToken(tokenKeys::userID, u"1"_s);
+        library.emplace(*core, *google, LibraryAt(*core, PhotosApp::libraryPath));
+    }
+
+    SyncRunOutcome run(
+        bool deletes, const std::function<void()>& discovered = [] {}) {
+        SyncRunCallbacks callbacks;
+        callbacks.discovered = [&] {
+            library->library->registerChangeObserver(library->observer);
+            discovered();
+        };
+        const auto outcome = runSync(library->run, {.deletes = deletes}, callbacks, {});
+        library->library->unregisterChangeObserver(library->observer);
+        return outcome;
+    }
+
+    Counts counts() {
+        const auto counts = library->state.db.countByStatus();
+        return {counts.begin(), counts.end()};
+    }
+
+    Console console{Console::Channel::silent};
+    SystemClock clock;
+    CurlHttpClient http;
+    KeychainStore keychain;
+    FakeConfirmation confirmation;
+    MacPhotos photosApp;
+    cli::NoAuthSession noSignIn;
+    std::optional<CoreServices> core;
+    std::optional<GoogleServices> google;
+    std::optional<LibraryServices> library;
+};
+
+/// The n-th picture, with the identifier that Photos would give it.
+StandInPhotos::Asset picture(int n) {
+    const std::string number = std::to_string(1000 + n);
+    return {"00000000-0000-4000-8000-00000000" + number + "/L0/001",
+            {{1, "IMG_" + number + ".JPG",
+              sample::jpeg(static_cast<std::uint32_t>(n), QByteArray("2021:03:05 18:22:10"))}},
+            1.6e9 + n,
+            1.6e9 + n};
+}
+
+class PhotosBackup : public testing::Test {
+  protected:
+    PhotosBackup() {
+        photos().reset();
+        google.start();
+    }
+    ~PhotosBackup() override { photos().reset(); }
+
+    std::set<QByteArray> contents() const {
+        std::set<QByteArray> found;
+        for (const auto& item : google.mediaItems())
+            EXPECT_TRUE(found.insert(item.sha256).second) << "sent twice";
+        return found;
+    }
+
+    TemporaryFolder folder;
+    GoogleEmulator google;
+    QString token = google.issueTokens().accessToken;
+};
+
+TEST_F(PhotosBackup, EndsWithTheOriginalsThatMayGoInTheTrashOfPhotos) {
+    auto cloud = picture(1), live = picture(2);
+    cloud.resources[0].isInCloud = true;
+    live.subtypes = mediaSubtypePhotoLive;
+    live.resources.push_back(
+        {9, "IMG_1002.MOV", sample::movie(7, sample::MovieBrand::quickTime, 3'700'000'000u)});
+    for (const auto& asset : {cloud, live, picture(3)})
+        photos().put(asset);
+    House house(folder / "home", google.baseURL(), token);
+    auto mood = photos().mood();
+    mood.agreesToDeletion = [] { return false; };
+    photos().set(mood);
+    const auto refused = house.run(true, [] {
+        photos().put(picture(4)); // while the run goes on
+        photos().settle();
+    });
+    EXPECT_FALSE(refused.error) << refused.error->toStdString();
+    if (house.counts() != Counts{{SyncStatus::verified, 4}})
+        house.run(false); // what came too late for the first run's last pass
+    EXPECT_EQ(house.counts(), (Counts{{SyncStatus::verified, 4}}));
+    EXPECT_EQ(contents().size(), 4u);
+    EXPECT_EQ(photos().rows().size(), 4u);
+
+    photos().set({});
+    const auto agreed = house.run(true);
+    EXPECT_FALSE(agreed.error);
+    EXPECT_EQ(house.counts(), (Counts{{SyncStatus::verified, 1}, {SyncStatus::deletedLocally, 3}}));
+    ASSERT_EQ(photos().rows().size(), 1u) << "the movie of the Live Photo went nowhere";
+    EXPECT_EQ(photos().rows()[0]->identifier, live.identifier);
+    EXPECT_EQ(contents().size(), 4u);
+}
+
+constexpr int many = 30;
+
+TEST_F(PhotosBackup, DISABLED_AChildThatBacksUp) {
+    for (int n = 0; n < many; ++n)
+        photos().put(picture(n));
+    House(pathFrom(qEnvironmentVariable("QUORVANE_TEST_HOME")),
+          qEnvironmentVariable("QUORVANE_TEST_SERVICE"),
+          qEnvironmentVariable("QUORVANE_TEST_TOKEN"))
+        .run(false);
+}
+
+TEST_F(PhotosBackup, AKillInTheMiddleLosesAndDoublesNothing) {
+    emulator::Disturbance slow;
+    slow.times = 0;
+    slow.delay = std::chrono::milliseconds(20);
+    google.addDisturbance(slow);
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"QUORVANE_TEST_SERVICE"_s, google.baseURL());
+    environment.insert(u"QUORVANE_TEST_HOME"_s, pathText(folder / "home"));
+    environment.insert(u"QUORVANE_TEST_TOKEN"_s, token);
+    QProcess child;
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(),
+                {u"--gtest_also_run_disabled_tests"_s, u"--gtest_filter=*AChildThatBacksUp"_s});
+    ASSERT_TRUE(google.waitForRequests(RequestKind::upload, 12, std::chrono::seconds(60)));
+    child.kill();
+    ASSERT_TRUE(child.waitForFinished());
+    ASSERT_EQ(child.exitStatus(), QProcess::CrashExit);
+    google.clearDisturbances();
+
+    for (int n = 0; n < many; ++n)
+        photos().put(picture(n));
+    House house(folder / "home", google.baseURL(), token);
+    EXPECT_FALSE(house.run(false).error);
+    EXPECT_EQ(house.counts(), (Counts{{SyncStatus::verified, many}}));
+    EXPECT_EQ(contents().size(), static_cast<std::size_t>(many));
+    // Beside the one or two that were under way, nothing was sent again.
+    EXPECT_LE(google.requestCount(RequestKind::upload), many + 2);
+}
+
+} // namespace
+
+} // namespace quorvane::test
