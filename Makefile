@@ -1,5 +1,5 @@
 # The front door: every target works from a clean clone on Debian 12.
-.PHONY: help build demo demo-ui run packaged install deb test bench soak fuzz format lint setup clean
+.PHONY: help build demo demo-ui run packaged install deb app dmg test bench soak fuzz format lint setup clean
 
 PREFIX ?= /usr/local
 
@@ -8,6 +8,7 @@ help:
 	@echo 'make run     build, then start the status item and its window'
 	@echo 'make demo-ui the window over the sample library and the local service, signed in'
 	@echo 'make install into PREFIX=/usr/local, below DESTDIR if given; make deb: a Debian package'
+	@echo 'make app     on a Mac: build/Quorvane.app; make dmg: a disk image of it'
 	@echo 'make test    build and run every test (development, address and thread sanitizer)'
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure'
@@ -43,6 +44,14 @@ install: packaged
 
 deb: packaged
 	@scripts/deb.sh
+
+app:
+	@[ "$$(uname)" = Darwin ] || { echo "make app and make dmg need a Mac; this is $$(uname)." >&2; exit 1; }
+	@scripts/build.sh release
+	@scripts/app.sh
+
+dmg: app
+	@scripts/dmg.sh
 
 test:
 	@scripts/setup.sh build test run
