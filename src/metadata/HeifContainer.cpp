@@ -1,7 +1,7 @@
 #include "metadata/HeifContainer.h"
 
-#include "metadata/HeifExif.h"
 #include "metadata/HeifLayout.h"
+#include "metadata/HeifMetadata.h"
 #include "metadata/HeifRelocation.h"
 
 #include <algorithm>
@@ -24,10 +24,10 @@ namespace {
 /// What stands before the TIFF header in a payload that we make: the count of bytes to skip.
 const QByteArray newHeader("\0\0\0\6Exif\0\0", 10);
 
-Rewrite overwrite(const Picture& picture, const ExifItem& exif, const QByteArray& payload) {
+Rewrite overwrite(const Picture& picture, const MetadataItem& item, const QByteArray& payload) {
     std::vector<Patch> patches;
     qsizetype at = 0;
-    for (const Range& range : exif.ranges) {
+    for (const Range& range : item.ranges) {
         const auto length = static_cast<qsizetype>(range.length);
         patches.push_back({range.offset, payload.sliced(at, length)});
         at += length;
@@ -51,43 +51,70 @@ void requireNoCopies(const Picture& picture, std::uint32_t item) {
     for (const Reference& reference : picture.references)
         if (reference.type == fourCC("iloc") &&
             std::ranges::find(reference.to, item) != reference.to.end())
-            throw ContainerError(QStringLiteral("Exif verisi başka bir öğenin parçası"));
+            throw ContainerError(QStringLiteral("Üst veri başka bir öğenin parçası"));
+}
+
+/// The item of this kind that describes the primary image; none when there is none. Throws
+/// `ContainerError` where it is not certain what may be overwritten.
+std::optional<MetadataItem> replaceable(const Picture& picture, const ItemKind& kind,
+                                        const Limits& limits) {
+    requireWholeItems(picture);
+    const std::vector<Item> items = itemsOf(picture, kind);
+    if (items.size() > 1)
+        throw ContainerError(QStringLiteral("Birincil görselin aynı türden birden fazla üst veri "
+                                            "öğesi var"));
+    if (items.empty())
+        return std::nullopt;
+    requireNoCopies(picture, items.front().id);
+    return readItem(picture, items.front(), limits);
+}
+
+Rewrite replaced(const Picture& picture, const ItemKind& kind,
+                 const std::optional<MetadataItem>& old, QByteArray payload, const Limits& limits) {
+    if (static_cast<std::uint64_t>(payload.size()) > limits.metadataBytes)
+        throw ContainerError(QStringLiteral("Yeni üst veri çok büyük"));
+    if (old && old->payload && old->payload->size() == payload.size() &&
+        canOverwrite(picture, *old))
+        return overwrite(picture, *old, payload);
+    return relocate(picture, old, kind, std::move(payload), limits);
+}
+
+std::optional<MetadataItem> firstOf(const Picture& picture, const ItemKind& kind,
+                                    const Limits& limits) {
+    const std::vector<Item> items = itemsOf(picture, kind);
+    return items.empty() ? std::nullopt : std::optional(readItem(picture, items.front(), limits));
 }
 
 } // namespace
 
 std::optional<QByteArray> readExif(ByteView file, const Limits& limits) {
-    const Picture picture = readPicture(file, limits);
-    const std::vector<Item> items = exifItemsOf(picture);
-    if (items.empty())
-        return std::nullopt;
-    const ExifItem exif = readExifItem(picture, items.front(), limits);
-    return exif.payload ? std::optional(exif.payload->sliced(exif.headerLength)) : std::nullopt;
+    const auto exif = firstOf(readPicture(file, limits), exifKind, limits);
+    return exif && exif->payload ? std::optional(exif->payload->sliced(exif->headerLength))
+                                 : std::nullopt;
 }
 
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
     if (!isTiff(exif))
         throw ContainerError(QStringLiteral("Yeni Exif bloğu TIFF başlığıyla başlamıyor"));
     const Picture picture = readPicture(file, limits);
-    requireWholeItems(picture);
-    const std::vector<Item> items = exifItemsOf(picture);
-    if (items.size() > 1)
-        throw ContainerError(QStringLiteral("Birincil görselin birden fazla Exif öğesi var"));
-
-    std::optional<ExifItem> old;
-    if (!items.empty()) {
-        requireNoCopies(picture, items.front().id);
-        old = readExifItem(picture, items.front(), limits);
-    }
+    const auto old = replaceable(picture, exifKind, limits);
     ByteWriter payload;
     payload.bytes(viewOf(old && old->payload ? old->payload->first(old->headerLength) : newHeader));
     payload.bytes(exif);
-    QByteArray bytes = payload.take();
-    if (static_cast<std::uint64_t>(bytes.size()) > limits.exifBytes)
-        throw ContainerError(QStringLiteral("Yeni Exif bloğu çok büyük"));
-    if (old && old->payload && old->payload->size() == bytes.size() && canOverwrite(picture, *old))
-        return overwrite(picture, *old, bytes);
-    return relocate(picture, old, std::move(bytes), limits);
+    return replaced(picture, exifKind, old, payload.take(), limits);
+}
+
+std::optional<QByteArray> readXmp(ByteView file, const Limits& limits) {
+    const auto xmp = firstOf(readPicture(file, limits), xmpKind, limits);
+    return xmp ? xmp->payload : std::nullopt;
+}
+
+Rewrite replaceXmp(ByteView file, ByteView xmp, const Limits& limits) {
+    const Picture picture = readPicture(file, limits);
+    ByteWriter payload;
+    payload.bytes(xmp);
+    return replaced(picture, xmpKind, replaceable(picture, xmpKind, limits), payload.take(),
+                    limits);
 }
 
 } // namespace quorvane::heif

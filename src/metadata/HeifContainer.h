@@ -8,19 +8,20 @@
 #include <optional>
 #include <stop_token>
 
-/// The Exif block of a HEIF picture (ISO/IEC 23008-12 on the boxes of ISO/IEC 14496-12).
+/// The Exif block and the XMP packet of a HEIF picture (ISO/IEC 23008-12 on the boxes of ISO/IEC
+/// 14496-12).
 namespace quorvane::heif {
 
 /// What a file may ask of us; one that asks more is refused with `ParseError`.
 struct Limits {
-    std::uint32_t boxes = 65'536;       ///< boxes visited, at every level together
-    std::uint32_t items = 65'536;       ///< items that are declared, or located
-    std::uint32_t extents = 262'144;    ///< extents of all items together
-    std::uint32_t references = 262'144; ///< references between items
-    std::uint32_t chunks = 4'194'304;   ///< chunk offsets of a movie in the same file
-    std::uint32_t depth = 8;            ///< boxes within boxes
-    std::uint64_t exifBytes = 64U << 20;
-    std::stop_token stop = {}; ///< when requested, `Cancelled` is thrown
+    std::uint32_t boxes = 65'536;            ///< boxes visited, at every level together
+    std::uint32_t items = 65'536;            ///< items that are declared, or located
+    std::uint32_t extents = 262'144;         ///< extents of all items together
+    std::uint32_t references = 262'144;      ///< references between items
+    std::uint32_t chunks = 4'194'304;        ///< chunk offsets of a movie in the same file
+    std::uint32_t depth = 8;                 ///< boxes within boxes
+    std::uint64_t metadataBytes = 64U << 20; ///< of an Exif block or an XMP packet
+    std::stop_token stop = {};               ///< when requested, `Cancelled` is thrown
 };
 
 /// The Exif block of the primary image from its TIFF header on, without the 4-byte offset and any
@@ -36,5 +37,12 @@ std::optional<QByteArray> readExif(ByteView file, const Limits& limits = {});
 /// broken file and `ContainerError` for a layout that cannot be rewritten with certainty. Any
 /// thread.
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits = {});
+
+/// The XMP packet of the primary image; none when it has none that can be read. Throws as
+/// `readExif`.
+std::optional<QByteArray> readXmp(ByteView file, const Limits& limits = {});
+
+/// The same as `replaceExif`, for its XMP packet.
+Rewrite replaceXmp(ByteView file, ByteView xmp, const Limits& limits = {});
 
 } // namespace quorvane::heif

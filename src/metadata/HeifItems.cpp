@@ -28,6 +28,17 @@ std::uint32_t readPrimary(ByteView file, const Box& box) {
     return readId(pitm.reader, pitm.version == 1);
 }
 
+/// Text up to its NUL, or to the end of the box.
+QByteArray readText(ByteReader& reader) {
+    QByteArray text;
+    while (reader.remaining() > 0)
+        if (const auto character = static_cast<char>(reader.u8()); character != '\0')
+            text.append(character);
+        else
+            break;
+    return text;
+}
+
 Item readItem(ByteView file, const Box& box) {
     FullBox infe(file, box);
     requireVersion(infe, 3);
@@ -36,6 +47,12 @@ Item readItem(ByteView file, const Box& box) {
     item.isProtected = infe.reader.u16() != 0;
     if (infe.version >= 2)
         item.type = infe.reader.u32();
+    if (item.type == fourCC("mime")) {
+        readText(infe.reader); // its name
+        item.contentType = readText(infe.reader);
+        if (const QByteArray encoding = readText(infe.reader); !encoding.isEmpty())
+            item.contentType += ';' + encoding;
+    }
     return item;
 }
 
@@ -217,14 +234,18 @@ Picture readPicture(ByteView file, const Limits& limits) {
     return picture;
 }
 
-QByteArray withItem(ByteView file, const Box& itemInfo, std::uint32_t id, std::uint32_t type) {
+QByteArray withItem(ByteView file, const Box& itemInfo, std::uint32_t id, const ItemKind& kind) {
     const bool longId = id > largestShortId;
     ByteWriter entry;
     entry.fullBoxHeader(longId ? 3 : 2, 1); // flag 1: hidden
     entry.number(id, idSize(longId));
     entry.number(0, 2); // not protected
-    entry.number(type, 4);
+    entry.number(kind.type, 4);
     entry.number(0, 1); // no name
+    if (!kind.contentType.isEmpty()) {
+        entry.bytes(viewOf(kind.contentType));
+        entry.number(0, 1);
+    }
 
     const ItemInfoHeader header(file, itemInfo);
     if (header.countSize == 2 && header.count == largestShortId)

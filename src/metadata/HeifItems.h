@@ -14,7 +14,20 @@ struct Item {
     std::uint32_t id = 0;
     std::uint32_t type = 0; ///< 0 in the entries of old versions, which have none
     bool isProtected = false;
+    QByteArray contentType = {}; ///< of a "mime" item; with ";" and its encoding where it has one
 };
+
+/// What kind of item holds some metadata.
+struct ItemKind {
+    std::uint32_t type = 0;
+    QByteArray contentType = {};
+
+    bool isOf(const Item& item) const {
+        return item.type == type && item.contentType == contentType;
+    }
+};
+inline const ItemKind exifKind{fourCC("Exif")};
+inline const ItemKind xmpKind{fourCC("mime"), "application/rdf+xml"};
 
 struct Reference {
     std::uint32_t type = 0;
@@ -77,8 +90,8 @@ struct Picture {
 /// Throws `ParseError`.
 Picture readPicture(ByteView file, const Limits& limits);
 
-/// The `iinf` box with one more entry: a hidden item of a type without a name.
-QByteArray withItem(ByteView file, const Box& itemInfo, std::uint32_t id, std::uint32_t type);
+/// The `iinf` box with one more entry: a hidden item of a kind without a name.
+QByteArray withItem(ByteView file, const Box& itemInfo, std::uint32_t id, const ItemKind& kind);
 
 /// The `iref` box (a new one when there is none) with one more reference. Throws `ContainerError`
 /// when its version cannot hold the numbers.

@@ -21,34 +21,34 @@ struct Change {
 };
 
 /// The box that an earlier rewrite put behind `meta`.
-std::optional<Box> ownBoxOf(const Picture& picture, const ExifItem& exif) {
+std::optional<Box> ownBoxOf(const Picture& picture, const MetadataItem& item) {
     const auto next = std::ranges::find(picture.boxes, picture.meta.whole.end(),
                                         [](const Box& box) { return box.whole.offset; });
     const bool isOwn = next != picture.boxes.end() && next->type == fourCC("mdat") &&
-                       exif.ranges == std::vector<Range>{next->body} && canOverwrite(picture, exif);
+                       item.ranges == std::vector<Range>{next->body} && canOverwrite(picture, item);
     return isOwn ? std::optional<Box>(*next) : std::nullopt;
 }
 
-Change replacementOf(const Picture& picture, const ExifItem& exif, QByteArray payload) {
-    Change change{picture,      std::move(payload), picture.locations,      exif.location,
-                  std::nullopt, std::nullopt,       ownBoxOf(picture, exif)};
-    change.locations.entries[exif.location].extents.resize(1);
+Change replacementOf(const Picture& picture, const MetadataItem& item, QByteArray payload) {
+    Change change{picture,      std::move(payload), picture.locations,      item.location,
+                  std::nullopt, std::nullopt,       ownBoxOf(picture, item)};
+    change.locations.entries[item.location].extents.resize(1);
     return change;
 }
 
-Change additionTo(const Picture& picture, QByteArray payload, const Limits& limits) {
+Change additionTo(const Picture& picture, const ItemKind& kind, QByteArray payload,
+                  const Limits& limits) {
     if (std::ranges::find(picture.items, picture.primary, &Item::id) == picture.items.end())
         throw ParseError(QStringLiteral("Birincil görsel öğeler arasında yok"));
     const std::uint32_t id = unusedId(picture, limits);
-    Change change{
-        picture,
-        std::move(payload),
-        picture.locations,
-        picture.locations.entries.size(),
-        withItem(picture.file, requiredBox(picture.children, fourCC("iinf")), id, fourCC("Exif")),
-        withReference(picture.file, onlyBox(picture.children, fourCC("iref")), fourCC("cdsc"), id,
-                      picture.primary),
-        std::nullopt};
+    Change change{picture,
+                  std::move(payload),
+                  picture.locations,
+                  picture.locations.entries.size(),
+                  withItem(picture.file, requiredBox(picture.children, fourCC("iinf")), id, kind),
+                  withReference(picture.file, onlyBox(picture.children, fourCC("iref")),
+                                fourCC("cdsc"), id, picture.primary),
+                  std::nullopt};
     Location location;
     location.item = id;
     location.extents.resize(1);
@@ -147,12 +147,12 @@ Rewrite rewrite(const Change& change, const Limits& limits) {
 
 } // namespace
 
-Rewrite relocate(const Picture& picture, const std::optional<ExifItem>& exif, QByteArray payload,
-                 const Limits& limits) {
+Rewrite relocate(const Picture& picture, const std::optional<MetadataItem>& item,
+                 const ItemKind& kind, QByteArray payload, const Limits& limits) {
     if (std::ranges::any_of(picture.items, &Item::isProtected))
         throw ContainerError(QStringLiteral("Dosyada korumalı öğeler var"));
-    return rewrite(exif ? replacementOf(picture, *exif, std::move(payload))
-                        : additionTo(picture, std::move(payload), limits),
+    return rewrite(item ? replacementOf(picture, *item, std::move(payload))
+                        : additionTo(picture, kind, std::move(payload), limits),
                    limits);
 }
 

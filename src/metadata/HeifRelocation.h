@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/HeifExif.h"
+#include "metadata/HeifMetadata.h"
 
 #include <QByteArray>
 
@@ -8,10 +8,10 @@
 
 namespace quorvane::heif {
 
-/// The file with `payload` in a media data box of its own behind `meta`, as the payload of `exif`,
-/// or of a new item that describes the primary image when there is none. Everything in the file
-/// that tells an offset is corrected. Throws `ContainerError` when something cannot be.
-Rewrite relocate(const Picture& picture, const std::optional<ExifItem>& exif, QByteArray payload,
-                 const Limits& limits);
+/// The file with `payload` in a media data box of its own behind `meta`, as the payload of `item`,
+/// or of a new item of this kind that describes the primary image when there is none. Everything in
+/// the file that tells an offset is corrected. Throws `ContainerError` when something cannot be.
+Rewrite relocate(const Picture& picture, const std::optional<MetadataItem>& item,
+                 const ItemKind& kind, QByteArray payload, const Limits& limits);
 
 } // namespace quorvane::heif

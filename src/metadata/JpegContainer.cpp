@@ -1,11 +1,9 @@
 #include "metadata/JpegContainer.h"
 
 #include "metadata/MakerNotePreview.h"
-#include "metadata/MultiPictureIndex.h"
 #include "metadata/TiffDirectory.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace quorvane::jpeg {
 
@@ -13,83 +11,10 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::uint8_t startOfImage = 0xd8;
-constexpr std::uint8_t endOfImage = 0xd9;
-constexpr std::uint8_t startOfScan = 0xda;
-constexpr std::uint8_t app0 = 0xe0;
-constexpr std::uint8_t app1 = 0xe1;
-constexpr std::uint8_t app2 = 0xe2;
-
 constexpr auto exifSignature = "Exif\0\0"sv;
-constexpr auto multiPictureSignature = "MPF\0"sv;
+constexpr auto xmpSignature = "http://ns.adobe.com/xap/1.0/\0"sv;
 
-constexpr std::uint64_t longestSegment = 0xffff; ///< what its length field can say
-constexpr std::uint64_t lengthField = 2;
-
-struct Segment {
-    std::uint8_t marker = 0;
-    std::uint64_t fill = 0;    ///< offset of the fill bytes before the marker, or of the marker
-    std::uint64_t offset = 0;  ///< of the marker
-    std::uint64_t payload = 0; ///< offset of what follows the length field
-    std::uint64_t end = 0;
-
-    ByteView bytesOf(ByteView file) const { return file.subspan(payload, end - payload); }
-    bool isSigned(ByteView file, std::string_view signature) const {
-        const ByteView bytes = bytesOf(file);
-        return bytes.size() >= signature.size() &&
-               std::ranges::equal(bytes.first(signature.size()), signature, {}, {},
-                                  [](char c) { return static_cast<std::uint8_t>(c); });
-    }
-};
-
-/// Markers that stand alone, without a length: TEM and the restarts.
-bool standsAlone(std::uint8_t marker) {
-    return marker == 0x01 || (marker >= 0xd0 && marker < startOfImage);
-}
-
-/// The next marker. What is none is passed over, fill bytes too.
-Segment nextMarker(ByteReader& reader, ByteView file) {
-    Segment segment;
-    while (segment.marker == 0) {
-        const auto rest = file.subspan(reader.offset());
-        reader.skip(static_cast<std::uint64_t>(std::ranges::find(rest, 0xff) - rest.begin()));
-        segment.fill = reader.offset();
-        do {
-            segment.marker = reader.u8();
-        } while (segment.marker == 0xff);
-    }
-    return segment;
-}
-
-/// The segments from SOI to the first scan.
-std::vector<Segment> segmentsOf(ByteView file, const Limits& limits) {
-    ByteReader reader(file);
-    if (reader.u8() != 0xff || reader.u8() != startOfImage)
-        throw ParseError(QStringLiteral("JPEG başlangıcı yok"));
-    std::vector<Segment> segments;
-    std::uint32_t markers = 0;
-    while (true) {
-        if (limits.stop.stop_requested())
-            throw Cancelled();
-        Segment segment = nextMarker(reader, file);
-        if (++markers > limits.segments)
-            throw ParseError(QStringLiteral("JPEG'de çok fazla bölüm var"));
-        if (segment.marker == startOfScan)
-            return segments;
-        if (standsAlone(segment.marker))
-            continue;
-        if (segment.marker == startOfImage || segment.marker == endOfImage)
-            throw ParseError(QStringLiteral("JPEG'de ilk taramadan önce beklenmeyen işaret"));
-        segment.offset = reader.offset() - 2;
-        const std::uint16_t length = reader.u16();
-        if (length < lengthField)
-            throw ParseError(QStringLiteral("JPEG bölüm uzunluğu geçersiz"));
-        segment.payload = reader.offset();
-        reader.skip(length - lengthField);
-        segment.end = reader.offset();
-        segments.push_back(segment);
-    }
-}
+constexpr std::uint64_t nearlyFull = 0xffff - 256; ///< bytes of a segment that is continued
 
 bool isExif(const Segment& segment, ByteView file) {
     return segment.marker == app1 && segment.isSigned(file, exifSignature);
@@ -111,35 +36,11 @@ std::vector<Segment>::const_iterator exifSegment(const std::vector<Segment>& seg
                                 [&](const Segment& segment) { return isExif(segment, file); });
 }
 
-QByteArray exifSegmentBytes(ByteView exif) {
-    const std::uint64_t length = lengthField + exifSignature.size() + exif.size();
-    if (length > longestSegment)
-        throw ContainerError(QStringLiteral("Exif bloğu bir JPEG bölümüne sığmıyor: %1 bayt")
-                                 .arg(static_cast<qulonglong>(exif.size())));
-    QByteArray bytes;
-    bytes.reserve(static_cast<qsizetype>(length) + 2);
-    tiff::appendNumber(bytes, 0xff00U | app1, 2, ByteOrder::bigEndian);
-    tiff::appendNumber(bytes, length, 2, ByteOrder::bigEndian);
-    bytes.append(exifSignature.data(), exifSignature.size());
-    bytes.append(reinterpret_cast<const char*>(exif.data()), static_cast<qsizetype>(exif.size()));
-    return bytes;
-}
-
 /// Exif data that does not fit goes on, without a TIFF header, in the segment behind a full one.
 bool continues(const Segment& exif, const Segment& segment, ByteView file) {
-    constexpr std::uint64_t nearlyFull = longestSegment - 256;
     return exif.end - exif.offset > nearlyFull && segment.offset == exif.end &&
            isExif(segment, file) && !tiff::readHeader(blockOf(segment, file));
 }
-
-/// Bytes in place of a range of the file.
-struct Edit {
-    std::uint64_t begin = 0;
-    std::uint64_t end = 0;
-    QByteArray bytes;
-
-    std::int64_t growth() const { return bytes.size() - static_cast<std::int64_t>(end - begin); }
-};
 
 /// Where a new Exif segment goes: behind SOI and the JFIF segments.
 std::uint64_t placeForExif(const std::vector<Segment>& segments) {
@@ -157,13 +58,14 @@ std::vector<Edit> exifEdits(const std::vector<Segment>& segments, ByteView file,
     const auto old = exifSegment(segments, file);
     if (old == segments.end()) {
         const std::uint64_t place = placeForExif(segments);
-        return {{place, place, exifSegmentBytes(exif)}};
+        return {{place, place, app1Segment(exifSignature, exif)}};
     }
-    Edit edit{old->offset, old->end, exifSegmentBytes(exif)};
+    Edit edit{old->offset, old->end, app1Segment(exifSignature, exif)};
     if (edit.growth() != 0)
-        edit.bytes = exifSegmentBytes(viewOf(
-            withMovedPreviews(exif, file.subspan(old->payload + exifSignature.size()),
-                              old->end - old->payload - exifSignature.size(), edit.growth())));
+        edit.bytes = app1Segment(
+            exifSignature,
+            viewOf(withMovedPreviews(exif, file.subspan(old->payload + exifSignature.size()),
+                                     blockOf(*old, file).size(), edit.growth())));
     std::vector<Edit> edits;
     for (auto segment = segments.begin(); segment != segments.end(); ++segment) {
         if (segment == old) {
@@ -179,26 +81,36 @@ std::vector<Edit> exifEdits(const std::vector<Segment>& segments, ByteView file,
     return edits;
 }
 
-/// The index of a multi-picture file after the edits.
-void moveMultiPictureIndex(std::vector<Edit>& edits, const std::vector<Segment>& segments,
-                           ByteView file) {
-    const std::vector<Edit> before = edits;
-    for (const Segment& segment : segments) {
-        if (segment.marker != app2 || !segment.isSigned(file, multiPictureSignature))
-            continue;
-        std::int64_t growth = 0;
-        std::int64_t growthBehind = 0;
-        for (const Edit& edit : before) {
-            growth += edit.growth();
-            growthBehind += edit.begin >= segment.end ? edit.growth() : 0;
-        }
-        const std::uint64_t index = segment.payload + multiPictureSignature.size();
-        if (growth != 0 || growthBehind != 0)
-            edits.push_back({index, segment.end,
-                             movedMultiPictureIndex(file.subspan(index, segment.end - index),
-                                                    growth, growthBehind)});
-    }
-    std::ranges::sort(edits, {}, &Edit::begin);
+std::vector<Segment>::const_iterator xmpSegment(const std::vector<Segment>& segments,
+                                                ByteView file) {
+    return std::ranges::find_if(segments, [&](const Segment& segment) {
+        return segment.marker == app1 && segment.isSigned(file, xmpSignature);
+    });
+}
+
+/// The packet in place of the old one, or behind the Exif data.
+Edit xmpEdit(const std::vector<Segment>& segments, ByteView file, ByteView xmp) {
+    const QByteArray bytes = app1Segment(xmpSignature, xmp);
+    const auto old = xmpSegment(segments, file);
+    if (old != segments.end())
+        return {old->offset, old->end, bytes};
+    std::uint64_t place = placeForExif(segments);
+    for (const Segment& segment : segments)
+        if (isExif(segment, file))
+            place = segment.end;
+    return {place, place, bytes};
+}
+
+/// The Exif block of a file that grows behind it.
+std::optional<Edit> movedPreviews(const std::vector<Segment>& segments, ByteView file,
+                                  const Edit& behind) {
+    const auto exif = exifSegment(segments, file);
+    if (exif == segments.end() || exif->end > behind.begin)
+        return std::nullopt;
+    const ByteView block = blockOf(*exif, file);
+    const std::uint64_t begin = exif->end - block.size();
+    return Edit{begin, exif->end,
+                withMovedPreviews(block, file.subspan(begin), block.size(), behind.growth())};
 }
 
 } // namespace
@@ -215,17 +127,25 @@ std::optional<QByteArray> readExif(ByteView file, const Limits& limits) {
 
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits) {
     const auto segments = segmentsOf(file, limits);
-    std::vector<Edit> edits = exifEdits(segments, file, exif);
-    moveMultiPictureIndex(edits, segments, file);
-    Rewrite rewrite;
-    std::uint64_t at = 0;
-    for (const Edit& edit : edits) {
-        rewrite.keep(at, edit.begin - at);
-        rewrite.insert(edit.bytes);
-        at = edit.end;
-    }
-    rewrite.keep(at, file.size() - at);
-    return rewrite;
+    return edited(file, segments, exifEdits(segments, file, exif));
+}
+
+std::optional<QByteArray> readXmp(ByteView file, const Limits& limits) {
+    const auto segments = segmentsOf(file, limits);
+    const auto xmp = xmpSegment(segments, file);
+    if (xmp == segments.end())
+        return std::nullopt;
+    const ByteView packet = xmp->bytesOf(file).subspan(xmpSignature.size());
+    return QByteArray::fromRawData(reinterpret_cast<const char*>(packet.data()),
+                                   static_cast<qsizetype>(packet.size()));
+}
+
+Rewrite replaceXmp(ByteView file, ByteView xmp, const Limits& limits) {
+    const auto segments = segmentsOf(file, limits);
+    std::vector<Edit> edits{xmpEdit(segments, file, xmp)};
+    if (auto exif = movedPreviews(segments, file, edits.front()))
+        edits.push_back(std::move(*exif));
+    return edited(file, segments, std::move(edits));
 }
 
 } // namespace quorvane::jpeg

@@ -1,21 +1,14 @@
 #pragma once
 
-#include "metadata/Rewrite.h"
+#include "metadata/JpegSegments.h"
 
 #include <QByteArray>
 
-#include <cstdint>
 #include <optional>
-#include <stop_token>
 
-/// The Exif segment of a JPEG file (ITU-T T.81, Annex B; Exif 2.32, 4.7). Any thread.
+/// The Exif and XMP segments of a JPEG file (ITU-T T.81, Annex B; Exif 2.32, 4.7; ISO 16684-1). Any
+/// thread.
 namespace quorvane::jpeg {
-
-/// What a file may ask of us; one that asks more is refused with `ParseError`.
-struct Limits {
-    std::uint32_t segments = 65'536; ///< before the first scan
-    std::stop_token stop = {};       ///< when requested, `Cancelled` is thrown
-};
 
 /// The first Exif block, from its TIFF header on; none when there is none. Bytes between segments
 /// are passed over, as decoders do. Refers to the bytes of `file`. Throws `ParseError` for a file
@@ -29,5 +22,14 @@ std::optional<QByteArray> readExif(ByteView file, const Limits& limits = {});
 /// `ContainerError` when the block is too long for a segment, or Exif data of several segments
 /// would have to grow.
 Rewrite replaceExif(ByteView file, ByteView exif, const Limits& limits = {});
+
+/// The main XMP packet; none when there is none. Refers to the bytes of `file`. Throws `ParseError`
+/// as above.
+std::optional<QByteArray> readXmp(ByteView file, const Limits& limits = {});
+
+/// The file with `xmp` as its main packet, in place of the old one, else behind the Exif data; an
+/// extended packet stays as it is, and so does everything from the first scan on. Throws as
+/// `replaceExif`.
+Rewrite replaceXmp(ByteView file, ByteView xmp, const Limits& limits = {});
 
 } // namespace quorvane::jpeg

@@ -322,7 +322,7 @@ TEST(HeifContainer, RefusesMoreThanItsLimits) {
         EXPECT_THROW(heif::readExif(viewOf(file), limits), ParseError);
     }
     heif::Limits limits;
-    limits.exifBytes = 50;
+    limits.metadataBytes = 50;
     EXPECT_EQ(heif::readExif(viewOf(file), limits), std::nullopt);
 
     HeifTestFile shape = picture();

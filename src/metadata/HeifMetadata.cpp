@@ -1,4 +1,4 @@
-#include "metadata/HeifExif.h"
+#include "metadata/HeifMetadata.h"
 
 #include <algorithm>
 #include <array>
@@ -35,7 +35,7 @@ std::optional<qsizetype> headerLengthOf(const QByteArray& payload) {
     return static_cast<qsizetype>(length);
 }
 
-/// The item's bytes; none when its extents cover one another, or are more than an Exif block is.
+/// The item's bytes; none when its extents cover one another, or are more than metadata is.
 std::optional<QByteArray> payloadOf(const Picture& picture, std::vector<Range> ranges,
                                     const Limits& limits) {
     const std::vector<Range> inOrder = ranges;
@@ -44,7 +44,7 @@ std::optional<QByteArray> payloadOf(const Picture& picture, std::vector<Range> r
     std::uint64_t end = 0;
     for (const Range& range : ranges) {
         length += range.length;
-        if ((range.length > 0 && range.offset < end) || length > limits.exifBytes)
+        if ((range.length > 0 && range.offset < end) || length > limits.metadataBytes)
             return std::nullopt;
         end = std::max(end, range.end());
     }
@@ -57,33 +57,33 @@ std::optional<QByteArray> payloadOf(const Picture& picture, std::vector<Range> r
 std::size_t locationOf(const Picture& picture, std::uint32_t item) {
     const std::vector<Location>& entries = picture.locations.entries;
     if (std::ranges::count(entries, item, &Location::item) != 1)
-        throw ParseError(QStringLiteral("Exif öğesinin yeri belli değil"));
+        throw ParseError(QStringLiteral("Üst veri öğesinin yeri belli değil"));
     return static_cast<std::size_t>(std::ranges::find(entries, item, &Location::item) -
                                     entries.begin());
 }
 
 /// True when a byte of the item belongs to two of its extents or to another item as well.
-bool sharesBytes(const Picture& picture, const ExifItem& exif) {
+bool sharesBytes(const Picture& picture, const MetadataItem& item) {
     struct Span {
         Range range;
-        bool isExif;
+        bool isItem;
     };
     std::vector<Span> spans;
     for (std::size_t i = 0; i < picture.locations.entries.size(); ++i) {
         const Location& location = picture.locations.entries[i];
         const std::optional<std::vector<Range>> ranges = picture.rangesOf(location);
         for (const Range& range : ranges.value_or(std::vector<Range>()))
-            spans.push_back({range, i == exif.location});
+            spans.push_back({range, i == item.location});
     }
     std::ranges::sort(spans, {}, [](const Span& span) { return span.range.offset; });
-    std::uint64_t exifEnd = 0;
+    std::uint64_t itemEnd = 0;
     std::uint64_t otherEnd = 0;
     for (const Span& span : spans) {
         if (span.range.length == 0)
             continue;
-        if (span.range.offset < exifEnd || (span.isExif && span.range.offset < otherEnd))
+        if (span.range.offset < itemEnd || (span.isItem && span.range.offset < otherEnd))
             return true;
-        std::uint64_t& end = span.isExif ? exifEnd : otherEnd;
+        std::uint64_t& end = span.isItem ? itemEnd : otherEnd;
         end = std::max(end, span.range.end());
     }
     return false;
@@ -97,7 +97,7 @@ bool isTiff(ByteView bytes) {
     return beginsWith(bytes, little) || beginsWith(bytes, big);
 }
 
-std::vector<Item> exifItemsOf(const Picture& picture) {
+std::vector<Item> itemsOf(const Picture& picture, const ItemKind& kind) {
     std::unordered_set<std::uint32_t> describing;
     std::unordered_set<std::uint32_t> describingPrimary;
     for (const Reference& reference : picture.references) {
@@ -109,33 +109,35 @@ std::vector<Item> exifItemsOf(const Picture& picture) {
     }
     std::vector<Item> all;
     std::ranges::copy_if(picture.items, std::back_inserter(all),
-                         [](const Item& item) { return item.type == fourCC("Exif"); });
+                         [&](const Item& item) { return kind.isOf(item); });
     if (all.size() == 1 && !describing.contains(all.front().id))
         return all;
     std::erase_if(all, [&](const Item& item) { return !describingPrimary.contains(item.id); });
     return all;
 }
 
-ExifItem readExifItem(const Picture& picture, const Item& item, const Limits& limits) {
+MetadataItem readItem(const Picture& picture, const Item& item, const Limits& limits) {
     if (item.isProtected)
-        throw ContainerError(QStringLiteral("Exif öğesi korumalı"));
-    ExifItem exif;
-    exif.location = locationOf(picture, item.id);
+        throw ContainerError(QStringLiteral("Üst veri öğesi korumalı"));
+    MetadataItem found;
+    found.location = locationOf(picture, item.id);
     const std::optional<std::vector<Range>> ranges =
-        picture.rangesOf(picture.locations.entries[exif.location]);
+        picture.rangesOf(picture.locations.entries[found.location]);
     if (!ranges)
-        throw ContainerError(QStringLiteral("Exif öğesi bu dosyanın içinde değil"));
-    exif.ranges = *ranges;
-    exif.payload = payloadOf(picture, exif.ranges, limits);
-    const auto headerLength = exif.payload ? headerLengthOf(*exif.payload) : std::nullopt;
+        throw ContainerError(QStringLiteral("Üst veri öğesi bu dosyanın içinde değil"));
+    found.ranges = *ranges;
+    found.payload = payloadOf(picture, found.ranges, limits);
+    if (!exifKind.isOf(item))
+        return found;
+    const auto headerLength = found.payload ? headerLengthOf(*found.payload) : std::nullopt;
     if (headerLength)
-        exif.headerLength = *headerLength;
+        found.headerLength = *headerLength;
     else
-        exif.payload.reset();
-    return exif;
+        found.payload.reset();
+    return found;
 }
 
-bool canOverwrite(const Picture& picture, const ExifItem& exif) {
+bool canOverwrite(const Picture& picture, const MetadataItem& item) {
     std::vector<Range> rooms;
     for (const Box& box : picture.boxes)
         if (box.type == fourCC("mdat"))
@@ -147,7 +149,7 @@ bool canOverwrite(const Picture& picture, const ExifItem& exif) {
         const auto after = std::ranges::upper_bound(rooms, range.offset, {}, &Range::offset);
         return after != rooms.begin() && std::prev(after)->contains(range);
     };
-    return std::ranges::all_of(exif.ranges, isInARoom) && !sharesBytes(picture, exif);
+    return std::ranges::all_of(item.ranges, isInARoom) && !sharesBytes(picture, item);
 }
 
 } // namespace quorvane::heif
