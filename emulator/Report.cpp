@@ -9,6 +9,7 @@ namespace {
 QJsonObject describe(const StoredMediaItem& item) {
     return {{u"id"_s, item.id},
             {u"filename"_s, item.filename},
+            {u"description"_s, item.description},
             {u"mimeType"_s, item.mimeType},
             {u"sha256"_s, QString::fromLatin1(item.sha256)},
             {u"size"_s, static_cast<qint64>(item.size)},

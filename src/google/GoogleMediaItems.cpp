@@ -8,6 +8,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTextBoundaryFinder>
 #include <QUrlQuery>
 
 namespace quorvane {
@@ -16,6 +17,19 @@ namespace {
 
 constexpr qint64 notFoundCode = 5; // google.rpc.Code
 
+/// As much of a description as Google takes. What a reader takes for one character is not cut in
+/// two.
+QString fitting(const QString& description) {
+    constexpr qsizetype longest = 1000;
+    if (description.size() <= longest)
+        return description;
+    QTextBoundaryFinder boundaries(QTextBoundaryFinder::Grapheme, description);
+    boundaries.setPosition(longest);
+    if (!boundaries.isAtBoundary())
+        boundaries.toPreviousBoundary();
+    return description.left(boundaries.position());
+}
+
 QByteArray creationBody(const std::vector<NewMediaItem>& items,
                         const std::optional<QString>& albumID) {
     QJsonArray newItems;
@@ -23,7 +37,10 @@ QByteArray creationBody(const std::vector<NewMediaItem>& items,
         QJsonObject simple{{QStringLiteral("uploadToken"), item.uploadToken}};
         if (!item.fileName.isEmpty())
             simple.insert(QStringLiteral("fileName"), item.fileName);
-        newItems.append(QJsonObject{{QStringLiteral("simpleMediaItem"), simple}});
+        QJsonObject newItem{{QStringLiteral("simpleMediaItem"), simple}};
+        if (const QString description = fitting(item.description); !description.isEmpty())
+            newItem.insert(QStringLiteral("description"), description);
+        newItems.append(newItem);
     }
     QJsonObject body{{QStringLiteral("newMediaItems"), newItems}};
     if (albumID)

@@ -10,7 +10,8 @@ namespace quorvane {
 /// A media item that is to be made of uploaded bytes.
 struct NewMediaItem {
     QString uploadToken;
-    QString fileName; ///< empty leaves the name to Google
+    QString fileName;         ///< empty leaves the name to Google
+    QString description = {}; ///< of any length; the first 1,000 characters are taken
 };
 
 /// What Google says about one of them.

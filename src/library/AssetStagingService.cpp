@@ -90,7 +90,20 @@ std::optional<StagedFile> AssetStagingService::stage(const SyncRecord& record,
     const FileLock processLock(lockFile_, stop);
     if (stop.stop_requested())
         throw Cancelled();
-    return one_.stage(record, stop);
+    auto file = one_.stage(record, stop);
+    if (file)
+        file->caption = captionOf(record.assetLocalIdentifier);
+    return file;
+}
+
+/// Without its caption an item is still worth sending.
+QString AssetStagingService::captionOf(const QString& identifier) {
+    try {
+        return s_.library.captionOf(identifier);
+    } catch (const PhotoLibraryError& error) {
+        one_.printError(identifier, error.localizedDescription());
+        return {};
+    }
 }
 
 std::optional<std::filesystem::path>

@@ -58,6 +58,7 @@ class AssetStagingService {
 
   private:
     std::vector<SyncRecord> recordsToStage();
+    QString captionOf(const QString& identifier);
     bool mayBeKnown(const PhotoAssetResource& resource);
 
     Services s_;

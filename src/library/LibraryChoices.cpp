@@ -15,7 +15,16 @@ namespace {
 const QString originalsName = QStringLiteral("originals");
 const QString versionsName = QStringLiteral("versions");
 const QString mirrorName = QStringLiteral("mirrorAlbums");
+const QString liveName = QStringLiteral("live");
+const QString captionsName = QStringLiteral("captions");
 const QString editedName = QStringLiteral("edited");
+const QString originalName = QStringLiteral("original");
+const QString motionName = QStringLiteral("motion");
+const QString stillName = QStringLiteral("still");
+
+QString nameOf(LibraryChoices::Versions versions) {
+    return versions == LibraryChoices::Versions::edited ? editedName : originalName;
+}
 
 /// The choices for all libraries, by what tells one from another.
 QJsonObject allChoices(const Preferences& preferences) {
@@ -37,7 +46,7 @@ OriginalsMapping OriginalsMapping::parse(const QString& text) {
 }
 
 QString LibraryChoices::form() const {
-    return versions == Versions::edited ? editedName : QStringLiteral("original");
+    return nameOf(versions) + (live == Live::motion ? u'+' + motionName : QString());
 }
 
 void LibraryChoices::add(const OriginalsMapping& mapping) {
@@ -56,6 +65,9 @@ LibraryChoices LibraryChoices::of(const QString& library, const Preferences& pre
     choices.mirrorAlbums = object[mirrorName].toBool();
     if (object[versionsName].toString() == editedName)
         choices.versions = Versions::edited;
+    if (object[liveName].toString() == motionName)
+        choices.live = Live::motion;
+    choices.captions = object[captionsName].toBool();
     return choices;
 }
 
@@ -66,8 +78,11 @@ void LibraryChoices::save(const QString& library, Preferences& preferences) cons
     for (const OriginalsMapping& mapping : originals)
         mappings += QJsonArray{pathText(mapping.from), pathText(mapping.to)};
     QJsonObject all = allChoices(preferences);
-    all[library] =
-        QJsonObject{{originalsName, mappings}, {versionsName, form()}, {mirrorName, mirrorAlbums}};
+    all[library] = QJsonObject{{originalsName, mappings},
+                               {versionsName, nameOf(versions)},
+                               {liveName, live == Live::motion ? motionName : stillName},
+                               {captionsName, captions},
+                               {mirrorName, mirrorAlbums}};
     preferences.setData(preferenceKeys::libraryChoices,
                         QJsonDocument(all).toJson(QJsonDocument::Compact));
 }

@@ -23,8 +23,16 @@ struct LibraryChoices {
     /// Which version of an edited picture or movie is sent.
     enum class Versions { original, edited };
 
+    /// What of a live photo is sent.
+    enum class Live {
+        still,
+        motion, ///< still and movie in one file, as a Motion Photo
+    };
+
     std::vector<OriginalsMapping> originals;
     Versions versions = Versions::original;
+    Live live = Live::still;
+    bool captions = false;     ///< what was written about an item is its description, too
     bool mirrorAlbums = false; ///< the library's albums are albums at the destination, too
 
     bool operator==(const LibraryChoices&) const = default;

@@ -2,6 +2,8 @@
 
 #include "store/RecordRemainders.h"
 
+#include <algorithm>
+
 namespace quorvane {
 
 std::optional<PhotoAssetResource>
@@ -14,7 +16,12 @@ resourceToStage(const std::vector<PhotoAssetResource>& resources) {
     return std::nullopt;
 }
 
-int remainderOf(const std::vector<PhotoAssetResource>& resources) {
+std::optional<PhotoAssetResource> movieToJoin(const std::vector<PhotoAssetResource>& resources) {
+    const auto movie = std::ranges::find(resources, true, &PhotoAssetResource::joinsStill);
+    return movie == resources.end() ? std::nullopt : std::optional(*movie);
+}
+
+int remainderOf(const std::vector<PhotoAssetResource>& resources, bool joinsMovie) {
     const auto sent = resourceToStage(resources);
     bool isSentSeen = false;
     int behind = 0;
@@ -34,7 +41,7 @@ int remainderOf(const std::vector<PhotoAssetResource>& resources) {
             break;
         case AssetResourceType::pairedVideo:
         case AssetResourceType::fullSizePairedVideo:
-            behind |= RecordRemainders::movie;
+            behind |= joinsMovie ? 0 : RecordRemainders::movie;
             break;
         case AssetResourceType::alternatePhoto:
             behind |= RecordRemainders::raw;

@@ -78,14 +78,22 @@ struct PhotoAssetResource {
     std::optional<std::int64_t> fileSize; ///< bytes; absent when the bytes are not on this machine
     std::filesystem::path location;       ///< inside the library; absolute when it lies elsewhere
     std::optional<AbsentOriginal> absence = {}; ///< where the library can tell why
+    bool joinsStill = false; ///< the movie of a live photo that is sent inside its still
 };
 
 /// The resource that stands for an asset: the first, in the library's order, that is a photo, a
 /// video or a full-size photo.
 std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
 
-/// What of an asset stays behind when that resource alone is sent. Bits of `RecordRemainders`.
-int remainderOf(const std::vector<PhotoAssetResource>& resources);
+/// The movie that is to be sent inside it, if any.
+std::optional<PhotoAssetResource> movieToJoin(const std::vector<PhotoAssetResource>& resources);
+
+/// What of an asset stays behind when that resource is sent, with its movie when `joinsMovie`. Bits
+/// of `RecordRemainders`.
+int remainderOf(const std::vector<PhotoAssetResource>& resources, bool joinsMovie);
+inline int remainderOf(const std::vector<PhotoAssetResource>& resources) {
+    return remainderOf(resources, movieToJoin(resources).has_value());
+}
 
 /// One version of an original: the digest of its bytes, and what its file system says of them. Two
 /// versions of the same digest are the same picture, whatever the times.
@@ -262,6 +270,9 @@ class PhotoLibrary : public AssetFactsSource {
 
     /// Of the last listing of the whole library.
     virtual LeftOut leftOut() const { return {}; }
+
+    /// What the person wrote about the item, where that is to be sent with it; else empty.
+    virtual QString captionOf(const QString& /*localIdentifier*/) { return {}; }
 
     /// At most one observer at a time, another one takes its place; it must outlive its
     /// registration. After `unregister` it is not called any more.

@@ -2,6 +2,7 @@
 
 #include "foundation/File.h"
 #include "library/Absences.h"
+#include "library/MovieJoin.h"
 #include "library/StagedName.h"
 
 #include <algorithm>
@@ -26,6 +27,19 @@ bool isStaged(const std::filesystem::path& file) {
     if (!S_ISREG(info.st_mode))
         throw FileError(QStringLiteral("Hazırlık dosyası yerinde başka bir şey var"), file, EEXIST);
     return true;
+}
+
+bool isDiskFull(const FileError& error) {
+    return error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT;
+}
+
+/// What the staging of an asset takes on the disk at most: a movie that is joined stands there
+/// twice, and its still as well.
+std::optional<std::int64_t> roomFor(const RecordStaging::Source& source) {
+    const auto movie = movieToJoin(source.resources);
+    if (!movie || !source.resource.fileSize)
+        return source.resource.fileSize;
+    return 2 * (*source.resource.fileSize + movie->fileSize.value_or(0));
 }
 
 StagedFile proven(const std::filesystem::path& file, const HashAndSize& content,
@@ -84,12 +98,12 @@ std::optional<StagedFile> RecordStaging::stageAsset(const SyncRecord& record, co
                                                     const std::stop_token& stop) {
     const QString& identifier = record.assetLocalIdentifier;
     try {
-        if (isMadeOf(identifier, source.resource))
+        if (isMadeOf(identifier, source.resource, source.resources))
             if (const auto file = provenCopy(record, stop)) // its run was stopped while sending
                 return recordCopy(record, *file, s_.life.sourceOf(identifier));
         return exportAndRecord(record, source, stop);
     } catch (const FileError& error) {
-        if (error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT)
+        if (isDiskFull(error))
             throw StagingDiskFull(error.localizedDescription());
         printError(identifier, error.localizedDescription());
         s_.life.stageFailed(record, error.localizedDescription());
@@ -170,10 +184,10 @@ std::optional<StagedFile> RecordStaging::exportAndRecord(const SyncRecord& recor
     auto aside = makeWay(source, file);
     const StagingFolder::OwnChange change(folder, name);
     try {
-        if (source.resource.fileSize && !copies_.makeRoom(*source.resource.fileSize))
+        if (const auto room = roomFor(source); room && !copies_.makeRoom(*room))
             throw FileError(QStringLiteral("Dosya kopyalanamadı"), file, ENOSPC);
         const auto [copy, original] = exportDated(record, source, file, stop);
-        s_.life.leavesBehind(record, remainderOf(source.resources));
+        s_.life.leavesBehind(record, remainderOf(source.resources, original.movie.has_value()));
         if (aside)
             settleAside(*aside, original, copy, stop);
         aside.reset();
@@ -218,14 +232,17 @@ std::pair<StagedFile, RecordSource> RecordStaging::exportDated(const SyncRecord&
                                                                const std::filesystem::path& file,
                                                                const std::stop_token& stop) {
     const SourceContent content = s_.library.writeData(source.resource, file, stop);
-    const RecordSource original{content.sha256, content.version, content.sample};
-    // A movie is dated in place: a kill in between leaves bytes that nobody else could explain.
-    if (record.mediaType == MediaType::video)
+    RecordSource original{content.sha256, content.version, content.sample};
+    // A movie is dated in place, or joined to its still: a kill in between leaves bytes that nobody
+    // else could explain.
+    if (record.mediaType == MediaType::video || movieToJoin(source.resources))
         s_.life.exporting(record, original);
     // Without a fallback: whether a file with no date may be uploaded is decided by the sync.
     const MetadataResult result = s_.metadata.ensureMetadata(
         file, source.asset.facts(), std::nullopt, DateFallbackMode::strictNone,
         source.resource.originalFilename, stop);
+    if (result.date)
+        original.movie = joined(source, file, result.date, stop);
     const HashAndSize dated = copies_.hashOf(file, stop);
     s_.console.print(QStringLiteral("[Staging] Tamamlandı (Metadata Enjekte Edildi): %1 (%2 bytes)")
                          .arg(source.resource.originalFilename, QString::number(dated.sizeBytes)));
@@ -248,13 +265,40 @@ void RecordStaging::settleAside(const std::filesystem::path& aside, const Record
 bool RecordStaging::isUnchanged(const QString& identifier,
                                 const std::vector<PhotoAssetResource>& resources) {
     return std::ranges::any_of(
-        resources, [&](const auto& resource) { return isMadeOf(identifier, resource); });
+        resources, [&](const auto& each) { return isMadeOf(identifier, each, resources); });
 }
 
-/// True when the file is, as far as its file system tells, what was staged of the asset last.
-bool RecordStaging::isMadeOf(const QString& identifier, const PhotoAssetResource& resource) {
+/// True when the file is, as far as its file system tells, what was staged of the asset last; with
+/// the movie that was joined to it.
+bool RecordStaging::isMadeOf(const QString& identifier, const PhotoAssetResource& resource,
+                             const std::vector<PhotoAssetResource>& resources) {
     const auto source = s_.life.sourceOf(identifier);
-    return source && s_.library.versionOf(resource) == source->version;
+    if (!source || s_.library.versionOf(resource) != source->version)
+        return false;
+    return !source->movie || std::ranges::any_of(resources, [&](const auto& each) {
+        return s_.library.versionOf(each) == source->movie->version;
+    });
+}
+
+/// A movie that cannot be joined stays behind, and the still goes up alone. None then, and where
+/// there is none to join.
+std::optional<RecordSource::Movie> RecordStaging::joined(const Source& source,
+                                                         const std::filesystem::path& still,
+                                                         const std::optional<Date>& date,
+                                                         const std::stop_token& stop) {
+    const auto movie = movieToJoin(source.resources);
+    if (!movie || !date)
+        return std::nullopt;
+    try {
+        return joinMovie(s_.library, *movie, still, *date, stop);
+    } catch (const FileError& error) {
+        if (isDiskFull(error))
+            throw;
+        tellAlone(source, error);
+    } catch (const Error& error) {
+        tellAlone(source, error);
+    }
+    return std::nullopt;
 }
 
 /// What the library knows of an item for which a person named the date; none for any other item.
@@ -280,12 +324,27 @@ MetadataResult RecordStaging::redate(StagedFile& file, const SyncRecord& record,
         fallbackMode, file.originalName, stop);
     if (result.which != MetadataResult::Case::success)
         return result;
+    joinLate(record, file.path, result.date, stop);
     SyncRecord redated = record;
     file = proven(file.path, copies_.hashOf(file.path, stop), file.originalName);
     redated.sha256Hash = file.content.sha256;
     redated.fileSizeBytes = file.content.sizeBytes;
     s_.life.redated(redated, dateIn(result));
     return result;
+}
+
+/// The movie of a still that had no date before.
+void RecordStaging::joinLate(const SyncRecord& record, const std::filesystem::path& still,
+                             const std::optional<Date>& date, const std::stop_token& stop) {
+    auto original = s_.life.sourceOf(record.assetLocalIdentifier);
+    if (!original || original->movie)
+        return;
+    const auto source = sourceOf(record.assetLocalIdentifier);
+    if (!source || !movieToJoin(source->resources))
+        return;
+    original->movie = joined(*source, still, date, stop);
+    s_.life.exporting(record, *original);
+    s_.life.leavesBehind(record, remainderOf(source->resources, original->movie.has_value()));
 }
 
 /// Unless the original is there as it was, the copy may be the last of its bytes.
@@ -308,6 +367,13 @@ void RecordStaging::missing(const QString& what, const QString& identifier) {
 
 void RecordStaging::printError(const QString& identifier, const QString& reason) {
     s_.console.print(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason));
+}
+
+void RecordStaging::tellAlone(const Source& source, const Error& error) {
+    s_.console.print(
+        QStringLiteral("[Staging] ⚠️ Canlı fotoğrafın videosu eklenemedi, yalnızca "
+                       "fotoğrafı yüklenecek: %1 (%2)")
+            .arg(source.resource.originalFilename, error.localizedDescription()));
 }
 
 void RecordStaging::tellAside(const std::filesystem::path& aside) {

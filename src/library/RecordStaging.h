@@ -18,6 +18,7 @@ struct StagedFile {
     HashAndSize content;
     FileVersion version;                 ///< as it was when the content was made sure of
     std::optional<RecordDate> date = {}; ///< that it was given, when that was now
+    QString caption = {};                ///< `PhotoLibrary::captionOf`
 };
 
 /// The disk has no room for the next file, not even without the copies that are no longer needed.
@@ -84,10 +85,18 @@ class RecordStaging {
                                                  const std::filesystem::path& file);
     void settleAside(const std::filesystem::path& aside, const RecordSource& original,
                      const StagedFile& copy, const std::stop_token& stop);
+    std::optional<RecordSource::Movie> joined(const Source& source,
+                                              const std::filesystem::path& still,
+                                              const std::optional<Date>& date,
+                                              const std::stop_token& stop);
+    void joinLate(const SyncRecord& record, const std::filesystem::path& still,
+                  const std::optional<Date>& date, const std::stop_token& stop);
     std::optional<AssetFacts> chosenFacts(const QString& identifier);
-    bool isMadeOf(const QString& identifier, const PhotoAssetResource& resource);
+    bool isMadeOf(const QString& identifier, const PhotoAssetResource& resource,
+                  const std::vector<PhotoAssetResource>& resources);
     bool isUnchanged(const QString& identifier, const std::vector<PhotoAssetResource>& resources);
     void missing(const QString& what, const QString& identifier);
+    void tellAlone(const Source& source, const Error& error);
     void tellAside(const std::filesystem::path& aside);
 
     StagingServices s_;

@@ -76,6 +76,7 @@ class SafeDeletionService::Guard final : public DeletionGuard {
     }
 
     void willDelete(const DeletionCandidate& candidate) override {
+        service_.requireMovieAsSent(candidate.asset);
         for (const SyncRecord& record : recordsOf(candidate))
             if (!service_.s_.life.deleting(record))
                 throw Error(QStringLiteral("kaydı bu arada değişti"));
@@ -207,21 +208,35 @@ std::optional<DeletionCandidate> SafeDeletionService::candidateFor(const PhotoAs
                                                                    DeletionSummary& summary) {
     const std::vector<PhotoAssetResource> resources = s_.library.assetResources(asset);
     const auto sent = resourceToStage(resources);
-    const auto isPicture = [&](const PhotoAssetResource& resource) {
-        return resource.type != AssetResourceType::adjustmentData;
+    const auto source = s_.life.sourceOf(asset.localIdentifier);
+    const auto isUnsent = [&](const PhotoAssetResource& resource) {
+        const bool isJoined =
+            source && source->movie && resource.type == AssetResourceType::pairedVideo;
+        return resource.type != AssetResourceType::adjustmentData && !isJoined;
     };
-    if (!sent || std::ranges::count_if(resources, isPicture) > 1) {
+    if (!sent || std::ranges::count_if(resources, isUnsent) > 1) {
         leaveOut(summary, nameOf(asset),
                  QStringLiteral("yalnızca bir parçası yüklendi (canlı fotoğrafın videosu, "
                                 "düzenlenmiş hali veya RAW eşi yüklenmez)"));
         return std::nullopt;
     }
-    const auto source = s_.life.sourceOf(asset.localIdentifier);
     if (!source) {
         leaveOut(summary, nameOf(asset), QStringLiteral("hangi asıldan yüklendiği kanıtlanamıyor"));
         return std::nullopt;
     }
     return DeletionCandidate{asset, {source->sha256, source->version}};
+}
+
+/// The library proves the still before it goes; the movie that went up inside it is proven here.
+void SafeDeletionService::requireMovieAsSent(const PhotoAsset& asset) {
+    const auto source = s_.life.sourceOf(asset.localIdentifier);
+    if (!source || !source->movie)
+        return;
+    for (const PhotoAssetResource& resource : s_.library.assetResources(asset))
+        if (resource.type == AssetResourceType::pairedVideo &&
+            s_.library.readContent(resource, {}).sha256 == source->movie->sha256)
+            return;
+    throw Error(QStringLiteral("canlı fotoğrafın videosu yüklendiğinden beri değişti"));
 }
 
 /// What the person has to know before the answer. Found out with the first of the candidates.

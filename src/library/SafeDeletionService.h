@@ -57,6 +57,7 @@ class SafeDeletionService {
     void deleteFromPhotoLibrary(const QStringList& identifiers,
                                 const std::vector<SyncRecord>& records, DeletionSummary& summary,
                                 const std::stop_token& stop);
+    void requireMovieAsSent(const PhotoAsset& asset);
     std::optional<DeletionCandidate> candidateFor(const PhotoAsset& asset,
                                                   DeletionSummary& summary);
     static QStringList remoteIDsOf(const std::vector<DeletionCandidate>& candidates,

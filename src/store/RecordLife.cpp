@@ -36,6 +36,22 @@ const std::array lifeOfARecord{
     RecordLife::Arrow{"undatableReleased", {dateUnresolved}, discovered},
 };
 
+// What tells one version of a file from another, as both tables of sources keep it.
+FileVersion versionIn(const sqlite::Statement& row) {
+    return {row.integer(1), row.integer(2), row.integer(3),
+            static_cast<std::uint64_t>(row.integer(4))};
+}
+
+void bindVersion(sqlite::Statement& row, const SyncRecord& record, const QString& sha256,
+                 const FileVersion& version) {
+    row.bind(1, record.assetLocalIdentifier);
+    row.bind(2, sha256);
+    row.bind(3, version.size);
+    row.bind(4, version.modified);
+    row.bind(5, version.changed);
+    row.bind(6, static_cast<std::int64_t>(version.inode));
+}
+
 const RecordLife::Arrow& arrowNamed(std::string_view name) {
     return *std::ranges::find(lifeOfARecord, name, &RecordLife::Arrow::name);
 }
@@ -73,7 +89,7 @@ bool RecordLife::setStatus(std::string_view arrow, const SyncRecord& record,
 }
 
 void RecordLife::exporting(const SyncRecord& record, const RecordSource& source) {
-    setSource(record, source);
+    db_.transaction([&](sqlite::Connection&) { setSource(record, source); });
 }
 
 bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSource>& source,
@@ -260,10 +276,13 @@ std::optional<RecordSource> RecordLife::sourceOf(const QString& identifier) {
         row.bind(1, identifier);
         if (!row.step())
             return std::nullopt;
-        return RecordSource{row.text(0),
-                            {row.integer(1), row.integer(2), row.integer(3),
-                             static_cast<std::uint64_t>(row.integer(4))},
-                            row.integer(5)};
+        RecordSource source{row.text(0), versionIn(row), row.integer(5)};
+        sqlite::Statement movie(database, "SELECT sha256, size, modified, changed, inode "
+                                          "FROM record_movies WHERE asset_local_identifier = ?");
+        movie.bind(1, identifier);
+        if (movie.step())
+            source.movie = {movie.text(0), versionIn(movie)};
+        return source;
     });
 }
 
@@ -282,14 +301,16 @@ void RecordLife::setSource(const SyncRecord& record, const RecordSource& source)
     db_.onConnection([&](sqlite::Connection& database) {
         sqlite::Statement row(database, "INSERT OR REPLACE INTO record_sources VALUES "
                                         "(?, ?, ?, ?, ?, ?, ?)");
-        row.bind(1, record.assetLocalIdentifier);
-        row.bind(2, source.sha256);
-        row.bind(3, source.version.size);
-        row.bind(4, source.version.modified);
-        row.bind(5, source.version.changed);
-        row.bind(6, static_cast<std::int64_t>(source.version.inode));
+        bindVersion(row, record, source.sha256, source.version);
         row.bind(7, source.sample);
         row.step();
+        if (!source.movie)
+            return runFor(record.assetLocalIdentifier,
+                          "DELETE FROM record_movies WHERE asset_local_identifier = ?");
+        sqlite::Statement movie(database,
+                                "INSERT OR REPLACE INTO record_movies VALUES (?, ?, ?, ?, ?, ?)");
+        bindVersion(movie, record, source.movie->sha256, source.movie->version);
+        movie.step();
     });
 }
 

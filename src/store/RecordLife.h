@@ -19,6 +19,14 @@ struct RecordSource {
     FileVersion version;
     std::int64_t sample = 0; ///< follows from the size, the beginning and the end of the bytes
 
+    struct Movie {
+        QString sha256;
+        FileVersion version;
+
+        bool operator==(const Movie&) const = default;
+    };
+    std::optional<Movie> movie = {}; ///< that was joined to it: both went up in one file
+
     bool operator==(const RecordSource&) const = default;
 };
 

@@ -55,6 +55,14 @@ inline constexpr const char* besides =
     sample                 INTEGER NOT NULL
 ) WITHOUT ROWID;
 CREATE INDEX IF NOT EXISTS idx_source_sample ON record_sources(sample, sha256);
+CREATE TABLE IF NOT EXISTS record_movies (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    sha256                 TEXT NOT NULL,
+    size                   INTEGER NOT NULL,
+    modified               INTEGER NOT NULL,
+    changed                INTEGER NOT NULL,
+    inode                  INTEGER NOT NULL
+) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS record_deletions (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY
 ) WITHOUT ROWID;

@@ -29,8 +29,7 @@ bool isItems(const std::optional<Fault>& fault) {
 
 } // namespace
 
-void BatchCoordinator::enqueue(const QString& token, const SyncRecord& record,
-                               const QString& fileName, std::stop_token stop) {
+void BatchCoordinator::enqueue(NewItem item, const SyncRecord& record, std::stop_token stop) {
     std::unique_lock lock(mutex_);
     if (!changed_.wait(lock, stop, [this] { return buffer_.size() < batchSize; }))
         throw Cancelled();
@@ -42,7 +41,7 @@ void BatchCoordinator::enqueue(const QString& token, const SyncRecord& record,
         deadline_ = s_.clock.monotonic() + flushInterval;
         deadlineStop_ = std::stop_source();
     }
-    buffer_.push_back({token, record, fileName});
+    buffer_.push_back({std::move(item), record});
     unsettled_.insert(record.assetLocalIdentifier);
     run_ = std::move(stop);
     changed_.notify_all();
@@ -151,7 +150,7 @@ BatchCoordinator::Remainder BatchCoordinator::sendOnce(const Batch& batch, int r
                                                        const std::stop_token& stop) {
     std::vector<NewItem> items;
     for (const Entry& entry : batch)
-        items.push_back({entry.token, entry.fileName});
+        items.push_back(entry.item);
     auto permit = s_.attempts.enter(stop);
     if (!permit)
         return {};
@@ -274,8 +273,8 @@ void BatchCoordinator::settle(const Entry& entry, const NewItemResult& result) {
         if (result.fault && result.fault->code == FaultCode::tokenRefused && mayBeSentAgain(entry))
             break; // stays STAGED
         markFailed(entry, result.reason, result.fault);
-        s_.log.log(QStringLiteral("[Batch] FAILED: ") + entry.fileName + QStringLiteral(" -> ") +
-                   result.detail);
+        s_.log.log(QStringLiteral("[Batch] FAILED: ") + entry.item.fileName +
+                   QStringLiteral(" -> ") + result.detail);
         break;
     case NewItemResult::Outcome::heldBack:
         break; // stays STAGED
@@ -301,10 +300,11 @@ bool BatchCoordinator::mayBeSentAgain(const Entry& entry) {
 void BatchCoordinator::markVerified(const Entry& entry, const NewItemResult& result,
                                     const QString& told) {
     if (!mark(entry, SyncStatus::verified, [&] {
-            return s_.life.created(entry.record, entry.token, result.remoteID, result.filedUnder);
+            return s_.life.created(entry.record, entry.item.uploadToken, result.remoteID,
+                                   result.filedUnder);
         }))
         return;
-    s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.fileName + QStringLiteral(" -> ") +
+    s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.item.fileName + QStringLiteral(" -> ") +
                told);
     onCreated(entry.record);
 }

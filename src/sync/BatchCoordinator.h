@@ -54,10 +54,8 @@ class BatchCoordinator {
     explicit BatchCoordinator(const Services& services) : s_(services) {}
 
     /// Buffers one entry; waits first while a whole batch is buffered. `stop` is the run's: it also
-    /// leaves all that is buffered STAGED. An empty `fileName` leaves the name to the destination.
-    /// Throws `Cancelled`.
-    void enqueue(const QString& token, const SyncRecord& record, const QString& fileName,
-                 std::stop_token stop);
+    /// leaves all that is buffered STAGED. Throws `Cancelled`.
+    void enqueue(NewItem item, const SyncRecord& record, std::stop_token stop);
 
     /// What is buffered becomes a batch, although it is no full one. Waits for nothing.
     void handOver();
@@ -89,9 +87,8 @@ class BatchCoordinator {
   private:
     /// One uploaded file that waits for its item.
     struct Entry {
-        QString token;
+        NewItem item;
         SyncRecord record;
-        QString fileName;
     };
     using Batch = std::vector<Entry>;
 

@@ -14,6 +14,7 @@ namespace quorvane {
 struct NewItem {
     QString uploadToken;
     QString fileName = {}; ///< empty leaves the name to the destination
+    QString caption = {};  ///< becomes its description, as far as it fits
 };
 
 /// What became of one of them.

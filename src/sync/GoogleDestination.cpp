@@ -53,7 +53,7 @@ std::vector<NewItemResult> GoogleDestination::create(const std::vector<NewItem>&
                                                      std::stop_token stop) {
     std::vector<NewMediaItem> mediaItems;
     for (const NewItem& item : items)
-        mediaItems.push_back({item.uploadToken, item.fileName});
+        mediaItems.push_back({item.uploadToken, item.fileName, item.caption});
     const std::optional<QString> albumID = albums_.targetAlbumID();
     std::vector<NewMediaItemResult> answers = mediaItems_.batchCreate(mediaItems, albumID, stop);
     if (albumID && std::ranges::any_of(answers, isExhausted) && albums_.isFull(*albumID, stop))

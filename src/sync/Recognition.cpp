@@ -17,6 +17,8 @@ Recognition::Result Recognition::examine(const std::vector<SyncRecord>& records,
         if (record.syncStatus != SyncStatus::discovered)
             continue;
         const auto resources = resourcesOf(record);
+        if (movieToJoin(resources)) // the bytes of its still alone are not what is wanted
+            continue;
         auto resource = resourceToStage(resources);
         const auto sample = resource ? library_.sampleOf(*resource) : std::nullopt;
         if (!sample)

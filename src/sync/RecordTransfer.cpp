@@ -42,11 +42,11 @@ RecordTransfer::Result RecordTransfer::bring(const SyncRecord& record,
         return {};
     const QString name = uploadName(record, file->path);
     if (const auto token = s_.tokens.find(record, file->content.sha256))
-        return {Outcome::sent, *token, name};
+        return {Outcome::sent, *token, name, file->caption};
     const auto token = upload(record, *file, name, stop);
     if (!token)
         return {};
-    return {Outcome::sent, *token, name, file->content.sizeBytes};
+    return {Outcome::sent, *token, name, file->caption, file->content.sizeBytes};
 }
 
 /// None when the file changed meanwhile: nobody knows then what was sent.

@@ -41,6 +41,7 @@ class RecordTransfer {
         Outcome outcome = Outcome::settled;
         QString token = {};         ///< where it was sent
         QString fileName = {};      ///< for the item
+        QString caption = {};       ///< for its description
         std::int64_t sentBytes = 0; ///< 0 where an earlier upload serves
     };
 

@@ -232,7 +232,7 @@ void SyncCoordinator::bring(const SyncRecord& record, std::optional<Attempts::Pe
     if (result.outcome == RecordTransfer::Outcome::unavailable) {
         queue_.setUnavailable(record);
     } else if (result.outcome == RecordTransfer::Outcome::sent) {
-        s_.batchCoord.enqueue(result.token, record, result.fileName, stop);
+        s_.batchCoord.enqueue({result.token, result.fileName, result.caption}, record, stop);
         finishRecord(result.sentBytes);
     }
 }

@@ -1,6 +1,8 @@
 #include "World.h"
 
 #include "foundation/Crypto.h"
+#include "metadata/MotionPhoto.h"
+#include "metadata/MovieDates.h"
 #include "store/RecordRemainders.h"
 
 #include <cerrno>
@@ -165,6 +167,33 @@ TEST_F(AssetStagingServiceTest, AFileOfUnknownBytesIsReplacedOrRescued) {
     EXPECT_EQ(readFile(copy->path), "rescued");
     EXPECT_EQ(record(assetID(2))->sha256Hash, sha256Of("rescued"));
     EXPECT_EQ(life.sourceOf(assetID(2)), std::nullopt) << "it proves nothing";
+}
+
+TEST(AssetStagingService, JoinsTheMovieOfALivePhotoOrSaysThatItStaysBehind) {
+    const QByteArray whole = sample::movie(1, sample::MovieBrand::quickTime, 7);
+    for (const QByteArray& movie : {whole, whole.chopped(1), QByteArray("no movie")}) {
+        World world;
+        world.discoverLive(assetID(1), movie);
+        const auto lines = printedBy([&] { world.staging.stageDiscoveredAssets(); });
+        const bool isJoined = movie == whole;
+        EXPECT_EQ(lines.filter(u"videosu eklenemedi"_s).isEmpty(), isJoined);
+        EXPECT_EQ(world.stagedNames(), QStringList{stagedName(assetID(1), u"a.jpg"_s)});
+        const QByteArray file = readFile(world.staging.findStagingFile(assetID(1)).value());
+        const auto joined = motion::movieIn(viewOf(file));
+        ASSERT_EQ(joined.has_value(), isJoined);
+        if (isJoined) {
+            const auto copy = world.folder.write("copy.mov", file.last(whole.size()));
+            EXPECT_EQ(readMP4CreationDate(copy), Date(std::chrono::seconds(1614961330)));
+            EXPECT_EQ(joined->length, static_cast<std::uint64_t>(whole.size()));
+        }
+        EXPECT_EQ(world.life.sourceOf(assetID(1))->movie.has_value(), isJoined);
+        world.life.requeued(*world.record(assetID(1)));
+        world.staging.removeFromStaging(assetID(1));
+        world.staging.stageDiscoveredAssets();
+        EXPECT_EQ(readFile(world.staging.findStagingFile(assetID(1)).value()), file);
+        world.setStatus(assetID(1), SyncStatus::verified, u"remote"_s);
+        EXPECT_EQ(RecordRemainders(world.database).counts().movies, isJoined ? 0 : 1);
+    }
 }
 
 TEST(AssetStagingService, MakesUnsentFilesAnewWhenTheirFormChanges) {

@@ -43,7 +43,8 @@ void FakePhotoLibrary::add(const QString& identifier, const QString& filename,
 
 void FakePhotoLibrary::add(Entry entry) {
     for (PhotoAssetResource& resource : entry.resources)
-        resource.location = pathFrom(entry.asset.localIdentifier);
+        if (resource.location.empty())
+            resource.location = pathFrom(entry.asset.localIdentifier);
     const std::lock_guard lock(mutex_);
     ++changes_;
     entry.version = {entry.bytes.size(), changes_, changes_, static_cast<std::uint64_t>(changes_)};

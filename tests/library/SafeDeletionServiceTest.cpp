@@ -112,6 +112,30 @@ TEST(SafeDeletionService, LeavesOutWhatCannotBeProvenAndRemovesTheRest) {
     }
 }
 
+TEST(SafeDeletionService, AMotionPhotoGoesOnlyAsTheWholePairThatWasSent) {
+    const QByteArray whole = sample::movie(1, sample::MovieBrand::quickTime, 7);
+    const struct {
+        QByteArray sent, now;
+        QString reason;
+    } cases[] = {{whole, whole, {}},
+                 {whole, whole + '\0', u"videosu yüklendiğinden beri değişti"_s},
+                 {whole.chopped(1), whole.chopped(1), u"yalnızca bir parçası yüklendi"_s}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.reason.toStdString());
+        DeletionWorld world;
+        world.discoverLive(assetID(1), each.sent);
+        world.staging.stageDiscoveredAssets();
+        world.setStatus(assetID(1), SyncStatus::verified, u"remote"_s);
+        world.remote.items.insert(u"remote"_s);
+        world.library.replace(u"movie"_s, each.now);
+        const DeletionSummary summary = world.deletion.performDeletion(true);
+        EXPECT_EQ(summary.deleted, each.reason.isEmpty() ? 1 : 0);
+        ASSERT_EQ(summary.leftOut.size(), each.reason.isEmpty() ? 0U : 1U);
+        for (const auto& left : summary.leftOut)
+            EXPECT_TRUE(left.reason.contains(each.reason)) << left.reason.toStdString();
+    }
+}
+
 TEST(SafeDeletionService, LeavesEverythingWhereItMayNotDelete) {
     const struct {
         std::function<void(DeletionWorld&)> prepare;

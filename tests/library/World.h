@@ -4,6 +4,7 @@
 #include "library/AssetStagingService.h"
 #include "library/DeletionConfirmation.h"
 #include "library/RemoteItems.h"
+#include "sample/SampleMedia.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -73,6 +74,22 @@ struct World {
     /// Adds an asset to the library and its DISCOVERED record to the store.
     void discover(const QString& identifier, const QString& filename = QStringLiteral("a.bin")) {
         library.add(identifier, filename);
+        discoverRecord(identifier);
+    }
+    /// A live photo of 2021-03-05 16:22:10 UTC whose movie, an entry of its own by the name of
+    /// "movie", is to be sent inside its still.
+    void discoverLive(const QString& identifier, const QByteArray& movie) {
+        FakePhotoLibrary::Entry still, film;
+        still.asset.localIdentifier = identifier;
+        still.asset.creationDate = Date(std::chrono::seconds(1614961330));
+        still.bytes = sample::jpeg(1, {});
+        still.resources = {{AssetResourceType::photo, QStringLiteral("a.jpg"), {}, {}},
+                           {AssetResourceType::pairedVideo, QStringLiteral("a.mov"), {}, "movie"}};
+        still.resources[1].joinsStill = true;
+        film.asset.localIdentifier = QStringLiteral("movie");
+        film.bytes = movie;
+        library.add(still);
+        library.add(film);
         discoverRecord(identifier);
     }
     void discoverRecord(const QString& identifier) {

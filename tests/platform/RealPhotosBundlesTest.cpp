@@ -2,6 +2,7 @@
 #include "platform/bundle/PhotosBundleLibrary.h"
 
 #include "foundation/Crypto.h"
+#include "store/RecordRemainders.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -170,6 +171,43 @@ TEST_F(RealBundle, ListsTheFilesOfAnEditedLivePhotoInPhotoKitsOrder) {
     EXPECT_EQ(content, library->readContent(resources[0], {}));
     EXPECT_EQ(content.version, library->versionOf(resources[0]));
     EXPECT_EQ(library->identity(), QStringLiteral("photos:3C434AF9-440E-438B-8D5C-7E017CAAA61D"));
+}
+
+TEST_F(RealBundle, SendsWhatWasChosen) {
+    open(newLibrary);
+    const PhotoAsset live = assetWith("B60C31AC-BE86-42C5-A383-A0A5710B18AE");
+    using Choices = LibraryChoices;
+    const struct {
+        Choices::Versions versions;
+        Choices::Live live;
+        const char* movie;
+        int behind;
+    } cases[] = {
+        {Choices::Versions::original, Choices::Live::still, "",
+         RecordRemainders::edit | RecordRemainders::movie},
+        {Choices::Versions::original, Choices::Live::motion, "IMG_4394.MOV",
+         RecordRemainders::edit},
+        {Choices::Versions::edited, Choices::Live::motion, "FullSizeRender.mov",
+         RecordRemainders::original},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.movie);
+        LibraryChoices choices;
+        choices.versions = each.versions;
+        choices.live = each.live;
+        library->use(choices);
+        const auto resources = library->assetResources(live);
+        const auto movie = movieToJoin(resources);
+        EXPECT_EQ(movie ? movie->originalFilename.toStdString() : "", each.movie);
+        EXPECT_EQ(remainderOf(resources), each.behind);
+    }
+    open(oldLibrary);
+    const QString tulips = QStringLiteral("6191423D-8DB8-4D4C-92BE-9BBBA308AAC4/L0/001");
+    EXPECT_EQ(library->captionOf(tulips), QString());
+    LibraryChoices choices;
+    choices.captions = true;
+    library->use(choices);
+    EXPECT_EQ(library->captionOf(tulips), QStringLiteral("Wedding tulips"));
 }
 
 TEST_F(RealBundle, SaysThatAnOriginalIsNotOnThisMachine) {

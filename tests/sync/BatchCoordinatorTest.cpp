@@ -77,8 +77,8 @@ struct Batches : testing::Test {
             record.assetLocalIdentifier = QString::number(i);
             record.syncStatus = SyncStatus::staged;
             database.upsertRecord(record);
-            coordinator->enqueue(u't' + QString::number(i), record, QString::number(i) + u".jpg"_s,
-                                 stop);
+            coordinator->enqueue({u't' + QString::number(i), QString::number(i) + u".jpg"_s},
+                                 record, stop);
         }
     }
 

@@ -39,10 +39,11 @@ struct Destinations : testing::Test {
     }
 
     /// Sends one picture of its own, as the sync engine would.
-    NewItemResult send(const QString& name) {
+    NewItemResult send(const QString& name, const QString& caption = {}) {
         const auto file = folder.write(pathFrom(name), "\x89PNG\r\n\x1a\n" + name.toUtf8());
         UploadMemory none;
-        return destination->create({{destination->upload({file, name}, none, {}, {}), name}}, {})
+        return destination
+            ->create({{destination->upload({file, name}, none, {}, {}), name, caption}}, {})
             .at(0);
     }
 
@@ -176,6 +177,20 @@ TEST_F(Destinations, TellsWhichItemsAreStillThere) {
     EXPECT_EQ(destination->existing({}, {}), std::set<QString>());
     google.change([](Behaviour& behaviour) { behaviour.listingForbidden = true; });
     EXPECT_EQ(destination->existing(ids, {}), std::nullopt);
+}
+
+TEST_F(Destinations, ACaptionBecomesTheDescriptionAsFarAsItFits) {
+    const QString face = u"\U0001F468\u200D\U0001F467"_s; // one character to its reader
+    const std::pair<QString, QString> cases[] = {
+        {{}, {}},
+        {u"Düğün"_s, u"Düğün"_s},
+        {QString(1001, u'ş'), QString(1000, u'ş')},
+        {QString(997, u'a') + face, QString(997, u'a')},
+    };
+    for (const auto& [caption, description] : cases) {
+        send(QString::number(caption.size()) + u".png"_s, caption);
+        EXPECT_EQ(google.mediaItems().back().description, description);
+    }
 }
 
 } // namespace quorvane

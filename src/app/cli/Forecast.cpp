@@ -57,7 +57,8 @@ std::optional<PhotoAssetResource> countFile(Forecast& forecast, SourceServices& 
         file, facts, asset.localIdentifier, fallbackMode, resource->originalFilename, stop);
     const bool isSentAsItIs = choice && !choice->date;
     if (metadata.carriesDate || isSentAsItIs) {
-        forecast.bytes += *resource->fileSize;
+        const auto movie = movieToJoin(resources);
+        forecast.bytes += *resource->fileSize + (movie ? movie->fileSize.value_or(0) : 0);
         forecast.behind.add(remainderOf(resources));
         return resource;
     }

@@ -72,6 +72,13 @@ void applyChoices(const Arguments& arguments, LibraryChoices& choices) {
         choices.mirrorAlbums = true;
     if (arguments.has(QStringLiteral("no-mirror-albums")))
         choices.mirrorAlbums = false;
+    if (arguments.has(QStringLiteral("captions")))
+        choices.captions = true;
+    if (arguments.has(QStringLiteral("no-captions")))
+        choices.captions = false;
+    if (const auto live = arguments.value(QStringLiteral("live")))
+        choices.live =
+            *live == u"motion" ? LibraryChoices::Live::motion : LibraryChoices::Live::still;
     if (const auto versions = arguments.value(QStringLiteral("versions")))
         choices.versions = *versions == u"edited" ? LibraryChoices::Versions::edited
                                                   : LibraryChoices::Versions::original;
@@ -92,6 +99,15 @@ std::vector<OptionSpec> choiceOptions() {
              QStringLiteral("SÜRÜM"),
              QStringLiteral("düzenlenmiş öğelerin hangi hali yüklenir (hatırlanır)"),
              {QStringLiteral("original"), QStringLiteral("edited")}},
+            {QStringLiteral("live"),
+             QStringLiteral("BİÇİM"),
+             QStringLiteral("canlı fotoğraflar: yalnızca fotoğrafı (still) ya da videosuyla tek "
+                            "dosyada, Google'ın oynattığı Motion Photo olarak (hatırlanır)"),
+             {QStringLiteral("still"), QStringLiteral("motion")}},
+            {QStringLiteral("captions"),
+             {},
+             QStringLiteral("arşivde yazılan açıklamalar Google Photos'a da yazılır (hatırlanır)")},
+            {QStringLiteral("no-captions"), {}, QStringLiteral("bunu yeniden kapatır")},
             {QStringLiteral("originals"), QStringLiteral("ESKİ=YENİ"),
              QStringLiteral("arşivin dışında duran özgün dosyalar: arşivin yazdığı yer ve buradaki "
                             "yeri (hatırlanır)")}};

@@ -1,6 +1,7 @@
 #include "platform/bundle/BundleLayout.h"
 
 #include "library/FileExport.h"
+#include "metadata/MotionPhoto.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -47,6 +48,15 @@ std::vector<path> places(const PhotosAssetFiles& asset) {
 std::optional<path> below(const path& folder, const path& file) {
     const path rest = file.lexically_relative(folder);
     return isPlain(rest) && rest != "." ? std::optional(rest) : std::nullopt;
+}
+
+/// The movie goes with the still that is sent, unless its bytes are not there.
+void markMovie(std::vector<PhotoAssetResource>& resources, AssetResourceType type) {
+    const QString extension = pathText(resources.front().location.extension()).mid(1).toLower();
+    if (!motion::takesMovie(extension))
+        return;
+    for (PhotoAssetResource& resource : resources)
+        resource.joinsStill = resource.type == type && resource.fileSize.has_value();
 }
 
 class Resources {
@@ -154,11 +164,16 @@ std::vector<PhotoAssetResource> BundleLayout::resources(const PhotosAssetFiles& 
     const auto edit = std::ranges::find(
         resources, isMovie ? AssetResourceType::fullSizeVideo : AssetResourceType::fullSizePhoto,
         &PhotoAssetResource::type);
-    if (versions_ == LibraryChoices::Versions::edited && edit != resources.end()) {
+    const bool isEdit =
+        choices_.versions == LibraryChoices::Versions::edited && edit != resources.end();
+    if (isEdit) {
         edit->type = resources.front().type; // it stands for the asset
         edit->originalFilename = list.renamed(pathText(edit->location.extension()));
         std::rotate(resources.begin(), edit, edit + 1);
     }
+    if (choices_.live == LibraryChoices::Live::motion)
+        markMovie(resources,
+                  isEdit ? AssetResourceType::fullSizePairedVideo : AssetResourceType::pairedVideo);
     return resources;
 }
 
@@ -191,7 +206,7 @@ BundleLayout::Original BundleLayout::originalOf(const PhotosAssetFiles& asset) c
 
 BundleLayout::Original BundleLayout::referenced(const PhotosAssetFiles& asset) const {
     const path named = (pathFrom(asset.directory) / pathFrom(asset.filename)).lexically_normal();
-    for (const OriginalsMapping& mapping : references_)
+    for (const OriginalsMapping& mapping : choices_.originals)
         if (const auto rest = below(mapping.from, named)) {
             const path location = mapping.to / *rest;
             if (const auto size = sizeOf(location))
@@ -208,7 +223,7 @@ BundleLayout::Original BundleLayout::referenced(const PhotosAssetFiles& asset) c
 FileDescriptor BundleLayout::open(const path& location) const {
     if (!location.is_absolute())
         return openOriginalBeneath(bundle_, location);
-    for (const OriginalsMapping& mapping : references_)
+    for (const OriginalsMapping& mapping : choices_.originals)
         if (const auto rest = below(mapping.to, location))
             return openOriginalBeneath(mapping.to, *rest);
     throw FileError(QStringLiteral("Dosya açılamadı"), location, EACCES);

@@ -24,12 +24,13 @@ namespace quorvane {
 class BundleLayout {
   public:
     BundleLayout(std::filesystem::path bundle, const LibraryChoices& choices)
-        : bundle_(std::move(bundle)), references_(choices.originals), versions_(choices.versions) {}
+        : bundle_(std::move(bundle)), choices_(choices) {}
 
     /// The resources of an asset, the original first: what the file system has, and the original
     /// (with the movie of a live photo) even when its bytes are not on this machine. A location is
     /// relative to the bundle, or absolute below the place of a mapping. Where the edited version
-    /// was chosen, a render that is there comes before all others, under the original's name.
+    /// was chosen, a render that is there comes before all others, under the original's name. The
+    /// movie of that very version joins it where Motion Photos were chosen.
     std::vector<PhotoAssetResource> resources(const PhotosAssetFiles& asset) const;
 
     /// Why the original is not on this machine; none when it is, or when nobody can tell.
@@ -54,8 +55,7 @@ class BundleLayout {
     bool isMissing(const std::filesystem::path& location) const;
 
     const std::filesystem::path bundle_;
-    const std::vector<OriginalsMapping> references_;
-    const LibraryChoices::Versions versions_;
+    const LibraryChoices choices_;
 };
 
 } // namespace quorvane

@@ -75,6 +75,7 @@ void PhotosBundleLibrary::use(const LibraryChoices& choices) {
     auto layout = std::make_shared<const BundleLayout>(bundle_, choices);
     const std::lock_guard lock(layoutMutex_);
     layout_ = std::move(layout);
+    sendsCaptions_ = choices.captions;
 }
 
 std::shared_ptr<const BundleLayout> PhotosBundleLibrary::layout() const {
@@ -324,6 +325,14 @@ ChangeWatch::Found PhotosBundleLibrary::look() {
     const int version = query(Freshness::current, [this](Opened&) { return version_; });
     const bool changed = version != std::exchange(announced_, version);
     return {changed, false, {(bundle_ / databaseInside).parent_path()}};
+}
+
+QString PhotosBundleLibrary::captionOf(const QString& localIdentifier) {
+    if (!sendsCaptions_)
+        return {};
+    return query(Freshness::asLastRead, [&](Opened& opened) {
+        return opened.database.captionOf(uuidOf(localIdentifier, assetTail)).trimmed();
+    });
 }
 
 std::optional<AssetFacts> PhotosBundleLibrary::factsOf(const QString& localIdentifier) {

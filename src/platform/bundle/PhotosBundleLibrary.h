@@ -5,6 +5,7 @@
 #include "platform/watch/ChangeWatch.h"
 #include "store/DatabaseSnapshot.h"
 
+#include <atomic>
 #include <mutex>
 
 namespace quorvane {
@@ -59,6 +60,7 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;
 
+    QString captionOf(const QString& localIdentifier) override;
     std::optional<AssetFacts> factsOf(const QString& localIdentifier) override;
 
   private:
@@ -90,6 +92,7 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     const std::filesystem::path bundle_;
     mutable std::mutex layoutMutex_;
     std::shared_ptr<const BundleLayout> layout_; ///< guarded by `layoutMutex_`
+    std::atomic<bool> sendsCaptions_ = false;
     /// Held while the database is copied and queried: one connection serves one thread.
     std::mutex mutex_;
     DatabaseSnapshot snapshot_;

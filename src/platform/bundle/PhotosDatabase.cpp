@@ -233,6 +233,18 @@ void PhotosDatabase::countInto(std::vector<PhotosAlbum>& albums) {
             album.count = found->second;
 }
 
+QString PhotosDatabase::captionOf(const QString& uuid) {
+    if (!schema_.hasCaptions)
+        return {};
+    Statement row =
+        prepare(QStringLiteral("SELECT d.ZLONGDESCRIPTION FROM {asset} a "
+                               "JOIN ZADDITIONALASSETATTRIBUTES x ON x.ZASSET = a.Z_PK "
+                               "JOIN ZASSETDESCRIPTION d ON d.Z_PK = x.ZASSETDESCRIPTION "
+                               "WHERE a.ZUUID = ?1"));
+    row.bind(1, uuid);
+    return row.step() ? row.text(0) : QString();
+}
+
 std::optional<PhotosAssetFiles> PhotosDatabase::filesOf(const QString& uuid) {
     Statement row = prepare(QStringLiteral("SELECT {originalColumns} WHERE a.ZUUID = ?1"));
     row.bind(1, uuid);

@@ -80,6 +80,9 @@ class PhotosDatabase {
     /// What is not trashed, in the order of the folders they stand in.
     std::vector<PhotosAlbum> albums();
 
+    /// What the person wrote about the asset; empty when nothing.
+    QString captionOf(const QString& uuid);
+
     std::optional<PhotosAssetFiles> filesOf(const QString& uuid);
     /// Of every asset, by UUID, without `files`: where its original is.
     std::map<QString, PhotosAssetFiles> originals();

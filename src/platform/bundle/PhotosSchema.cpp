@@ -70,6 +70,8 @@ PhotosSchema PhotosSchema::of(sqlite::Connection& connection) {
                               ? QStringLiteral("a.%1 = 10").arg(kind)
                               : QStringLiteral("0");
     schema.hasShares = hasColumn(connection, schema.assetTable, QStringLiteral("ZCOLLECTIONSHARE"));
+    schema.hasCaptions = hasColumn(connection, QStringLiteral("ZASSETDESCRIPTION"),
+                                   QStringLiteral("ZLONGDESCRIPTION"));
     return schema;
 }
 

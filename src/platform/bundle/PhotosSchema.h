@@ -17,6 +17,7 @@ struct PhotosSchema {
     QString isReferenced; ///< of the asset `a`: whether its original stands outside the bundle
     /// Shared albums are rows of ZSHARE since macOS 26, and an asset of one names it.
     bool hasShares = false;
+    bool hasCaptions = false; ///< they are rows of ZASSETDESCRIPTION
 
     /// Throws `PhotoLibraryError` when this is no Photos database, `SqliteError` when it is none
     /// at all.
