@@ -48,14 +48,11 @@ QString titleOf(const QString& title) {
     return title.isEmpty() ? QStringLiteral("İsimsiz") : title;
 }
 
-/// By creation date; assets without one first, equal ones in the order they came in. What is so
-/// already stays the library's own result, of which it can tell changes.
-AssetFetchResult oldestFirst(const AssetFetchResult& assets) {
-    if (std::ranges::is_sorted(*assets, {}, &PhotoAsset::creationDate))
-        return assets;
+/// By creation date; assets without one first, equal ones in the order they came in.
+SourceAssets inOrder(AssetFetchResult assets) {
     auto sorted = std::make_shared<std::vector<PhotoAsset>>(*assets);
     std::ranges::stable_sort(*sorted, {}, &PhotoAsset::creationDate);
-    return sorted;
+    return {std::move(assets), std::move(sorted)};
 }
 
 /// "<id>:::<name>:::<count>"; none for a malformed line. A name may hold the separator itself.
@@ -184,15 +181,16 @@ void PhotoAlbumService::selectForThisRun(const LocalAlbumItem& album) {
     preferences_.setVolatile(preferenceKeys::sourceAlbumTitle, album.title);
 }
 
-AssetFetchResult PhotoAlbumService::fetchAssets(const std::optional<QString>& albumID,
-                                                std::stop_token stop) {
+SourceAssets PhotoAlbumService::fetchAssets(const std::optional<QString>& albumID,
+                                            std::stop_token stop) {
     if (albumID && albumID->startsWith(photosAppPrefix))
-        return oldestFirst(library_.fetchAssets(
+        return inOrder(library_.fetchAssets(
             fetchItemIDsFromApplePhotos(albumID->mid(photosAppPrefix.size()))));
     if (albumID)
         if (const auto album = library_.fetchAssetCollection(*albumID))
-            return oldestFirst(library_.fetchAssets(*album));
-    return library_.fetchAssets(std::move(stop));
+            return inOrder(library_.fetchAssets(*album));
+    const AssetFetchResult all = library_.fetchAssets(std::move(stop));
+    return {all, all}; // in that order already
 }
 
 std::vector<LocalAlbumItem> PhotoAlbumService::fetchApplePhotosAlbums() {

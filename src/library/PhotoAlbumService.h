@@ -24,6 +24,12 @@ struct LocalAlbumItem {
     bool operator==(const LocalAlbumItem&) const = default;
 };
 
+/// The assets of a source.
+struct SourceAssets {
+    AssetFetchResult fetched;     ///< the library's own result, against which it tells of changes
+    AssetFetchResult oldestFirst; ///< the same, in the order in which they are sent
+};
+
 /// Lists the albums a person may choose as the source, remembers the choice, and turns it into
 /// assets. Failures are logged and yield empty lists. Any thread.
 class PhotoAlbumService {
@@ -51,9 +57,9 @@ class PhotoAlbumService {
     /// The source of this process only.
     void selectForThisRun(const LocalAlbumItem& album);
 
-    /// The album's assets, oldest first. Those of the whole library when `albumID` is none or names
-    /// an album that is no more. Throws `PhotoLibraryError` when the library cannot be read.
-    AssetFetchResult fetchAssets(const std::optional<QString>& albumID, std::stop_token stop = {});
+    /// The album's assets. Those of the whole library when `albumID` is none or names an album that
+    /// is no more. Throws `PhotoLibraryError` when the library cannot be read.
+    SourceAssets fetchAssets(const std::optional<QString>& albumID, std::stop_token stop = {});
 
     /// Albums as the Photos application tells them; empty where there is none.
     std::vector<LocalAlbumItem> fetchApplePhotosAlbums();

@@ -180,7 +180,7 @@ void PhotoLibraryObserver::initialScan(std::stop_token stop) {
     reconcilePermanentStagingAssets();
     // A library that cannot be read throws here: the last result stays.
     const auto album = albums_.selectedSourceAlbumID();
-    const AssetFetchResult assets = albums_.fetchAssets(album, stop);
+    const auto [fetched, assets] = albums_.fetchAssets(album, stop);
     try {
         database_.limitTo(album ? std::optional(identifiersOf(*assets)) : std::nullopt);
     } catch (const DBError& error) {
@@ -189,7 +189,7 @@ void PhotoLibraryObserver::initialScan(std::stop_token stop) {
     }
     {
         const std::lock_guard lock(mutex_);
-        fetchResult_ = assets;
+        fetchResult_ = fetched;
     }
     const QString title =
         album ? preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(wholeLibraryTitle)

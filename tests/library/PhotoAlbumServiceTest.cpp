@@ -45,7 +45,7 @@ class PhotoAlbumServiceTest : public testing::Test {
 
     QStringList identifiers(const std::optional<QString>& albumID) {
         QStringList found;
-        const AssetFetchResult assets = albums.fetchAssets(albumID);
+        const AssetFetchResult assets = albums.fetchAssets(albumID).oldestFirst;
         for (const PhotoAsset& asset : *assets)
             found.append(asset.localIdentifier);
         return found;
@@ -212,7 +212,7 @@ TEST_F(PhotoAlbumServiceTest, AFailedProgramYieldsNoAlbumAndNoAsset) {
 
     PhotoAlbumService nowhere(library, preferences, log);
     EXPECT_TRUE(nowhere.fetchApplePhotosAlbums().empty());
-    EXPECT_TRUE(nowhere.fetchAssets(u"photos_app_album:A"_s)->empty());
+    EXPECT_TRUE(nowhere.fetchAssets(u"photos_app_album:A"_s).fetched->empty());
 }
 
 } // namespace quorvane::test

@@ -53,16 +53,16 @@ TEST_F(MacAdapters, AnAlbumOfThePhotosApplicationIsASourceOrAnEmptyOne) {
         albums.fetchApplePhotosAlbums(),
         testing::ElementsAre(LocalAlbumItem{u"photos_app_album:A/L0/040"_s, u"Yaz ::: 2024"_s, 2}));
     mac.scriptResult = "new/L0/001\nold/L0/001\n\n";
-    const auto assets = albums.fetchAssets(u"photos_app_album:A"_s);
+    const auto assets = albums.fetchAssets(u"photos_app_album:A"_s).oldestFirst;
     ASSERT_EQ(assets->size(), 2u);
     EXPECT_EQ(assets->front().localIdentifier, u"old/L0/001");
     EXPECT_TRUE(mac.programs.back().starts_with("tell application \"Photos\"\n    set prevTIDs"));
 
     mac.scriptError = "Not authorized";
-    EXPECT_TRUE(albums.fetchAssets(u"photos_app_album:A"_s)->empty());
+    EXPECT_TRUE(albums.fetchAssets(u"photos_app_album:A"_s).fetched->empty());
     EXPECT_TRUE(albums.fetchApplePhotosAlbums().empty());
     mac.compiles = false;
-    EXPECT_TRUE(albums.fetchAssets(u"photos_app_album:A"_s)->empty());
+    EXPECT_TRUE(albums.fetchAssets(u"photos_app_album:A"_s).fetched->empty());
     EXPECT_TRUE(albums.fetchApplePhotosAlbums().empty());
     for (const QString& line :
          {u"Media item IDs AppleScript hatası: {"_s, u"Not authorized"_s,

@@ -1,4 +1,5 @@
 #include "ChangeRecorder.h"
+#include "library/PhotoAlbumService.h"
 #include "platform/folder/FolderLibrary.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
@@ -60,6 +61,16 @@ class FolderChanges : public testing::Test {
 };
 
 } // namespace
+
+TEST_F(FolderChanges, TellsOfNewFilesInAnAlbumThatIsTheSource) {
+    folder.write("library/Tatil/1.jpg", "x");
+    Preferences preferences(folder / "preferences.json");
+    PhotoAlbumService albums(library, preferences, log, {});
+    observe(albums.fetchAssets(albums.performFetchLocalAlbums().at(0).id).fetched);
+    folder.write("library/Tatil/2.jpg", "x");
+    folder.write("library/elsewhere.jpg", "x");
+    EXPECT_THAT(told(1), testing::ElementsAre("Tatil/2.jpg"));
+}
 
 TEST_F(FolderChanges, TellsOfEveryNewFileOnce) {
     observe(library.fetchAssets());

@@ -100,7 +100,8 @@ Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackM
                   std::stop_token stop) {
     Forecast result;
     const auto settled = settledAssets(library.state.db);
-    const auto assets = library.albums.fetchAssets(library.albums.selectedSourceAlbumID());
+    const auto assets =
+        library.albums.fetchAssets(library.albums.selectedSourceAlbumID()).oldestFirst;
     result.leftOut = library.library->leftOut();
     result.behind = RecordRemainders(library.state.db).counts();
     std::vector<PhotoAssetResource> files;
