@@ -66,6 +66,7 @@ LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
             throw Error(QStringLiteral("Bu bilgisayarda Fotoğraflar uygulaması yok"));
         identity_ = pathText(path_);
     } else if (PhotosBundleLibrary::looksLikeBundle(path_)) {
+        isBundle_ = true;
         bundle_ = std::make_unique<PhotosBundleLibrary>(path_, core.folders.applicationSupport(),
                                                         core.logger);
         identity_ = bundle_->identity();
@@ -101,6 +102,7 @@ SourceServices::SourceServices(CoreServices& core, const AccountIdentity& accoun
     : path(at.path()),
       identity(at.identity()),
       choices(at.choices),
+      isBundle(at.isBundle()),
       state(core, statePlace, account),
       lookedAt(state.files),
       library(at.open(use == Use::work ? static_cast<KnownFiles&>(state.files) : lookedAt)),

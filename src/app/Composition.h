@@ -117,6 +117,7 @@ class LibraryAt {
     /// What tells the library from every other: what it or its file system says, else its place and
     /// its files.
     const QString& identity() const { return identity_; }
+    bool isBundle() const { return isBundle_; }
 
     /// Those that are remembered for it; a change holds for what is opened afterwards.
     LibraryChoices choices;
@@ -130,6 +131,7 @@ class LibraryAt {
   private:
     CoreServices& core_;
     std::filesystem::path path_;
+    bool isBundle_ = false;
     std::unique_ptr<PhotosBundleLibrary> bundle_; ///< read already, for its identity
     QString identity_;
 };
@@ -145,6 +147,7 @@ struct SourceServices {
     const std::filesystem::path path;
     const QString identity; ///< what tells the library from every other
     const LibraryChoices choices;
+    const bool isBundle;
     StateServices state;
     LookedAtFiles lookedAt;
     std::unique_ptr<PhotoLibrary> library;

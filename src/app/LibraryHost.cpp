@@ -6,10 +6,11 @@ namespace quorvane {
 
 /// All that belongs to one library, from its adapter to the engine over it.
 struct LibraryHost::OpenLibrary {
-    OpenLibrary(CoreServices& core, GoogleServices& google, const std::filesystem::path& path)
+    OpenLibrary(CoreServices& core, GoogleServices& google, const std::filesystem::path& path,
+                std::function<void(const LibraryChoices&)> choose)
         : services(core, google, LibraryAt(core, path)),
-          session{services.run, services.state.life, services.albums, services.metadata,
-                  services.path},
+          session{services.run,  services.state.life, services.albums,   services.metadata,
+                  services.path, services.choices,    services.isBundle, std::move(choose)},
           status(services.library->authorizationStatus()) {}
 
     LibraryServices services;
@@ -48,7 +49,8 @@ void LibraryHost::open(const std::filesystem::path& path, Answer answer) {
 
 /// Its last user may be a background thread; the library itself goes on the main one.
 std::shared_ptr<LibraryHost::OpenLibrary> LibraryHost::make(const std::filesystem::path& path) {
-    return {new OpenLibrary(core_, google_, path), [](OpenLibrary* last) {
+    const auto choose = [this](const LibraryChoices& choices) { this->choose(choices); };
+    return {new OpenLibrary(core_, google_, path, choose), [](OpenLibrary* last) {
                 if (isMainThread())
                     delete last;
                 else
@@ -57,8 +59,22 @@ std::shared_ptr<LibraryHost::OpenLibrary> LibraryHost::make(const std::filesyste
 }
 
 void LibraryHost::accountDidChange() {
-    if (!open_ || open_->services.state.life.account() == google_.account())
+    if (open_ && open_->services.state.life.account() != google_.account())
+        openAgain();
+}
+
+void LibraryHost::choose(const LibraryChoices& choices) {
+    if (!open_)
         return;
+    try {
+        choices.save(open_->services.identity, core_.preferences);
+    } catch (const Error& error) {
+        core_.logger.log(QStringLiteral("[LibraryHost] ⚠️ ") + error.localizedDescription());
+    }
+    openAgain();
+}
+
+void LibraryHost::openAgain() {
     open(open_->services.path, [this](AuthorizationStatus status) {
         if (status == AuthorizationStatus::authorized || status == AuthorizationStatus::limited)
             startObserver();

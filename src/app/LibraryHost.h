@@ -36,6 +36,9 @@ class LibraryHost {
     /// that is the one that is open.
     void accountDidChange();
 
+    /// Remembers other choices for the library that is open, and opens it again with them.
+    void choose(const LibraryChoices& choices);
+
     /// Starts and stops the discovery in the library that is open. None is open: nothing happens.
     void startObserver();
     void stopObserver();
@@ -44,6 +47,7 @@ class LibraryHost {
     struct OpenLibrary;
 
     std::shared_ptr<OpenLibrary> make(const std::filesystem::path& path);
+    void openAgain();
     void adopt(const std::shared_ptr<OpenLibrary>& library, const Answer& answer);
 
     CoreServices& core_;

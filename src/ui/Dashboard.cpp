@@ -22,7 +22,7 @@ QString partOf(const QString& nextPartTitle) {
 
 } // namespace
 
-Dashboard::Dashboard(MenuBarViewModel& model) : model_(model) {
+Dashboard::Dashboard(MenuBarViewModel& model) : model_(model), librarySettings_(model) {
     using Model = MenuBarViewModel;
     using Self = Dashboard;
     relay(&Model::accountChanged,
@@ -43,6 +43,7 @@ Dashboard::Dashboard(MenuBarViewModel& model) : model_(model) {
     relay(&Model::googleAlbumsChanged, {&Self::routeChanged, &Self::menusChanged});
     relay(&Model::inspectorToggled, {&Self::inspectorToggled});
     relay(&Model::transfersChanged, {&Self::inspectorChanged, &Self::heroChanged});
+    connect(&librarySettings_, &LibrarySettings::changed, this, &Self::menusChanged);
     connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
     connect(&model_, &Model::sheetsChanged, this, [this] {
         if (!model_.showQuarantineSheet())

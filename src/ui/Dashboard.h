@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/DashboardTypes.h"
+#include "ui/LibrarySettings.h"
 #include "ui/MenuBarViewModel.h"
 #include "ui/TransferListModel.h"
 
@@ -29,7 +30,7 @@ class Dashboard final : public QObject {
     Q_PROPERTY(QVariantList sourceMenu READ sourceMenu NOTIFY menusChanged)
     Q_PROPERTY(QVariantList targetMenu READ targetMenu NOTIFY menusChanged)
     Q_PROPERTY(QVariantList themeMenu READ themeMenu NOTIFY settingsChanged)
-    Q_PROPERTY(QVariantList settingsMenu READ settingsMenu NOTIFY menusChanged)
+    Q_PROPERTY(quorvane::LibrarySettings* librarySettings READ librarySettings CONSTANT)
     Q_PROPERTY(QString hint READ hint NOTIFY hintChanged)
 
   public:
@@ -52,6 +53,7 @@ class Dashboard final : public QObject {
     InspectorView inspector() const;
     TransferListModel* transfers() { return &transfers_; }
     SessionCheckModel* sessionCheck() { return model_.sessionCheck(); }
+    LibrarySettings* librarySettings() { return &librarySettings_; }
     /// None while nobody looks.
     LogListModel* log() const { return isLive_ ? model_.recentLogs() : nullptr; }
 
@@ -60,7 +62,6 @@ class Dashboard final : public QObject {
     QVariantList sourceMenu() const;
     QVariantList targetMenu() const;
     QVariantList themeMenu() const;
-    QVariantList settingsMenu() const;
 
     /// A line above the footer; empty for none.
     const QString& hint() const { return hint_; }
@@ -109,6 +110,7 @@ class Dashboard final : public QObject {
 
     MenuBarViewModel& model_;
     TransferListModel transfers_;
+    LibrarySettings librarySettings_;
     bool isLive_ = false;
     QString chosenFallback_; ///< in the open sheet; empty: what is stored
     bool sendsUndatable_ = false;

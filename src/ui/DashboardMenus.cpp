@@ -64,18 +64,22 @@ QVariantList Dashboard::targetMenu() const {
     const QString target = QStringLiteral("target");
     const QString& selected = model_.selectedTargetAlbumID();
     const bool canChange = !model_.isSyncing();
+    const bool isMirrored = librarySettings_.mirrorsAlbums();
+    const bool canTarget = canChange && !isMirrored;
     QVariantList rows{entry(QStringLiteral("Google Fotoğraflar (Ana Akış / Kitaplık)"),
                             QStringLiteral("icloud.and.arrow.up.fill"), target, {},
                             selected.isEmpty(), canChange),
                       special(line)};
     rows << special(header, QStringLiteral("Google Albümlerim (%1)")
                                 .arg(QLocale().toString(qint64(model_.googleAlbums().size()))));
+    if (isMirrored)
+        rows << special(header, QStringLiteral("Albümler yansıtılırken hedef ana akıştır"));
     for (const GoogleAlbum& album : model_.googleAlbums())
         rows << entry(album.menuDisplayTitle(), QStringLiteral("photo.on.rectangle.angled"), target,
-                      album.id, album.id == selected, canChange);
+                      album.id, album.id == selected, canTarget);
     rows << special(line)
          << entry(QStringLiteral("Özel Albüm Yarat..."), QStringLiteral("folder.badge.plus"),
-                  QStringLiteral("createAlbum"), {}, false, canChange)
+                  QStringLiteral("createAlbum"), {}, false, canTarget)
          << entry(QStringLiteral("Google Albümlerini Yenile"),
                   QStringLiteral("arrow.clockwise.circle.fill"), QStringLiteral("loadAlbums"), {},
                   false, !model_.isLoadingGoogleAlbums());
@@ -94,23 +98,6 @@ QVariantList Dashboard::themeMenu() const {
     return rows;
 }
 
-QVariantList Dashboard::settingsMenu() const {
-    QVariantList rows{entry(chooseLibraryTitle, QStringLiteral("photo.on.rectangle"),
-                            QStringLiteral("chooseLibrary"))};
-    rows << special(line)
-         << entry(QStringLiteral("Bildirimler"), QStringLiteral("exclamationmark.circle.fill"),
-                  QStringLiteral("notifications"), {}, model_.areNotificationsEnabled())
-         << entry(QStringLiteral("Oturum açılışında başlat"), QStringLiteral("power"),
-                  QStringLiteral("startAtLogin"), {}, model_.startsAtLogin());
-    rows << special(line)
-         << entry(QStringLiteral("Oturum Denetimi…"), QStringLiteral("lock.shield.fill"),
-                  QStringLiteral("checkSession"));
-    if (model_.isSignedIn())
-        rows << entry(QStringLiteral("Oturumu Kapat"), QStringLiteral("person.crop.circle.fill"),
-                      QStringLiteral("signOut"));
-    return rows;
-}
-
 void Dashboard::choose(const QString& command, const QString& value) {
     const std::map<QString, std::function<void()>> commands{
         {QStringLiteral("source"), [&] { model_.selectSourceAlbum(value); }},
@@ -119,9 +106,6 @@ void Dashboard::choose(const QString& command, const QString& value) {
         {QStringLiteral("loadAlbums"), [&] { model_.loadGoogleAlbums(); }},
         {QStringLiteral("theme"), [&] { model_.setAppTheme(appThemeFrom(value)); }},
         {QStringLiteral("chooseLibrary"), [&] { Q_EMIT chooseLibraryRequested(); }},
-        {QStringLiteral("notifications"),
-         [&] { model_.setNotificationsEnabled(!model_.areNotificationsEnabled()); }},
-        {QStringLiteral("startAtLogin"), [&] { model_.setStartsAtLogin(!model_.startsAtLogin()); }},
         {QStringLiteral("checkSession"), [&] { sessionCheck()->show(); }},
         {QStringLiteral("signIn"), [&] { model_.reauthorizeGoogle(); }},
         {QStringLiteral("signOut"), [&] { model_.signOut(); }},

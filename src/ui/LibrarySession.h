@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/LibraryChoices.h"
 #include "library/PhotoAlbumService.h"
 #include "sync/SyncRun.h"
 
@@ -13,6 +14,10 @@ struct LibrarySession {
     PhotoAlbumService& albums;
     MediaMetadataService& metadata;
     std::filesystem::path root; ///< of the library
+    LibraryChoices choices = {};
+    bool isBundle = false; ///< a Photos bundle
+    /// Remembers other choices, and opens the library again with them. Main thread.
+    std::function<void(const LibraryChoices&)> choose = [](const LibraryChoices&) {};
 };
 
 } // namespace quorvane

@@ -201,6 +201,7 @@ class MenuBarViewModel final : public QObject {
     void setShowQuarantineSheet(bool show);
 
     bool hasLibrary() const { return session_ != nullptr; }
+    const LibrarySession* library() const { return session_.get(); } ///< none: null
     const std::vector<LocalAlbumItem>& localAlbums() const { return localAlbums_; }
     QVariantList localAlbumRows() const { return toVariantList(localAlbums_); }
     int totalPhotoCount() const { return totalPhotoCount_; }

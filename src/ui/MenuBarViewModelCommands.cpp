@@ -13,6 +13,10 @@ namespace {
 
 const QString stoppedMessage = QStringLiteral("Eşitleme kullanıcı tarafından durduruldu");
 
+const QString mirrorsBesideTargetText =
+    QStringLiteral("Albümler hedef albümle birlikte Google'a taşınamaz: hedef olarak ana akışı "
+                   "seçin ya da Ayarlar'da albümleri yansıtmayı kapatın");
+
 QString grouped(qint64 number) {
     return QLocale().toString(number);
 }
@@ -175,10 +179,11 @@ void MenuBarViewModel::triggerSync() {
 
 /// What a run needs before it may touch a record; its absence is told.
 bool MenuBarViewModel::isReadyToRun() {
-    const QString obstacle = !session_ ? QStringLiteral("Önce bir fotoğraf kitaplığı seçin.")
-                             : !account_.isSignedIn
-                                 ? OAuthError(OAuthError::Case::notSignedIn).localizedDescription()
-                                 : QString();
+    const QString obstacle =
+        !session_              ? QStringLiteral("Önce bir fotoğraf kitaplığı seçin.")
+        : !account_.isSignedIn ? OAuthError(OAuthError::Case::notSignedIn).localizedDescription()
+        : session_->choices.mirrorAlbums && !route_.targetID.isEmpty() ? mirrorsBesideTargetText
+                                                                       : QString();
     publish(errorMessage_, obstacle, &MenuBarViewModel::errorMessageChanged);
     if (!obstacle.isEmpty())
         publish(syncState_, SyncVisualState::error, &MenuBarViewModel::syncChanged);

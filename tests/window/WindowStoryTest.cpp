@@ -45,7 +45,8 @@ TEST_F(WindowStoryTest, signingInAndOut) {
     QObject::connect(&window, &MainWindowController::chooseLibraryRequested, &window,
                      [&] { ++asked; });
     choose(u"source"_s, u"Fotoğraf Kitaplığını Seç..."_s);
-    choose(u"settings"_s, u"Fotoğraf Kitaplığını Seç..."_s);
+    click(u"settings"_s);
+    click(u"changeLibrary"_s);
     EXPECT_EQ(asked, 2);
     openLibrary();
     shot(u"main-signed-out-light"_s);
@@ -84,7 +85,8 @@ TEST_F(WindowStoryTest, signingInAndOut) {
     click(u"signIn"_s);
     expectShown({u"Google Photos Bağlı"_s, u"ayse.yilmaz@ornek.com"_s, u"Şimdi Eşitle"_s});
     expectHidden({u"Google Hesabınızı Bağlayın"_s});
-    choose(u"settings"_s, u"Oturumu Kapat"_s);
+    click(u"settings"_s);
+    click(u"signOut"_s);
     expectShown({u"Google ile Giriş Yap"_s});
 }
 
@@ -247,7 +249,8 @@ TEST_F(WindowStoryTest, theSessionIsChecked) {
         {State::fine, u"Oturum"_s, u"açık"_s},
         {State::unknown, u"Saat"_s, u"öğrenilemedi"_s},
         {State::faulty, u"Arşiv: yok"_s, u"Diski bağlayın"_s, u"Seç…"_s, u"chooseLibrary"_s}};
-    choose(u"settings"_s, u"Oturum Denetimi…"_s);
+    click(u"settings"_s);
+    click(u"checkSession"_s);
     ASSERT_TRUE(awaitView([&] { return shows(u"Yeniden Denetle"_s); }));
     expectShown({u"Oturum Denetimi"_s, u"açık"_s, u"Diski bağlayın"_s, u"Yeniden Denetle"_s});
     EXPECT_TRUE(texts().filter(u" denetlendi · 1 sorun, 1 madde yolunda"_s).size() == 1);
@@ -261,6 +264,47 @@ TEST_F(WindowStoryTest, theSessionIsChecked) {
     click(u"check-chooseLibrary"_s);
     EXPECT_EQ(asked, 1);
     expectHidden({u"Yeniden Denetle"_s});
+}
+
+TEST_F(WindowStoryTest, whatOfALibraryGoesToGoogleIsChosen) {
+    const QString album = world.google.addAlbum(u"Aile"_s, 3);
+    openSignedIn();
+    click(u"settings"_s);
+    expectShown({u"Ayarlar"_s, u"Kitaplık"_s, u"Bildirimler"_s});
+    expectHidden({u"Google'a Aktarma"_s}); // a folder has nothing to choose
+    EXPECT_EQ(focus(), u"changeLibrary"_s);
+    key(Qt::Key_Escape);
+
+    LibrarySession bundle = *model->library();
+    LibraryChoices chosen;
+    bundle.isBundle = true;
+    bundle.choose = [&](const LibraryChoices& choices) { chosen = choices; };
+    model->setLibrary(std::make_shared<LibrarySession>(bundle));
+    click(u"settings"_s);
+    expectShown({u"Google'a Aktarma"_s, u"Özgün"_s, u"Fotoğraf ve kısa filmi birlikte gider"_s,
+                 u"Aynı adlı albümler açılır ve doldurulur"_s});
+    shot(u"settings-light"_s);
+    for (const QString& control : {u"version1"_s, u"motion"_s, u"mirror"_s, u"captions"_s})
+        click(control);
+    LibraryChoices all;
+    all.versions = LibraryChoices::Versions::edited;
+    all.live = LibraryChoices::Live::motion;
+    all.mirrorAlbums = all.captions = true;
+    EXPECT_EQ(chosen, all);
+    click(u"settingsClose"_s);
+
+    model->selectTargetAlbum(album);
+    bundle.choices = all;
+    model->setLibrary(std::make_shared<LibrarySession>(bundle));
+    click(u"start"_s);
+    expectShown({u"Albümler hedef albümle birlikte Google'a taşınamaz: hedef olarak ana akışı "
+                 "seçin ya da Ayarlar'da albümleri yansıtmayı kapatın"_s});
+    click(u"settings"_s);
+    click(u"mirror"_s);
+    EXPECT_FALSE(chosen.mirrorAlbums);
+    click(u"mirror"_s);
+    EXPECT_FALSE(chosen.mirrorAlbums) << "one album is the target";
+    expectShown({u"Hedef bir albümken yapılamaz; hedef olarak ana akışı seçin"_s});
 }
 
 TEST_F(WindowStoryTest, whatHasNoDateIsReviewed) {

@@ -83,20 +83,10 @@ Item {
             onClicked: footer.dashboard.model.toggleInspector()
         }
         IconButton {
-            id: gear
             objectName: "settings"
             symbol: "gearshape"
             name: "Ayarlar"
-            onClicked: settings.openByKeyboard(visualFocus)
-
-            ChoiceMenu {
-                id: settings
-                x: parent.width - width - 5
-                width: 272
-                name: gear.name
-                rows: footer.dashboard.settingsMenu
-                onChosen: (command, value) => footer.dashboard.choose(command, value)
-            }
+            onClicked: footer.dashboard.librarySettings.show()
         }
         IconButton {
             objectName: "quit"

@@ -41,6 +41,7 @@ Rectangle {
         }
     }
     QuarantineSheet { dashboard: root.dashboard }
+    SettingsSheet { dashboard: root.dashboard }
     SessionCheckSheet { dashboard: root.dashboard }
     AlbumSheet { id: albumSheet; dashboard: root.dashboard }
     AlertSheet { dashboard: root.dashboard }

@@ -35,6 +35,13 @@ struct SessionCheckModelForQml {
     QML_UNCREATABLE("made by the program")
 };
 
+struct LibrarySettingsForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::LibrarySettings)
+    QML_NAMED_ELEMENT(LibrarySettings)
+    QML_UNCREATABLE("made by the program")
+};
+
 struct LogListModelForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::LogListModel)
