@@ -86,6 +86,13 @@ DailyRequests::Today DailyRequests::today() const {
             .turns = clock_.now() + (nextPacificMidnight(time) - time)};
 }
 
+int DailyRequests::daysFor(std::int64_t requests) const {
+    if (requests == 0)
+        return 0;
+    const std::int64_t later = std::max<std::int64_t>(0, requests - today().left);
+    return static_cast<int>(1 + (later + limit - 1) / limit);
+}
+
 std::uint32_t DailyRequests::dayNow() const {
     return static_cast<std::uint32_t>(pacificDate(serviceTime()).toJulianDay());
 }

@@ -37,6 +37,9 @@ class DailyRequests {
 
     Today today() const;
 
+    /// How many of Google's days `requests` take from now on: 1 when what is left of this one does.
+    int daysFor(std::int64_t requests) const;
+
   private:
     using Cell = std::uint64_t; ///< the Julian day in the upper half, the requests in the lower
 

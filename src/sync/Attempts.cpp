@@ -80,8 +80,13 @@ std::optional<Fault> Attempts::ending() const {
 }
 
 std::optional<Attempts::Permit> Attempts::enter(const std::stop_token& stop) {
-    std::unique_lock lock(mutex_);
     while (true) {
+        if (requests_.today().left == 0)
+            learn([this](World& world) {
+                world.dayUsedUp(now());
+                return World::Verdict();
+            });
+        std::unique_lock lock(mutex_);
         if (stop.stop_requested())
             throw Cancelled();
         if (world_.ending())

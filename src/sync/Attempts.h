@@ -1,5 +1,6 @@
 #pragma once
 
+#include "google/DailyRequests.h"
 #include "sync/World.h"
 
 #include <condition_variable>
@@ -10,10 +11,10 @@ namespace quorvane {
 
 /// Where every request of a run that sends or makes something asks before it goes out: when the
 /// world is as it should be they all pass, in an outage one at a time and only when its wait is
-/// over. Any thread.
+/// over. When the day's requests are used up, nothing goes out before it turns. Any thread.
 class Attempts {
   public:
-    explicit Attempts(Clock& clock) : clock_(clock) {}
+    Attempts(Clock& clock, const DailyRequests& requests) : clock_(clock), requests_(requests) {}
 
     /// What is waited for, and until when; none when nothing is any more.
     struct Waiting {
@@ -59,13 +60,14 @@ class Attempts {
     std::optional<Fault> ending() const;
 
   private:
-    World::Now now() const { return {clock_.monotonic(), clock_.now()}; }
+    World::Now now() const { return {clock_.monotonic(), clock_.now(), requests_.today().turns}; }
     void tell(const std::optional<Waiting>& waiting);
     World::Verdict learn(const std::function<World::Verdict(World&)>& what);
     void waitFor(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds time,
                  const std::stop_token& stop);
 
     Clock& clock_;
+    const DailyRequests& requests_;
     mutable std::mutex mutex_; ///< guards everything below; never held while waiting
     std::condition_variable_any changed_;
     World world_;

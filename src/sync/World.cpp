@@ -1,6 +1,5 @@
 #include "sync/World.h"
 
-#include "foundation/PacificDay.h"
 #include "sync/Backoff.h"
 
 #include <algorithm>
@@ -69,9 +68,14 @@ World::Verdict World::momentFailed(const Fault& fault, Now now) {
     return {.isItsOwn = false, .beganOutage = begins};
 }
 
+void World::dayUsedUp(Now now) {
+    if (!dayTurns_ || *dayTurns_ <= now.date)
+        dayFailed({.code = FaultCode::dailyQuota}, now);
+}
+
 /// Until the quota is renewed nothing passes.
 void World::dayFailed(const Fault& fault, Now now) {
-    const Date turn = nextPacificMidnight(now.date) + std::chrono::minutes(1);
+    const Date turn = now.dayTurns + std::chrono::minutes(1);
     outage_ = fault;
     outageSince_ = now.monotonic;
     dayTurns_ = turn;

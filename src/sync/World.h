@@ -19,6 +19,7 @@ class World {
     struct Now {
         Clock::Monotonic monotonic;
         Date date;
+        Date dayTurns; ///< when the destination counts its requests anew
     };
 
     /// How long an outage may last before the run ends.
@@ -40,6 +41,8 @@ class World {
     void passed();
     /// None: nobody could tell whose fault it was.
     Verdict failed(const std::optional<Fault>& fault, Now now);
+    /// By our own count the day's requests are used up: nothing is worth trying before it turns.
+    void dayUsedUp(Now now);
 
     /// Only one attempt at a time.
     bool isOut() const { return outage_.has_value(); }

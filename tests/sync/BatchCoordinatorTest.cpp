@@ -61,7 +61,8 @@ struct Batches : testing::Test {
     RecordLife life{database};
     UploadTokens tokens{database, clock};
     test::FakeClock worldClock;
-    Attempts attempts{worldClock};
+    DailyRequests requests{{}, worldClock};
+    Attempts attempts{worldClock, requests};
     std::optional<BatchCoordinator> coordinator;
 
     Batches() {

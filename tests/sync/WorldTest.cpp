@@ -1,4 +1,6 @@
-#include "sync/World.h"
+#include "sync/Attempts.h"
+
+#include "support/Fakes.h"
 
 #include <gtest/gtest.h>
 
@@ -83,8 +85,8 @@ TEST(World, DecidesWhoseFaultItWasAndWhenToGoOn) {
     for (const Story& story : stories) {
         SCOPED_TRACE(story.name);
         World world(story.patience);
-        // An hour before midnight in Los Angeles, in summer.
-        World::Now now{{}, Date(std::chrono::sys_days{std::chrono::year{2026} / 7 / 2} + 6h)};
+        const Date date(std::chrono::sys_days{std::chrono::year{2026} / 7 / 2});
+        World::Now now{{}, date, date + 1h};
         for (const Step& step : story.steps) {
             if (!step.fault) {
                 world.passed();
@@ -99,11 +101,37 @@ TEST(World, DecidesWhoseFaultItWasAndWhenToGoOn) {
                 break;
             const auto left = world.timeLeft(now);
             EXPECT_EQ(left, step.left);
-            now = {now.monotonic + left, now.date + left};
+            now = {now.monotonic + left, now.date + left, now.dayTurns};
         }
         EXPECT_EQ(world.ending() ? std::optional(world.ending()->code) : std::nullopt,
                   story.ending);
     }
+}
+
+TEST(Attempts, AreNotMadeOnceTheDaysRequestsAreUsedUp) {
+    test::FakeClock clock;
+    clock.skipSleeps(true);
+    DailyRequests requests({}, clock);
+    for (int i = 0; i < DailyRequests::limit; ++i)
+        requests.count();
+    EXPECT_EQ(requests.daysFor(0), 0);
+    EXPECT_EQ(requests.daysFor(DailyRequests::limit + 1), 3);
+    Attempts attempts(clock, requests);
+
+    attempts.begin(10min);
+    EXPECT_FALSE(attempts.enter({}));
+    EXPECT_EQ(attempts.ending().value().code, dailyQuota);
+
+    const Date turns = requests.today().turns;
+    std::optional<Attempts::Waiting> told;
+    attempts.begin(World::endless, [&](const auto& waiting) { told = waiting; });
+    auto permit = attempts.enter({});
+    ASSERT_TRUE(permit);
+    EXPECT_GT(clock.now(), turns);
+    EXPECT_EQ(told->obstacle.code, dailyQuota);
+    permit->passed();
+    EXPECT_FALSE(told);
+    EXPECT_EQ(requests.daysFor(DailyRequests::limit), 1);
 }
 
 } // namespace quorvane

@@ -14,7 +14,9 @@ const QString exitCodes =
                    "  3    oturum açılmamış\n"
                    "  4    bitti, ama bazı öğeler yüklenemedi veya bekletiliyor\n"
                    "  5    başka bir eşitleme çalışıyor\n"
-                   "  130  durduruldu (SIGINT/SIGTERM)");
+                   "  6    ara verildi: Google veya ağ beklemek istiyor; her şey saklandı, "
+                   "yeniden çalıştırın\n"
+                   "  130  durduruldu (SIGINT/SIGTERM/SIGHUP)");
 
 QString left(const OptionSpec& option) {
     return QStringLiteral("--") + option.name +

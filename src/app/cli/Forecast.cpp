@@ -96,7 +96,7 @@ bool Forecast::overflowsTarget() const {
     return targetTitle && targetCount + toUpload() > GoogleAlbum::capacity;
 }
 
-Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackMode fallbackMode,
+Forecast forecast(SourceServices& library, GoogleServices& google, DateFallbackMode fallbackMode,
                   std::stop_token stop) {
     Forecast result;
     const auto settled = settledAssets(library.state.db);
@@ -125,12 +125,11 @@ Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackM
             files.push_back(std::move(*file));
     }
     result.behind.duplicates += duplicatesAmong(files, library, stop);
-    if (google == nullptr)
+    result.days = daysUnderQuota(result.toUpload(), google.requests);
+    const auto target = google.albums.targetAlbumID();
+    if (!target || !google.oauth.isSignedIn())
         return result;
-    const auto target = google->albums.targetAlbumID();
-    if (!target)
-        return result;
-    const auto albums = google->albums.listAlbums(stop);
+    const auto albums = google.albums.listAlbums(stop);
     const auto album = std::ranges::find(albums, *target, &GoogleAlbum::id);
     if (album != albums.end()) {
         result.targetTitle = album->title.value_or(album->id);
@@ -155,7 +154,7 @@ QString Forecast::table() const {
     text += leftOutRows(leftOut);
     text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
     text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
-    text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(toUpload()));
+    text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(days));
     if (targetTitle)
         text += tableRow(QStringLiteral("Hedef albüm"),
                          QStringLiteral("%1 (%2 öğe)%3")
@@ -181,7 +180,7 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("held"), held},
                        {QStringLiteral("leftOut"), leftOutJson(leftOut)},
                        {QStringLiteral("toUpload"), toUpload()},
-                       {QStringLiteral("days"), daysUnderQuota(toUpload())},
+                       {QStringLiteral("days"), days},
                        {QStringLiteral("bytes"), qint64(bytes)}};
     if (targetTitle) {
         object[QStringLiteral("targetAlbum")] = *targetTitle;

@@ -24,6 +24,7 @@ struct Forecast {
     std::int64_t bytes = 0;
     std::optional<QString> targetTitle;
     std::int64_t targetCount = 0; ///< items now in the target album
+    int days = 0;                 ///< that Google's daily limit spreads the upload over
 
     int toUpload() const { return photos + videos + livePhotos - undated - unavailable; }
     bool overflowsTarget() const;
@@ -34,9 +35,9 @@ struct Forecast {
     QJsonObject json() const;
 };
 
-/// Reads the source and every file's date. `google` is absent when nobody is signed in; the target
-/// album is then not looked at. Throws `PhotoLibraryError`, `DBError` and `Cancelled`.
-Forecast forecast(SourceServices& library, GoogleServices* google, DateFallbackMode fallbackMode,
+/// Reads the source and every file's date. When nobody is signed in the target album is not looked
+/// at. Throws `PhotoLibraryError`, `DBError` and `Cancelled`.
+Forecast forecast(SourceServices& library, GoogleServices& google, DateFallbackMode fallbackMode,
                   std::stop_token stop);
 
 } // namespace quorvane::cli

@@ -25,6 +25,7 @@ struct Status {
     QString targetAlbum;
     RemainderCounts behind;
     QStringList absences; ///< the first of them, by reason
+    int daysLeft = 0;
 };
 
 constexpr int absencesShown = 20;
@@ -69,7 +70,7 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
                          QString::number(status.counts.misdated));
     text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
     if (status.counts.pending > 0)
-        text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(status.counts.pending));
+        text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(status.daysLeft));
     text += tableRow(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
     text += tableRow(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
     if (status.counts.undatable > 0)
@@ -121,14 +122,16 @@ int status(Invocation& invocation) {
         return done;
     }
     const StatePlace place = state.place.value_or(core.states.first());
-    const Status now{StoreCounts::of(state.db),
+    const StoreCounts counts = StoreCounts::of(state.db);
+    const Status now{counts,
                      google.oauth.isSignedIn(),
                      runStateOf(core),
                      google.oauth.email().value_or(QString()),
                      core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
                      core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString()),
                      RecordRemainders(state.db).counts(),
-                     RecordAbsences(state.db).reasons(absencesShown)};
+                     RecordAbsences(state.db).reasons(absencesShown),
+                     daysUnderQuota(counts.pending, google.requests)};
     if (!invocation.arguments.has(QStringLiteral("json"))) {
         core.console.result(table(now, core.folders, place));
         return done;
@@ -137,7 +140,7 @@ int status(Invocation& invocation) {
               {{QStringLiteral("signedIn"), now.signedIn},
                {QStringLiteral("needsSignIn"), now.run.needsSignIn()},
                {QStringLiteral("state"), now.run.json()},
-               {QStringLiteral("daysLeft"), daysUnderQuota(now.counts.pending)},
+               {QStringLiteral("daysLeft"), now.daysLeft},
                {QStringLiteral("email"), now.email},
                {QStringLiteral("library"), now.library},
                {QStringLiteral("targetAlbum"), now.targetAlbum},

@@ -134,9 +134,9 @@ int dryRun(Invocation& invocation, CoreServices& core, GoogleServices& google,
     choose(invocation, core, google, source);
     const QString mode =
         core.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString());
-    const Forecast result = forecast(
-        source, google.oauth.isSignedIn() ? &google : nullptr,
-        dateFallbackModeFrom(mode).value_or(DateFallbackMode::strictNone), invocation.stop);
+    const Forecast result =
+        forecast(source, google, dateFallbackModeFrom(mode).value_or(DateFallbackMode::strictNone),
+                 invocation.stop);
     if (invocation.arguments.has(QStringLiteral("json")))
         printJson(core.console, result.json());
     else

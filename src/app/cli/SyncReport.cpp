@@ -75,15 +75,13 @@ QJsonObject mirrorJson(const MirrorOutcome& mirror) {
 
 } // namespace
 
-int daysUnderQuota(int items) {
-    constexpr std::int64_t requestsADay = 10'000; // of a project of the Photos Library API
+int daysUnderQuota(int items, const DailyRequests& requests) {
     constexpr auto batch = static_cast<std::int64_t>(BatchCoordinator::batchSize);
-    const std::int64_t requests = items + (items + batch - 1) / batch;
-    return static_cast<int>((requests + requestsADay - 1) / requestsADay);
+    return requests.daysFor(items + (items + batch - 1) / batch);
 }
 
-QString daysText(int items) {
-    return QStringLiteral("%1 gün").arg(daysUnderQuota(items));
+QString daysText(int days) {
+    return QStringLiteral("%1 gün").arg(days);
 }
 
 QString byteText(std::int64_t bytes) {

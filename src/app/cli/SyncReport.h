@@ -39,10 +39,12 @@ QJsonObject leftOutJson(const LeftOut& leftOut);
 /// How what takes no date gets out.
 QString undatableAdvice();
 
-/// How many days Google's daily limit of requests spreads the upload of `items` over: one request
-/// an item, and one a batch. The text: "1 gün".
-int daysUnderQuota(int items);
-QString daysText(int items);
+/// How many days Google's daily limit of requests spreads the upload of `items` over, today among
+/// them: one request an item, and one a batch.
+int daysUnderQuota(int items, const DailyRequests& requests);
+
+/// "1 gün"
+QString daysText(int days);
 
 /// "1,2 MB"
 QString byteText(std::int64_t bytes);
