@@ -31,6 +31,7 @@
 #include "store/UploadTokens.h"
 #include "sync/AlbumMirror.h"
 #include "sync/GoogleDestination.h"
+#include "sync/PatientRemoteItems.h"
 #include "sync/SyncRun.h"
 
 #include <memory>
@@ -172,9 +173,10 @@ struct LibraryServices : SourceServices {
 
     AssetStagingService staging;
     PhotoLibraryObserver observer;
+    Attempts attempts;
+    PatientRemoteItems remote;
     SafeDeletionService deletion;
     Recognition recognition;
-    Attempts attempts;
     BatchCoordinator batches;
     RunFlags flags;
     SyncCoordinator coordinator;

@@ -13,4 +13,14 @@ QString describe(const std::exception& error) {
     return QString::fromUtf8(error.what());
 }
 
+std::optional<Fault> faultOf(const std::exception& error) {
+    const auto* own = dynamic_cast<const Error*>(&error);
+    return own != nullptr ? own->fault() : std::nullopt;
+}
+
+bool isMachines(const std::exception& error) {
+    const auto fault = faultOf(error);
+    return fault && kindOf(fault->code) == FaultKind::machine;
+}
+
 } // namespace quorvane

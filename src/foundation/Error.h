@@ -38,4 +38,11 @@ class Cancelled : public std::exception {
 /// The text to show for any caught exception.
 QString describe(const std::exception& error);
 
+/// None also for what is no `Error`.
+std::optional<Fault> faultOf(const std::exception& error);
+
+/// This computer is to blame (its disk, its library, its state): nothing follows for the item at
+/// hand, and whoever decides about items passes it on.
+bool isMachines(const std::exception& error);
+
 } // namespace quorvane

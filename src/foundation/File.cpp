@@ -11,8 +11,19 @@
 
 namespace quorvane {
 
+namespace {
+
+std::optional<Fault> faultOf(int errorNumber) {
+    if (errorNumber == ENOSPC || errorNumber == EDQUOT)
+        return Fault{.code = FaultCode::diskFull};
+    return std::nullopt;
+}
+
+} // namespace
+
 FileError::FileError(const QString& what, const std::filesystem::path& path, int errorNumber)
-    : Error(QStringLiteral("%1: %2 (%3)").arg(what, pathText(path), errorNumberText(errorNumber))),
+    : Error(QStringLiteral("%1: %2 (%3)").arg(what, pathText(path), errorNumberText(errorNumber)),
+            faultOf(errorNumber)),
       errorNumber_(errorNumber) {}
 
 QString errorNumberText(int errorNumber) {

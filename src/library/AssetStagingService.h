@@ -25,7 +25,9 @@ class AssetStagingService {
 
     /// The record's staged file, made anew from the original unless there is one whose bytes are
     /// proven. None when no file came of it: the record failed, or its original is not there now.
-    /// Throws `Cancelled`, `DBError`, and `StagingDiskFull`; the record stays pending then.
+    /// Throws `Cancelled`, and what is this computer's fault (`isMachines`): no room is left, not
+    /// even without the copies that are no longer needed, the library is away, or the state cannot
+    /// be used. The record stays pending then.
     std::optional<StagedFile> stage(const SyncRecord& record, const std::stop_token& stop);
 
     /// The asset's staged file, whatever its bytes.

@@ -53,4 +53,10 @@ int remainderOf(const std::vector<PhotoAssetResource>& resources, bool joinsMovi
     return behind;
 }
 
+void requireThere(const PhotoLibrary& library) {
+    const AuthorizationStatus status = library.authorizationStatus();
+    if (status != AuthorizationStatus::authorized && status != AuthorizationStatus::limited)
+        throw PhotoLibraryError::away(QStringLiteral("Arşiv yerinde değil veya okunamıyor"));
+}
+
 } // namespace quorvane

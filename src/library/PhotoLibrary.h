@@ -207,6 +207,11 @@ class LibraryChangeObserver {
 class PhotoLibraryError : public Error {
   public:
     using Error::Error;
+
+    /// The library as a whole is not to be had now: its disk, say, was unplugged.
+    static PhotoLibraryError away(const QString& description) {
+        return PhotoLibraryError(description, Fault{.code = FaultCode::libraryAway});
+    }
 };
 
 /// A photo library. All operations may be called from any thread and block; fetches of what is not
@@ -279,5 +284,8 @@ class PhotoLibrary : public AssetFactsSource {
     virtual void registerChangeObserver(LibraryChangeObserver& observer) = 0;
     virtual void unregisterChangeObserver(LibraryChangeObserver& observer) = 0;
 };
+
+/// Throws `PhotoLibraryError` when the library is away, or may not be read any more.
+void requireThere(const PhotoLibrary& library);
 
 } // namespace quorvane

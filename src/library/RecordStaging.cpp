@@ -29,10 +29,6 @@ bool isStaged(const std::filesystem::path& file) {
     return true;
 }
 
-bool isDiskFull(const FileError& error) {
-    return error.errorNumber() == ENOSPC || error.errorNumber() == EDQUOT;
-}
-
 /// What the staging of an asset takes on the disk at most: a movie that is joined stands there
 /// twice, and its still as well.
 std::optional<std::int64_t> roomFor(const RecordStaging::Source& source) {
@@ -73,6 +69,8 @@ std::optional<StagedFile> RecordStaging::stage(const SyncRecord& before,
     try {
         source = sourceOf(identifier);
     } catch (const PhotoLibraryError& error) { // nothing was tried yet: the record stays as it is
+        if (isMachines(error))
+            throw;
         printError(identifier, error.localizedDescription());
         return std::nullopt;
     }
@@ -102,14 +100,10 @@ std::optional<StagedFile> RecordStaging::stageAsset(const SyncRecord& record, co
             if (const auto file = provenCopy(record, stop)) // its run was stopped while sending
                 return recordCopy(record, *file, s_.life.sourceOf(identifier));
         return exportAndRecord(record, source, stop);
-    } catch (const FileError& error) {
-        if (isDiskFull(error))
-            throw StagingDiskFull(error.localizedDescription());
-        printError(identifier, error.localizedDescription());
-        s_.life.stageFailed(record, error.localizedDescription());
-    } catch (const DBError&) {
-        throw;
     } catch (const Error& error) {
+        if (isMachines(error))
+            throw;
+        requireThere(s_.library); // else every original would be found unreadable
         printError(identifier, error.localizedDescription());
         s_.life.stageFailed(record, error.localizedDescription());
     }
@@ -291,11 +285,10 @@ std::optional<RecordSource::Movie> RecordStaging::joined(const Source& source,
         return std::nullopt;
     try {
         return joinMovie(s_.library, *movie, still, *date, stop);
-    } catch (const FileError& error) {
-        if (isDiskFull(error))
-            throw;
-        tellAlone(source, error);
     } catch (const Error& error) {
+        if (isMachines(error))
+            throw;
+        requireThere(s_.library); // else the still would go up alone
         tellAlone(source, error);
     }
     return std::nullopt;

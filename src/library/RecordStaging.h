@@ -21,12 +21,6 @@ struct StagedFile {
     QString caption = {};                ///< `PhotoLibrary::captionOf`
 };
 
-/// The disk has no room for the next file, not even without the copies that are no longer needed.
-class StagingDiskFull : public Error {
-  public:
-    using Error::Error;
-};
-
 struct StagingServices {
     PhotoLibrary& library;
     DatabaseManager& database;
@@ -49,7 +43,8 @@ class RecordStaging {
     RecordStaging(StagingServices services, StagedCopies& copies) : s_(services), copies_(copies) {}
 
     /// None when no file came of it: the record failed, or its original is not there now. Throws
-    /// `Cancelled`, `DBError`, and `StagingDiskFull`; the record stays pending then.
+    /// `Cancelled`, and what is this computer's fault (`isMachines`); the record stays pending
+    /// then.
     std::optional<StagedFile> stage(const SyncRecord& before, const std::stop_token& stop);
 
     /// Has a capture date written into a staged file that has none; the file and its record tell of

@@ -152,7 +152,9 @@ MetadataResult publish(const Rewrite& rewrite, const MappedFile& source, ImageFo
     std::optional<TemporaryFile> temporary;
     try {
         temporary.emplace(file);
-    } catch (const FileError&) {
+    } catch (const FileError& error) {
+        if (isMachines(error))
+            throw;
         return failed(noDestination);
     }
     temporary->write(rewrite, source, stop);
@@ -160,6 +162,8 @@ MetadataResult publish(const Rewrite& rewrite, const MappedFile& source, ImageFo
     try {
         temporary->replace(file);
     } catch (const FileError& error) {
+        if (isMachines(error))
+            throw;
         return MetadataResult::failed(QStringLiteral("Atomic swap hatası: ") +
                                       error.localizedDescription());
     }
@@ -227,6 +231,8 @@ MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targe
     } catch (const Cancelled&) {
         throw;
     } catch (const std::exception& error) {
+        if (isMachines(error))
+            throw;
         log.log(QStringLiteral("[Metadata] ⚠️ Görsele tarih yazılamadı: %1 (%2)")
                     .arg(pathText(file.filename()), describe(error)));
         return failed(notFinalized);

@@ -11,6 +11,8 @@ MetadataResult enrichVideoMetadata(const std::filesystem::path& file, Date targe
     } catch (const Cancelled&) {
         throw;
     } catch (const std::exception& error) {
+        if (isMachines(error))
+            throw;
         log.log(QStringLiteral("[Metadata] ⚠️ MP4 binary patch başarısız: %1 (%2)")
                     .arg(describe(error), pathText(file.filename())));
         return MetadataResult::failed(describe(error));

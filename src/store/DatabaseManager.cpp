@@ -81,7 +81,8 @@ void bindKeyAndType(sqlite::Statement& statement, const SyncRecord& record) {
 } // namespace
 
 DBError::DBError(Case which, const QString& message)
-    : Error(descriptionOf(which, message)), case_(which) {}
+    : Error(descriptionOf(which, message), Fault{.code = FaultCode::storeUnavailable}),
+      case_(which) {}
 
 DatabaseManager::DatabaseManager(const std::filesystem::path& file, Console& console)
     : file_(file) {
@@ -132,7 +133,8 @@ void DatabaseManager::requireUsable() {
         countPendingRecords();
     } catch (const DBError& error) {
         throw Error(QStringLiteral("Durum veritabanı kullanılamıyor, dosyaya dokunulmadı: %1 (%2)")
-                        .arg(pathText(file_), error.localizedDescription()));
+                        .arg(pathText(file_), error.localizedDescription()),
+                    error.fault());
     }
 }
 

@@ -1,7 +1,6 @@
 #include "sync/AlbumMirror.h"
 
 #include "google/GoogleAlbumManager.h"
-#include "sync/Backoff.h"
 
 #include <algorithm>
 
@@ -11,33 +10,9 @@ namespace {
 
 using State = MirrorAlbum::State;
 
-/// A fault of the moment is met so often in a row before the next run goes on.
-constexpr int patience = 4;
-
 std::optional<FaultCode> codeOf(const Error& error) {
     const auto fault = error.fault();
     return fault ? std::optional(fault->code) : std::nullopt;
-}
-
-bool passes(const Error& error) {
-    const auto code = codeOf(error);
-    return code && kindOf(*code) == FaultKind::moment;
-}
-
-/// Repeats a request over faults of the moment.
-template <typename Request>
-auto patiently(Clock& clock, const std::stop_token& stop, Request&& request) {
-    for (int errors = 1;; ++errors) {
-        try {
-            return request();
-        } catch (const Error& error) {
-            if (!passes(error) || errors == patience)
-                throw;
-            clock.sleep(std::max(backoffAfter(errors), error.fault()->retryAfter), stop);
-            if (stop.stop_requested())
-                throw Cancelled();
-        }
-    }
 }
 
 } // namespace
@@ -74,7 +49,7 @@ void AlbumMirror::takeStock(const std::stop_token& stop) {
     if (parts_.empty())
         return;
     std::vector<GoogleAlbum> there =
-        patiently(s_.clock, stop, [&] { return s_.contents.ownAlbums(stop); });
+        s_.attempts.patiently(stop, [&] { return s_.contents.ownAlbums(stop); });
     const auto takeOut = [&](auto predicate) { // its id; empty when there is none
         const auto found = std::ranges::find_if(there, predicate);
         if (found == there.end())
@@ -156,7 +131,10 @@ QStringList AlbumMirror::lacking(const AssetCollection& album) {
 bool AlbumMirror::addSome(MirrorAlbum& part, const QStringList& items,
                           const std::stop_token& stop) {
     try {
-        patiently(s_.clock, stop, [&] { s_.contents.add(part.remoteID, items, stop); });
+        s_.attempts.patiently(stop, [&] {
+            s_.contents.add(part.remoteID, items, stop);
+            return true;
+        });
     } catch (const Error& error) {
         const auto code = codeOf(error);
         const bool isFull = code == FaultCode::albumFull && items.size() == 1 &&
@@ -204,12 +182,34 @@ MirrorAlbum& AlbumMirror::openPart(const QString& album, const QString& title,
     }
     MirrorAlbum& part = parts.back();
     if (part.state == State::making) {
-        part.remoteID =
-            patiently(s_.clock, stop, [&] { return s_.contents.make(part.title, stop); }).id;
+        part.remoteID = make(part.title, stop);
         setState(part, State::open);
         ++outcome_.made;
     }
     return part;
+}
+
+/// An album whose answer got lost is there all the same.
+QString AlbumMirror::make(const QString& title, const std::stop_token& stop) {
+    bool wasAskedFor = false;
+    return s_.attempts.patiently(stop, [&] {
+        const QString lost = std::exchange(wasAskedFor, true) ? unclaimed(title, stop) : QString();
+        return lost.isEmpty() ? s_.contents.make(title, stop).id : lost;
+    });
+}
+
+/// The empty album of that title that stands for none of the library's; empty when there is none.
+QString AlbumMirror::unclaimed(const QString& title, const std::stop_token& stop) {
+    const auto isClaimed = [&](const GoogleAlbum& album) {
+        return std::ranges::any_of(parts_, [&](const auto& each) {
+            return std::ranges::find(each.second, album.id, &MirrorAlbum::remoteID) !=
+                   each.second.end();
+        });
+    };
+    for (const GoogleAlbum& album : s_.contents.ownAlbums(stop))
+        if (album.title == title && album.itemCount() == 0 && !isClaimed(album))
+            return album.id;
+    return {};
 }
 
 void AlbumMirror::setState(MirrorAlbum& part, State state) {

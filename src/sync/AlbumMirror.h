@@ -1,10 +1,10 @@
 #pragma once
 
-#include "foundation/Clock.h"
 #include "foundation/Log.h"
 #include "google/GoogleAlbumContents.h"
 #include "library/PhotoLibrary.h"
 #include "store/MirrorState.h"
+#include "sync/Attempts.h"
 
 namespace quorvane {
 
@@ -27,8 +27,8 @@ class AlbumMirror {
         PhotoLibrary& library;
         MirrorState& state;
         GoogleAlbumContents& contents;
+        Attempts& attempts;
         Log& log;
-        Clock& clock;
     };
     explicit AlbumMirror(Services services) : s_(services) {}
 
@@ -44,6 +44,8 @@ class AlbumMirror {
     QStringList lacking(const AssetCollection& album);
     bool addSome(MirrorAlbum& part, const QStringList& items, const std::stop_token& stop);
     MirrorAlbum& openPart(const QString& album, const QString& title, const std::stop_token& stop);
+    QString make(const QString& title, const std::stop_token& stop);
+    QString unclaimed(const QString& title, const std::stop_token& stop);
     void setState(MirrorAlbum& part, MirrorAlbum::State state);
 
     Services s_;

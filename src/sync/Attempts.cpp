@@ -1,7 +1,7 @@
 #include "sync/Attempts.h"
 
-#include "foundation/Error.h"
 #include "sync/EitherStop.h"
+#include "sync/RunState.h"
 
 #include <utility>
 
@@ -51,6 +51,7 @@ void Attempts::begin(World::Patience patience, Teller teller) {
     const std::lock_guard lock(mutex_);
     world_ = World(patience);
     isProbing_ = false;
+    suspects_.clear();
     over_ = std::stop_source();
     teller_ = std::move(teller);
     hasTold_ = false;
@@ -60,18 +61,61 @@ World::Verdict Attempts::learn(const std::function<World::Verdict(World&)>& what
     World::Verdict verdict;
     std::stop_source over(std::nostopstate);
     bool isClear = false;
+    std::vector<std::function<void()>> relieved;
     {
         const std::lock_guard lock(mutex_);
+        const int era = world_.era();
         verdict = what(world_);
+        if (verdict.beganOutage || world_.era() != era)
+            relieved = std::exchange(suspects_, {});
         if (world_.ending())
             over = over_;
         isClear = !world_.obstacle();
         changed_.notify_all();
     }
     over.request_stop(); // runs the callbacks of whoever waits, so not under the lock
+    if (verdict.beganOutage)
+        for (const auto& relieve : relieved)
+            relieve();
     if (isClear)
         tell(std::nullopt);
     return verdict;
+}
+
+void Attempts::suspect(int era, std::function<void()> relieve) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (world_.outageEra() != era) {
+            if (world_.era() == era)
+                suspects_.push_back(std::move(relieve));
+            return;
+        }
+    }
+    relieve(); // the outage began before its record was written down
+}
+
+Attempts::Permit Attempts::enterOrThrow(const std::stop_token& stop) {
+    if (auto permit = enter(stop))
+        return std::move(*permit);
+    const Fault fault = *ending();
+    throw Error(faultText(fault), fault);
+}
+
+/// Called while `error` is handled, which goes on to the caller when no wait mends it. What only a
+/// person can mend is the run's end where it keeps records from their way, and not here; but for a
+/// session that ended for everybody.
+void Attempts::waitOut(const Error& error, Permit permit, const std::stop_token& stop) {
+    const auto& fault = error.fault();
+    const FaultKind kind = fault ? kindOf(fault->code) : FaultKind::item;
+    const bool isWorlds = kind == FaultKind::moment || kind == FaultKind::day ||
+                          (fault && fault->code == FaultCode::sessionEnded);
+    if (!isWorlds)
+        throw;
+    const World::Verdict verdict = permit.failed(fault);
+    if (ending())
+        throw;
+    if (!sleep(verdict.wait, stop))
+        throw Cancelled();
 }
 
 std::optional<Fault> Attempts::ending() const {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "foundation/Error.h"
 #include "google/DailyRequests.h"
 #include "sync/World.h"
 
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <vector>
 
 namespace quorvane {
 
@@ -51,6 +53,26 @@ class Attempts {
     /// Blocks until an attempt may be made; none when the run is over. Throws `Cancelled`.
     std::optional<Permit> enter(const std::stop_token& stop);
 
+    /// A request that concerns no record: `request` is called again until the world lets it pass.
+    /// Throws what it throws when that is no fault that passes, or the run is over; `Cancelled`.
+    template <typename Request>
+    auto patiently(const std::stop_token& stop, Request&& request) {
+        while (true) {
+            Permit permit = enterOrThrow(stop);
+            try {
+                auto answer = request();
+                permit.passed();
+                return answer;
+            } catch (const Error& error) {
+                waitOut(error, std::move(permit), stop);
+            }
+        }
+    }
+
+    /// A record failed by a fault of the moment, in the verdict's era. If that turns out to have
+    /// been the beginning of an outage, `relieve` is called: once, on the thread that finds out.
+    void suspect(int era, std::function<void()> relieve);
+
     /// A wait of the caller's own. False when it was stopped.
     bool sleep(std::chrono::milliseconds time, const std::stop_token& stop) {
         return clock_.sleep(time, stop);
@@ -61,6 +83,8 @@ class Attempts {
 
   private:
     World::Now now() const { return {clock_.monotonic(), clock_.now(), requests_.today().turns}; }
+    Permit enterOrThrow(const std::stop_token& stop);
+    void waitOut(const Error& error, Permit permit, const std::stop_token& stop);
     void tell(const std::optional<Waiting>& waiting);
     World::Verdict learn(const std::function<World::Verdict(World&)>& what);
     void waitFor(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds time,
@@ -72,8 +96,9 @@ class Attempts {
     std::condition_variable_any changed_;
     World world_;
     bool isProbing_ = false; ///< somebody waits for the next attempt of an outage, or makes it
-    std::stop_source over_;  ///< wakes whoever waits when the run is over
-    std::mutex telling_;     ///< taken before `mutex_`
+    std::vector<std::function<void()>> suspects_; ///< of the present era: what relieves them
+    std::stop_source over_;                       ///< wakes whoever waits when the run is over
+    std::mutex telling_;                          ///< taken before `mutex_`
     Teller teller_;
     bool hasTold_ = false;
 };

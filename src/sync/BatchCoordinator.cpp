@@ -18,11 +18,6 @@ void throwIfCancellation(const std::exception& error, const std::stop_token& sto
         throw Cancelled();
 }
 
-std::optional<Fault> faultOf(const std::exception& error) {
-    const auto* own = dynamic_cast<const Error*>(&error);
-    return own == nullptr ? std::nullopt : own->fault();
-}
-
 bool isItems(const std::optional<Fault>& fault) {
     return !fault || kindOf(fault->code) == FaultKind::item;
 }

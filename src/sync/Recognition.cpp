@@ -84,7 +84,7 @@ int Recognition::confirm(const std::vector<Candidate>& candidates, const std::st
             ids += candidate->remoteID;
         std::optional<std::set<QString>> existing;
         try {
-            existing = destination_.existing(ids, stop);
+            existing = remote_.existing(ids, stop);
         } catch (const Error& error) {
             log_.log(
                 QStringLiteral("[Sync] ⚠️ Google Photos'taki kopyalar sorulamadı, dosyalar "

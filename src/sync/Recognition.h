@@ -17,8 +17,13 @@ namespace quorvane {
 class Recognition {
   public:
     Recognition(PhotoLibrary& library, KnownContents& known, RecordLife& life,
-                Destination& destination, Log& log)
-        : library_(library), known_(known), life_(life), destination_(destination), log_(log) {}
+                Destination& destination, RemoteItems& remote, Log& log)
+        : library_(library),
+          known_(known),
+          life_(life),
+          destination_(destination),
+          remote_(remote),
+          log_(log) {}
 
     struct Result {
         int recognised = 0;        ///< records that became VERIFIED
@@ -54,6 +59,7 @@ class Recognition {
     KnownContents& known_;
     RecordLife& life_;
     Destination& destination_;
+    RemoteItems& remote_;
     Log& log_;
     std::map<QString, SourceContent> contents_; ///< by asset, of the records looked at last
 };

@@ -19,7 +19,7 @@ struct RunState {
         stopped,   ///< by whoever started it
         albumFull,
         world,   ///< `fault` says what would not pass, or what a person has to mend
-        machine, ///< `error` says what could not be done here
+        machine, ///< `error` says what could not be done here; `fault` the kind, where it has one
     };
     Phase phase = Phase::none;
     End end = End::complete;         ///< while `phase` is `ended`

@@ -9,7 +9,10 @@ namespace quorvane {
 
 namespace {
 
-const QString storeText = QStringLiteral("durum veritabanına yazılamadı (%1)");
+Error storeRefused(const QString& why) {
+    return Error(QStringLiteral("durum veritabanına yazılamadı (%1)").arg(why),
+                 Fault{.code = FaultCode::storeUnavailable});
+}
 
 } // namespace
 
@@ -136,7 +139,10 @@ bool SyncCoordinator::runSyncLoop() {
             2 * passSize, [this](int count) { finishRecognised(count); }, s_.flags.stopToken());
     } catch (const DBError& error) {
         s_.console.print(QStringLiteral("[Sync] DB okuma hatasi: ") + error.localizedDescription());
-        endBecauseOf(storeText.arg(error.localizedDescription()));
+        endBecauseOf(storeRefused(error.localizedDescription()));
+        return false;
+    } catch (const Error& error) {
+        endBecauseOf(error);
         return false;
     } catch (const Cancelled&) {
         return false;
@@ -211,15 +217,19 @@ void SyncCoordinator::processRecord(Pass& pass, const SyncRecord& record,
             bring(record, permit);
         } catch (const DBError&) {
             throw;
-        } catch (const StagingDiskFull& error) {
-            const std::lock_guard lock(mutex_);
-            diskFull_ = error.localizedDescription();
+        } catch (const Error& error) {
+            if (error.fault() && error.fault()->code == FaultCode::diskFull) {
+                const std::lock_guard lock(mutex_);
+                diskFull_ = error;
+            } else {
+                handleFailure(pass, record, error, permit);
+            }
         } catch (const std::exception& error) {
             handleFailure(pass, record, error, permit);
         }
     } catch (const std::exception& error) {
         s_.console.print(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
-        endBecauseOf(storeText.arg(describe(error)));
+        endBecauseOf(storeRefused(describe(error)));
     }
 }
 
@@ -265,33 +275,31 @@ void SyncCoordinator::handleFailure(Pass& pass, const SyncRecord& record,
     pass.queue.push_back(record); // the next attempt is another one's
 }
 
-/// Whose fault it was, with what follows for this record and for those that failed before it.
+/// Whose fault it was, with what follows for this record.
 World::Verdict SyncCoordinator::judge(const SyncRecord& record, const std::exception& error,
                                       std::optional<Attempts::Permit>& permit) {
-    const auto* own = dynamic_cast<const Error*>(&error);
-    const std::optional<Fault> fault = own == nullptr ? std::nullopt : own->fault();
-    const std::lock_guard judging(judging_);
+    const auto fault = faultOf(error);
     const World::Verdict verdict = permit->failed(fault);
-    if (verdict.beganOutage)
-        relieveSuspects(verdict.era);
     if (!verdict.isItsOwn)
         return verdict;
     const QString description = describe(error);
     if (!s_.life.refused(record, description, fault))
         s_.life.stageFailed(record, description);
     if (fault && kindOf(fault->code) == FaultKind::moment)
-        suspects_.push_back({record, verdict.era});
+        s_.attempts.suspect(verdict.era, [this, record] { relieve(record); });
     return verdict;
 }
 
-/// Those that failed in a row before an outage failed by it.
-void SyncCoordinator::relieveSuspects(int era) {
-    for (const Suspect& suspect : std::exchange(suspects_, {}))
-        if (suspect.era == era)
-            s_.life.relieved(suspect.record);
+/// What failed in a row before an outage failed by it.
+void SyncCoordinator::relieve(const SyncRecord& record) noexcept {
+    try {
+        s_.life.relieved(record);
+    } catch (const std::exception& error) {
+        endBecauseOf(storeRefused(describe(error)));
+    }
 }
 
-std::optional<QString> SyncCoordinator::takeDiskFull() {
+std::optional<Error> SyncCoordinator::takeDiskFull() {
     const std::lock_guard lock(mutex_);
     return std::exchange(diskFull_, std::nullopt);
 }
@@ -301,7 +309,7 @@ int SyncCoordinator::completed() {
     return summary_.completed;
 }
 
-void SyncCoordinator::endBecauseOf(const QString& failure) {
+void SyncCoordinator::endBecauseOf(const Error& failure) {
     const std::lock_guard lock(mutex_);
     summary_.failure = failure;
 }
@@ -309,7 +317,7 @@ void SyncCoordinator::endBecauseOf(const QString& failure) {
 /// Else the same bytes again in every pass.
 void SyncCoordinator::endIfStoreRefused() {
     if (const auto refusal = s_.batchCoord.takeStoreRefusal())
-        endBecauseOf(storeText.arg(*refusal));
+        endBecauseOf(storeRefused(*refusal));
 }
 
 void SyncCoordinator::finishRecognised(int count) {

@@ -54,7 +54,7 @@ class SyncCoordinator {
         int recognised = 0;  ///< became VERIFIED unsent: the same bytes were there already
         std::int64_t uploadedBytes = 0;
         bool cancelled = false;
-        std::optional<QString> failure; ///< why this computer could not go on; nothing FAILED by it
+        std::optional<Error> failure; ///< why this computer could not go on; nothing FAILED by it
         DeletionSummary deletion;
     };
 
@@ -77,11 +77,6 @@ class SyncCoordinator {
         std::deque<SyncRecord> queue;
         bool stopLogged = false;
     };
-    /// Failed by a fault of the moment, in this era of the world.
-    struct Suspect {
-        SyncRecord record;
-        int era;
-    };
 
     bool isOver();
     int pendingOrZero();
@@ -101,11 +96,11 @@ class SyncCoordinator {
                        std::optional<Attempts::Permit>& permit);
     World::Verdict judge(const SyncRecord& record, const std::exception& error,
                          std::optional<Attempts::Permit>& permit);
-    void relieveSuspects(int era);
+    void relieve(const SyncRecord& record) noexcept;
 
-    std::optional<QString> takeDiskFull();
+    std::optional<Error> takeDiskFull();
     int completed();
-    void endBecauseOf(const QString& failure);
+    void endBecauseOf(const Error& failure);
     void endIfStoreRefused();
     void finishRecord(std::int64_t bytes);
     void finishRecognised(int count);
@@ -116,13 +111,10 @@ class SyncCoordinator {
     StageAhead::Limits stagingLimits_;
     PendingQueue queue_;
 
-    std::mutex judging_; ///< held while a failure is judged and written down; before `mutex_`
-    std::vector<Suspect> suspects_; ///< guarded by it
-
     std::mutex mutex_; ///< guards everything below; never held over network or disk
     ProgressHandler currentProgressHandler_;
     Summary summary_;
-    std::optional<QString> diskFull_; ///< no further record of this pass can be staged
+    std::optional<Error> diskFull_; ///< no further record of this pass can be staged
 
     std::optional<StageAhead> stageAhead_;   ///< this and the next: while the passes of a run
     std::optional<RecordTransfer> transfer_; ///< last; not guarded

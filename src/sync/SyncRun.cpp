@@ -96,7 +96,8 @@ void drainAll(const SyncRunServices& services, bool deletes, const SyncRunCallba
         outcome.uploadedBytes += summary.uploadedBytes;
         outcome.deletion.deleted += summary.deletion.deleted;
         outcome.deletion.leftOut = std::move(summary.deletion.leftOut);
-        outcome.error = summary.failure;
+        if (summary.failure)
+            outcome.endBecauseOf(*summary.failure);
         if (summary.failure || summary.cancelled || services.attempts.ending() ||
             summary.completed == 0 || services.db.countPendingRecords() <= summary.unavailable)
             return;
@@ -104,6 +105,11 @@ void drainAll(const SyncRunServices& services, bool deletes, const SyncRunCallba
 }
 
 } // namespace
+
+void SyncRunOutcome::endBecauseOf(const std::exception& failure) {
+    error = describe(failure);
+    fault = faultOf(failure);
+}
 
 RunState SyncRunOutcome::state() const {
     using End = RunState::End;
@@ -115,7 +121,7 @@ RunState SyncRunOutcome::state() const {
                                    : End::complete;
     return {.phase = RunState::Phase::ended,
             .end = end,
-            .fault = end == End::world ? fault : std::nullopt,
+            .fault = end == End::world || end == End::machine ? fault : std::nullopt,
             .error = error.value_or(QString())};
 }
 
@@ -146,11 +152,11 @@ SyncRunOutcome runSync(const SyncRunServices& services, const SyncRunOrder& orde
     } catch (const Cancelled&) {
         outcome.wasStopped = true;
     } catch (const std::exception& error) {
-        outcome.error = describe(error);
+        outcome.endBecauseOf(error);
     }
     outcome.albumFull = run.isAlbumFull();
     outcome.wasStopped = !outcome.albumFull && services.flags.isCancelled();
-    if (!outcome.wasStopped)
+    if (!outcome.wasStopped && !outcome.error)
         outcome.fault = services.attempts.ending();
     run.tell(outcome.state());
     return outcome;

@@ -62,9 +62,12 @@ struct SyncRunOutcome {
     bool albumFull = false;
     bool wasStopped = false;      ///< by whoever started it
     std::optional<QString> error; ///< why the run could not do its work, or not to its end
-    std::optional<Fault> fault;   ///< of the world, which ended it; the rest is pending
+    std::optional<Fault> fault;   ///< that ended it, where one is known; the rest is pending
     bool hasItemsLeft = false;    ///< something is pending, failed or without a date
     bool mayPassLater = false;    ///< some of it without anybody's doing
+
+    /// Something here kept the run from its work.
+    void endBecauseOf(const std::exception& failure);
 
     /// As `RunState` tells it.
     RunState state() const;

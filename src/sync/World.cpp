@@ -52,8 +52,10 @@ World::Verdict World::momentFailed(const Fault& fault, Now now) {
         return {.wait = std::max(backoffAfter(errors_), asked)};
     }
     const bool begins = !outage_;
-    if (begins)
+    if (begins) {
         outageSince_ = now.monotonic;
+        outageEra_ = era_;
+    }
     if (!dayTurns_ || *dayTurns_ <= now.date) {
         outage_ = fault;
         dayTurns_.reset();

@@ -46,6 +46,9 @@ class World {
 
     /// Only one attempt at a time.
     bool isOut() const { return outage_.has_value(); }
+    int era() const { return era_; }
+    /// In which the latest outage began; negative: none did.
+    int outageEra() const { return outageEra_; }
     /// Until the next attempt may begin; 0: now.
     std::chrono::milliseconds timeLeft(Now now) const;
     /// What is waited for while `timeLeft` is not over, or in an outage.
@@ -64,6 +67,7 @@ class World {
 
     Patience patience_;
     int era_ = 0;
+    int outageEra_ = -1;
     int errors_ = 0; ///< of any kind, since something passed
     int streak_ = 0; ///< faults of the moment in a row
     std::optional<Fault> outage_;

@@ -230,7 +230,13 @@ TEST(AssetStagingService, RecordsAFailedExportAndLeavesNoFile) {
     world.library.onExport = [] { throw FileError(u"Dosyaya yazılamadı"_s, "/x", ENOSPC); };
     EXPECT_EQ(printedBy([&] { world.staging.stageDiscoveredAssets(); }),
               QStringList{u"[Staging] Hata %1: %2"_s.arg(assetID(1), full)});
-    EXPECT_THROW(world.staging.stage(world.record(assetID(1)).value(), {}), StagingDiskFull);
+    EXPECT_THROW(world.staging.stage(world.record(assetID(1)).value(), {}), FileError);
+    world.library.onExport = [&] {
+        world.library.status = AuthorizationStatus::denied; // unplugged while it is read
+        throw FileError(u"Dosya okunamadı"_s, "/x", EIO);
+    };
+    EXPECT_THROW(world.staging.stage(world.record(assetID(1)).value(), {}), PhotoLibraryError);
+    world.library.status = AuthorizationStatus::authorized;
     EXPECT_EQ(world.status(assetID(1)), SyncStatus::discovered) << "its turn comes";
 
     world.library.onExport = [&] { throw PhotoLibraryError(reason); };
@@ -264,7 +270,7 @@ TEST_F(AssetStagingServiceTest, SentCopiesGoOldestFirstAndMakeRoom) {
     large.resources = {{AssetResourceType::video, u"b.mov"_s, std::int64_t(1) << 60, {}}};
     library.add(large);
     discoverRecord(assetID(4));
-    EXPECT_THROW(staging.stage(record(assetID(4)).value(), {}), StagingDiskFull);
+    EXPECT_THROW(staging.stage(record(assetID(4)).value(), {}), FileError);
     EXPECT_FALSE(library.exported().contains(assetID(4)));
     EXPECT_FALSE(staging.findStagingFile(assetID(3)));
     EXPECT_TRUE(staging.findStagingFile(assetID(9))) << "what is pending stays";

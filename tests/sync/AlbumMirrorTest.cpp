@@ -20,7 +20,7 @@ struct MirrorWorld {
     }
 
     MirrorOutcome mirror() {
-        AlbumMirror mirror({program.library, state, contents, program.log, program.clock});
+        AlbumMirror mirror({program.library, state, contents, program.attempts, program.log});
         mirror.remakesGone = remakesGone;
         return mirror.run({});
     }
@@ -75,6 +75,20 @@ TEST(AlbumMirror, ARunThatDiesAnywhereIsContinued) {
             EXPECT_FALSE(world.mirror().failure);
             EXPECT_EQ(world.albums(), both);
         }
+}
+
+TEST(AlbumMirror, WaitsForALineThatBreaksAnywhere) {
+    for (int breaking = 1; breaking <= 4; ++breaking) {
+        MirrorWorld world;
+        world.program.clock.skipSleeps(true);
+        int seen = 0;
+        world.program.http.after = [&](int) {
+            if (++seen >= breaking && seen < breaking + 4)
+                throw TransportError(u"koptu"_s);
+        };
+        EXPECT_EQ(world.mirror().failure, std::nullopt);
+        EXPECT_EQ(world.albums(), both);
+    }
 }
 
 TEST(AlbumMirror, GoesOnInANextPartAndLeavesDeletedAlbumsToThePerson) {

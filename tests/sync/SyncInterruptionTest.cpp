@@ -153,7 +153,8 @@ TEST(InterruptedOnItsOwn, EndsWhenTheStoreRefusesAndLosesNothing) {
                               "BEGIN SELECT RAISE(FAIL, 'no space left'); END;");
         };
         const auto summary = program.run();
-        EXPECT_TRUE(summary.failure.value_or(QString()).contains(u"no space left"_s));
+        ASSERT_TRUE(summary.failure);
+        EXPECT_TRUE(summary.failure->localizedDescription().contains(u"no space left"_s));
         EXPECT_EQ(summary.passes, 1);
         EXPECT_EQ(program.database.countPendingRecords(), count);
         EXPECT_LE(world.google.requestCount(RequestKind::upload), count);

@@ -25,7 +25,7 @@ AssetFetchResult resultOf(std::vector<PhotoAsset> assets) {
 void requireSupported(const std::filesystem::path& bundle) {
     std::error_code error;
     if (!std::filesystem::exists(bundle, error))
-        throw PhotoLibraryError(
+        throw PhotoLibraryError::away(
             QStringLiteral("Fotoğraflar arşivine ulaşılamıyor: %1").arg(pathText(bundle)));
     if (std::filesystem::exists(bundle / databaseInside, error))
         return;
@@ -275,7 +275,7 @@ FileDescriptor PhotosBundleLibrary::openResource(const PhotoAssetResource& resou
         return layout()->open(resource.location);
     } catch (const FileError& error) {
         if (authorizationStatus() == AuthorizationStatus::denied)
-            throw PhotoLibraryError(
+            throw PhotoLibraryError::away(
                 QStringLiteral("Fotoğraflar arşivine ulaşılamıyor: %1").arg(pathText(bundle_)));
         throw PhotoLibraryError(QStringLiteral("%1 adlı özgün dosya bu makinede değil (%2)")
                                     .arg(resource.originalFilename, error.localizedDescription()));

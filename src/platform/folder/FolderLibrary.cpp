@@ -4,6 +4,7 @@
 #include "library/LocalIdentifier.h"
 #include "platform/folder/FileRecognition.h"
 #include "platform/folder/FolderDeletion.h"
+#include "platform/folder/FolderIdentity.h"
 #include "platform/folder/FolderScanner.h"
 
 #include <algorithm>
@@ -109,6 +110,7 @@ class FolderLibrary::ScanTurn {
 FolderLibrary::FolderLibrary(std::filesystem::path root, KnownFiles& known,
                              DeletionConfirmation& confirmation, Log& log, const WatchTimes& times)
     : root_(std::move(root)),
+      identity_(folderLibraryIdentity(root_)),
       known_(known),
       confirmation_(confirmation),
       log_(log),
@@ -133,6 +135,9 @@ FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
         reportSkip(path, reason);
     };
     FolderScan found = scanFolder(root_, report, stop);
+    if (found.files.empty() && !identity_.isEmpty() && folderLibraryIdentity(root_) != identity_)
+        throw PhotoLibraryError::away(
+            QStringLiteral("Resim klasörünün diski takılı değil: %1").arg(pathText(root_)));
     absent_ = recognise(found, stop);
     reportOthers(found);
     const LeftOut leftOut = found.leftOut;

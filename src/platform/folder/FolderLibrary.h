@@ -81,6 +81,7 @@ class FolderLibrary final : public PhotoLibrary {
     void reportOthers(const FolderScan& found);
 
     const std::filesystem::path root_;
+    const QString identity_; ///< an empty folder of another one is what a disk is mounted on
     KnownFiles& known_;
     DeletionConfirmation& confirmation_;
     Log& log_;

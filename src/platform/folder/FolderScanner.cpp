@@ -77,8 +77,8 @@ class Scanner {
         if (fd >= 0)
             return Directory(::fdopendir(fd));
         if (path.empty())
-            throw PhotoLibraryError(QStringLiteral("Resim klasörü okunamıyor: %1 (%2)")
-                                        .arg(pathText(root_), errorNumberText(errno)));
+            throw PhotoLibraryError::away(QStringLiteral("Resim klasörü okunamıyor: %1 (%2)")
+                                              .arg(pathText(root_), errorNumberText(errno)));
         skipUnreadable(path, errno);
         return nullptr;
     }
