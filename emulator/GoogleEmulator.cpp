@@ -46,6 +46,7 @@ void GoogleEmulator::start() {
 
 void GoogleEmulator::stop() {
     server_->stop();
+    service_->save();
 }
 
 int GoogleEmulator::port() const {
