@@ -48,7 +48,18 @@ void MenuBarViewModel::setLibrary(std::shared_ptr<const LibrarySession> session)
     isLibraryStale_ = true;
     publish(localAlbums_, {}, &MenuBarViewModel::localAlbumsChanged);
     Q_EMIT routeChanged();
+    showLastRun();
     refreshState();
+}
+
+/// What kept the latest run from its work, in whatever process, stands until another one has run.
+void MenuBarViewModel::showLastRun() {
+    const RunState last = session_ ? session_->run.stateFile.last() : RunState();
+    const bool wasKept =
+        last.phase == RunState::Phase::ended && (last.fault || !last.error.isEmpty());
+    runState_ = wasKept ? last : RunState();
+    hasSessionEnded_ = runState_.needsSignIn();
+    setRunning(false, wasKept ? SyncVisualState::error : SyncVisualState::idle);
 }
 
 bool MenuBarViewModel::isWorking() {

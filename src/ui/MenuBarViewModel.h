@@ -331,6 +331,7 @@ class MenuBarViewModel final : public QObject {
     void finishRun(int run, const SyncRunOutcome& outcome);
     void tellOutcome(const SyncRunOutcome& outcome);
     void publishProgress(int completed, int total);
+    void showLastRun();
     void publishRunState(const RunState& state);
     void setRunning(bool running, SyncVisualState state);
     void createAlbum(const QString& title, std::function<void(const GoogleAlbum&)> created,

@@ -65,12 +65,12 @@ TEST_F(MenuBarViewModelTest, aFirstBackup) {
 ## sign in
   errorMessage: 
   isSignedIn: true
+  syncState: idle
   userEmail: kullanici@example.com
 ## sync
   dateUnresolvedCount: 1
   pendingCount: 0
   statusMessage: Arşiviniz güncel ve güvende
-  syncState: idle
   syncTotalCount: 31
   verifiedCount: 30
 ## leave the undated one
@@ -399,6 +399,33 @@ TEST_F(MenuBarViewModelTest, aRefusedAccountAndAlbumAreTold) {
   selectedTargetAlbumCountString: 0 / 20.000
   selectedTargetAlbumTitle: Aile
 )");
+}
+
+TEST_F(MenuBarViewModelTest, whatKeptAnEarlierRunStandsUntilItIsTriedAgain) {
+    world.addPictures(2);
+    signIn();
+    const auto ended = [&](FaultCode code) {
+        house.core.runState.keep({.phase = RunState::Phase::ended,
+                              .end = RunState::End::world,
+                              .fault = Fault{.code = code}});
+        openLibrary();
+    };
+    ended(FaultCode::sessionEnded);
+    EXPECT_EQ(model->syncState(), SyncVisualState::error);
+    EXPECT_FALSE(model->isSignedIn());
+    signIn();
+    openLibrary();
+    EXPECT_EQ(model->syncState(), SyncVisualState::idle);
+    EXPECT_TRUE(model->isSignedIn());
+
+    RecordLife(database()).stageFailed(database().fetchPendingRecords(1, 0).front(), u"bozuk"_s);
+    ended(FaultCode::unreachable);
+    EXPECT_EQ(model->syncState(), SyncVisualState::error);
+    EXPECT_TRUE(model->isRetryOffered());
+    model->triggerSync();
+    settle();
+    EXPECT_EQ(model->verifiedCount(), 2);
+    EXPECT_EQ(model->syncState(), SyncVisualState::idle);
 }
 
 } // namespace
