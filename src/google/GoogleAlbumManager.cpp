@@ -171,9 +171,7 @@ GoogleAlbum GoogleAlbumManager::createAlbum(const QString& title, std::stop_toke
         throw AlbumError::invalidResponse();
     if (!album->title)
         album->title = title;
-    saveLocalCreatedAlbum(*album);
-    selectTargetAlbum(album);
-    return *album;
+    return adopted(*album);
 }
 
 GoogleAlbum GoogleAlbumManager::createAndSelectNextPartAlbum(std::stop_token stop) {
@@ -186,7 +184,7 @@ bool GoogleAlbumManager::continueInNextPart(std::stop_token stop) {
     const QString current = targetAlbumID().value_or(QString());
     QJsonObject parts = rolloverParts();
     QString newest = current;
-    for (qsizetype i = 0; i < parts.size() && parts.contains(newest); ++i)
+    for (qsizetype i = 0; i < parts.size() && !parts[newest].toString().isEmpty(); ++i)
         newest = parts[newest].toString();
     if (newest != current)
         for (const GoogleAlbum& album : getLocalCreatedAlbums())
@@ -194,15 +192,42 @@ bool GoogleAlbumManager::continueInNextPart(std::stop_token stop) {
                 selectTargetAlbum(album);
                 return false;
             }
-    parts[current] = createAndSelectNextPartAlbum(std::move(stop)).id;
-    preferences_.setData(preferenceKeys::rolloverParts,
-                         QJsonDocument(parts).toJson(QJsonDocument::Compact));
+    const auto lost = parts.contains(current) ? lostPart(stop) : std::nullopt;
+    parts[current] = QString(); // asked for, and not known to be made
+    saveRolloverParts(parts);
+    parts[current] = lost ? adopted(*lost).id : createAndSelectNextPartAlbum(stop).id;
+    saveRolloverParts(parts);
     return true;
+}
+
+/// The part that was made for the target without this program having learnt of it: empty, and of
+/// the title that follows. None when the account does not allow to look.
+std::optional<GoogleAlbum> GoogleAlbumManager::lostPart(const std::stop_token& stop) {
+    const QString title =
+        nextPartTitle(preferences_.string(preferenceKeys::targetAlbumTitle).value_or(QString()));
+    const Listing listing = fetchEndpointAlbums(albumsPath, QStringLiteral("albums"), stop);
+    if (listing.fault && kindOf(listing.fault->code) == FaultKind::moment)
+        throw Error(QStringLiteral("[Album] Albümler listelenemedi"), listing.fault);
+    for (const GoogleAlbum& album : listing.albums)
+        if (album.title == title && album.itemCount() == 0)
+            return album;
+    return std::nullopt;
+}
+
+GoogleAlbum GoogleAlbumManager::adopted(const GoogleAlbum& album) {
+    saveLocalCreatedAlbum(album);
+    selectTargetAlbum(album);
+    return album;
 }
 
 QJsonObject GoogleAlbumManager::rolloverParts() const {
     const auto stored = preferences_.data(preferenceKeys::rolloverParts);
     return QJsonDocument::fromJson(stored.value_or(QByteArray())).object();
+}
+
+void GoogleAlbumManager::saveRolloverParts(const QJsonObject& parts) {
+    preferences_.setData(preferenceKeys::rolloverParts,
+                         QJsonDocument(parts).toJson(QJsonDocument::Compact));
 }
 
 QString GoogleAlbumManager::nextPartTitle(const QString& title) {

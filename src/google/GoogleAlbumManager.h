@@ -42,7 +42,8 @@ class GoogleAlbumManager {
     GoogleAlbum createAndSelectNextPartAlbum(std::stop_token stop);
 
     /// Makes the newest album that earlier calls made to continue the target, or one that continued
-    /// it, the target; where there is none, `createAndSelectNextPartAlbum`. True when one was made.
+    /// it, the target; where there is none, `createAndSelectNextPartAlbum`. One whose answer never
+    /// came is found instead of made again. True when it is new. Throws what `createAlbum` throws.
     bool continueInNextPart(std::stop_token stop);
 
     /// "Aile" → "Aile - Parça 2" → "Aile - Parça 3".
@@ -73,7 +74,10 @@ class GoogleAlbumManager {
     std::optional<QJsonObject> fetchPage(const QUrl& endpoint, const QString& pageToken,
                                          Listing& listing, const std::stop_token& stop);
     void rememberFault(const std::optional<Fault>& fault);
+    std::optional<GoogleAlbum> lostPart(const std::stop_token& stop);
+    GoogleAlbum adopted(const GoogleAlbum& album);
     QJsonObject rolloverParts() const;
+    void saveRolloverParts(const QJsonObject& parts);
     void saveLocalCreatedAlbum(const GoogleAlbum& album);
     void saveDiscoveredAlbums(const std::vector<GoogleAlbum>& albums);
     std::vector<GoogleAlbum> remember(const std::vector<GoogleAlbum>& fetched);

@@ -41,7 +41,8 @@ World::Verdict World::judged(const std::optional<Fault>& fault, Now now) {
 }
 
 World::Verdict World::momentFailed(const Fault& fault, Now now) {
-    ++streak_;
+    if (++streak_ == 1)
+        streakSince_ = now.monotonic;
     const auto asked = fault.code == FaultCode::rateLimited
                            ? std::max(fault.retryAfter, leastAfterRateLimit)
                            : fault.retryAfter;
@@ -53,7 +54,7 @@ World::Verdict World::momentFailed(const Fault& fault, Now now) {
     }
     const bool begins = !outage_;
     if (begins) {
-        outageSince_ = now.monotonic;
+        outageSince_ = streakSince_;
         outageEra_ = era_;
     }
     if (!dayTurns_ || *dayTurns_ <= now.date) {

@@ -70,6 +70,7 @@ class World {
     int outageEra_ = -1;
     int errors_ = 0; ///< of any kind, since something passed
     int streak_ = 0; ///< faults of the moment in a row
+    Clock::Monotonic streakSince_;
     std::optional<Fault> outage_;
     Clock::Monotonic outageSince_;
     std::optional<Fault> pause_;

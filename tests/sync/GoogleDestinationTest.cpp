@@ -157,7 +157,12 @@ TEST_F(Destinations, ItemsGoToTheTargetAlbumUntilItIsFullAndThenToItsNextPart) {
     EXPECT_EQ(send(u"a.png"_s).outcome, Outcome::created);
     const QString name = u"Çiçek 100% 📷 \";\".png"_s;
     EXPECT_EQ(send(name).outcome, Outcome::heldBack);
+    emulator::Disturbance lost{.kind = emulator::RequestKind::albumsCreate};
+    lost.dropAnswerAfter = 0;
+    google.addDisturbance(lost);
+    EXPECT_THROW(destination->makeNextAlbum({}), TransportError);
     destination->makeNextAlbum({});
+    EXPECT_EQ(google.albums().size(), 2U) << "found, not made again";
     const QString remoteID = send(name).remoteID;
     const emulator::StoredMediaItem item = google.mediaItems().at(1);
     EXPECT_EQ(item.id, remoteID);
