@@ -58,13 +58,18 @@ class ActiveRun {
     std::stop_callback<std::function<void()>> onStop_;
 };
 
+/// The run before this one never came to tell whether what failed last failed by the world.
+bool hasDied(const RunState& last) {
+    return last.phase == RunState::Phase::running || last.phase == RunState::Phase::waiting;
+}
+
 /// What failed by the world's fault is in the queue again.
-void relieve(const SyncRunServices& services, const SyncRunOrder& order) {
+void relieve(const SyncRunServices& services, const SyncRunOrder& order, const RunState& last) {
     std::vector kinds{FaultKind::day, FaultKind::session, FaultKind::account, FaultKind::target,
                       FaultKind::machine};
     if (order.takesUp == SyncRunOrder::TakesUp::everything)
         return services.life.retriedFailed(true);
-    if (order.takesUp == SyncRunOrder::TakesUp::whatTheMomentFailed)
+    if (order.takesUp == SyncRunOrder::TakesUp::whatTheMomentFailed || hasDied(last))
         kinds.push_back(FaultKind::moment);
     for (const SyncRecord& record : RecordFaults(services.db).failedBy(kinds))
         services.life.relieved(record);
@@ -128,9 +133,10 @@ RunState SyncRunOutcome::state() const {
 SyncRunOutcome runSync(const SyncRunServices& services, const SyncRunOrder& order,
                        const SyncRunCallbacks& callbacks, std::stop_token stop) {
     SyncRunOutcome outcome;
+    const RunState last = services.stateFile.last();
     ActiveRun run(services, order, callbacks, stop);
     try {
-        relieve(services, order);
+        relieve(services, order, last);
         const StoreCounts before = StoreCounts::of(services.db);
         services.batches.takeAlreadyExisting();
         discover(services, callbacks);
