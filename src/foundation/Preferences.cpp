@@ -18,6 +18,10 @@ bool Preferences::boolean(const QString& key) const {
     return value(key).toBool(false);
 }
 
+std::int64_t Preferences::number(const QString& key) const {
+    return value(key).toInteger(0);
+}
+
 std::optional<QByteArray> Preferences::data(const QString& key) const {
     const auto text = string(key);
     return text ? std::optional(QByteArray::fromBase64(text->toLatin1())) : std::nullopt;

@@ -21,7 +21,8 @@ class Preferences {
     explicit Preferences(SettingsStore& store);
 
     std::optional<QString> string(const QString& key) const;
-    bool boolean(const QString& key) const; ///< absent or of another type: false
+    bool boolean(const QString& key) const;        ///< absent or of another type: false
+    std::int64_t number(const QString& key) const; ///< the same: 0
     std::optional<QByteArray> data(const QString& key) const;
 
     void setString(const QString& key, const QString& value);
@@ -62,6 +63,8 @@ inline const QString rolloverParts = QStringLiteral("com.quorvane.google.rollove
 inline const QString autoRolloverOnLimit =
     QStringLiteral("com.quorvane.google.autoRolloverOnLimit");
 inline const QString stopAtLimit = QStringLiteral("com.quorvane.google.stopAtLimit");
+/// Bytes a second that all uploads together may take; 0: as many as there are.
+inline const QString uploadLimit = QStringLiteral("com.quorvane.google.upload_limit");
 inline const QString dateFallbackMode = QStringLiteral("com.quorvane.dateFallbackMode");
 inline const QString isAutoDeleteEnabled = QStringLiteral("Quorvane.isAutoDeleteEnabled");
 inline const QString appTheme = QStringLiteral("Quorvane.appTheme");

@@ -4,6 +4,7 @@
 #include "google/GoogleEndpoints.h"
 #include "google/RequestBody.h"
 #include "google/ResponseReader.h"
+#include "google/TransferPatience.h"
 
 #include <algorithm>
 #include <set>
@@ -85,16 +86,33 @@ HeaderList headerList(const HttpRequest& request) {
     return list;
 }
 
-size_t readBody(char* buffer, size_t unit, size_t count, void* body) {
-    return static_cast<RequestBody*>(body)
-        ->read(buffer, unit * count)
-        .value_or(CURL_READFUNC_ABORT);
+/// A request's body, as fast as its limit allows.
+struct BodyFeed {
+    RequestBody body;
+    const HttpRequest& request;
+    UploadLimit& limit;
+    std::optional<UploadLimit::Steady::time_point> pausedUntil = {};
+
+    size_t read(char* buffer, size_t room) {
+        const auto now = UploadLimit::Steady::now();
+        const std::int64_t rate = request.bodyRate ? request.bodyRate() : 0;
+        const auto grant =
+            limit.take(std::min(room, static_cast<size_t>(body.remaining())), rate, now);
+        if (grant.wait.count() == 0)
+            return body.read(buffer, grant.bytes).value_or(CURL_READFUNC_ABORT);
+        pausedUntil = now + grant.wait;
+        return CURL_READFUNC_PAUSE;
+    }
+};
+
+size_t readBody(char* buffer, size_t unit, size_t count, void* feed) {
+    return static_cast<BodyFeed*>(feed)->read(buffer, unit * count);
 }
 
-int seekBody(void* body, curl_off_t offset, int origin) {
+int seekBody(void* feed, curl_off_t offset, int origin) {
     if (origin != SEEK_SET)
         return CURL_SEEKFUNC_CANTSEEK;
-    static_cast<RequestBody*>(body)->seek(offset);
+    static_cast<BodyFeed*>(feed)->body.seek(offset);
     return CURL_SEEKFUNC_OK;
 }
 
@@ -123,24 +141,24 @@ class CurlHttpClient::Lane {
             throw std::bad_alloc();
     }
 
-    HttpResponse send(const HttpRequest& request, std::int64_t largestResponse,
+    HttpResponse send(const HttpRequest& request, UploadLimit& limit, std::int64_t largestResponse,
                       const std::stop_token& stop) {
-        RequestBody body(request);
+        BodyFeed feed{RequestBody(request), request, limit};
         ResponseReader answer(largestResponse);
         const HeaderList headers = headerList(request);
         configure(request, headers.get());
-        attachBody(request, body);
+        attachBody(request, feed);
         attachAnswer(answer);
 
-        switch (const CURLcode result = run(request, body.size(), stop)) {
+        switch (const CURLcode result = run(request, feed, stop)) {
         case CURLE_OK:
             break;
         case CURLE_PEER_FAILED_VERIFICATION:
             throw transportError(result, detail_);
         default:
-            if (body.errorNumber() != 0)
+            if (feed.body.errorNumber() != 0)
                 throw FileError(QStringLiteral("Dosya okunamadı"), *request.bodyFile,
-                                body.errorNumber());
+                                feed.body.errorNumber());
             if (answer.isTooLarge())
                 throw TransportError(QStringLiteral("Sunucunun yanıtı çok büyük (connection)"));
             throw transportError(result);
@@ -151,54 +169,6 @@ class CurlHttpClient::Lane {
     }
 
   private:
-    /// What moves while data moves in either direction.
-    struct Activity {
-        curl_off_t sent = 0;
-        curl_off_t received = 0;
-        int waitingInSystem = 0; ///< bytes the system took and the peer has not acknowledged
-        bool operator==(const Activity&) const = default;
-    };
-
-    /// How long a transfer may still go on.
-    class Patience {
-      public:
-        using Steady = std::chrono::steady_clock;
-        using Duration = Steady::duration;
-
-        Patience(const HttpRequest& request, std::int64_t bodySize)
-            : request_(request), bodySize_(bodySize) {}
-
-        /// More than nothing. Throws `TransportError` when it is used up.
-        Duration left(const Activity& activity) {
-            const auto now = Steady::now();
-            if (activity != last_)
-                lastMoved_ = now;
-            last_ = activity;
-            if (!sent_ && activity.sent >= bodySize_ && activity.waitingInSystem == 0)
-                sent_ = now;
-            const Duration quiet = request_.timeout - (now - lastMoved_);
-            if (quiet <= Duration::zero())
-                throw TransportError(QStringLiteral("Sunucu %1 saniyedir yanıt vermiyor "
-                                                    "(connection): zaman aşımı")
-                                         .arg(request_.timeout.count()));
-            if (!sent_)
-                return quiet;
-            const Duration answer = request_.answerLimit - (now - *sent_);
-            if (answer <= Duration::zero())
-                throw TransportError(QStringLiteral("Sunucunun yanıtı %1 saniyede tamamlanmadı "
-                                                    "(connection): zaman aşımı")
-                                         .arg(request_.answerLimit.count()));
-            return std::min(quiet, answer);
-        }
-
-      private:
-        const HttpRequest& request_;
-        const std::int64_t bodySize_;
-        Activity last_;
-        Steady::time_point lastMoved_ = Steady::now();
-        std::optional<Steady::time_point> sent_;
-    };
-
     /// The transfer is part of the engine for as long as this lives.
     class Attachment {
       public:
@@ -246,16 +216,16 @@ class CurlHttpClient::Lane {
         set(CURLOPT_CLOSESOCKETDATA, this);
     }
 
-    void attachBody(const HttpRequest& request, RequestBody& body) {
-        if (body.size() == 0 && (request.method == "GET" || request.method == "DELETE"))
+    void attachBody(const HttpRequest& request, BodyFeed& feed) {
+        if (feed.body.size() == 0 && (request.method == "GET" || request.method == "DELETE"))
             return;
         set(CURLOPT_UPLOAD, 1L);
         set(CURLOPT_UPLOAD_BUFFERSIZE, uploadBufferBytes);
-        set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(feed.body.size()));
         set(CURLOPT_READFUNCTION, &readBody);
-        set(CURLOPT_READDATA, &body);
+        set(CURLOPT_READDATA, &feed);
         set(CURLOPT_SEEKFUNCTION, &seekBody);
-        set(CURLOPT_SEEKDATA, &body);
+        set(CURLOPT_SEEKDATA, &feed);
     }
 
     void attachAnswer(ResponseReader& answer) {
@@ -266,28 +236,36 @@ class CurlHttpClient::Lane {
         answer_ = &answer;
     }
 
-    CURLcode run(const HttpRequest& request, std::int64_t bodySize, const std::stop_token& stop) {
+    CURLcode run(const HttpRequest& request, BodyFeed& feed, const std::stop_token& stop) {
         const Attachment attachment(multi_.get(), easy_.get());
         const std::stop_callback wake(stop, [this] { curl_multi_wakeup(multi_.get()); });
-        Patience patience(request, bodySize);
+        TransferPatience patience(request, feed.body.size());
         std::int64_t sent = 0;
         while (true) {
             int running = 0;
             require(curl_multi_perform(multi_.get(), &running));
-            const Activity now = activity();
+            const TransferActivity now = activity();
             if (request.onProgress && now.sent != sent)
-                request.onProgress(now.sent, bodySize);
+                request.onProgress(now.sent, feed.body.size());
             sent = now.sent;
             if (running == 0)
                 return result();
             if (stop.stop_requested())
                 throw Cancelled();
-            // Nothing wakes the engine when the system's own send buffer drains: look once a
-            // second.
-            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(
-                std::min<Patience::Duration>(patience.left(now), std::chrono::seconds(1)));
-            require(
-                curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(wait.count()), nullptr));
+            waitForMore(patience.left(now), feed);
+        }
+    }
+
+    void waitForMore(UploadLimit::Steady::duration atMost, BodyFeed& feed) {
+        // Nothing wakes the engine when the system's own send buffer drains: look once a second.
+        auto wait = std::min<UploadLimit::Steady::duration>(atMost, std::chrono::seconds(1));
+        if (feed.pausedUntil)
+            wait = std::clamp(*feed.pausedUntil - UploadLimit::Steady::now(), {}, wait);
+        const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(wait).count();
+        require(curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(milliseconds), nullptr));
+        if (feed.pausedUntil && UploadLimit::Steady::now() >= *feed.pausedUntil) {
+            feed.pausedUntil.reset();
+            require(curl_easy_pause(easy_.get(), CURLPAUSE_CONT));
         }
     }
 
@@ -300,9 +278,11 @@ class CurlHttpClient::Lane {
         return CURLE_RECV_ERROR;
     }
 
-    Activity activity() const {
-        Activity now;
-        curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &now.sent);
+    TransferActivity activity() const {
+        TransferActivity now;
+        curl_off_t sent = 0;
+        curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
+        now.sent = sent;
         now.received = answer_->received();
         for (const curl_socket_t socket : sockets_)
             now.waitingInSystem += system::unsentBytes(socket);
@@ -339,7 +319,7 @@ HttpResponse CurlHttpClient::send(const HttpRequest& request, std::stop_token st
         throw Cancelled();
     requireTrustedTransport(request.url);
     std::unique_ptr<Lane> lane = takeLane();
-    HttpResponse response = lane->send(request, largestResponse_, stop);
+    HttpResponse response = lane->send(request, limit_, largestResponse_, stop);
     giveBack(std::move(lane)); // a lane that threw is closed instead
     return response;
 }

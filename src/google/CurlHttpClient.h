@@ -1,6 +1,7 @@
 #pragma once
 
 #include "google/HttpClient.h"
+#include "google/UploadLimit.h"
 
 #include <memory>
 #include <mutex>
@@ -26,6 +27,7 @@ class CurlHttpClient final : public HttpClient {
     void giveBack(std::unique_ptr<Lane> lane);
 
     const std::int64_t largestResponse_;
+    UploadLimit limit_;
     std::mutex mutex_;
     std::vector<std::unique_ptr<Lane>> idleLanes_;
 };

@@ -71,6 +71,7 @@ HttpResponse GoogleUploadTask::sendAtOnce(const UploadSource& source,
     };
     request.bodyFile = source.file;
     request.onProgress = progress;
+    request.bodyRate = source.rate;
     return api_.send(std::move(request), stop);
 }
 

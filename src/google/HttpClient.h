@@ -38,6 +38,9 @@ struct HttpRequest {
     /// Bytes of the body sent so far and in all; called on the sending thread.
     using Progress = std::function<void(std::int64_t sent, std::int64_t total)>;
     Progress onProgress;
+    /// How many bytes a second this body and all others with a rate may take together; asked again
+    /// and again on the sending thread. 0, or no function: as fast as it goes.
+    std::function<std::int64_t()> bodyRate;
 };
 
 struct HttpResponse {

@@ -16,6 +16,7 @@ class RequestBody {
     explicit RequestBody(const HttpRequest& request);
 
     std::int64_t size() const { return size_; }
+    std::int64_t remaining() const { return size_ - offset_; }
 
     /// Copies the next bytes, at most `room`; 0 at the end. None when the file cannot be read or
     /// became shorter: `errorNumber` tells why.

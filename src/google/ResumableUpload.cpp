@@ -121,6 +121,7 @@ HttpResponse ResumableUpload::sendPiece() {
     request.headers = {{"X-Goog-Upload-Offset", QByteArray::number(qint64(offset_))}};
     request.bodyFile = job_.source.file;
     request.bodyRange = {offset_, piece};
+    request.bodyRate = job_.source.rate;
     if (job_.progress)
         request.onProgress = [&](std::int64_t sent, std::int64_t) {
             job_.progress(offset_ + sent, job_.size);

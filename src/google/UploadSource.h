@@ -2,7 +2,9 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 namespace quorvane {
@@ -12,6 +14,7 @@ struct UploadSource {
     std::filesystem::path file;
     QString fileName; ///< that its item is to have
     bool isMovie = false;
+    std::function<std::int64_t()> rate = {}; ///< see `HttpRequest::bodyRate`
 };
 
 /// Keeps the address at which the upload of one file goes on, beyond the end of the program; this

@@ -62,9 +62,10 @@ std::optional<QString> RecordTransfer::upload(const SyncRecord& record, const St
     const auto progress = [&](std::int64_t sent, std::int64_t total) {
         s_.tracker.updateProgress(item.id, sent, total);
     };
+    const auto rate = [&] { return s_.preferences.number(preferenceKeys::uploadLimit); };
     RecordUploadMemory memory(s_.sessions, record, file.content);
     const QString token =
-        s_.destination.upload({file.path, name, item.isVideo}, memory, progress, stop);
+        s_.destination.upload({file.path, name, item.isVideo, rate}, memory, progress, stop);
     if (fileVersion(file.path) != file.version) {
         s_.life.requeued(record);
         return std::nullopt;

@@ -4,6 +4,7 @@
 #include "app/cli/Program.h"
 #include "app/cli/Progress.h"
 #include "app/cli/SyncReport.h"
+#include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
 #include "store/RecordFaults.h"
 
@@ -68,6 +69,7 @@ void applyOptions(const Arguments& arguments, Preferences& preferences) {
         preferences.setVolatile(preferenceKeys::autoRolloverOnLimit, *choice == u"rollover");
         preferences.setVolatile(preferenceKeys::stopAtLimit, *choice == u"stop");
     }
+    applyUploadLimit(arguments, preferences);
 }
 
 /// "90", "90s", "10m", "2h" or "1d".
@@ -206,6 +208,7 @@ Command syncCommand() {
           {QStringLiteral("yes"), {}, QStringLiteral("Çöp'e taşımayı sormadan onaylar")},
           {QStringLiteral("wait"), QStringLiteral("SÜRE"),
            QStringLiteral("Google'a ulaşılamazken en çok bu kadar bekler (90s, 10m, 2h; 10m)")},
+          uploadLimitOption(),
           {QStringLiteral("dry-run"),
            {},
            QStringLiteral("ne yapılacağını söyler, hiçbir şey yapmaz")},

@@ -1,6 +1,7 @@
 #include "app/RunLock.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
+#include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
 
 #include <algorithm>
@@ -112,6 +113,7 @@ int watch(Invocation& invocation) {
     const std::chrono::seconds settling = settlingTime(invocation.arguments);
     Program program(invocation);
     CoreServices& core = program.core;
+    applyUploadLimit(invocation.arguments, core.preferences);
     requireSignedIn(program.google.oauth);
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")), core);
     LibraryAt at(core, path);
@@ -148,7 +150,8 @@ Command watchCommand() {
                      {{QStringLiteral("library"), QStringLiteral("YOL"),
                        QStringLiteral("Fotoğraflar arşivi veya resim klasörü (hatırlanır)")},
                       {QStringLiteral("settle"), QStringLiteral("SANİYE"),
-                       QStringLiteral("son değişiklikten bu kadar sonra başlar (30)")}}},
+                       QStringLiteral("son değişiklikten bu kadar sonra başlar (30)")},
+                      uploadLimitOption()}},
                     watch};
     std::ranges::copy(choiceOptions(), std::back_inserter(command.spec.options));
     return command;
