@@ -159,7 +159,7 @@ bool SyncCoordinator::runSyncLoop() {
     const int completedBefore = completed();
     processAll(std::move(records));
     s_.batchCoord.handOver();
-    // What was sent in this pass makes room for the next one.
+    // What was sent in this pass makes room for the next one; a smaller file found its own.
     if (const auto full = takeDiskFull(); full && completed() == completedBefore)
         endBecauseOf(*full);
     return true;
@@ -194,7 +194,7 @@ void SyncCoordinator::work(Pass& pass) {
 /// None when the pass has nothing more to start.
 std::optional<SyncRecord> SyncCoordinator::nextIn(Pass& pass) {
     const std::lock_guard lock(mutex_);
-    if (pass.queue.empty() || summary_.failure || diskFull_)
+    if (pass.queue.empty() || summary_.failure)
         return std::nullopt;
     SyncRecord record = std::move(pass.queue.front());
     pass.queue.pop_front();

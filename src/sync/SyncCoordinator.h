@@ -114,7 +114,7 @@ class SyncCoordinator {
     std::mutex mutex_; ///< guards everything below; never held over network or disk
     ProgressHandler currentProgressHandler_;
     Summary summary_;
-    std::optional<Error> diskFull_; ///< no further record of this pass can be staged
+    std::optional<Error> diskFull_; ///< a record of this pass found no room to be staged
 
     std::optional<StageAhead> stageAhead_;   ///< this and the next: while the passes of a run
     std::optional<RecordTransfer> transfer_; ///< last; not guarded
