@@ -49,8 +49,8 @@ mount --rbind /dev "$root/dev"
 mount -t tmpfs -o mode=1777 tmpfs "$root/tmp"
 
 source=$root/home/person/quorvane
+rm -rf "$source"
 mkdir -p "$source"
-find "$source" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} + # of a kept system: old sources
 git ls-files -z --cached --others --exclude-standard | tar -c --null -T - | tar -x -C "$source"
 chroot "$root" chown -R person: /home/person
 told 'installing packages' inside root sh -c 'cd /home/person/quorvane && scripts/setup.sh build test run demo'

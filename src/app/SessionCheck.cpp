@@ -96,6 +96,14 @@ QuotaFacts quotaFacts(const GoogleServices& google, const Clock& clock) {
                 std::chrono::duration_cast<std::chrono::seconds>(today.turns - clock.now())};
 }
 
+/// Google does not say what room there is; that there was none stays true until a run got through.
+std::optional<QString> storageRefusal(const RunStateFile& file) {
+    const RunState last = file.last();
+    if (!last.fault || last.fault->code != FaultCode::storageFull)
+        return std::nullopt;
+    return last.fault->reason;
+}
+
 KeyringFacts keyringFacts(GoogleServices& google) {
     return {.hasTokens = google.oauth.isSignedIn(),
             .isKept = google.keychain.read(tokenKeys::refreshToken).has_value()};
@@ -155,7 +163,7 @@ std::vector<Finding> checkSession(CoreServices& core, GoogleServices& services,
                                   permissionsFinding(google),
                                   apiFinding(google),
                                   quotaFinding(google, quotaFacts(services, core.clock)),
-                                  storageFinding({}),
+                                  storageFinding(storageRefusal(core.runState)),
                                   keyringFinding(keyringFacts(services)),
                                   clockFinding(google)};
     for (Finding& finding : libraryFindings(core, services.account(), library, stop))
