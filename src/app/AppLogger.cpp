@@ -28,8 +28,8 @@ AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Cloc
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
     if (failure)
-        console_.print(QStringLiteral("[AppLogger] ❌ Dizin oluşturulamadı: ") +
-                       QString::fromStdString(failure.message()));
+        console_.notice(QStringLiteral("[AppLogger] ❌ Dizin oluşturulamadı: ") +
+                        QString::fromStdString(failure.message()));
     try {
         file_ = openFile(logFile_, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK);
     } catch (const FileError&) { // NOLINT(bugprone-empty-catch)
@@ -50,9 +50,13 @@ void AppLogger::log(const QString& text) {
         QStringLiteral("[%1] [%2] ").arg(time, tag).append(message).append(u'\n').toUtf8();
     if (systemLog_)
         systemLog_->log(message);
-    console_.print(QStringLiteral("[%1] ").arg(tag) + message);
-
     const LogEntry entry{QUuid::createUuid(), clock_.now(), message, levelOf(message)};
+    const QString consoleLine = QStringLiteral("[%1] ").arg(tag) + message;
+    if (entry.level == LogLevel::warning || entry.level == LogLevel::error)
+        console_.notice(consoleLine);
+    else
+        console_.print(consoleLine);
+
     {
         const std::lock_guard lock(mutex_);
         if (file_.isOpen()) {

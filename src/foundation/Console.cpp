@@ -10,6 +10,8 @@ namespace quorvane {
 
 namespace {
 
+constexpr int calmNotices = 20;
+
 int descriptorOf(Console::Channel channel) {
     return channel == Console::Channel::standardError ? STDERR_FILENO : STDOUT_FILENO;
 }
@@ -48,10 +50,28 @@ void Console::setChannel(Channel channel) {
     channel_ = channel;
 }
 
+void Console::setCalm(bool calm) {
+    const std::lock_guard lock(mutex_);
+    calm_ = calm;
+    notices_ = 0;
+}
+
 void Console::print(const QString& line) {
     const std::lock_guard lock(mutex_);
-    if (channel_ != Channel::silent)
+    if (channel_ != Channel::silent && !writesCalmly())
         write(descriptorOf(channel_), line + u'\n');
+}
+
+void Console::notice(const QString& line) {
+    const std::lock_guard lock(mutex_);
+    if (channel_ == Channel::silent)
+        return;
+    const int already = notices_++;
+    if (!writesCalmly() || already < calmNotices)
+        write(descriptorOf(channel_), line + u'\n');
+    else if (already == calmNotices)
+        write(descriptorOf(channel_),
+              QStringLiteral("Bunun gibi başka satırlar da var: günlükte ve sondaki özette\n"));
 }
 
 void Console::result(const QString& text) {
@@ -76,6 +96,11 @@ void Console::setLiveLine(const QString& text) {
 bool Console::isTerminal() const {
     const std::lock_guard lock(mutex_);
     return channel_ != Channel::silent && ::isatty(descriptorOf(channel_)) != 0;
+}
+
+/// Caller holds the lock.
+bool Console::writesCalmly() const {
+    return calm_ && ::isatty(descriptorOf(channel_)) != 0;
 }
 
 /// Caller holds the lock. The live line is on the terminal's last row: clear, write, draw it again.

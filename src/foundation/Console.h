@@ -24,8 +24,15 @@ class Console {
 
     void setChannel(Channel channel);
 
-    /// Writes one line; the live line, if shown, moves below it.
+    /// Calm: on a terminal a step is not written, and of notices so many as a person reads; the
+    /// log has all. Begins to count anew.
+    void setCalm(bool calm);
+
+    /// Writes one line, a step of the work; the live line, if shown, moves below it.
     void print(const QString& line);
+
+    /// The same for what needs a person.
+    void notice(const QString& line);
 
     /// Writes to standard output whatever the channel is: results, tables, JSON objects.
     void result(const QString& text);
@@ -41,10 +48,13 @@ class Console {
     bool isTerminal() const;
 
   private:
+    bool writesCalmly() const;
     void write(int fd, const QString& text);
 
     mutable std::mutex mutex_;
     Channel channel_;
+    bool calm_ = false;
+    int notices_ = 0; ///< since calm was asked for
     QString liveLine_;
 };
 

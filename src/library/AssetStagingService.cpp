@@ -21,7 +21,7 @@ AssetStagingService::AssetStagingService(Services services, const StatePlace& pl
       copies_(place, services.database),
       one_(services, copies_) {
     if (!copies_.create())
-        s_.console.print(
+        s_.console.notice(
             QStringLiteral("[Staging] Geçici klasör bu kullanıcıya özel değil, kullanılmayacak: ") +
             pathText(place.temporaryStaging));
 }
@@ -32,8 +32,8 @@ void AssetStagingService::stageDiscoveredAssets(std::stop_token stop) {
         const std::lock_guard lock(mutex_);
         records = recordsToStage();
     } catch (const DBError& error) {
-        s_.console.print(QStringLiteral("[Staging] Bekleyen kayıtlar okunamadı: ") +
-                         error.localizedDescription());
+        s_.console.notice(QStringLiteral("[Staging] Bekleyen kayıtlar okunamadı: ") +
+                          error.localizedDescription());
     }
     for (const SyncRecord& record : records) {
         if (stop.stop_requested())

@@ -157,8 +157,8 @@ void PhotoLibraryObserver::performInitialScan() {
         } catch (const DBError&) {
             return; // told by then
         } catch (const Error& error) {
-            console_.print(QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: ") +
-                           error.localizedDescription());
+            console_.notice(QStringLiteral("[PhotoKit] İlk tarama kitaplık hatası: ") +
+                            error.localizedDescription());
         }
     });
 }
@@ -170,8 +170,8 @@ void PhotoLibraryObserver::discardLeft() {
             if (staging_.discard(identifier))
                 life_.discarded(identifier);
     } catch (const DBError& error) { // the next scan asks again
-        console_.print(QStringLiteral("[PhotoKit] Kuyruktan çıkan dosyalar okunamadı: ") +
-                       error.localizedDescription());
+        console_.notice(QStringLiteral("[PhotoKit] Kuyruktan çıkan dosyalar okunamadı: ") +
+                        error.localizedDescription());
     }
 }
 
@@ -200,8 +200,8 @@ void PhotoLibraryObserver::initialScan(std::stop_token stop) {
 }
 
 void PhotoLibraryObserver::tellRefusal(const DBError& error) {
-    console_.print(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
-                   error.localizedDescription());
+    console_.notice(QStringLiteral("[PhotoKit] İlk tarama DB hatası: ") +
+                    error.localizedDescription());
 }
 
 /// What it cannot settle now is settled record by record, when it is staged.
@@ -216,8 +216,8 @@ void PhotoLibraryObserver::settle(const std::vector<PhotoAsset>& assets,
     } catch (const Cancelled&) {
         throw;
     } catch (const Error& error) {
-        console_.print(QStringLiteral("[PhotoKit] Eksik özgün dosyalar ayrılamadı: ") +
-                       error.localizedDescription());
+        console_.notice(QStringLiteral("[PhotoKit] Eksik özgün dosyalar ayrılamadı: ") +
+                        error.localizedDescription());
     }
 }
 
@@ -234,8 +234,9 @@ void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
                                       "dosya STAGED olarak korundu")
                            .arg(found));
     } catch (const Error& error) {
-        console_.print(QStringLiteral("[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: ") +
-                       error.localizedDescription());
+        console_.notice(
+            QStringLiteral("[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: ") +
+            error.localizedDescription());
     }
 }
 
@@ -275,8 +276,8 @@ void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& asset
             database_.insertIfNotExists(*record);
             database_.extendLimit(asset.localIdentifier);
         } catch (const DBError& error) {
-            console_.print(QStringLiteral("[PhotoKit] Kayıt hatası ") + asset.localIdentifier +
-                           QStringLiteral(": ") + error.localizedDescription());
+            console_.notice(QStringLiteral("[PhotoKit] Kayıt hatası ") + asset.localIdentifier +
+                            QStringLiteral(": ") + error.localizedDescription());
         }
     }
     settle(assets, stop);

@@ -359,7 +359,7 @@ void RecordStaging::missing(const QString& what, const QString& identifier) {
 }
 
 void RecordStaging::printError(const QString& identifier, const QString& reason) {
-    s_.console.print(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason));
+    s_.console.notice(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason));
 }
 
 void RecordStaging::tellAlone(const Source& source, const Error& error) {
@@ -370,7 +370,7 @@ void RecordStaging::tellAlone(const Source& source, const Error& error) {
 }
 
 void RecordStaging::tellAside(const std::filesystem::path& aside) {
-    s_.console.print(
+    s_.console.notice(
         QStringLiteral("[Staging] ⚠️ Aslı değişmiş bir kopya kenara alındı: ") +
         pathText(aside));
 }

@@ -97,7 +97,7 @@ void DatabaseManager::open(Console& console) {
             std::make_unique<sqlite::Connection>(file_, sqlite::Connection::Mode::readWriteCreate);
     } catch (const sqlite::SqliteError& error) {
         openError_ = error.localizedDescription();
-        console.print(QStringLiteral("[DB] Veritabanı açılamadı: ") + openError_);
+        console.notice(QStringLiteral("[DB] Veritabanı açılamadı: ") + openError_);
         return;
     }
     connection_->setBusyTimeout(busyTimeoutMilliseconds);

@@ -247,7 +247,7 @@ void BatchCoordinator::endAtLimit(bool stopsRun) {
         s_.console.print(QStringLiteral("[Batch] Albüm limiti aşıldı, stopAtLimit devrede. "
                                         "Senkronizasyon durduruluyor."));
     onAlbumFull();
-    s_.console.print(
+    s_.console.notice(
         QStringLiteral("[Sync] 🛑 Albüm sınırı nedeniyle eşitleme otomatik durduruldu"));
     s_.log.log(QStringLiteral("Google Photos albüm sınırı (20.000 medya) doldu!"));
     onMainThread([publisher = googlePhotosAlbumLimitReached] { publisher.send({}); });

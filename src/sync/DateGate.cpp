@@ -39,7 +39,7 @@ bool DateGate::passes(const SyncRecord& record, StagedFile& file, const std::sto
 
 void DateGate::holdBack(const SyncRecord& record, const MetadataResult& result,
                         RecordLife::Want want, bool isKindToBlame) {
-    s_.console.print(
+    s_.console.notice(
         (result.which == MetadataResult::Case::unresolvedDate
              ? QStringLiteral(
                    "[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload engellendi: ")

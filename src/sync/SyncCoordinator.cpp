@@ -138,7 +138,8 @@ bool SyncCoordinator::runSyncLoop() {
         records = queue_.next(
             2 * passSize, [this](int count) { finishRecognised(count); }, s_.flags.stopToken());
     } catch (const DBError& error) {
-        s_.console.print(QStringLiteral("[Sync] DB okuma hatasi: ") + error.localizedDescription());
+        s_.console.notice(QStringLiteral("[Sync] DB okuma hatasi: ") +
+                          error.localizedDescription());
         endBecauseOf(storeRefused(error.localizedDescription()));
         return false;
     } catch (const Error& error) {
@@ -228,7 +229,7 @@ void SyncCoordinator::processRecord(Pass& pass, const SyncRecord& record,
             handleFailure(pass, record, error, permit);
         }
     } catch (const std::exception& error) {
-        s_.console.print(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
+        s_.console.notice(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
         endBecauseOf(storeRefused(describe(error)));
     }
 }
@@ -261,7 +262,7 @@ void SyncCoordinator::handleFailure(Pass& pass, const SyncRecord& record,
     }
     const World::Verdict verdict = judge(record, error, permit);
     if (verdict.isItsOwn) {
-        s_.console.print(
+        s_.console.notice(
             QStringLiteral("[Sync] Hata (%1x), %2s bekleniyor: %3")
                 .arg(verdict.errors)
                 .arg(QString::number(static_cast<double>(verdict.wait.count()), 'f', 1),

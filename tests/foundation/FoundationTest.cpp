@@ -1,5 +1,6 @@
 #include "foundation/ByteReader.h"
 #include "foundation/Clock.h"
+#include "foundation/Console.h"
 #include "foundation/Crypto.h"
 #include "foundation/Date.h"
 #include "foundation/File.h"
@@ -12,9 +13,13 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <pty.h>
+#include <unistd.h>
 
 namespace quorvane {
 namespace {
+
+using namespace Qt::StringLiterals;
 
 TEST(ByteReader, readsWithinItsRangeAndNowhereElse) {
     const std::uint8_t bytes[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08};
@@ -75,6 +80,32 @@ TEST(File, errorsNameThePathAndTheReason) {
         EXPECT_EQ(error.localizedDescription(),
                   QStringLiteral("Dosya açılamadı: /nowhere/x (bulunamadı)"));
     }
+}
+
+TEST(Console, aCalmTerminalShowsWhatNeedsAPersonAndNoMoreThanOneReads) {
+    int terminal = -1;
+    int behind = -1;
+    ASSERT_EQ(::openpty(&terminal, &behind, nullptr, nullptr, nullptr), 0);
+    const int output = ::dup(STDOUT_FILENO);
+    ::dup2(behind, STDOUT_FILENO);
+    {
+        Console console;
+        console.print(u"before"_s);
+        console.setCalm(true);
+        console.print(u"step"_s);
+        for (int i = 0; i < 30; ++i)
+            console.notice(u"notice"_s);
+        console.result(u"after"_s);
+    }
+    ::dup2(output, STDOUT_FILENO);
+    QByteArray seen(4096, '\0');
+    seen.resize(::read(terminal, seen.data(), 4096));
+    for (const int descriptor : {terminal, behind, output})
+        ::close(descriptor);
+    EXPECT_TRUE(seen.startsWith("before\r\nnotice") && seen.endsWith("after\r\n"))
+        << seen.toStdString();
+    EXPECT_EQ(seen.count("notice"), 20);
+    EXPECT_EQ(seen.count('\n'), 23) << "and one line says that there are more";
 }
 
 TEST(Clock, aSleepEndsWithItsTimeOrWithAStop) {

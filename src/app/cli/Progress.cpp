@@ -132,4 +132,17 @@ void Progress::showOnce(bool onTerminal) {
     }
 }
 
+SyncRunCallbacks shownBy(const std::shared_ptr<Progress>& progress) {
+    SyncRunCallbacks callbacks;
+    callbacks.progress = [weak = std::weak_ptr(progress)](int completed, int total) {
+        if (const auto shown = weak.lock())
+            shown->update(completed, total);
+    };
+    callbacks.stateChanged = [weak = std::weak_ptr(progress)](const RunState& state) {
+        if (const auto shown = weak.lock(); shown && state.phase != RunState::Phase::ended)
+            shown->update(state);
+    };
+    return callbacks;
+}
+
 } // namespace quorvane::cli

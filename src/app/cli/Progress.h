@@ -3,8 +3,9 @@
 #include "foundation/Clock.h"
 #include "foundation/Console.h"
 #include "google/TransferActivityTracker.h"
-#include "sync/RunState.h"
+#include "sync/SyncRun.h"
 
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -47,5 +48,8 @@ class Progress {
     int lastShown_ = 0; ///< the showing thread's own
     std::jthread thread_;
 };
+
+/// What a run tells goes to `progress`, as long as that is kept.
+SyncRunCallbacks shownBy(const std::shared_ptr<Progress>& progress);
 
 } // namespace quorvane::cli

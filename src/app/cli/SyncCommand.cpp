@@ -93,15 +93,7 @@ SyncReport run(Invocation& invocation, CoreServices& core, GoogleServices& googl
     const auto progress = std::make_shared<Progress>(formOf(invocation.arguments), core.console,
                                                      google.tracker, core.clock);
     std::optional<Watching> watching; // what is added during the run is taken along
-    SyncRunCallbacks callbacks;
-    callbacks.progress = [weak = std::weak_ptr(progress)](int completed, int total) {
-        if (const auto shown = weak.lock())
-            shown->update(completed, total);
-    };
-    callbacks.stateChanged = [weak = std::weak_ptr(progress)](const RunState& state) {
-        if (const auto shown = weak.lock(); shown && state.phase != RunState::Phase::ended)
-            shown->update(state);
-    };
+    SyncRunCallbacks callbacks = shownBy(progress);
     callbacks.discovered = [&] {
         rememberLibrary(library, core.preferences);
         watching.emplace(library);
@@ -152,6 +144,8 @@ int sync(Invocation& invocation) {
         invocation.console.setChannel(Console::Channel::standardError);
     else if (arguments.has(QStringLiteral("quiet")))
         invocation.console.setChannel(Console::Channel::silent);
+
+    invocation.console.setCalm(!arguments.has(QStringLiteral("verbose")));
 
     const RunLock lock(invocation.folders.runLock());
     Program program(invocation);
@@ -215,7 +209,8 @@ Command syncCommand() {
           {QStringLiteral("json"),
            {},
            QStringLiteral("standart çıktıya satır başına bir JSON nesnesi yazar")},
-          {QStringLiteral("quiet"), {}, QStringLiteral("yalnızca sonucu yazar")}}},
+          {QStringLiteral("quiet"), {}, QStringLiteral("yalnızca sonucu yazar")},
+          {QStringLiteral("verbose"), {}, QStringLiteral("uçbirimde de her adımı yazar")}}},
         sync};
     std::ranges::copy(choiceOptions(), std::back_inserter(command.spec.options));
     return command;

@@ -1,6 +1,7 @@
 #include "app/RunLock.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
+#include "app/cli/Progress.h"
 #include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
 
@@ -79,20 +80,30 @@ class Turns {
     std::chrono::seconds next_ = longestWait;
 };
 
+/// What is said once, or as long as it holds where there is a terminal.
+void tell(CoreServices& core, const QString& text) {
+    core.logger.log(text);
+    core.console.setLiveLine(text);
+}
+
 /// One run. Somebody else's goes first: what is left comes with the next turn.
-void backUp(CoreServices& core, LibraryServices& library, Turns& turns, std::stop_token stop) {
+void backUp(CoreServices& core, GoogleServices& google, LibraryServices& library, Turns& turns,
+            std::stop_token stop) {
     try {
         const RunLock lock(core.folders.runLock());
         const SyncRunOrder order{.deletes =
                                      core.preferences.boolean(preferenceKeys::isAutoDeleteEnabled),
                                  .takesUp = SyncRunOrder::TakesUp::whatTheMomentFailed};
-        const SyncRunOutcome outcome = runSync(library.run, order, {}, stop);
+        const auto form = core.console.isTerminal() ? Progress::Form::text : Progress::Form::none;
+        auto progress = std::make_shared<Progress>(form, core.console, google.tracker, core.clock);
+        const SyncRunOutcome outcome = runSync(library.run, order, shownBy(progress), stop);
+        progress.reset();
         turns.ended(outcome);
         if (outcome.error || outcome.fault)
             core.logger.log(QStringLiteral("[Watch] ⚠️ ") + outcome.state().text());
-        core.logger.log(QStringLiteral("[Watch] %1 öğe yüklendi, %2 başarısız, %3 tarihsiz")
-                            .arg(QString::number(outcome.verified), QString::number(outcome.failed),
-                                 QString::number(outcome.undated)));
+        tell(core, QStringLiteral("[Watch] %1 öğe yüklendi, %2 başarısız, %3 tarihsiz")
+                       .arg(QString::number(outcome.verified), QString::number(outcome.failed),
+                            QString::number(outcome.undated)));
         if (outcome.leftOut.missed() > 0)
             core.logger.log(
                 QStringLiteral("[Watch] ⚠️ %1 öğe okunamadı veya yazılıyordu, atlandı")
@@ -115,6 +126,7 @@ int watch(Invocation& invocation) {
     CoreServices& core = program.core;
     applyUploadLimit(invocation.arguments, core.preferences);
     requireSignedIn(program.google.oauth);
+    core.console.setCalm(!invocation.arguments.has(QStringLiteral("verbose")));
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")), core);
     LibraryAt at(core, path);
     applyChoices(invocation.arguments, at.choices);
@@ -131,28 +143,30 @@ int watch(Invocation& invocation) {
                 arrivals.somethingCame();
         });
     const Watching watching(library);
-    core.logger.log(QStringLiteral("[Watch] Arşiv izleniyor: ") + pathText(path));
+    tell(core, QStringLiteral("[Watch] Arşiv izleniyor: ") + pathText(path));
     core.runState.signedIn(); // else the first run tells
     if (library.state.db.countPendingRecords() + library.state.db.countFailedRecords() > 0)
         arrivals.somethingCame();
     Turns turns(settling);
     while (arrivals.wait(settling, waitFor(turns, core), invocation.stop))
         if (!core.runState.last().needsSignIn())
-            backUp(core, library, turns, invocation.stop);
+            backUp(core, program.google, library, turns, invocation.stop);
     return done; // being stopped is how it ends
 }
 
 } // namespace
 
 Command watchCommand() {
-    Command command{{QStringLiteral("watch"),
-                     QStringLiteral("arşivi izler, beliren öğeleri kendiliğinden yükler"),
-                     {{QStringLiteral("library"), QStringLiteral("YOL"),
-                       QStringLiteral("Fotoğraflar arşivi veya resim klasörü (hatırlanır)")},
-                      {QStringLiteral("settle"), QStringLiteral("SANİYE"),
-                       QStringLiteral("son değişiklikten bu kadar sonra başlar (30)")},
-                      uploadLimitOption()}},
-                    watch};
+    Command command{
+        {QStringLiteral("watch"),
+         QStringLiteral("arşivi izler, beliren öğeleri kendiliğinden yükler"),
+         {{QStringLiteral("library"), QStringLiteral("YOL"),
+           QStringLiteral("Fotoğraflar arşivi veya resim klasörü (hatırlanır)")},
+          {QStringLiteral("settle"), QStringLiteral("SANİYE"),
+           QStringLiteral("son değişiklikten bu kadar sonra başlar (30)")},
+          uploadLimitOption(),
+          {QStringLiteral("verbose"), {}, QStringLiteral("uçbirimde de her adımı yazar")}}},
+        watch};
     std::ranges::copy(choiceOptions(), std::back_inserter(command.spec.options));
     return command;
 }
