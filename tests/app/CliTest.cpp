@@ -85,12 +85,19 @@ TEST_F(CliTest, aLibraryIsBackedUpAndWhatIsHeldBackIsNamed) {
     EXPECT_EQ(stored(), Stored{});
     EXPECT_EQ(emulator.requestCount(RequestKind::upload), 0);
 
-    const Outcome first = run(sync({u"--quiet"_s}));
+    std::filesystem::copy_file(library / "tarihsiz.jpg", library / "<i>tarihsiz & 1.jpg");
+    const Outcome first = run(sync({u"--quiet"_s, u"--report"_s, u"rapor.html"_s}));
     EXPECT_EQ(first.code, 4) << first.out.toStdString() << first.err.toStdString();
     EXPECT_TRUE(first.out.contains(u"tarihsiz.jpg:")) << first.out.toStdString();
     Stored counts = stored();
     EXPECT_EQ(counts[SyncStatus::verified], forecast[0][u"toUpload"_s].toInt());
-    EXPECT_EQ(counts[SyncStatus::dateUnresolved], forecast[0][u"undated"_s].toInt());
+    EXPECT_EQ(counts[SyncStatus::dateUnresolved], forecast[0][u"undated"_s].toInt() + 1);
+    const QString page = QString::fromUtf8(readFile(folder / "rapor.html"));
+    EXPECT_TRUE(page.contains(u"&lt;i&gt;tarihsiz &amp; 1.jpg"_s)) << page.toStdString();
+    EXPECT_TRUE(page.contains(
+        u"<td>Toplam doğrulanan</td><td class=\"count\">%1<"_s.arg(counts[SyncStatus::verified])));
+    for (const QString& outside : {u"<script"_s, u"http"_s, u"src="_s, u"<i>tarih"_s})
+        EXPECT_FALSE(page.contains(outside)) << outside.toStdString();
     EXPECT_GT(counts[SyncStatus::dateUnresolved], 0);
 
     EXPECT_EQ(run({u"retry"_s, u"--date-fallback"_s, u"fileSaveDate"_s}).code, 0);

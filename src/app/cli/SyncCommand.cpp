@@ -1,4 +1,5 @@
 #include "app/RunLock.h"
+#include "app/RunReport.h"
 #include "app/cli/Forecast.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
@@ -6,6 +7,7 @@
 #include "app/cli/SyncReport.h"
 #include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
+#include "foundation/File.h"
 #include "store/RecordFaults.h"
 
 #include <QRegularExpression>
@@ -27,15 +29,6 @@ QString nameOf(const SyncRecord& record, LibraryServices& library) {
     return file ? uploadName(record, *file) : identifier;
 }
 
-/// The record's own text, and what Google said about it.
-QString reasonOf(const SyncRecord& record, RecordFaults& faults) {
-    const QString text = record.lastError.value_or(QString());
-    const auto fault = faults.of(record);
-    const bool saysMore = record.syncStatus == SyncStatus::failed && fault &&
-                          !fault->reason.isEmpty() && !text.contains(fault->reason);
-    return saysMore ? text + QStringLiteral(" (Google: %1)").arg(fault->reason) : text;
-}
-
 /// Writes down what the store holds after the run, with the names a person knows the files by. A
 /// store that has failed already tells nothing more.
 void describeEnd(SyncReport& report, LibraryServices& library) {
@@ -52,6 +45,23 @@ void describeEnd(SyncReport& report, LibraryServices& library) {
     } catch (const Error& error) {
         if (!report.run.error)
             report.run.error = error.localizedDescription();
+    }
+}
+
+/// The page that `--report` asks for. What it says is safe in the store as well: a page that cannot
+/// be written does not change how the run ended.
+void writeReport(const QString& file, const SyncReport& ended, CoreServices& core,
+                 GoogleServices& google, LibraryServices& library) {
+    try {
+        RunReport report = RunReport::of(library.run, ended.run, {});
+        report.library = pathText(library.path);
+        report.account = google.account().email;
+        report.end = core.clock.now();
+        report.seconds = ended.seconds;
+        replaceFile(pathFrom(file), report.html().toUtf8());
+        core.console.notice(QStringLiteral("Rapor: ") + file);
+    } catch (const Error& error) {
+        core.console.error(QStringLiteral("Rapor yazılamadı: ") + error.localizedDescription());
     }
 }
 
@@ -170,6 +180,8 @@ int sync(Invocation& invocation) {
         printJson(core.console, report.json());
     else
         core.console.result(report.table());
+    if (const auto file = arguments.value(QStringLiteral("report")))
+        writeReport(*file, report, core, program.google, library);
     return report.exitCode();
 }
 
@@ -206,6 +218,8 @@ Command syncCommand() {
           {QStringLiteral("dry-run"),
            {},
            QStringLiteral("ne yapılacağını söyler, hiçbir şey yapmaz")},
+          {QStringLiteral("report"), QStringLiteral("DOSYA"),
+           QStringLiteral("sonunda bir HTML sayfasına yazar: kaçı, hangileri değil, neden")},
           {QStringLiteral("json"),
            {},
            QStringLiteral("standart çıktıya satır başına bir JSON nesnesi yazar")},
