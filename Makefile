@@ -1,5 +1,5 @@
 # The front door: every target works from a clean clone on Debian 12.
-.PHONY: help build demo demo-ui run packaged install deb app dmg test bench soak fuzz format lint setup clean
+.PHONY: help build demo demo-ui run packaged install deb app dmg test bench soak sweep fuzz format lint setup clean
 
 PREFIX ?= /usr/local
 
@@ -13,6 +13,7 @@ help:
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure'
 	@echo 'make soak    kill the program at random instants for 20 minutes (MINUTES=n: for n)'
+	@echo 'make sweep   fail every system call and statement of a small backup, one after another'
 	@echo 'make setup   install the Debian packages that are missing (the others call it)'
 	@echo 'make format  format the sources; make lint: check them'
 
@@ -67,6 +68,10 @@ bench: build
 soak: build
 	@scripts/setup.sh build test bench
 	@scripts/soak.sh $(MINUTES)
+
+sweep: build
+	@scripts/setup.sh build test
+	@scripts/sweep.sh
 
 fuzz:
 	@scripts/setup.sh build fuzz
