@@ -32,7 +32,9 @@ set(CMAKE_OBJCXX_COMPILER ${QUORVANE_OBJCXX})
 set(CMAKE_OBJCXX_STANDARD ${CMAKE_CXX_STANDARD})
 set(CMAKE_OBJCXX_EXTENSIONS OFF)
 enable_language(OBJCXX)
-set(CMAKE_PCH_PROLOGUE "#pragma GCC system_header") # of the C++ compiler again
+# Of the C++ compiler again: without them it reads the common headers anew in every source.
+set(CMAKE_PCH_EXTENSION .gch)
+set(CMAKE_PCH_PROLOGUE "#pragma GCC system_header")
 # What the C++ compiler's sanitizer library has no handlers for.
 set(CMAKE_OBJCXX_FLAGS_DEBUG
   "${CMAKE_CXX_FLAGS_DEBUG} -fno-sanitize=vptr,function -Wno-unknown-warning-option")

@@ -5,12 +5,15 @@
 #include "platform/folder/FolderLibrary.h"
 #include "sample/SampleMedia.h"
 
+#include <array>
 #include <map>
 #include <random>
+#include <thread>
 
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 extern char** environ;
 
@@ -19,7 +22,8 @@ namespace quorvane::test {
 namespace {
 
 constexpr const char* worldVariable = "QUORVANE_TEST_KILLED_WORLD";
-constexpr int pictures = 6; // fewer than one call looks at
+constexpr int pictures = 6;       // fewer than one call looks at
+constexpr int victimsSignal = 63; // the descriptor on which the victim says that it begins
 #ifdef __SANITIZE_THREAD__
 constexpr int kills = 20; // a slow start each, and no new thread to look at
 #else
@@ -64,17 +68,26 @@ Contents stagedIn(const UserFolders& folders) {
     return contents;
 }
 
+/// A process that begins to stage when this returns: how long it takes to start says nothing about
+/// how long it stages.
 pid_t startVictim() {
     const char* arguments[] = {"test-library", "--gtest_filter=StagingVictim.DISABLED_Stages",
                                "--gtest_also_run_disabled_tests", nullptr};
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
     posix_spawn_file_actions_t actions{};
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], victimsSignal);
     pid_t child = -1;
     EXPECT_EQ(::posix_spawn(&child, "/proc/self/exe", &actions, nullptr,
                             const_cast<char**>(arguments), environ),
               0);
     posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    char begins = 0;
+    EXPECT_EQ(::read(ends[0], &begins, 1), 1) << "it ended before it staged";
+    ::close(ends[0]);
     return child;
 }
 
@@ -93,7 +106,9 @@ void startAgain(StagedWorld& world) {
 TEST(StagingVictim, DISABLED_Stages) {
     const QByteArray home = qgetenv(worldVariable);
     ASSERT_FALSE(home.isEmpty());
-    StagedWorld(home.toStdString()).stage();
+    StagedWorld world(home.toStdString());
+    ASSERT_EQ(::write(victimsSignal, "b", 1), 1);
+    world.stage();
 }
 
 TEST(StagingKill, LeavesWholeFilesAndTrueRecordsWheneverItComes) {
@@ -122,8 +137,9 @@ TEST(StagingKill, LeavesWholeFilesAndTrueRecordsWheneverItComes) {
 
     qputenv(worldVariable, QByteArray::fromStdString(home.native()));
     SystemClock clock;
+    const pid_t undisturbed = startVictim();
     const auto began = clock.monotonic();
-    ASSERT_EQ(::waitpid(startVictim(), nullptr, 0) > 0, true);
+    ASSERT_EQ(::waitpid(undisturbed, nullptr, 0), undisturbed);
     const auto longest =
         std::chrono::duration_cast<std::chrono::microseconds>(clock.monotonic() - began);
     ASSERT_EQ(stagedIn(world.folders), whole) << "without a kill it stages all";
@@ -134,7 +150,7 @@ TEST(StagingKill, LeavesWholeFilesAndTrueRecordsWheneverItComes) {
     for (int kill = 0; kill < kills; ++kill) {
         const pid_t victim = startVictim();
         const std::chrono::microseconds delay(random() % static_cast<unsigned>(longest.count()));
-        clock.sleep(std::chrono::duration_cast<std::chrono::milliseconds>(delay), {});
+        std::this_thread::sleep_for(delay);
         ::kill(victim, SIGKILL);
         ASSERT_EQ(::waitpid(victim, nullptr, 0), victim);
 
