@@ -60,7 +60,7 @@ std::optional<std::filesystem::path> findDatabase(const std::filesystem::path& p
 } // namespace
 
 PhotosDateQuery::Session::Session(const std::filesystem::path& file)
-    : connection(file, sqlite::Connection::Mode::readOnly), statement(prepare(connection)) {}
+    : connection(file, sqlite::Connection::Mode::foreign), statement(prepare(connection)) {}
 
 std::optional<Date> PhotosDateQuery::queryDateFromPhotosSQLite(const QString& identifier) noexcept {
     try {

@@ -6,24 +6,78 @@ namespace quorvane::sqlite {
 
 namespace {
 
+constexpr int largestForeignValue = 1 << 20;    // bytes
+constexpr int largestForeignProgram = 100'000;  // instructions; ours have a few hundred
+constexpr int stepsAtOnce = 10'000;             // between two looks at the bounds
+constexpr std::int64_t leastSteps = 20'000'000; // instructions, about half a second
+constexpr std::int64_t stepsOfByte = 8;         // a real database takes about two
+constexpr std::int64_t leastBytes = 16 << 20;
+constexpr std::int64_t timesRead = 4; // a row joined to several is read as often
+const QString tooMuch = QStringLiteral("veritabanı kendi boyuna sığmayacak kadar çok şey içeriyor");
+
 QString messageOf(sqlite3* handle) {
     return QString::fromUtf8(sqlite3_errmsg(handle));
 }
 
 } // namespace
 
+/// What one statement on a foreign file may do, and what it did.
+struct Connection::Bounds {
+    std::int64_t steps; ///< instructions of SQLite's machine
+    std::int64_t bytes; ///< of text and blobs that it yields
+    std::int64_t stepsDone = 0;
+    std::int64_t bytesDone = 0;
+    std::stop_token stop = {};
+
+    /// SQLite's progress handler: not 0 ends the statement with SQLITE_INTERRUPT.
+    static int goOn(void* bounds) {
+        auto& b = *static_cast<Bounds*>(bounds);
+        b.stepsDone += stepsAtOnce;
+        return b.stop.stop_requested() || b.stepsDone > b.steps ? 1 : 0;
+    }
+};
+
 void Connection::Close::operator()(sqlite3* handle) const {
     sqlite3_close_v2(handle);
 }
 
 Connection::Connection(const std::filesystem::path& file, Mode mode) {
-    const int flags =
-        mode == Mode::readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    const int flags = mode == Mode::readWriteCreate ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE
+                                                    : SQLITE_OPEN_READONLY;
     sqlite3* handle = nullptr;
     const int result = sqlite3_open_v2(file.c_str(), &handle, flags, nullptr);
     handle_.reset(handle); // SQLite hands out a handle even when opening failed
     if (result != SQLITE_OK)
         throw SqliteError(messageOf(handle));
+    if (mode == Mode::foreign)
+        bound(file);
+}
+
+Connection::Connection(Connection&&) noexcept = default;
+Connection& Connection::operator=(Connection&&) noexcept = default;
+Connection::~Connection() = default;
+
+void Connection::bound(const std::filesystem::path& file) {
+    std::error_code absent;
+    const auto log = std::filesystem::file_size(file.native() + "-wal", absent);
+    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file) +
+                                                 (absent ? 0 : log)); // without both: throws
+    bounds_ = std::make_unique<Bounds>(
+        Bounds{.steps = leastSteps + bytes * stepsOfByte, .bytes = leastBytes + bytes * timesRead});
+    sqlite3_limit(handle_.get(), SQLITE_LIMIT_LENGTH, largestForeignValue);
+    sqlite3_limit(handle_.get(), SQLITE_LIMIT_VDBE_OP, largestForeignProgram);
+    sqlite3_progress_handler(handle_.get(), stepsAtOnce, Bounds::goOn, bounds_.get());
+    execute("PRAGMA trusted_schema = OFF");
+}
+
+void Connection::stopOn(std::stop_token stop) {
+    bounds_->stop = std::move(stop);
+}
+
+/// Adds to what the statement at hand yielded.
+void Connection::countBytes(std::int64_t bytes) {
+    if (bounds_ && (bounds_->bytesDone += bytes) > bounds_->bytes)
+        throw SqliteError(tooMuch);
 }
 
 void Connection::setBusyTimeout(int milliseconds) {
@@ -81,6 +135,8 @@ void Connection::Finalize::operator()(sqlite3_stmt* statement) const {
 }
 
 Connection::Compiled Connection::compile(const char* sql) {
+    if (bounds_)
+        bounds_->stepsDone = bounds_->bytesDone = 0;
     if (const auto idle = idle_.find(std::string_view(sql)); idle != idle_.end())
         return std::move(idle_.extract(idle).mapped());
     sqlite3_stmt* statement = nullptr;
@@ -125,6 +181,10 @@ bool Statement::step() {
         return true;
     case SQLITE_DONE:
         return false;
+    case SQLITE_INTERRUPT:
+        if (connection_.bounds_->stop.stop_requested())
+            throw Cancelled();
+        throw SqliteError(tooMuch);
     default:
         throw SqliteError(connection_.errorMessage());
     }
@@ -141,8 +201,9 @@ bool Statement::isNull(int column) const {
 
 QString Statement::text(int column) const {
     const void* bytes = sqlite3_column_text(statement_.get(), column);
-    return QString::fromUtf8(static_cast<const char*>(bytes),
-                             sqlite3_column_bytes(statement_.get(), column));
+    const int size = sqlite3_column_bytes(statement_.get(), column);
+    connection_.countBytes(size);
+    return QString::fromUtf8(static_cast<const char*>(bytes), size);
 }
 
 std::optional<QString> Statement::optionalText(int column) const {
@@ -151,7 +212,9 @@ std::optional<QString> Statement::optionalText(int column) const {
 
 QByteArray Statement::bytes(int column) const {
     const void* data = sqlite3_column_blob(statement_.get(), column);
-    return {static_cast<const char*>(data), sqlite3_column_bytes(statement_.get(), column)};
+    const int size = sqlite3_column_bytes(statement_.get(), column);
+    connection_.countBytes(size);
+    return {static_cast<const char*>(data), size};
 }
 
 std::int64_t Statement::integer(int column) const {

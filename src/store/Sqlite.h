@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 
 struct sqlite3;
@@ -31,10 +32,20 @@ class Connection {
     enum class Mode {
         readOnly,        ///< the file must exist
         readWriteCreate, ///< created when absent
+        /// The file must exist, and was written by somebody else: nothing in its schema is trusted,
+        /// a value is at most a MiB, and what a statement does and yields is in proportion to the
+        /// size of the file. `SqliteError` for more.
+        foreign,
     };
 
     /// Throws `SqliteError` when the file cannot be opened.
     Connection(const std::filesystem::path& file, Mode mode);
+    Connection(Connection&&) noexcept;
+    Connection& operator=(Connection&&) noexcept;
+    ~Connection();
+
+    /// Statements on a foreign file end with `Cancelled` when it is requested, from now on.
+    void stopOn(std::stop_token stop);
 
     /// How long a statement waits for another connection's lock.
     void setBusyTimeout(int milliseconds);
@@ -53,6 +64,7 @@ class Connection {
 
   private:
     friend class Statement;
+    struct Bounds;
 
     struct Close {
         void operator()(sqlite3* handle) const;
@@ -63,7 +75,10 @@ class Connection {
     using Compiled = std::unique_ptr<sqlite3_stmt, Finalize>;
 
     Compiled compile(const char* sql);
+    void bound(const std::filesystem::path& file);
+    void countBytes(std::int64_t bytes);
 
+    std::unique_ptr<Bounds> bounds_; ///< of a foreign file; before `handle_`, which calls it
     std::unique_ptr<sqlite3, Close> handle_;
     /// Statements that are not in use, by the text that they were compiled from: compiling costs
     /// more than most of them do.

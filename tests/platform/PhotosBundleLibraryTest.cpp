@@ -89,6 +89,27 @@ TEST_F(MadeBundle, StaysInsideTheBundleWhateverTheDatabaseSays) {
     EXPECT_TRUE(library.absentOriginals(*library.fetchAssets(), {}).empty()) << "nobody can tell";
 }
 
+TEST_F(MadeBundle, GivesUpOnADatabaseThatNeverEndsOrIsLargerThanItself) {
+    make();
+    const auto refusal = [this] {
+        try {
+            library.absentOriginals(*library.fetchAssets(), {});
+            return QStringLiteral("read");
+        } catch (const PhotoLibraryError& error) {
+            return error.localizedDescription();
+        }
+    };
+    addAsset(1, ", ZFILENAME", ", printf('%.2000000c', 'x')");
+    EXPECT_TRUE(refusal().contains(u"too big")) << qUtf8Printable(refusal());
+    execute("UPDATE ZASSET SET ZFILENAME = 'a.jpg'; DROP TABLE ZADDITIONALASSETATTRIBUTES;"
+            "CREATE VIEW ZADDITIONALASSETATTRIBUTES AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
+            "SELECT i + 1 FROM n) SELECT 1 ZASSET, 'x' ZORIGINALFILENAME, '' ZTITLE FROM n");
+    EXPECT_TRUE(refusal().contains(u"kendi boyuna sığmayacak")) << qUtf8Printable(refusal());
+    std::stop_source stopped;
+    stopped.request_stop();
+    EXPECT_THROW(library.absentOriginals({}, stopped.get_token()), Cancelled);
+}
+
 TEST_F(MadeBundle, FindsOriginalsWhereTheyLieAndTellsWhyOthersAreNotThere) {
     make();
     const std::string place = "'/Volumes/Disk/a', 'x.jpg'";

@@ -116,10 +116,11 @@ void PhotosBundleLibrary::open(Freshness freshness) {
 }
 
 template <typename Work>
-auto PhotosBundleLibrary::query(Freshness freshness, Work&& work) {
+auto PhotosBundleLibrary::query(Freshness freshness, Work&& work, std::stop_token stop) {
     const std::lock_guard lock(mutex_);
     try {
         open(freshness);
+        opened_->database.stopOn(std::move(stop));
         return work(*opened_);
     } catch (const sqlite::SqliteError& error) {
         throw PhotoLibraryError(
@@ -141,12 +142,15 @@ QString PhotosBundleLibrary::identity() {
 }
 
 template <typename List>
-AssetFetchResult PhotosBundleLibrary::remember(List list) {
+AssetFetchResult PhotosBundleLibrary::remember(List list, std::stop_token stop) {
     int seen = 0;
-    AssetFetchResult first = query(Freshness::current, [&](Opened& opened) {
-        seen = version_;
-        return resultOf(list(opened));
-    });
+    AssetFetchResult first = query(
+        Freshness::current,
+        [&](Opened& opened) {
+            seen = version_;
+            return resultOf(list(opened));
+        },
+        std::move(stop));
     return fetches_.remember(std::move(first), [this, list, seen]() mutable {
         return query(Freshness::asLastRead, [&](Opened& opened) -> AssetFetchResult {
             const bool isSame = version_ == std::exchange(seen, version_);
@@ -155,8 +159,8 @@ AssetFetchResult PhotosBundleLibrary::remember(List list) {
     });
 }
 
-AssetFetchResult PhotosBundleLibrary::fetchAssets(std::stop_token) {
-    return remember([](Opened& opened) { return opened.database.assets(); });
+AssetFetchResult PhotosBundleLibrary::fetchAssets(std::stop_token stop) {
+    return remember([](Opened& opened) { return opened.database.assets(); }, std::move(stop));
 }
 
 AssetFetchResult PhotosBundleLibrary::fetchAssets(const AssetCollection& collection) {
@@ -243,8 +247,8 @@ std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoA
 
 std::map<QString, AbsentOriginal>
 PhotosBundleLibrary::absentOriginals(const std::vector<PhotoAsset>& assets, std::stop_token stop) {
-    const auto originals =
-        query(Freshness::asLastRead, [](Opened& opened) { return opened.database.originals(); });
+    const auto originals = query(
+        Freshness::asLastRead, [](Opened& opened) { return opened.database.originals(); }, stop);
     const auto layout = this->layout();
     std::map<QString, AbsentOriginal> absent;
     for (const PhotoAsset& asset : assets) {

@@ -79,11 +79,11 @@ class PhotosBundleLibrary final : public PhotoLibrary {
 
     /// Runs `work` on the open database, one caller at a time.
     template <typename Work>
-    auto query(Freshness freshness, Work&& work);
+    auto query(Freshness freshness, Work&& work, std::stop_token stop = {});
     void open(Freshness freshness);
     /// Lists the open database, and each that follows it when the list is fetched again.
     template <typename List>
-    AssetFetchResult remember(List list);
+    AssetFetchResult remember(List list, std::stop_token stop = {});
     std::shared_ptr<const BundleLayout> layout() const;
     std::filesystem::path pathOf(const PhotoAssetResource& resource) const;
     FileDescriptor openResource(const PhotoAssetResource& resource) const;

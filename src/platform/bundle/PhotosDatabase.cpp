@@ -78,10 +78,8 @@ PhotosAssetFiles filesFrom(const Statement& row) {
 } // namespace
 
 PhotosDatabase::PhotosDatabase(const std::filesystem::path& file)
-    : connection_(file, sqlite::Connection::Mode::readOnly),
-      schema_(PhotosSchema::of(connection_)) {
-    connection_.execute("PRAGMA trusted_schema = OFF");
-}
+    : connection_(file, sqlite::Connection::Mode::foreign),
+      schema_(PhotosSchema::of(connection_)) {}
 
 QString PhotosDatabase::libraryUuid() {
     Statement row(connection_, "SELECT Z_UUID FROM Z_METADATA"); // Core Data's own table

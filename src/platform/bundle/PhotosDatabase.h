@@ -58,10 +58,14 @@ struct PhotosAssetFiles {
 };
 
 /// Reads the copy of a Photos database, of every version since macOS 10.15. Used from one thread
-/// at a time. Every operation throws `SqliteError` when the file is damaged.
+/// at a time. Every operation throws `SqliteError` when the file is damaged or absurd, and
+/// `Cancelled` when it is stopped.
 class PhotosDatabase {
   public:
     explicit PhotosDatabase(const std::filesystem::path& file);
+
+    /// What comes from now on can be stopped.
+    void stopOn(std::stop_token stop) { connection_.stopOn(std::move(stop)); }
 
     /// The library's own identifier; empty when the database has none.
     QString libraryUuid();
