@@ -1,45 +1,14 @@
 #include "app/RunReport.h"
 
 #include "metadata/LocalCalendar.h"
-#include "store/RecordDates.h"
+#include "store/RecordFaults.h"
+#include "sync/RecordTransfer.h"
 
 namespace quorvane {
 
 namespace {
 
-bool isSent(SyncStatus status) {
-    return status == SyncStatus::verified || status == SyncStatus::deletedLocally;
-}
-
-/// The names that a person knows the assets by, and which of them are movies.
-struct Listing {
-    std::map<QString, QString> names;
-    std::set<QString> movies;
-
-    QString nameOf(const QString& identifier) const {
-        const auto known = names.find(identifier);
-        return known == names.end() ? identifier : known->second;
-    }
-};
-
-Listing listed(PhotoLibrary& library, const std::set<QString>& named, const std::stop_token& stop) {
-    Listing listing;
-    const AssetFetchResult assets = library.fetchAssets(stop);
-    for (const PhotoAsset& asset : *assets) {
-        if (stop.stop_requested())
-            throw Cancelled();
-        if (asset.mediaType == AssetMediaType::video)
-            listing.movies.insert(asset.localIdentifier);
-        if (!named.contains(asset.localIdentifier))
-            continue;
-        if (const auto resource = resourceToStage(library.assetResources(asset)))
-            listing.names[asset.localIdentifier] = resource->originalFilename;
-    }
-    return listing;
-}
-
-} // namespace
-
+/// The record's own text, and what Google said about it.
 QString reasonOf(const SyncRecord& record, RecordFaults& faults) {
     const QString text = record.lastError.value_or(QString());
     const auto fault = faults.of(record);
@@ -48,48 +17,77 @@ QString reasonOf(const SyncRecord& record, RecordFaults& faults) {
     return saysMore ? text + QStringLiteral(" (Google: %1)").arg(fault->reason) : text;
 }
 
+/// The name a person knows the asset by: the library's, else that of the staged copy.
+QString nameOf(const SyncRecord& record, const SyncRunServices& services) {
+    const QString& identifier = record.assetLocalIdentifier;
+    const auto assets = services.library.fetchAssets(QStringList{identifier});
+    if (!assets->empty())
+        if (const auto resource = resourceToStage(services.library.assetResources(assets->front())))
+            return resource->originalFilename;
+    const auto file = services.staging.findStagingFile(identifier);
+    return file ? uploadName(record, *file) : identifier;
+}
+
+void gather(RunReport& report, const SyncRunServices& services, int most) {
+    DatabaseManager& db = services.db;
+    report.now = StoreCounts::of(db);
+    report.pending = db.countPendingRecords();
+    report.behind = RecordRemainders(db).counts();
+    report.failures = db.fetchFailedCategorySummaries();
+    RecordFaults faults(db);
+    for (const SyncRecord& record : db.fetchUnfinishedRecords(most))
+        report.unfinished.push_back(
+            {nameOf(record, services), record.syncStatus, reasonOf(record, faults)});
+}
+
+void gatherDates(RunReport& report, const SyncRunServices& services) {
+    RecordDates dates(services.db);
+    report.dated = dates.sent();
+    const QString format = QStringLiteral("dd.MM.yyyy HH:mm:ss");
+    for (const Misdating& item : dates.misdated()) {
+        if (std::ssize(report.misdated) == RunReport::pageItems)
+            return;
+        SyncRecord record;
+        record.assetLocalIdentifier = item.identifier;
+        report.misdated.push_back(
+            {nameOf(record, services), SyncStatus::verified,
+             QStringLiteral("bizde %1, Google'da %2 (UTC)")
+                 .arg(utcText(item.ours, format), utcText(item.theirs, format))});
+    }
+}
+
+} // namespace
+
 RunReport RunReport::of(const SyncRunServices& services, const SyncRunOutcome& outcome,
-                        const std::stop_token& stop) {
+                        Extent extent) {
     RunReport report;
     report.run = outcome;
-    report.now = StoreCounts::of(services.db);
-    report.pending = services.db.countPendingRecords();
-    report.behind = RecordRemainders(services.db).counts();
-
-    const std::vector<SyncRecord> unfinished = services.db.fetchUnfinishedRecords(mostItems);
-    const std::vector<Misdating> misdatings = RecordDates(services.db).misdated();
-    std::set<QString> named;
-    for (const SyncRecord& record : unfinished)
-        named.insert(record.assetLocalIdentifier);
-    for (const Misdating& item : misdatings)
-        named.insert(item.identifier);
-    const Listing listing = listed(services.library, named, stop);
-
-    RecordFaults faults(services.db);
-    for (const SyncRecord& record : unfinished) {
-        auto& list = record.syncStatus == SyncStatus::failed ? report.failed : report.heldBack;
-        list.push_back({listing.nameOf(record.assetLocalIdentifier), reasonOf(record, faults)});
-    }
-    const QString format = QStringLiteral("dd.MM.yyyy HH:mm:ss");
-    for (const Misdating& item : misdatings)
-        if (std::ssize(report.misdated) < mostItems)
-            report.misdated.push_back(
-                {listing.nameOf(item.identifier),
-                 QStringLiteral("bizde %1, Google'da %2 (UTC)")
-                     .arg(utcText(item.ours, format), utcText(item.theirs, format))});
-
-    std::set<QString> sent;
-    for (const auto& [identifier, status] : services.db.fetchStatuses())
-        if (isSent(status))
-            sent.insert(identifier);
-    for (const auto& [identifier, dated] : RecordDates(services.db).all()) {
-        if (!sent.contains(identifier))
-            continue;
-        ++report.dateSources[dated.source];
-        Month& month = report.months[utcText(dated.date, u"yyyy-MM")];
-        ++(listing.movies.contains(identifier) ? month.movies : month.pictures);
+    try {
+        gather(report, services, extent == Extent::page ? pageItems : shownItems);
+        if (extent == Extent::page)
+            gatherDates(report, services);
+    } catch (const Error& error) {
+        if (!report.run.error)
+            report.run.error = error.localizedDescription();
     }
     return report;
+}
+
+std::vector<Figure> RunReport::figures() const {
+    std::vector<Figure> figures{
+        {QStringLiteral("Doğrulanan (bu kez)"), "verified", run.verified, true},
+        {QStringLiteral("  zaten yüklü, tanınan"), "recognised", run.recognised},
+        {QStringLiteral("  Google'da zaten varmış"), "existing", run.existing},
+        {QStringLiteral("  tarihi addaki sayı"), "datedByNumber", run.datedByNumber},
+        {QStringLiteral("Doğrulanan (toplam)"), "verifiedTotal", now.verified, true},
+        {QStringLiteral("  Google'da başka tarihte"), "misdated", now.misdated},
+        {QStringLiteral("Tarihi bilinmeyen"), "undated", now.undated, true},
+        {QStringLiteral("  tarih yazılamayan biçim"), "undatable", now.undatable},
+        {QStringLiteral("Bekleyen"), "pending", pending, true},
+        {QStringLiteral("Başarısız"), "failed", now.failed, true}};
+    for (const FailedCategorySummary& failure : failures)
+        figures.push_back({QStringLiteral("  ") + failure.categoryName, nullptr, failure.count});
+    return figures;
 }
 
 } // namespace quorvane

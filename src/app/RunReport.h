@@ -1,26 +1,27 @@
 #pragma once
 
-#include "store/RecordFaults.h"
-#include "store/RecordRemainders.h"
+#include "app/Figures.h"
+#include "store/RecordDates.h"
 #include "store/StoreCounts.h"
 #include "sync/SyncRun.h"
 
-#include <map>
-
 namespace quorvane {
 
-/// What a page about a run tells, for a person to keep.
+/// What there is to tell about a run that ended: the table and the JSON of `sync`, and a page for a
+/// person to keep.
 struct RunReport {
+    /// An item that needs a look.
     struct Item {
-        QString name;
+        QString name; ///< a person knows it by; else its identifier
+        SyncStatus status = SyncStatus::failed;
         QString reason; ///< with Google's own, where it gave one
     };
-    /// What is at the destination, of one month.
-    struct Month {
-        int pictures = 0;
-        int movies = 0;
+    enum class Extent {
+        summary, ///< the first `shownItems` that need a look
+        page,    ///< as many as `pageItems` in each list, and what the page alone tells
     };
-    static constexpr int mostItems = 10'000; ///< in each list
+    static constexpr int shownItems = 20;
+    static constexpr int pageItems = 10'000;
 
     QString library; ///< its path
     QString account; ///< e-mail; empty when unknown
@@ -28,24 +29,22 @@ struct RunReport {
     double seconds = 0;
     SyncRunOutcome run;
     StoreCounts now;
-    int pending = 0;
+    int pending = 0; ///< of this run's source
     RemainderCounts behind;
-    std::map<QString, Month> months;    ///< by capture date, UTC: "2019-05"
-    std::map<QString, int> dateSources; ///< of the same items, by the raw value of `DateSource`
-    std::vector<Item> failed;
-    std::vector<Item> heldBack;
-    std::vector<Item> misdated; ///< the reason holds both dates
+    std::vector<FailedCategorySummary> failures;
+    std::vector<Item> unfinished;  ///< failed and held back, most recently changed first
+    std::vector<Item> misdated;    ///< the reason holds both dates; of the page
+    std::vector<DatedItems> dated; ///< what is at the destination; of the page
 
-    /// What the store and the library of `services` say after the run. Throws `Error`, or
-    /// `Cancelled`.
-    static RunReport of(const SyncRunServices& services, const SyncRunOutcome& run,
-                        const std::stop_token& stop);
+    /// What the store says after the run, with the library's names. What it cannot tell is left
+    /// empty, and is the run's error unless that has one.
+    static RunReport of(const SyncRunServices& services, const SyncRunOutcome& run, Extent extent);
+
+    /// What became of the records, and how many there are of each kind now.
+    std::vector<Figure> figures() const;
 
     /// One HTML page, UTF-8, that needs no script, no network and no other file.
     QString html() const;
 };
-
-/// The record's own text, and what Google said about it.
-QString reasonOf(const SyncRecord& record, RecordFaults& faults);
 
 } // namespace quorvane

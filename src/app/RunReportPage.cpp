@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QLocale>
 
+#include <map>
+
 namespace quorvane {
 
 namespace {
@@ -36,6 +38,12 @@ details div span:first-child { padding-left: 1.2rem; }
 .bad { color: var(--bad); }
 )"_s;
 
+/// What is at the destination, of one month.
+struct Month {
+    int pictures = 0;
+    int movies = 0;
+};
+
 QString counted(int count) {
     return turkish.toString(count);
 }
@@ -45,10 +53,6 @@ QString row(const QString& label, const QString& value) {
                                                                       value.toHtmlEscaped());
 }
 
-QString rowUnlessZero(const QString& label, int count) {
-    return count == 0 ? QString() : row(label, counted(count));
-}
-
 QString section(const QString& title, const QString& content) {
     return content.isEmpty()
                ? QString()
@@ -56,7 +60,7 @@ QString section(const QString& title, const QString& content) {
 }
 
 /// Two parts of a bar, in hundredths of the longest one; the content of an element `bar`.
-QString bar(const QString& label, const RunReport::Month& count, int longest) {
+QString bar(const QString& label, const Month& count, int longest) {
     const auto part = [longest](const QString& kind, int number) {
         return number == 0 ? QString()
                            : u"<i class=\"%1\" style=\"width:%2%\"></i>"_s.arg(kind).arg(
@@ -67,21 +71,26 @@ QString bar(const QString& label, const RunReport::Month& count, int longest) {
         counted(count.pictures + count.movies));
 }
 
-QString barRow(const QString& label, const RunReport::Month& count, int longest) {
+QString barRow(const QString& label, const Month& count, int longest) {
     return u"<div class=\"bar\">%1</div>\n"_s.arg(bar(label, count, longest));
 }
 
-int sumOf(const RunReport::Month& month) {
+int sumOf(const Month& month) {
     return month.pictures + month.movies;
 }
 
 /// A bar for each year, and behind it one for each month.
-QString years(const std::map<QString, RunReport::Month>& months) {
-    std::map<QString, RunReport::Month> sums;
+QString years(const std::vector<DatedItems>& dated) {
+    std::map<QString, Month> months;
+    for (const DatedItems& items : dated) {
+        Month& month = months[items.month];
+        (items.areMovies ? month.movies : month.pictures) += items.count;
+    }
+    std::map<QString, Month> sums;
     int longestYear = 1;
     int longestMonth = 1;
     for (const auto& [name, month] : months) {
-        RunReport::Month& year = sums[name.left(4)];
+        Month& year = sums[name.left(4)];
         year.pictures += month.pictures;
         year.movies += month.movies;
         longestYear = std::max(longestYear, sumOf(year));
@@ -127,7 +136,10 @@ QString sourceText(const QString& name) {
     return name;
 }
 
-QString sources(const std::map<QString, int>& counts) {
+QString sources(const std::vector<DatedItems>& dated) {
+    std::map<QString, int> counts;
+    for (const DatedItems& items : dated)
+        counts[items.source] += items.count;
     int longest = 1;
     for (const auto& [name, count] : counts)
         longest = std::max(longest, count);
@@ -152,25 +164,28 @@ QString items(const QString& title, const QString& advice, const std::vector<Run
 }
 
 QString leftOutItems(const std::vector<DeletionSummary::LeftOut>& list) {
-    std::vector<RunReport::Item> rows;
+    std::vector<RunReport::Item> kept;
     for (const DeletionSummary::LeftOut& item : list)
-        rows.push_back({item.name, item.reason});
+        kept.push_back({item.name, SyncStatus::verified, item.reason});
     return items(u"Silinmeyen asıllar"_s,
-                 u"Bunların güvende olduğu kanıtlanamadı; yerlerinde duruyorlar."_s, rows,
-                 static_cast<int>(rows.size()));
+                 u"Bunların güvende olduğu kanıtlanamadı; yerlerinde duruyorlar."_s, kept,
+                 static_cast<int>(kept.size()));
 }
 
-QString figures(const RunReport& report) {
+/// A row for each figure that is told.
+QString rows(const std::vector<Figure>& figures) {
+    QString text;
+    for (const Figure& figure : figures)
+        if (figure.count != 0 || figure.evenIfNone)
+            text += row(figure.label, counted(figure.count));
+    return text;
+}
+
+QString numbers(const RunReport& report) {
     const SyncRunOutcome& run = report.run;
     const double megabytes = static_cast<double>(run.uploadedBytes) / 1e6;
-    QString text = row(u"Bu kez doğrulanan"_s, counted(run.verified));
-    text += rowUnlessZero(u"zaten yüklü, tanınan"_s, run.recognised);
-    text += rowUnlessZero(u"Google'da zaten varmış"_s, run.existing);
-    text += row(u"Toplam doğrulanan"_s, counted(report.now.verified));
-    text += row(u"Başarısız"_s, counted(report.now.failed));
-    text += row(u"Tarihi bilinmediği için bekletilen"_s, counted(report.now.undated));
-    text += row(u"Sırada bekleyen"_s, counted(report.pending));
-    text += rowUnlessZero(u"Çöp'e taşınan"_s, run.deletion.deleted);
+    QString text = rows(report.figures());
+    text += rows({{u"Çöp'e taşınan"_s, nullptr, run.deletion.deleted}});
     text += row(u"Aktarılan"_s,
                 turkish.formattedDataSize(run.uploadedBytes, 1, QLocale::DataSizeSIFormat));
     text += row(u"Süre"_s, turkish.toString(report.seconds, 'f', 1) + u" sn"_s);
@@ -181,20 +196,19 @@ QString figures(const RunReport& report) {
 }
 
 QString staysBehind(const RunReport& report) {
-    const LeftOut& leftOut = report.run.leftOut;
     return section(
         u"Geride kalanlar"_s,
-        rowUnlessZero(u"yalnızca iCloud'da"_s, report.now.onlyInCloud) +
-            rowUnlessZero(u"aslı arşivin dışında ve yerinde değil"_s, report.now.elsewhere) +
-            rowUnlessZero(u"düzenlemesi yüklenmeyen"_s, report.behind.edits) +
-            rowUnlessZero(u"filmi yüklenmeyen Live Photo"_s, report.behind.movies) +
-            rowUnlessZero(u"RAW eşi yüklenmeyen"_s, report.behind.raws) +
-            rowUnlessZero(u"özgün hali yüklenmeyen"_s, report.behind.originals) +
-            rowUnlessZero(u"aynı içerikten kopya"_s, report.behind.duplicates) +
-            rowUnlessZero(u"okunamadığı için atlanan"_s, leftOut.unreadable) +
-            rowUnlessZero(u"yazıldığı için atlanan"_s, leftOut.inUse) +
-            rowUnlessZero(u"gizli ya da bağ, atlanan"_s, leftOut.hidden) +
-            rowUnlessZero(u"resim ya da video olmayan"_s, leftOut.otherFiles));
+        rows({{u"Yalnızca iCloud'da"_s, nullptr, report.now.onlyInCloud},
+              {u"Aslı arşivin dışında ve yerinde değil"_s, nullptr, report.now.elsewhere}}) +
+            rows(figuresOf(report.behind)) + rows(figuresOf(report.run.leftOut)));
+}
+
+/// Of these the failed ones, or those that were held back.
+std::vector<RunReport::Item> only(SyncStatus status, const std::vector<RunReport::Item>& all) {
+    std::vector<RunReport::Item> some;
+    std::ranges::copy_if(all, std::back_inserter(some),
+                         [&](const RunReport::Item& item) { return item.status == status; });
+    return some;
 }
 
 } // namespace
@@ -214,19 +228,19 @@ QString RunReport::html() const {
             title, when, style, about.toHtmlEscaped());
     page += u"<p%1>%2</p>\n"_s.arg(wantsPerson ? u" class=\"bad\""_s : QString(),
                                    run.state().text().toHtmlEscaped());
-    page += figures(*this);
-    page += items(u"Başarısız olanlar"_s, u"Yeniden denemek için: quorvane-cli retry"_s, failed,
-                  now.failed);
+    page += numbers(*this);
+    page += items(u"Başarısız olanlar"_s, u"Yeniden denemek için: quorvane-cli retry"_s,
+                  only(SyncStatus::failed, unfinished), now.failed);
     page += items(u"Tarihi bilinmeyenler"_s,
                   u"Tarih ipuçları için: quorvane-cli undated; penceredeki inceleme de gösterir."_s,
-                  heldBack, now.undated);
+                  only(SyncStatus::dateUnresolved, unfinished), now.undated);
     page += items(u"Google'da başka tarihte duranlar"_s,
                   u"Google Fotoğraflar'da tarihlerini elle düzeltebilirsiniz."_s, misdated,
                   now.misdated);
     page += leftOutItems(run.deletion.leftOut);
     page += staysBehind(*this);
-    page += years(months);
-    page += sources(dateSources);
+    page += years(dated);
+    page += sources(dated);
     return page + u"</body></html>\n"_s;
 }
 

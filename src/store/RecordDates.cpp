@@ -45,6 +45,17 @@ std::vector<std::pair<QString, RecordDate>> RecordDates::all() {
     });
 }
 
+std::vector<DatedItems> RecordDates::sent() {
+    return db_.onConnection([](sqlite::Connection& database) {
+        sqlite::Statement row(database, statements::datesSent);
+        std::vector<DatedItems> items;
+        while (row.step())
+            items.push_back(
+                {row.text(0), row.text(1), row.integer(2) != 0, static_cast<int>(row.integer(3))});
+        return items;
+    });
+}
+
 void RecordDates::compare(const QString& identifier, Date theirs) {
     db_.onConnection([&](sqlite::Connection& database) {
         sqlite::Statement ours(database,

@@ -14,6 +14,14 @@ struct RecordDate {
     bool operator==(const RecordDate&) const = default;
 };
 
+/// How many items there are at the destination of one month, source and kind.
+struct DatedItems {
+    QString month;  ///< of the capture date, UTC: "2019-05"
+    QString source; ///< of `RecordDate`
+    bool areMovies = false;
+    int count = 0;
+};
+
 /// An item that the destination files under another time than its copy was given.
 struct Misdating {
     QString identifier;
@@ -41,6 +49,9 @@ class RecordDates {
     void setDate(const QString& identifier, const RecordDate& date);
     /// By identifier, in no order: of every asset that was staged with a date.
     std::vector<std::pair<QString, RecordDate>> all();
+
+    /// What is at the destination with a date, by month.
+    std::vector<DatedItems> sent();
 
     /// The destination filed the asset's item under this time. Kept while it is not ours.
     void compare(const QString& identifier, Date theirs);

@@ -337,6 +337,13 @@ inline constexpr const char* countMisdated =
     R"sql(SELECT COUNT(*) FROM record_misdatings JOIN sync_records USING (asset_local_identifier)
 WHERE sync_status IN ('VERIFIED', 'DELETED_LOCALLY'))sql";
 
+inline constexpr const char* datesSent =
+    R"sql(SELECT strftime('%Y-%m', d.date / 1000, 'unixepoch') AS month, d.source,
+       r.media_type = 'video', COUNT(*)
+FROM record_dates d JOIN sync_records r USING (asset_local_identifier)
+WHERE r.sync_status IN ('VERIFIED', 'DELETED_LOCALLY')
+GROUP BY 1, 2, 3)sql";
+
 inline constexpr const char* fetchStatuses =
     R"sql(SELECT asset_local_identifier, sync_status FROM sync_records;)sql";
 

@@ -95,7 +95,7 @@ TEST_F(CliTest, aLibraryIsBackedUpAndWhatIsHeldBackIsNamed) {
     const QString page = QString::fromUtf8(readFile(folder / "rapor.html"));
     EXPECT_TRUE(page.contains(u"&lt;i&gt;tarihsiz &amp; 1.jpg"_s)) << page.toStdString();
     EXPECT_TRUE(page.contains(
-        u"<td>Toplam doğrulanan</td><td class=\"count\">%1<"_s.arg(counts[SyncStatus::verified])));
+        u"<td>Doğrulanan (toplam)</td><td class=\"count\">%1<"_s.arg(counts[SyncStatus::verified])));
     for (const QString& outside : {u"<script"_s, u"http"_s, u"src="_s, u"<i>tarih"_s})
         EXPECT_FALSE(page.contains(outside)) << outside.toStdString();
     EXPECT_GT(counts[SyncStatus::dateUnresolved], 0);

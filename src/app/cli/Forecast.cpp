@@ -1,6 +1,6 @@
 #include "app/cli/Forecast.h"
 
-#include "app/cli/Remainders.h"
+#include "app/cli/FigureRows.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
 #include "store/RecordAbsences.h"
@@ -150,8 +150,8 @@ QString Forecast::table() const {
     if (undatable > 0)
         text += tableRow(QStringLiteral("  tarih yazılamayan biçim"), QString::number(undatable));
     text += tableRow(QStringLiteral("Daha önce bekletilen"), QString::number(held));
-    text += remainderRows(behind);
-    text += leftOutRows(leftOut);
+    text += rowsOf(figuresOf(behind));
+    text += rowsOf(figuresOf(leftOut));
     text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
     text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
     text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(days));
@@ -174,11 +174,11 @@ QJsonObject Forecast::json() const {
                        {QStringLiteral("alreadyDone"), alreadyDone},
                        {QStringLiteral("unavailable"), unavailable},
                        {QStringLiteral("absent"), absent.json()},
-                       {QStringLiteral("behind"), remainderJson(behind)},
+                       {QStringLiteral("behind"), jsonOf(figuresOf(behind))},
                        {QStringLiteral("undated"), undated},
                        {QStringLiteral("undatable"), undatable},
                        {QStringLiteral("held"), held},
-                       {QStringLiteral("leftOut"), leftOutJson(leftOut)},
+                       {QStringLiteral("leftOut"), jsonOf(figuresOf(leftOut))},
                        {QStringLiteral("toUpload"), toUpload()},
                        {QStringLiteral("days"), days},
                        {QStringLiteral("bytes"), qint64(bytes)}};

@@ -1,7 +1,7 @@
 #include "app/cli/Absences.h"
+#include "app/cli/FigureRows.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
-#include "app/cli/Remainders.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
 #include "foundation/FileLock.h"
@@ -79,7 +79,7 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
     text += absencesOf(status.counts).rows();
     for (const QString& reason : status.absences)
         text += QStringLiteral("  ") + reason + u'\n';
-    text += remainderRows(status.behind);
+    text += rowsOf(figuresOf(status.behind));
     text += tableRow(QStringLiteral("Durum veritabanı"), pathText(place.database));
     text += tableRow(QStringLiteral("Günlük"), pathText(folders.logs() / "quorvane.log"));
     text += tableRow(QStringLiteral("Hazırlanan dosyalar"), pathText(place.permanentStaging));
@@ -151,7 +151,7 @@ int status(Invocation& invocation) {
                {QStringLiteral("undated"), now.counts.undated},
                {QStringLiteral("undatable"), now.counts.undatable},
                {QStringLiteral("absent"), absencesOf(now.counts).json()},
-               {QStringLiteral("behind"), remainderJson(now.behind)},
+               {QStringLiteral("behind"), jsonOf(figuresOf(now.behind))},
                {QStringLiteral("absentItems"), QJsonArray::fromStringList(now.absences)},
                {QStringLiteral("database"), pathText(place.database)},
                {QStringLiteral("log"), pathText(core.logger.logFile())},

@@ -1,5 +1,4 @@
 #include "app/RunLock.h"
-#include "app/RunReport.h"
 #include "app/cli/Forecast.h"
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
@@ -8,7 +7,6 @@
 #include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
 #include "foundation/File.h"
-#include "store/RecordFaults.h"
 
 #include <QRegularExpression>
 
@@ -18,50 +16,14 @@ namespace quorvane::cli {
 
 namespace {
 
-/// The name a person knows the item by: the library's, else that of the staged copy.
-QString nameOf(const SyncRecord& record, LibraryServices& library) {
-    const QString& identifier = record.assetLocalIdentifier;
-    const auto assets = library.library->fetchAssets(QStringList{identifier});
-    if (!assets->empty())
-        if (const auto resource = resourceToStage(library.library->assetResources(assets->front())))
-            return resource->originalFilename;
-    const auto file = library.staging.findStagingFile(identifier);
-    return file ? uploadName(record, *file) : identifier;
-}
-
-/// Writes down what the store holds after the run, with the names a person knows the files by. A
-/// store that has failed already tells nothing more.
-void describeEnd(SyncReport& report, LibraryServices& library) {
-    DatabaseManager& db = library.state.db;
-    try {
-        report.after = StoreCounts::of(db);
-        report.behind = RecordRemainders(db).counts();
-        report.pending = db.countPendingRecords();
-        report.failures = db.fetchFailedCategorySummaries();
-        RecordFaults faults(db);
-        for (const SyncRecord& record : db.fetchUnfinishedRecords(SyncReport::shownItems))
-            report.unfinished.push_back(
-                {nameOf(record, library), record.syncStatus, reasonOf(record, faults)});
-    } catch (const Error& error) {
-        if (!report.run.error)
-            report.run.error = error.localizedDescription();
-    }
-}
-
 /// The page that `--report` asks for. What it says is safe in the store as well: a page that cannot
 /// be written does not change how the run ended.
-void writeReport(const QString& file, const SyncReport& ended, CoreServices& core,
-                 GoogleServices& google, LibraryServices& library) {
+void writePage(const QString& file, const RunReport& report, Console& console) {
     try {
-        RunReport report = RunReport::of(library.run, ended.run, {});
-        report.library = pathText(library.path);
-        report.account = google.account().email;
-        report.end = core.clock.now();
-        report.seconds = ended.seconds;
         replaceFile(pathFrom(file), report.html().toUtf8());
-        core.console.notice(QStringLiteral("Rapor: ") + file);
+        console.notice(QStringLiteral("Rapor: ") + file);
     } catch (const Error& error) {
-        core.console.error(QStringLiteral("Rapor yazılamadı: ") + error.localizedDescription());
+        console.error(QStringLiteral("Rapor yazılamadı: ") + error.localizedDescription());
     }
 }
 
@@ -96,9 +58,8 @@ World::Patience patienceFrom(const Arguments& arguments) {
     return World::Patience(match.captured(1).toLongLong() * seconds);
 }
 
-SyncReport run(Invocation& invocation, CoreServices& core, GoogleServices& google,
-               LibraryServices& library) {
-    SyncReport report;
+RunReport run(Invocation& invocation, CoreServices& core, GoogleServices& google,
+              LibraryServices& library) {
     const auto started = core.clock.monotonic();
     const auto progress = std::make_shared<Progress>(formOf(invocation.arguments), core.console,
                                                      google.tracker, core.clock);
@@ -110,9 +71,16 @@ SyncReport run(Invocation& invocation, CoreServices& core, GoogleServices& googl
     };
     const SyncRunOrder order{.deletes = invocation.arguments.has(QStringLiteral("delete-verified")),
                              .patience = patienceFrom(invocation.arguments)};
-    report.run = runSync(library.run, order, callbacks, invocation.stop);
-    report.seconds = std::chrono::duration<double>(core.clock.monotonic() - started).count();
-    describeEnd(report, library);
+    const SyncRunOutcome outcome = runSync(library.run, order, callbacks, invocation.stop);
+    const auto ended = core.clock.monotonic();
+    RunReport report = RunReport::of(library.run, outcome,
+                                     invocation.arguments.value(QStringLiteral("report"))
+                                         ? RunReport::Extent::page
+                                         : RunReport::Extent::summary);
+    report.library = pathText(library.path);
+    report.account = google.account().email;
+    report.end = core.clock.now();
+    report.seconds = std::chrono::duration<double>(ended - started).count();
     return report;
 }
 
@@ -173,16 +141,16 @@ int sync(Invocation& invocation) {
     LibraryServices library(core, program.google, std::move(at));
     choose(invocation, core, program.google, library);
     library.mirror.remakesGone = arguments.has(QStringLiteral("remake-albums"));
-    const SyncReport report = run(invocation, core, program.google, library);
+    const RunReport report = run(invocation, core, program.google, library);
     if (report.run.error || report.run.fault)
         core.console.error(report.run.state().text());
     if (arguments.has(QStringLiteral("json")))
-        printJson(core.console, report.json());
+        printJson(core.console, jsonOf(report));
     else
-        core.console.result(report.table());
+        core.console.result(tableOf(report));
     if (const auto file = arguments.value(QStringLiteral("report")))
-        writeReport(*file, report, core, program.google, library);
-    return report.exitCode();
+        writePage(*file, report, core.console);
+    return exitCodeOf(report);
 }
 
 } // namespace

@@ -2,11 +2,13 @@
 
 #include "app/cli/Absences.h"
 #include "app/cli/Command.h"
-#include "app/cli/Remainders.h"
+#include "app/cli/FigureRows.h"
 #include "app/cli/TextTable.h"
 
 #include <QJsonArray>
 #include <QLocale>
+
+#include <span>
 
 namespace quorvane::cli {
 
@@ -14,11 +16,7 @@ namespace {
 
 const QLocale turkish(QLocale::Turkish, QLocale::Turkey);
 
-QString countRow(const QString& label, int count) {
-    return tableRow(label, turkish.toString(count));
-}
-
-QString title(const SyncReport& report) {
+QString title(const RunReport& report) {
     const RunState state = report.run.state();
     if (report.run.total == 0 && state.end == RunState::End::complete)
         return QStringLiteral("Yüklenecek yeni öğe yok");
@@ -26,7 +24,7 @@ QString title(const SyncReport& report) {
 }
 
 /// What a person can do so that the rest goes on.
-QString advice(const SyncReport& report) {
+QString advice(const RunReport& report) {
     const RunState state = report.run.state();
     if (state.needsSignIn())
         return QStringLiteral("Yeniden giriş için: quorvane-cli login\n");
@@ -35,24 +33,26 @@ QString advice(const SyncReport& report) {
     return {};
 }
 
-/// Nothing for none.
-QString rowUnlessZero(const QString& label, int count) {
-    return count == 0 ? QString() : countRow(label, count);
+/// The page may have many more.
+std::span<const RunReport::Item> shown(const RunReport& report) {
+    const std::size_t most = RunReport::shownItems;
+    return std::span(report.unfinished).first(std::min(report.unfinished.size(), most));
 }
 
 QString deletionRows(const DeletionSummary& deletion) {
-    QString text = rowUnlessZero(QStringLiteral("Çöp'e taşınan"), deletion.deleted);
-    text += rowUnlessZero(QStringLiteral("Silinmeyen"), static_cast<int>(deletion.leftOut.size()));
+    QString text = rowsOf(
+        {{QStringLiteral("Çöp'e taşınan"), nullptr, deletion.deleted},
+         {QStringLiteral("Silinmeyen"), nullptr, static_cast<int>(deletion.leftOut.size())}});
     for (const DeletionSummary::LeftOut& item : deletion.leftOut)
         text += QStringLiteral("  %1: %2\n").arg(item.name, item.reason);
     return text;
 }
 
 QString mirrorRows(const MirrorOutcome& mirror) {
-    QString text = rowUnlessZero(QStringLiteral("Albümlere eklenen"), mirror.added) +
-                   rowUnlessZero(QStringLiteral("Yeni Google albümü"), mirror.made) +
-                   rowUnlessZero(QStringLiteral("Albüme eklenemeyen"),
-                                 static_cast<int>(mirror.refused.size()));
+    QString text = rowsOf(
+        {{QStringLiteral("Albümlere eklenen"), nullptr, mirror.added},
+         {QStringLiteral("Yeni Google albümü"), nullptr, mirror.made},
+         {QStringLiteral("Albüme eklenemeyen"), nullptr, static_cast<int>(mirror.refused.size())}});
     for (const QString& title : mirror.gone)
         text += QStringLiteral("  '%1' albümü Google Photos'ta silinmiş; yeniden oluşturulsun "
                                "isterseniz: --remake-albums\n")
@@ -93,63 +93,45 @@ QString undatableAdvice() {
                           "--undatable upload (Google bunları yüklendikleri güne koyar)");
 }
 
-QString leftOutRows(const LeftOut& leftOut) {
-    return rowUnlessZero(QStringLiteral("Okunamadığı için atlanan"), leftOut.unreadable) +
-           rowUnlessZero(QStringLiteral("Yazıldığı için atlanan"), leftOut.inUse) +
-           rowUnlessZero(QStringLiteral("Gizli veya bağ, atlanan"), leftOut.hidden) +
-           rowUnlessZero(QStringLiteral("Resim veya video olmayan"), leftOut.otherFiles);
-}
-
-QJsonObject leftOutJson(const LeftOut& leftOut) {
-    return {{QStringLiteral("unreadable"), leftOut.unreadable},
-            {QStringLiteral("inUse"), leftOut.inUse},
-            {QStringLiteral("hidden"), leftOut.hidden},
-            {QStringLiteral("otherFiles"), leftOut.otherFiles}};
-}
-
-QString SyncReport::table() const {
-    QString text = title(*this) + u'\n' + advice(*this);
-    text += countRow(QStringLiteral("Doğrulanan (bu kez)"), run.verified);
-    text += rowUnlessZero(QStringLiteral("  zaten yüklü, tanınan"), run.recognised);
-    text += rowUnlessZero(QStringLiteral("  Google'da zaten varmış"), run.existing);
-    text += rowUnlessZero(QStringLiteral("  tarihi addaki sayı"), run.datedByNumber);
-    text += countRow(QStringLiteral("Doğrulanan (toplam)"), after.verified);
-    text += rowUnlessZero(QStringLiteral("  Google'da başka tarihte"), after.misdated);
-    text += countRow(QStringLiteral("Başarısız"), after.failed);
-    for (const FailedCategorySummary& failure : failures)
-        text += countRow(QStringLiteral("  ") + failure.categoryName, failure.count);
-    text += countRow(QStringLiteral("Tarihi bilinmeyen"), after.undated);
-    text += rowUnlessZero(QStringLiteral("  tarih yazılamayan biçim"), after.undatable);
-    text += countRow(QStringLiteral("Bekleyen"), pending);
-    text += AbsenceCounts{after.onlyInCloud, after.elsewhere}.rows();
-    text += remainderRows(behind);
+QString tableOf(const RunReport& report) {
+    const SyncRunOutcome& run = report.run;
+    const StoreCounts& now = report.now;
+    QString text = title(report) + u'\n' + advice(report);
+    text += rowsOf(report.figures());
+    text += AbsenceCounts{now.onlyInCloud, now.elsewhere}.rows();
+    text += rowsOf(figuresOf(report.behind));
     text += mirrorRows(run.mirror);
-    text += leftOutRows(run.leftOut);
+    text += rowsOf(figuresOf(run.leftOut));
     text += deletionRows(run.deletion);
     text += tableRow(QStringLiteral("Aktarılan"), byteText(run.uploadedBytes));
-    text +=
-        tableRow(QStringLiteral("Süre"), turkish.toString(seconds, 'f', 1) + QStringLiteral(" sn"));
-    if (unfinished.empty())
+    text += tableRow(QStringLiteral("Süre"),
+                     turkish.toString(report.seconds, 'f', 1) + QStringLiteral(" sn"));
+    if (report.unfinished.empty())
         return text.chopped(1);
     text += QStringLiteral("İnceleme gereken öğeler:\n");
-    for (const UnfinishedItem& item : unfinished)
+    for (const RunReport::Item& item : shown(report))
         text += QStringLiteral("  %1: %2\n").arg(item.name, item.reason);
-    const int more = after.failed + after.undated - static_cast<int>(unfinished.size());
+    const int more = now.failed + now.undated - static_cast<int>(shown(report).size());
     if (more > 0)
         text += QStringLiteral("  … ve %1 öğe daha\n").arg(turkish.toString(more));
-    if (after.undated > after.undatable)
+    if (now.undated > now.undatable)
         text += QStringLiteral("Tarih ipuçları için: quorvane-cli undated\n");
-    if (after.undatable > 0)
+    if (now.undatable > 0)
         text += undatableAdvice() + u'\n';
     return text + QStringLiteral("Yeniden denemek için: quorvane-cli retry");
 }
 
-QJsonObject SyncReport::json() const {
+QJsonObject jsonOf(const RunReport& report) {
+    const SyncRunOutcome& run = report.run;
+    QJsonObject object;
     QJsonObject categories;
-    for (const FailedCategorySummary& failure : failures)
+    for (const Figure& figure : report.figures())
+        if (figure.key)
+            object[QLatin1String(figure.key)] = figure.count;
+    for (const FailedCategorySummary& failure : report.failures)
         categories[failure.categoryName] = failure.count;
     QJsonArray items;
-    for (const UnfinishedItem& item : unfinished)
+    for (const RunReport::Item& item : shown(report))
         items += QJsonObject{{QStringLiteral("name"), item.name},
                              {QStringLiteral("status"), rawValue(item.status)},
                              {QStringLiteral("reason"), item.reason}};
@@ -157,38 +139,32 @@ QJsonObject SyncReport::json() const {
     for (const DeletionSummary::LeftOut& item : run.deletion.leftOut)
         notDeleted += QJsonObject{{QStringLiteral("name"), item.name},
                                   {QStringLiteral("reason"), item.reason}};
-    QJsonObject object{
+    const std::pair<QString, QJsonValue> rest[] = {
         {QStringLiteral("event"), QStringLiteral("summary")},
-        {QStringLiteral("verified"), run.verified},
-        {QStringLiteral("recognised"), run.recognised},
-        {QStringLiteral("existing"), run.existing},
-        {QStringLiteral("verifiedTotal"), after.verified},
-        {QStringLiteral("failed"), after.failed},
         {QStringLiteral("failedByCategory"), categories},
-        {QStringLiteral("datedByNumber"), run.datedByNumber},
-        {QStringLiteral("misdated"), after.misdated},
-        {QStringLiteral("undated"), after.undated},
-        {QStringLiteral("undatable"), after.undatable},
-        {QStringLiteral("pending"), pending},
         {QStringLiteral("bytes"), qint64(run.uploadedBytes)},
-        {QStringLiteral("seconds"), seconds},
+        {QStringLiteral("seconds"), report.seconds},
         {QStringLiteral("passes"), run.passes},
         {QStringLiteral("stopped"), run.wasStopped},
         {QStringLiteral("albumFull"), run.albumFull},
-        {QStringLiteral("leftOut"), leftOutJson(run.leftOut)},
-        {QStringLiteral("absent"), AbsenceCounts{after.onlyInCloud, after.elsewhere}.json()},
+        {QStringLiteral("leftOut"), jsonOf(figuresOf(run.leftOut))},
+        {QStringLiteral("absent"),
+         AbsenceCounts{report.now.onlyInCloud, report.now.elsewhere}.json()},
         {QStringLiteral("albums"), mirrorJson(run.mirror)},
-        {QStringLiteral("behind"), remainderJson(behind)},
+        {QStringLiteral("behind"), jsonOf(figuresOf(report.behind))},
         {QStringLiteral("deleted"), run.deletion.deleted},
         {QStringLiteral("notDeleted"), notDeleted},
         {QStringLiteral("items"), items},
         {QStringLiteral("state"), run.state().json()}};
+    for (const auto& [name, value] : rest)
+        object[name] = value;
     if (run.error)
         object[QStringLiteral("error")] = *run.error;
     return object;
 }
 
-int SyncReport::exitCode() const {
+int exitCodeOf(const RunReport& report) {
+    const SyncRunOutcome& run = report.run;
     if (run.error)
         return failedToRun;
     if (run.fault)
@@ -196,9 +172,8 @@ int SyncReport::exitCode() const {
     if (run.wasStopped)
         return stopped;
     const bool isMirrored = !run.mirror.failure && run.mirror.refused.isEmpty();
-    return !isMirrored || after.failed + after.undated + pending + run.leftOut.missed() > 0
-               ? someItemsLeft
-               : done;
+    const int left = report.now.failed + report.now.undated + report.pending;
+    return !isMirrored || left + run.leftOut.missed() > 0 ? someItemsLeft : done;
 }
 
 } // namespace quorvane::cli

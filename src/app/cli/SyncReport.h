@@ -1,40 +1,15 @@
 #pragma once
 
-#include "store/RecordRemainders.h"
-#include "store/StoreCounts.h"
-#include "sync/SyncRun.h"
+#include "app/RunReport.h"
 
 #include <QJsonObject>
 
 namespace quorvane::cli {
 
-/// One record that needs a look.
-struct UnfinishedItem {
-    QString name; ///< of its staged file, else its identifier
-    SyncStatus status = SyncStatus::failed;
-    QString reason;
-};
-
-/// The end of a run.
-struct SyncReport {
-    StoreCounts after;
-    int pending = 0;        ///< of this run's source
-    RemainderCounts behind; ///< of all that was ever sent
-    std::vector<FailedCategorySummary> failures;
-    std::vector<UnfinishedItem> unfinished; ///< at most `shownItems`
-    SyncRunOutcome run;
-    double seconds = 0;
-
-    static constexpr int shownItems = 20;
-
-    QString table() const;
-    QJsonObject json() const;
-    int exitCode() const;
-};
-
-/// The pictures and movies that the library left out, by reason: of the table and of the JSON.
-QString leftOutRows(const LeftOut& leftOut);
-QJsonObject leftOutJson(const LeftOut& leftOut);
+/// The end of a run, in words and as one JSON object.
+QString tableOf(const RunReport& report);
+QJsonObject jsonOf(const RunReport& report);
+int exitCodeOf(const RunReport& report);
 
 /// How what takes no date gets out.
 QString undatableAdvice();
