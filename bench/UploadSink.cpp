@@ -31,6 +31,24 @@ FileDescriptor listenAnywhere() {
     return listener;
 }
 
+/// The value of a header field, as it was sent; empty without one.
+QByteArray field(const QByteArray& head, const QByteArray& lowerCaseName) {
+    const qsizetype at = head.toLower().indexOf("\r\n" + lowerCaseName + ':');
+    const qsizetype value = at + lowerCaseName.size() + 3;
+    return at < 0 ? QByteArray() : head.mid(value, head.indexOf('\r', value) - value).trimmed();
+}
+
+/// As the service answers each step of an upload in pieces; a whole upload in one request needs no
+/// more than the token.
+QByteArray answerTo(const QByteArray& head) {
+    const QByteArray command = field(head, "x-goog-upload-command");
+    QByteArray answer = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n";
+    if (command == "start")
+        answer += "X-Goog-Upload-URL: http://" + field(head, "host") + "/piece\r\n";
+    answer += "X-Goog-Upload-Status: ";
+    return answer + (command.endsWith("finalize") ? "final" : "active") + "\r\n\r\ntoken";
+}
+
 /// Answers one request; false when the peer left.
 bool serve(int peer) {
     QByteArray head;
@@ -42,11 +60,7 @@ bool serve(int peer) {
             return false;
         head.append(piece, count);
     }
-    const qsizetype field = head.toLower().indexOf("\r\ncontent-length:");
-    qlonglong left = 0;
-    if (field >= 0)
-        left = head.mid(field + 17, head.indexOf('\r', field + 2) - field - 17).toLongLong();
-    left -= head.size() - end - 4;
+    qlonglong left = field(head, "content-length").toLongLong() - (head.size() - end - 4);
     while (left > 0) {
         const size_t piece = std::min(pieceBytes, static_cast<size_t>(left));
         const ssize_t count = ::recv(peer, nullptr, piece, MSG_TRUNC); // thrown away uncopied
@@ -54,8 +68,8 @@ bool serve(int peer) {
             return false;
         left -= count;
     }
-    constexpr char answer[] = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\ntoken";
-    return system::sendBytes(peer, answer, sizeof answer - 1) > 0;
+    const QByteArray answer = answerTo(head.left(end + 2));
+    return system::sendBytes(peer, answer.constData(), static_cast<size_t>(answer.size())) > 0;
 }
 
 } // namespace

@@ -1,10 +1,7 @@
-#include "bench/UploadSink.h"
-#include "foundation/File.h"
-#include "google/CurlHttpClient.h"
-#include "google/GoogleUploadTask.h"
-#include "metadata/ImageMetadata.h"
-#include "metadata/MediaMetadataService.h"
-#include "metadata/MovieMetadata.h"
+#include "bench/Parts.h"
+#include "foundation/Error.h"
+
+#include <QCoreApplication>
 
 #include <cstdio>
 
@@ -12,65 +9,28 @@ using namespace quorvane;
 
 namespace {
 
-class StandardError final : public Log {
-  public:
-    void log(const QString& message) override {
-        std::fprintf(stderr, "%s\n", qUtf8Printable(message));
-    }
+struct Part {
+    const char* name;
+    int (*work)(const QStringList& words);
+    qsizetype words; ///< at least so many follow
 };
-
-class AnyToken final : public AccessTokenProvider {
-  public:
-    QString validAccessToken(std::stop_token /*stop*/) override { return QStringLiteral("token"); }
-    std::optional<QString> renewedAccessToken(const QString&, std::stop_token) override {
-        return std::nullopt;
-    }
-};
-
-/// Writes a date, in seconds since 1970, into every file, as staging does; says what failed.
-int stamp(const QString& seconds, const QStringList& files) {
-    StandardError log;
-    const Date date{std::chrono::seconds(seconds.toLongLong())};
-    int failures = 0;
-    for (const QString& file : files) {
-        const auto path = pathFrom(file);
-        const bool isMovie = isVideoExtension(file.section(u'.', -1).toLower());
-        const MetadataResult result = isMovie ? enrichVideoMetadata(path, date, log)
-                                              : enrichImageMetadata(path, date, std::nullopt, log);
-        if (result.which == MetadataResult::Case::success)
-            continue;
-        ++failures;
-        log.log(file + QStringLiteral(": ") + result.message);
-    }
-    return failures == 0 ? 0 : 1;
-}
-
-/// Sends a file to the service at `baseURL`, as a backup does.
-int send(const QString& baseURL, const QString& file) {
-    CurlHttpClient http;
-    AnyToken tokens;
-    GoogleLibraryApi api(http, tokens, GoogleEndpoints::resolve(baseURL));
-    UploadMemory none;
-    GoogleUploadTask(api).upload({.file = pathFrom(file), .fileName = file, .isMovie = true}, none,
-                                 {}, {});
-    return 0;
-}
+constexpr Part parts[] = {{"stamp", bench::stamp, 2}, {"hash", bench::hash, 1},
+                          {"copy", bench::copy, 2},   {"send", bench::send, 3},
+                          {"sink", bench::sink, 0},   {"store", bench::store, 2},
+                          {"scan", bench::scan, 2},   {"store-script", bench::storeScript, 1},
+                          {"stage", bench::stage, 2}};
 
 } // namespace
 
-/// The parts of a backup that are measured beside other programs.
 int main(int argc, char** argv) {
-    QStringList words;
-    for (int i = 1; i < argc; ++i)
-        words.append(QString::fromLocal8Bit(argv[i]));
+    const QCoreApplication application(argc, argv);
+    const QStringList words = QCoreApplication::arguments().mid(1);
     try {
-        if (words.size() > 2 && words[0] == QLatin1String("stamp"))
-            return stamp(words[1], words.mid(2));
-        if (words.size() == 3 && words[0] == QLatin1String("send"))
-            return send(words[1], words[2]);
-        if (words == QStringList{QStringLiteral("sink")})
-            bench::runUploadSink();
-        std::fputs("quorvane-bench stamp SECONDS FILE... | send URL FILE | sink\n", stderr);
+        for (const Part& part : parts)
+            if (words.value(0) == QLatin1String(part.name) && words.size() > part.words)
+                return part.work(words.mid(1));
+        for (const Part& part : parts)
+            std::fprintf(stderr, "quorvane-bench %s ...\n", part.name);
         return 2;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", qUtf8Printable(describe(error)));

@@ -42,6 +42,7 @@ class QuorvaneApp {
     AppDelegate appDelegate{launchPlatform(), core_.logger};
 
     void bringToFront() { window_.showWindowAndCenter(); }
+    MenuBarViewModel& model() { return model_; }
 };
 
 } // namespace quorvane
