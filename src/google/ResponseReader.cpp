@@ -1,10 +1,9 @@
 #include "google/ResponseReader.h"
 
-#include <QDateTime>
-#include <QLocale>
-#include <QTimeZone>
-
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <string_view>
 
 namespace quorvane {
 
@@ -13,14 +12,21 @@ namespace {
 constexpr std::int64_t largestHeader = 1 << 20;
 constexpr std::chrono::seconds longestWait = std::chrono::hours(24); // that a service may ask for
 
-/// The one date format that services may generate (RFC 9110, section 5.6.7).
+/// The one date format that services may generate (RFC 9110, section 5.6.7), as in
+/// "Sun, 06 Nov 1994 08:49:37 GMT". Every answer has one, so no general reader of dates.
 std::optional<Date> dateIn(const QByteArray& text) {
-    QDateTime date = QLocale::c().toDateTime(QString::fromLatin1(text),
-                                             QStringLiteral("ddd, dd MMM yyyy HH:mm:ss 'GMT'"));
-    if (!date.isValid())
+    int day = 0, year = 0, hour = 0, minute = 0, second = 0;
+    std::array<char, 4> name{};
+    if (std::sscanf(text.constData(), "%*3s, %2d %3s %4d %2d:%2d:%2d GMT", &day, name.data(), &year,
+                    &hour, &minute, &second) != 6)
         return std::nullopt;
-    date.setTimeZone(QTimeZone::utc());
-    return Date(std::chrono::milliseconds(date.toMSecsSinceEpoch()));
+    const auto month = std::string_view("JanFebMarAprMayJunJulAugSepOctNovDec").find(name.data());
+    const std::chrono::year_month_day date =
+        std::chrono::year(year) / static_cast<int>(month / 3 + 1) / day;
+    if (month == std::string_view::npos || month % 3 != 0 || !date.ok())
+        return std::nullopt;
+    return std::chrono::sys_days(date) + std::chrono::hours(hour) + std::chrono::minutes(minute) +
+           std::chrono::seconds(second);
 }
 
 /// Retry-After (RFC 9110, section 10.2.3): seconds, or a date by the service's clock.

@@ -80,6 +80,10 @@ bool RecordLife::follow(std::string_view name, const SyncRecord& record,
     });
 }
 
+void RecordLife::together(const std::function<void()>& work) {
+    db_.transaction([&](sqlite::Connection&) { work(); });
+}
+
 bool RecordLife::setStatus(std::string_view arrow, const SyncRecord& record,
                            const std::optional<QString>& error) {
     return follow(arrow, record, [&](SyncStatus to) {

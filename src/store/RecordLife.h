@@ -59,6 +59,9 @@ class RecordLife {
     /// Every arrow there is.
     static std::span<const Arrow> arrows();
 
+    /// What `work` follows is written at once; what it throws takes all of it back.
+    void together(const std::function<void()>& work);
+
     /// A file was exported from these bytes and is being dated; the status stays.
     void exporting(const SyncRecord& record, const RecordSource& source);
     /// Exported, dated and hashed. The record carries the staged file's hash and size. `source` is

@@ -39,7 +39,9 @@ void BatchCoordinator::enqueue(NewItem item, const SyncRecord& record, std::stop
     buffer_.push_back({std::move(item), record});
     unsettled_.insert(record.assetLocalIdentifier);
     run_ = std::move(stop);
-    changed_.notify_all();
+    if (buffer_.size() == 1 ||
+        buffer_.size() == batchSize) // what the timer and the sender wait for
+        changed_.notify_all();
 }
 
 void BatchCoordinator::handOver() {
@@ -205,14 +207,19 @@ BatchCoordinator::Remainder BatchCoordinator::sort(const Batch& batch,
         rest.wait = permit.failed(worlds->fault).wait;
     else
         permit.passed();
+    std::vector<Arrival> arrivals;
     for (std::size_t i = 0; i < batch.size(); ++i) {
-        if (results.at(i).outcome == Outcome::heldBack)
+        const NewItemResult& result = results.at(i);
+        if (result.outcome == Outcome::heldBack)
             rest.heldBack.push_back(batch[i]);
-        else if (isItself && isWorlds(results[i]))
+        else if (isItself && isWorlds(result))
             rest.again.push_back(batch[i]);
+        else if (result.outcome == Outcome::refused)
+            settleRefused(batch[i], result);
         else
-            settle(batch[i], results[i]);
+            arrivals.push_back({batch[i], result});
     }
+    settleArrivals(arrivals);
     if (s_.attempts.ending())
         rest.again.clear();
     return rest;
@@ -253,26 +260,29 @@ void BatchCoordinator::endAtLimit(bool stopsRun) {
     onMainThread([publisher = googlePhotosAlbumLimitReached] { publisher.send({}); });
 }
 
-void BatchCoordinator::settle(const Entry& entry, const NewItemResult& result) {
-    switch (result.outcome) {
-    case NewItemResult::Outcome::created:
-        markVerified(entry, result, result.remoteID);
-        break;
-    case NewItemResult::Outcome::alreadyExists: {
-        markVerified(entry, result, QStringLiteral("hedefte zaten vardı"));
+void BatchCoordinator::settleRefused(const Entry& entry, const NewItemResult& result) {
+    if (result.fault && result.fault->code == FaultCode::tokenRefused && mayBeSentAgain(entry))
+        return; // stays STAGED
+    markFailed(entry, result.reason, result.fault);
+    s_.log.log(QStringLiteral("[Batch] FAILED: ") + entry.item.fileName + QStringLiteral(" -> ") +
+               result.detail);
+}
+
+void BatchCoordinator::settleArrivals(const std::vector<Arrival>& arrivals) {
+    if (arrivals.empty())
+        return;
+    const std::vector<bool> isMarked = markVerified(arrivals);
+    for (std::size_t i = 0; i < arrivals.size(); ++i) {
+        if (!isMarked[i])
+            continue;
+        const auto& [entry, result] = arrivals[i];
+        const bool isNew = result.outcome == NewItemResult::Outcome::created;
+        s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.item.fileName +
+                   QStringLiteral(" -> ") +
+                   (isNew ? result.remoteID : QStringLiteral("hedefte zaten vardı")));
+        onCreated(entry.record);
         const std::lock_guard lock(mutex_);
-        ++alreadyExisting_;
-        break;
-    }
-    case NewItemResult::Outcome::refused:
-        if (result.fault && result.fault->code == FaultCode::tokenRefused && mayBeSentAgain(entry))
-            break; // stays STAGED
-        markFailed(entry, result.reason, result.fault);
-        s_.log.log(QStringLiteral("[Batch] FAILED: ") + entry.item.fileName +
-                   QStringLiteral(" -> ") + result.detail);
-        break;
-    case NewItemResult::Outcome::heldBack:
-        break; // stays STAGED
+        alreadyExisting_ += isNew ? 0 : 1;
     }
 }
 
@@ -291,31 +301,40 @@ bool BatchCoordinator::mayBeSentAgain(const Entry& entry) {
     return true;
 }
 
-/// Without a remote id the record is never offered for deletion: the item cannot be asked for.
-void BatchCoordinator::markVerified(const Entry& entry, const NewItemResult& result,
-                                    const QString& told) {
-    if (!mark(entry, SyncStatus::verified, [&] {
-            return s_.life.created(entry.record, entry.item.uploadToken, result.remoteID,
-                                   result.filedUnder);
-        }))
-        return;
-    s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.item.fileName + QStringLiteral(" -> ") +
-               told);
-    onCreated(entry.record);
+/// In one write, which costs the store hardly more than one record's; one by one where it refuses
+/// that. Without a remote id a record is never offered for deletion: its item cannot be asked for.
+std::vector<bool> BatchCoordinator::markVerified(const std::vector<Arrival>& arrivals) {
+    const auto created = [this](const Arrival& arrival) {
+        return s_.life.created(arrival.entry.record, arrival.entry.item.uploadToken,
+                               arrival.result.remoteID, arrival.result.filedUnder);
+    };
+    const std::lock_guard settling(settling_);
+    std::vector<bool> atOnce;
+    try {
+        s_.life.together(
+            [&] { std::ranges::transform(arrivals, std::back_inserter(atOnce), created); });
+    } catch (const Error&) {
+        atOnce.clear();
+    }
+    std::vector<bool> isMarked;
+    for (std::size_t i = 0; i < arrivals.size(); ++i)
+        isMarked.push_back(mark(arrivals[i].entry, SyncStatus::verified,
+                                [&] { return atOnce.empty() ? created(arrivals[i]) : atOnce[i]; }));
+    return isMarked;
 }
 
 void BatchCoordinator::markFailed(const Entry& entry, const QString& reason,
                                   const std::optional<Fault>& fault) {
+    const std::lock_guard settling(settling_);
     mark(entry, SyncStatus::failed, [&] { return s_.life.refused(entry.record, reason, fault); });
 }
 
 /// False when the record stayed what it is: the store refused, which must not cost the other
-/// entries their result, or the record moved on while its batch was under way.
+/// entries their result, or the record moved on while its batch was under way. `settling_` is held.
 bool BatchCoordinator::mark(const Entry& entry, SyncStatus status,
                             const std::function<bool()>& transition) {
     const QString outcome =
         rawValue(status) + QStringLiteral("): ") + entry.record.assetLocalIdentifier;
-    const std::lock_guard settling(settling_);
     try {
         if (transition()) {
             const std::lock_guard lock(mutex_);

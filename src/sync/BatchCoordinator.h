@@ -92,6 +92,12 @@ class BatchCoordinator {
     };
     using Batch = std::vector<Entry>;
 
+    /// One whose item is at the destination.
+    struct Arrival {
+        const Entry& entry;
+        const NewItemResult& result;
+    };
+
     /// What became of a batch beyond what its records tell.
     struct Remainder {
         Batch again = {};                  ///< to be sent once more
@@ -109,9 +115,10 @@ class BatchCoordinator {
     std::optional<bool> rollOver(const std::stop_token& stop);
     void endAtLimit(bool stopsRun);
 
-    void settle(const Entry& entry, const NewItemResult& result);
+    void settleRefused(const Entry& entry, const NewItemResult& result);
+    void settleArrivals(const std::vector<Arrival>& arrivals);
     bool mayBeSentAgain(const Entry& entry);
-    void markVerified(const Entry& entry, const NewItemResult& result, const QString& told);
+    std::vector<bool> markVerified(const std::vector<Arrival>& arrivals);
     void markFailed(const Entry& entry, const QString& reason, const std::optional<Fault>& fault);
     bool mark(const Entry& entry, SyncStatus status, const std::function<bool()>& transition);
     void leave(const Batch& batch);
