@@ -14,6 +14,7 @@ namespace {
 const QString clientIDKey = QStringLiteral("GOOGLE_CLIENT_ID");
 const QString clientSecretKey = QStringLiteral("GOOGLE_CLIENT_SECRET");
 const QString redirectKey = QStringLiteral("GOOGLE_REDIRECT");
+const QString dailyRequestsKey = QStringLiteral("GOOGLE_DAILY_REQUESTS");
 
 /// The client that a build without a configuration signs in as.
 const QString defaultClientID =
@@ -91,6 +92,12 @@ std::optional<QString> AppConfig::googleClientSecret() const {
 
 bool AppConfig::redirectsToLoopback() const {
     return googleClientSecret() || redirect() == u"loopback";
+}
+
+std::optional<int> AppConfig::dailyRequests() const {
+    constexpr int most = 1'000'000'000;
+    const int requests = nonEmpty(dailyRequestsKey).value_or(QString()).toInt();
+    return requests > 0 && requests <= most ? std::optional(requests) : std::nullopt;
 }
 
 bool AppConfig::isClientConfigured() const {

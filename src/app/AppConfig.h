@@ -33,6 +33,9 @@ class AppConfig final : public OAuthClientIdentity {
     /// A client with a secret is one for desktops; GOOGLE_REDIRECT=loopback says so of others.
     bool redirectsToLoopback() const override;
 
+    /// What Google allows the project a day, where it raised the usual quota.
+    std::optional<int> dailyRequests() const;
+
     /// Whether there is another client than the one built in.
     bool isClientConfigured() const;
     /// GOOGLE_REDIRECT as it is; empty when absent.

@@ -172,8 +172,8 @@ Finding quotaFinding(const GoogleFacts& google, const QuotaFacts& today) {
                       u"Birkaç dakika sonra yeniden deneyin"_s);
     if (google.isQuotaSpent || today.left == 0)
         return faulty(id, title, u"projenin bugünkü istek hakkı bitti, "_s + renewal,
-                      u"Bekleyin: hak her gün Pasifik saatiyle gece yarısı yenilenir (10.000 "
-                      "istek)"_s);
+                      u"Bekleyin: hak her gün Pasifik saatiyle gece yarısı yenilenir; Google'ın "
+                      "yükselttiği bir kota GOOGLE_DAILY_REQUESTS ile söylenir"_s);
     return fine(id, title,
                 u"bu bilgisayardan bugün %1 istek yapıldı, %2 istek kaldı; %3"_s.arg(
                     countText(today.used), countText(today.left), renewal));

@@ -28,8 +28,8 @@ std::uint64_t cellOf(std::uint32_t day, std::uint32_t requests) {
 
 } // namespace
 
-DailyRequests::DailyRequests(std::filesystem::path file, Clock& clock)
-    : file_(std::move(file)), clock_(clock) {}
+DailyRequests::DailyRequests(std::filesystem::path file, Clock& clock, int limit)
+    : file_(std::move(file)), clock_(clock), limit_(limit) {}
 
 DailyRequests::~DailyRequests() {
     if (mapped_ != nullptr)
@@ -63,7 +63,7 @@ void DailyRequests::learnFrom(const HttpResponse& response) {
         serviceAhead_ = (*response.date - clock_.now()).count();
     // Others use the same project, or an earlier count was lost.
     if (response.status >= 400 && faultIn(response).code == FaultCode::dailyQuota)
-        add(limit);
+        add(static_cast<std::uint32_t>(limit_));
 }
 
 void DailyRequests::add(std::uint32_t requests) {
@@ -73,7 +73,7 @@ void DailyRequests::add(std::uint32_t requests) {
     Cell after = 0;
     do {
         const std::uint32_t used = dayOf(before) == day ? requestsOf(before) : 0;
-        after = cellOf(day, std::min(used + requests, std::uint32_t(2 * limit)));
+        after = cellOf(day, std::min(used + requests, std::uint32_t(2 * limit_)));
     } while (!shared.compare_exchange_weak(before, after));
 }
 
@@ -81,8 +81,8 @@ DailyRequests::Today DailyRequests::today() const {
     const Cell now = std::atomic_ref<Cell>(cell(0));
     const int used = dayOf(now) == dayNow() ? static_cast<int>(requestsOf(now)) : 0;
     const Date time = serviceTime();
-    return {.used = std::min(used, limit),
-            .left = std::max(0, limit - used),
+    return {.used = std::min(used, limit_),
+            .left = std::max(0, limit_ - used),
             .turns = clock_.now() + (nextPacificMidnight(time) - time)};
 }
 
@@ -90,7 +90,7 @@ int DailyRequests::daysFor(std::int64_t requests) const {
     if (requests == 0)
         return 0;
     const std::int64_t later = std::max<std::int64_t>(0, requests - today().left);
-    return static_cast<int>(1 + (later + limit - 1) / limit);
+    return static_cast<int>(1 + (later + limit_ - 1) / limit_);
 }
 
 std::uint32_t DailyRequests::dayNow() const {

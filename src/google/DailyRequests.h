@@ -15,16 +15,16 @@ namespace quorvane {
 /// Any thread; nothing is thrown: without the file each process counts for itself.
 class DailyRequests {
   public:
-    static constexpr int limit = 10'000; ///< a project and day
+    static constexpr int usualLimit = 10'000; ///< a project and day, unless Google raised it
 
     struct Today {
         int used = 0;
-        int left = limit;
+        int left = 0;
         Date turns; ///< by this computer's clock
     };
 
     /// The file is made with the first request.
-    DailyRequests(std::filesystem::path file, Clock& clock);
+    DailyRequests(std::filesystem::path file, Clock& clock, int limit = usualLimit);
     ~DailyRequests();
     DailyRequests(const DailyRequests&) = delete;
     DailyRequests& operator=(const DailyRequests&) = delete;
@@ -35,6 +35,7 @@ class DailyRequests {
     /// What a service answered: its clock, and whether it allows more today.
     void learnFrom(const HttpResponse& response);
 
+    int limit() const { return limit_; }
     Today today() const;
 
     /// How many of Google's days `requests` take from now on: 1 when what is left of this one does.
@@ -51,6 +52,7 @@ class DailyRequests {
 
     const std::filesystem::path file_;
     Clock& clock_;
+    const int limit_;
     std::atomic<std::int64_t> serviceAhead_{0}; ///< of this computer's clock, milliseconds
     mutable Cell own_ = 0;                      ///< where there is no file
     mutable std::mutex mutex_;

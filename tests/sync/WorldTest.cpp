@@ -111,11 +111,11 @@ TEST(World, DecidesWhoseFaultItWasAndWhenToGoOn) {
 TEST(Attempts, AreNotMadeOnceTheDaysRequestsAreUsedUp) {
     test::FakeClock clock;
     clock.skipSleeps(true);
-    DailyRequests requests({}, clock);
-    for (int i = 0; i < DailyRequests::limit; ++i)
+    DailyRequests requests({}, clock, 500);
+    for (int i = 0; i < requests.limit(); ++i)
         requests.count();
     EXPECT_EQ(requests.daysFor(0), 0);
-    EXPECT_EQ(requests.daysFor(DailyRequests::limit + 1), 3);
+    EXPECT_EQ(requests.daysFor(requests.limit() + 1), 3);
     Attempts attempts(clock, requests);
 
     attempts.begin(10min);
@@ -131,7 +131,7 @@ TEST(Attempts, AreNotMadeOnceTheDaysRequestsAreUsedUp) {
     EXPECT_EQ(told->obstacle.code, dailyQuota);
     permit->passed();
     EXPECT_FALSE(told);
-    EXPECT_EQ(requests.daysFor(DailyRequests::limit), 1);
+    EXPECT_EQ(requests.daysFor(requests.limit()), 1);
 }
 
 } // namespace quorvane
