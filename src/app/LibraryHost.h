@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Composition.h"
-#include "library/TaskRunner.h"
+#include "foundation/TaskRunner.h"
 #include "ui/LibrarySession.h"
 
 #include <functional>

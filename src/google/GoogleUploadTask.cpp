@@ -1,8 +1,8 @@
 #include "google/GoogleUploadTask.h"
 
 #include "foundation/FileVersion.h"
+#include "foundation/MediaKinds.h"
 #include "google/GoogleErrors.h"
-#include "google/MimeTypes.h"
 #include "google/ResumableUpload.h"
 
 #include <QStringDecoder>
@@ -65,7 +65,7 @@ HttpResponse GoogleUploadTask::sendAtOnce(const UploadSource& source,
     request.url = api_.at(QStringLiteral("/v1/uploads"));
     request.headers = {
         {"Content-Type", "application/octet-stream"},
-        {"X-Goog-Upload-Content-Type", mimeType(source.file)},
+        {"X-Goog-Upload-Content-Type", uploadType(source.file)},
         {"X-Goog-Upload-Protocol", "raw"},
         uploadNameHeader(source.fileName),
     };

@@ -1,7 +1,7 @@
 #include "google/ResumableUpload.h"
 
+#include "foundation/MediaKinds.h"
 #include "google/GoogleErrors.h"
-#include "google/MimeTypes.h"
 
 #include <algorithm>
 
@@ -64,7 +64,7 @@ void ResumableUpload::start() {
     request.url = api_.at(QStringLiteral("/v1/uploads"));
     request.headers = {
         {"X-Goog-Upload-Command", "start"},
-        {"X-Goog-Upload-Content-Type", mimeType(job_.source.file)},
+        {"X-Goog-Upload-Content-Type", uploadType(job_.source.file)},
         {"X-Goog-Upload-Protocol", "resumable"},
         {"X-Goog-Upload-Raw-Size", QByteArray::number(qint64(job_.size))},
         uploadNameHeader(job_.source.fileName),

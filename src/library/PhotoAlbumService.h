@@ -2,9 +2,9 @@
 
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
+#include "foundation/TaskRunner.h"
 #include "library/PhotoLibrary.h"
 #include "library/PhotosAppScripts.h"
-#include "library/TaskRunner.h"
 
 #include <functional>
 #include <mutex>

@@ -3,10 +3,10 @@
 #include "foundation/Console.h"
 #include "foundation/Preferences.h"
 #include "foundation/Publisher.h"
+#include "foundation/TaskRunner.h"
 #include "library/AssetStagingService.h"
 #include "library/PhotoAlbumService.h"
 #include "library/PhotoLibrary.h"
-#include "library/TaskRunner.h"
 #include "store/DatabaseManager.h"
 
 #include <memory>

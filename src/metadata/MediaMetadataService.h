@@ -2,7 +2,7 @@
 
 #include "foundation/Clock.h"
 #include "foundation/Log.h"
-#include "metadata/MediaKinds.h"
+#include "foundation/MediaKinds.h"
 #include "metadata/MetadataTypes.h"
 #include "metadata/PhotosDateQuery.h"
 

@@ -1,9 +1,9 @@
 #include "metadata/MotionPhoto.h"
 
+#include "foundation/MediaKinds.h"
 #include "metadata/HeifContainer.h"
 #include "metadata/ImageFormat.h"
 #include "metadata/JpegContainer.h"
-#include "metadata/MediaKinds.h"
 #include "metadata/MotionXmp.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "foundation/MainThread.h"
+#include "foundation/TaskRunner.h"
 #include "google/GoogleAlbumManager.h"
 #include "google/GoogleOAuthManager.h"
-#include "library/TaskRunner.h"
 #include "library/UndatedReview.h"
 #include "metadata/MetadataTypes.h"
 #include "store/StoreCounts.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
-#include "library/TaskRunner.h"
+#include "foundation/TaskRunner.h"
 
 #include <QObject>
 #include <QVariantList>

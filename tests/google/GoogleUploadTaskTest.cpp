@@ -1,7 +1,7 @@
 #include "google/GoogleUploadTask.h"
 
+#include "foundation/MediaKinds.h"
 #include "google/GoogleErrors.h"
-#include "google/MimeTypes.h"
 #include "google/ScriptedHttp.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
@@ -31,18 +31,6 @@ struct Uploading : testing::Test {
 };
 
 } // namespace
-
-TEST_F(Uploading, SendsTheFileAndTrimsTheToken) {
-    http.answer = [&](const HttpRequest& request, const std::stop_token&) {
-        request.onProgress(3, 5);
-        return HttpResponse{200, "  token-1\n"};
-    };
-    EXPECT_EQ(upload(), QLatin1String("token-1"));
-    const HttpRequest request = http.requests().at(0);
-    EXPECT_EQ(request.bodyFile, file);
-    EXPECT_EQ(request.timeout, std::chrono::seconds(60));
-    EXPECT_EQ(progress, 3);
-}
 
 TEST_F(Uploading, EveryFileNameFitsIntoItsHeader) {
     http.answerAlways(200, "token");
@@ -83,7 +71,7 @@ TEST_F(Uploading, WhatIsNoTokenIsAnUploadError) {
     EXPECT_EQ(upload().size(), 8192);
 }
 
-TEST(MimeTypes, GoByTheExtension) {
+TEST(UploadType, GoesByTheExtension) {
     for (const auto& [names, type] : {std::pair{u"a.jpg a.JPEG"_s, "image/jpeg"},
                                       {u"a.heic"_s, "image/heic"},
                                       {u"a.HEIF"_s, "image/heif"},
@@ -95,7 +83,7 @@ TEST(MimeTypes, GoByTheExtension) {
                                       {u"a.m4v"_s, "video/x-m4v"},
                                       {u"scan.tiff jpg .jpg"_s, "application/octet-stream"}})
         for (const QString& name : names.split(u' '))
-            EXPECT_EQ(mimeType(pathFrom(name)), type) << name.toStdString();
+            EXPECT_EQ(uploadType(pathFrom(name)), type) << name.toStdString();
 }
 
 } // namespace quorvane

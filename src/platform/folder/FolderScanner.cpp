@@ -1,7 +1,7 @@
 #include "platform/folder/FolderScanner.h"
 
 #include "foundation/File.h"
-#include "metadata/MediaKinds.h"
+#include "foundation/MediaKinds.h"
 #include "platform/folder/FolderIdentity.h"
 #include "platform/folder/OpenForWriting.h"
 

@@ -1,4 +1,4 @@
-#include "library/TaskRunner.h"
+#include "foundation/TaskRunner.h"
 
 #include "foundation/Error.h"
 

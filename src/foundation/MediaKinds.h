@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QByteArray>
 #include <QLatin1String>
 #include <QString>
 
+#include <filesystem>
 #include <span>
 
 /// What the program knows of kinds of files: one row for each file name extension, and nowhere else
@@ -29,10 +31,11 @@ enum class DateWriting {
 
 struct MediaKind {
     /// Every field must be told: a row that leaves one out does not compile.
-    constexpr MediaKind(QLatin1String anExtension, QLatin1String aMimeType, MediaClass aClass,
-                        bool isItRaw, DateReading aReading, DateWriting aWriting)
+    constexpr MediaKind(QLatin1String anExtension, QLatin1String aMimeType, bool isItTold,
+                        MediaClass aClass, bool isItRaw, DateReading aReading, DateWriting aWriting)
         : extension(anExtension),
           mimeType(aMimeType),
+          isTold(isItTold),
           mediaClass(aClass),
           reading(aReading),
           writing(aWriting),
@@ -40,6 +43,7 @@ struct MediaKind {
 
     QLatin1String extension; ///< lower case, without the dot
     QLatin1String mimeType;
+    bool isTold; ///< an upload names the MIME type; of the others it says that they are bytes
     MediaClass mediaClass;
     DateReading reading;
     DateWriting writing;
@@ -55,6 +59,10 @@ std::span<const MediaKind> mediaKinds();
 /// The kind of a file by its extension, in any case; none (null) when it is neither a picture nor a
 /// movie.
 const MediaKind* mediaKindOf(const QString& extension);
+
+/// The MIME type that an upload of this file names, by its extension in any case;
+/// "application/octet-stream" for a kind that is not told or not known.
+QByteArray uploadType(const std::filesystem::path& file);
 
 /// Whether a file of this extension (lower case, without the dot) is a picture that takes a date.
 bool isImageExtension(const QString& extension);
