@@ -25,9 +25,7 @@ QByteArray readFile(const std::filesystem::path& file) {
 }
 
 std::filesystem::path realDataFolder() {
-    const QString configured = qEnvironmentVariable("QUORVANE_TEST_DATA");
-    const std::filesystem::path folder =
-        configured.isEmpty() ? sourceFolder().parent_path() / "shared/data" : pathFrom(configured);
+    const auto folder = pathFrom(qEnvironmentVariable("QUORVANE_TEST_DATA"));
     return std::filesystem::is_directory(folder / "media") ? folder : std::filesystem::path();
 }
 

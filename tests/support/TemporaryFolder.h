@@ -29,8 +29,8 @@ std::filesystem::path programFolder();
 
 QByteArray readFile(const std::filesystem::path& file);
 
-/// The folder of real libraries and pictures: QUORVANE_TEST_DATA, else ../shared/data beside the
-/// source tree. Empty when it is absent: such a test says so with GTEST_SKIP.
+/// The folder of real libraries and pictures, which the variable QUORVANE_TEST_DATA names. Empty
+/// when it is absent: such a test says so with GTEST_SKIP.
 std::filesystem::path realDataFolder();
 
 } // namespace quorvane::test
