@@ -53,14 +53,6 @@ TEST_F(AppConfigTest, parseEnvTakesKeysAndValuesAsTheyAre) {
         EXPECT_EQ(AppConfig::parseEnv(each.text), each.values) << each.text.toStdString();
 }
 
-TEST_F(AppConfigTest, withoutAFileTheBuildsOwnClientSignsIn) {
-    const AppConfig config({folder / "absent.env", {}}, log);
-    static const QRegularExpression form(u"^\\d+-[a-z0-9]{32}\\.apps\\.googleusercontent\\.com$"_s);
-    EXPECT_TRUE(form.match(config.googleClientID()).hasMatch());
-    EXPECT_EQ(config.googleClientSecret(), std::nullopt);
-    EXPECT_TRUE(log.messages().isEmpty());
-}
-
 TEST_F(AppConfigTest, onlyTheFirstReadableFileCounts) {
     const auto first = folder.write("first.env", "GOOGLE_CLIENT_ID=ilk\n");
     const auto second =
@@ -91,15 +83,6 @@ TEST_F(AppConfigTest, theEnvironmentWinsUnlessEmptyAndReloadReadsAgain) {
     config.reload();
     EXPECT_TRUE(config.googleClientID().endsWith(u".apps.googleusercontent.com"));
     EXPECT_EQ(config.googleClientSecret(), u"yeni");
-}
-
-TEST_F(AppConfigTest, candidatesStandInTheirOrder) {
-    const auto candidates = AppConfig::standardCandidates("/home/ayşe");
-    ASSERT_EQ(candidates.size(), 5U);
-    EXPECT_EQ(candidates[0], std::filesystem::current_path() / ".env");
-    EXPECT_EQ(candidates[1], "/home/ayşe/Library/Application Support/Quorvane/.env");
-    EXPECT_EQ(candidates[2], "/home/ayşe/.quorvane.env");
-    EXPECT_EQ(candidates[3], programFolder() / ".env");
 }
 
 } // namespace

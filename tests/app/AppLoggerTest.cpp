@@ -79,60 +79,6 @@ TEST_F(AppLoggerTest, theFileTellsTimeThreadAndMessageOfAllRuns) {
     EXPECT_EQ(lines.mid(6), lines.mid(0, 4));
 }
 
-TEST_F(AppLoggerTest, theRingKeepsTheLatestHundred) {
-    AppLogger logger(logs, console, clock);
-    for (int i = 1; i <= 101; ++i)
-        logger.log(QString::number(i));
-    const auto entries = logger.memoryBuffer();
-    ASSERT_EQ(entries.size(), 100U);
-    EXPECT_EQ(entries.front().message, u"2");
-    EXPECT_EQ(entries.back().message, u"101");
-    EXPECT_EQ(entries.back().timestamp, clock.now());
-    std::set<QUuid> ids;
-    for (const LogEntry& entry : entries)
-        ids.insert(entry.id);
-    EXPECT_EQ(ids.size(), 100U);
-}
-
-TEST_F(AppLoggerTest, aFolderThatCannotBeMadeOnlyTurnsTheFileOff) {
-    folder.write("Library", "a file where the folder should be");
-    AppLogger logger(logs, console, clock);
-    logger.log(u"sürüyor"_s);
-    EXPECT_EQ(logger.memoryBuffer().size(), 5U);
-    EXPECT_EQ(logger.memoryBuffer().back().message, u"sürüyor");
-}
-
-TEST_F(AppLoggerTest, aSubscriberMayLog) {
-    AppLogger logger(logs, console, clock);
-    QStringList received;
-    const Subscription subscription = logger.logPublisher().subscribe([&](const LogEntry& entry) {
-        received += entry.message;
-        if (received.size() == 1)
-            logger.log(u"yankı"_s);
-    });
-    logger.log(u"ses"_s);
-    EXPECT_EQ(received, (QStringList{u"ses"_s, u"yankı"_s}));
-}
-
-TEST_F(AppLoggerTest, threadsWriteWholeLines) {
-    AppLogger logger(logs, console, clock);
-    {
-        std::vector<std::jthread> threads;
-        for (int thread = 0; thread < 4; ++thread)
-            threads.emplace_back([&logger, thread] {
-                for (int i = 0; i < 200; ++i)
-                    logger.log(u"%1:%2 %3"_s.arg(thread).arg(i).arg(QString(300, u'ş')));
-            });
-    }
-    static const QRegularExpression form(
-        u"^\\[2025-03-01T14:05:09Z\\] \\[Bg\\] (\\d:\\d+) ş{300}$"_s);
-    std::set<QString> seen;
-    for (const QString& line : fileLines().mid(4))
-        seen.insert(form.match(line).captured(1));
-    EXPECT_EQ(seen.size(), 800U);
-    EXPECT_FALSE(seen.contains(QString()));
-}
-
 } // namespace
 
 } // namespace quorvane::test

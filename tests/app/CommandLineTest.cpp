@@ -67,17 +67,6 @@ TEST(CommandLineTest, wordsThatDoNotFitAreNamed) {
     }
 }
 
-TEST(CommandLineTest, helpNamesEveryOptionAndHidesHiddenCommands) {
-    const QString help = helpOf(copy);
-    for (const QString& part :
-         {u"--to YOL"_s, u"fast | safe"_s, u"--json"_s, u"--help"_s, u"130"_s})
-        EXPECT_TRUE(help.contains(part)) << part.toStdString();
-    CommandSpec hidden = copy;
-    hidden.hidden = true;
-    EXPECT_TRUE(overview({copy}).contains(u"kopyalar"));
-    EXPECT_FALSE(overview({hidden}).contains(u"kopyalar"));
-}
-
 TEST(ProgressTest, theLineTellsCountPaceAndNames) {
     const auto transfers = [](const QStringList& names) {
         TransferSnapshot snapshot;

@@ -81,10 +81,4 @@ inline int statusOf(const httplib::Result& result) {
     return result ? result->status : 0;
 }
 
-inline std::chrono::steady_clock::duration timeOf(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::steady_clock::now() - start;
-}
-
 } // namespace quorvane::test

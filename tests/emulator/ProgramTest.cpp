@@ -35,24 +35,6 @@ TEST(ProgramTest, servesUntilItIsToldToEndAndReports) {
     EXPECT_EQ(running[u"albums"_s], report[u"albums"_s]);
 }
 
-TEST(ProgramTest, refusesBadUsage) {
-    for (const QStringList& arguments : std::vector<QStringList>{{u"--nothing"_s},
-                                                                 {u"--port"_s},
-                                                                 {u"--port"_s, u"65536"_s},
-                                                                 {u"--bandwidth"_s, u"fast"_s},
-                                                                 {u"--fault"_s, u"upload:0:500"_s},
-                                                                 {u"--fault"_s, u"uploads:1:500"_s},
-                                                                 {u"--fault"_s, u"upload:1:99"_s},
-                                                                 {u"--seed-album"_s, u"Aile"_s}}) {
-        QProcess process;
-        process.start(program, arguments);
-        ASSERT_TRUE(process.waitForFinished(10'000));
-        EXPECT_EQ(process.exitCode(), 2) << arguments.join(u' ').toStdString();
-        EXPECT_TRUE(process.readAllStandardOutput().isEmpty());
-        EXPECT_FALSE(process.readAllStandardError().isEmpty());
-    }
-}
-
 } // namespace
 
 } // namespace quorvane::test

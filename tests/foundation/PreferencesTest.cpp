@@ -124,25 +124,5 @@ TEST(Preferences, aDamagedFileIsKeptBesideAndNamedOnce) {
     }
 }
 
-TEST(Preferences, manyThatFindOneDamagedFileKeepWhatTheOthersWriteInItsPlace) {
-    const test::TemporaryFolder folder;
-    folder.write("p.json", "{");
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&folder, key = QString::number(i)] {
-            Preferences preferences(folder / "p.json");
-            try {
-                (void)preferences.boolean(key);
-            } catch (const Error&) { // the one who came first
-            }
-            preferences.setBoolean(key, true);
-        });
-    threads.clear();
-    Preferences preferences(folder / "p.json");
-    for (int i = 0; i < 8; ++i)
-        EXPECT_TRUE(preferences.boolean(QString::number(i)));
-    EXPECT_FALSE(std::filesystem::exists(folder / "p.json.bozuk-2"));
-}
-
 } // namespace
 } // namespace quorvane

@@ -51,32 +51,6 @@ bool isNetworkFailure(const QString& text) {
            !lower.contains(u"cancel") && !text.contains(u"limit");
 }
 
-TEST(CurlHttpClientTest, SendsMethodHeadersInOrderAndBody) {
-    std::promise<QByteArray> received;
-    RawServer server([&](Peer& peer) {
-        received.set_value(peer.receiveRequest());
-        peer.send("HTTP/1.1 207 Multi-Status\r\nContent-Length: 5\r\n\r\n");
-        peer.send(QByteArray("\0ab\xc3\xa7", 5));
-    });
-    qputenv("http_proxy", "http://127.0.0.1:1"); // never asked for this computer
-    HttpRequest request = requestTo(server.url(QStringLiteral("/v1/a%20b?x=1#fragment")));
-    request.method = "POST";
-    request.headers = {{"Authorization", "Bearer t"}, {"X-B", "2"}, {"X-A", ""}};
-    request.body = QByteArray(2 * MiB, 'b');
-    CurlHttpClient client;
-    const HttpResponse response = client.send(request, {});
-    qunsetenv("http_proxy");
-
-    const QByteArray text = received.get_future().get();
-    EXPECT_TRUE(text.startsWith("POST /v1/a%20b?x=1 HTTP/1.1\r\n"));
-    EXPECT_TRUE(text.contains("\r\nAuthorization: Bearer t\r\nX-B: 2\r\nX-A:\r\n"))
-        << text.left(400).constData();
-    EXPECT_FALSE(text.contains("Expect"));
-    EXPECT_TRUE(text.endsWith("\r\n\r\n" + request.body));
-    EXPECT_EQ(response.status, 207);
-    EXPECT_EQ(response.body.size(), 5);
-}
-
 TEST(CurlHttpClientTest, StreamsAFileInBoundedMemoryAndTellsProgress) {
     const TemporaryFolder folder;
     const auto file = folder.write("clip.mov", "");
@@ -109,32 +83,6 @@ TEST(CurlHttpClientTest, StreamsAFileInBoundedMemoryAndTellsProgress) {
     EXPECT_GT(progress.size(), 10u);
     EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
     EXPECT_EQ(progress.back(), 64 * MiB);
-}
-
-TEST(CurlHttpClientTest, ReusesAConnectionAndKeepsTwoRequestsInFlight) {
-    std::barrier<> bothHere(2);
-    RawServer server([&](Peer& peer) {
-        while (true) {
-            const QByteArray request = peer.receiveRequest();
-            if (request.isEmpty())
-                return;
-            if (request.startsWith("GET /together"))
-                bothHere.arrive_and_wait();
-            peer.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
-        }
-    });
-    CurlHttpClient client;
-    client.send(requestTo(server.url()), {});
-    client.send(requestTo(server.url()), {});
-    EXPECT_EQ(server.connections(), 1);
-
-    const auto together = requestTo(server.url(QStringLiteral("/together")));
-    for (int round = 0; round < 3; ++round) {
-        auto other = std::async(std::launch::async, [&] { return client.send(together, {}); });
-        EXPECT_EQ(client.send(together, {}).status, 200);
-        EXPECT_EQ(other.get().status, 200);
-    }
-    EXPECT_EQ(server.connections(), 2);
 }
 
 TEST(CurlHttpClientTest, SendsAnUploadAgainWhenTheServerClosedTheIdleConnection) {

@@ -63,19 +63,6 @@ TEST(OAuthMessagesTest, FindsTheCodeInWhateverFormTheCallbackHas) {
             << row.callback;
 }
 
-TEST_F(GoogleOAuthManagerTest, SignInStoresWhatComes) {
-    manager.signIn({});
-    const QUrlQuery asked(session.page);
-    EXPECT_EQ(asked.queryItemValue(QStringLiteral("redirect_uri")),
-              QStringLiteral("com.googleusercontent.apps.1234-abcd:/oauth2redirect"));
-    EXPECT_EQ(asked.queryItemValue(QStringLiteral("state")).size(), 16);
-    EXPECT_TRUE(manager.isSignedIn());
-    EXPECT_EQ(manager.email(), QStringLiteral("kullanici@example.com"));
-    EXPECT_EQ(tokens.readToken(tokenKeys::expiry), QStringLiteral("1700003599"));
-    EXPECT_EQ(token(), tokens.readToken(tokenKeys::accessToken));
-    EXPECT_EQ(refreshes(), 1) << "the exchange alone";
-}
-
 TEST_F(GoogleOAuthManagerTest, LogsWhatItDecidesButNoSecret) {
     client.secret = QStringLiteral("gizli-anahtar");
     manager.signIn({});
@@ -92,21 +79,6 @@ TEST_F(GoogleOAuthManagerTest, LogsWhatItDecidesButNoSecret) {
          {*client.secret, verifier, tokens.readToken(tokenKeys::accessToken).value(),
           tokens.readToken(tokenKeys::refreshToken).value()})
         EXPECT_FALSE(all.contains(secret));
-}
-
-TEST_F(GoogleOAuthManagerTest, SendsAClientSecretOnlyWhenThereIsOne) {
-    for (const char* secret : {"", "s e&cret"}) {
-        client.secret = QString::fromUtf8(secret);
-        google.clearRequests();
-        manager.signIn({});
-        clock.advance(std::chrono::hours(2));
-        token();
-        const auto requests = google.requests(RequestKind::token);
-        ASSERT_EQ(requests.size(), 2u);
-        for (const auto& request : requests)
-            EXPECT_EQ(request.body.endsWith("&client_secret=s%20e%26cret"), *secret != '\0')
-                << request.body.constData();
-    }
 }
 
 TEST_F(GoogleOAuthManagerTest, EndsASignInThatBringsNoCode) {
@@ -153,33 +125,6 @@ TEST_F(GoogleOAuthManagerTest, RefusesAnswersThatAreNoTokens) {
         EXPECT_TRUE(log.contains(QStringLiteral("[OAuth] ❌ Token takası başarısız! ") + told));
     }
     EXPECT_FALSE(manager.isSignedIn());
-}
-
-TEST_F(GoogleOAuthManagerTest, KeepsWhatAnAnswerLeavesOut) {
-    storeTokens(1000);
-    const auto expiry = tokens.readToken(tokenKeys::expiry);
-    answerTokenRequest(200, R"({"access_token": "new"})");
-    manager.signIn({});
-    EXPECT_EQ(tokens.readToken(tokenKeys::accessToken), QStringLiteral("new"));
-    EXPECT_EQ(tokens.readToken(tokenKeys::refreshToken), refreshToken);
-    EXPECT_EQ(tokens.readToken(tokenKeys::expiry), expiry);
-}
-
-TEST_F(GoogleOAuthManagerTest, SignsInWithoutTheAddressWhenItCannotBeHad) {
-    std::vector<emulator::Disturbance> faults{
-        {.body = "<html>"}, {.body = ""}, {.body = R"({"email":7})"}, {.dropAnswerAfter = 3}};
-    for (const int status : refusals)
-        faults.push_back({.status = status});
-    for (emulator::Disturbance& fault : faults) {
-        fault.kind = RequestKind::userinfo;
-        google.addDisturbance(fault);
-        manager.signIn({});
-        EXPECT_TRUE(manager.isSignedIn());
-        EXPECT_EQ(manager.email(), std::nullopt);
-    }
-    EXPECT_EQ(
-        log.messages().filter(QStringLiteral("[OAuth] ⚠️ E-posta bilgisi alınamadı")).size(),
-        faults.size());
 }
 
 TEST_F(GoogleOAuthManagerTest, JudgesASignInByWhatWasGranted) {
@@ -266,21 +211,6 @@ TEST_F(GoogleOAuthManagerTest, FiftyCallersShareOneRefresh) {
     EXPECT_EQ(refreshes(), 1);
 }
 
-TEST_F(GoogleOAuthManagerTest, ACallerThatStopsLeavesTheRefreshToTheOthers) {
-    storeTokens(0);
-    delayTokenRequest(std::chrono::milliseconds(200));
-    std::stop_source stop;
-    auto first =
-        std::async(std::launch::async, [&] { return manager.validAccessToken(stop.get_token()); });
-    ASSERT_TRUE(google.waitForRequests(RequestKind::token, 1));
-    auto second = std::async(std::launch::async, [&] { return token(); });
-    stop.request_stop();
-    EXPECT_THROW(first.get(), Cancelled);
-    const QString refreshed = second.get();
-    EXPECT_EQ(refreshed, tokens.readToken(tokenKeys::accessToken));
-    EXPECT_EQ(refreshes(), 1);
-}
-
 TEST_F(GoogleOAuthManagerTest, AFailedRefreshSignsNobodyOutAndIsTriedAgain) {
     storeTokens(0);
     for (const int status : {400, 401, 403, 404, 408, 413, 429, 500, 503}) {
@@ -314,16 +244,6 @@ TEST_F(GoogleOAuthManagerTest, ARefusedTokenIsRenewedOnceForAllWhoHeldIt) {
     EXPECT_EQ(refreshes(), 1);
     tokens.deleteToken(tokenKeys::refreshToken);
     EXPECT_EQ(manager.renewedAccessToken(*renewed, {}), std::nullopt);
-}
-
-TEST_F(GoogleOAuthManagerTest, WithoutARefreshTokenTheOldTokenIsAllThereIs) {
-    EXPECT_EQ(failureOf([&] { token(); }), OAuthError::Case::notSignedIn);
-    EXPECT_FALSE(manager.isSignedIn());
-    storeTokens(-1000);
-    tokens.deleteToken(tokenKeys::refreshToken);
-    EXPECT_EQ(token(), accessToken);
-    EXPECT_TRUE(manager.isSignedIn());
-    EXPECT_EQ(refreshes(), 0);
 }
 
 TEST_F(GoogleOAuthManagerTest, SignOutRevokesAndForgetsWhateverGoogleSays) {

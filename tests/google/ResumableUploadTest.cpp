@@ -103,15 +103,6 @@ TEST_F(ResumableUploads, WhatGoogleForgotBeginsAnewOnce) {
     EXPECT_FALSE(send().isEmpty()) << "and tells no stranger the token";
 }
 
-TEST_F(ResumableUploads, AnAnswerThatIsNoneOfTheServicesIsABusyService) {
-    for (const int nth : {1, 2}) {
-        google.clearDisturbances();
-        google.addDisturbance(
-            {.kind = RequestKind::upload, .nth = nth, .times = 0, .status = 200, .body = "<html>"});
-        EXPECT_EQ(faultOfSending(), FaultCode::serviceBusy);
-    }
-}
-
 TEST_F(ResumableUploads, WhatIsTooLargeIsRefusedBeforeAByteIsSent) {
     for (const auto& [isMovie, largest] : {std::pair{false, GoogleUploadTask::largestPicture},
                                            {true, GoogleUploadTask::largestMovie}}) {

@@ -48,16 +48,5 @@ TEST_F(TokenStoreTest, ReadsMemoryThenKeychainThenMirror) {
     EXPECT_EQ(store.readToken(key), QStringLiteral("keychain")) << "remembered";
 }
 
-TEST_F(TokenStoreTest, KeepsTheTokenForThisRunWhenNothingElseCan) {
-    keychain.refusal = 5;
-    folder.write("file", "");
-    Preferences unwritable(folder / "file/preferences.json");
-    TokenStore store(keychain, unwritable, log);
-    store.writeToken(key, value);
-    EXPECT_EQ(store.readToken(key), value);
-    EXPECT_TRUE(log.contains(QStringLiteral("Yedek kopya")));
-    EXPECT_FALSE(log.contains(value));
-}
-
 } // namespace
 } // namespace quorvane::test

@@ -61,30 +61,6 @@ TEST_F(Tracking, SpeedIsSampledEveryQuarterSecondAndNeverNegative) {
     EXPECT_DOUBLE_EQ(tracker.getSnapshot().currentSpeed, 1024);
 }
 
-TEST_F(Tracking, ItemsComeOldestFirstAndOnlyAddedOnesExist) {
-    tracker.updateProgress(u"unknown"_s, 5, 10);
-    EXPECT_TRUE(tracker.getSnapshot().items.empty());
-    for (const auto& [id, startedAt] : {std::pair{"a", 3}, {"b", 1}, {"c", 2}})
-        tracker.add(item(id, startedAt));
-    tracker.updateProgress(u"c"_s, 250, 99);
-    tracker.remove(u"b"_s);
-    tracker.remove(u"unknown"_s);
-    const auto items = tracker.getSnapshot().items;
-    ASSERT_EQ(items.size(), 2U);
-    EXPECT_EQ(items[0].id, QLatin1String("c"));
-    EXPECT_DOUBLE_EQ(items[0].progress(), 0.25);
-    EXPECT_EQ(items[1], item("a", 3));
-    EXPECT_DOUBLE_EQ(ActiveTransferItem{}.progress(), 0);
-}
-
-TEST_F(Tracking, LatencyIsDrawnWhileTransfersAreActive) {
-    EXPECT_EQ(tracker.getSnapshot().latencyMilliseconds, 32);
-    tracker.add(item("a", 1));
-    EXPECT_EQ(tracker.getSnapshot().latencyMilliseconds, 25);
-    jitter = 20;
-    EXPECT_EQ(tracker.getSnapshot().latencyMilliseconds, 45);
-}
-
 TEST(FormatSpeed, DecimalThresholdBinaryUnits) {
     for (const auto& [speed, text] : {std::pair{0.0, "0.0 KB/s"},
                                       {1024.0, "1.0 KB/s"},
@@ -92,32 +68,6 @@ TEST(FormatSpeed, DecimalThresholdBinaryUnits) {
                                       {1'000'000.0, "1.0 MB/s"},
                                       {52'428'800.0, "50.0 MB/s"}})
         EXPECT_EQ(TransferActivityTracker::formatSpeed(speed), QLatin1String(text));
-}
-
-TEST(TrackerThreads, UploadsAndDisplayRunSideBySide) {
-    SystemClock clock;
-    TransferActivityTracker tracker(clock);
-    const auto upload = [&](const char* id) {
-        for (int i = 0; i < 500; ++i) {
-            tracker.add(item(id, i));
-            for (int sent = 1; sent <= 4; ++sent)
-                tracker.updateProgress(QString::fromUtf8(id), sent, 4);
-            tracker.remove(QString::fromUtf8(id));
-        }
-    };
-    {
-        const std::jthread first(upload, "a");
-        const std::jthread second(upload, "b");
-        for (int i = 0; i < 500; ++i) {
-            const TransferSnapshot snapshot = tracker.getSnapshot();
-            ASSERT_LE(snapshot.items.size(), 2U);
-            if (!snapshot.items.empty()) {
-                ASSERT_GE(snapshot.latencyMilliseconds, 25);
-                ASSERT_LE(snapshot.latencyMilliseconds, 45);
-            }
-        }
-    }
-    EXPECT_TRUE(tracker.getSnapshot().items.empty());
 }
 
 } // namespace quorvane

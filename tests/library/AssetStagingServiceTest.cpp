@@ -32,27 +32,6 @@ class AssetStagingServiceTest : public testing::Test, protected World {};
 
 } // namespace
 
-TEST_F(AssetStagingServiceTest, StagesADiscoveredAssetUnderItsSafeName) {
-    discover(assetID(1), u"IMG 1%2.BIN"_s);
-    const QStringList lines = printedBy([&] { staging.stageDiscoveredAssets(); });
-
-    const QByteArray bytes = "bytes of IMG 1%2.BIN";
-    EXPECT_EQ(
-        lines,
-        QStringList{u"[Staging] Tamamlandı (Metadata Enjekte Edildi): IMG 1%2.BIN (20 bytes)"_s});
-    EXPECT_EQ(stagedNames(),
-              QStringList{u"00000001-0000-4000-8000-000000000000_L0_001_IMG 1%2.BIN"_s});
-    EXPECT_EQ(status(assetID(1)), SyncStatus::staged);
-    EXPECT_EQ(record(assetID(1))->sha256Hash, sha256Of(bytes));
-    EXPECT_EQ(record(assetID(1))->fileSizeBytes, bytes.size());
-    const auto file = staging.findStagingFile(assetID(1));
-    ASSERT_TRUE(file);
-    EXPECT_EQ(readFile(*file), bytes);
-    struct stat facts {};
-    ASSERT_EQ(::stat(permanent.c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777, 0700U);
-}
-
 TEST(AssetStagingService, TakesTheFirstResourceThatIsAPhotoAVideoOrAFullSizePhoto) {
     using Type = AssetResourceType;
     const struct {
@@ -342,22 +321,6 @@ TEST_F(AssetStagingServiceTest, RefusesALinkInPlaceOfAStagedFile) {
     EXPECT_EQ(readFile(original), "only copy");
 }
 
-TEST_F(AssetStagingServiceTest, AStopLeavesTheRecordAsItWas) {
-    discover(assetID(1));
-    discover(assetID(2));
-    std::stop_source stop;
-    library.onExport = [&] { stop.request_stop(); };
-    EXPECT_THROW(staging.stageDiscoveredAssets(stop.get_token()), Cancelled);
-    EXPECT_EQ(status(assetID(1)), SyncStatus::discovered);
-    EXPECT_EQ(library.exported().size(), 1);
-    EXPECT_EQ(stagedNames(), QStringList());
-
-    library.onExport = nullptr;
-    staging.stageDiscoveredAssets();
-    EXPECT_EQ(status(assetID(1)), SyncStatus::staged);
-    EXPECT_EQ(status(assetID(2)), SyncStatus::staged);
-}
-
 TEST(AssetStagingService, NeverTakesBackARecordThatMovedOnMeanwhile) {
     const struct {
         std::function<void(World&)> meanwhile;
@@ -380,42 +343,6 @@ TEST(AssetStagingService, NeverTakesBackARecordThatMovedOnMeanwhile) {
         EXPECT_EQ(world.status(assetID(1)), each.expected);
         EXPECT_EQ(world.stagedNames(), QStringList()) << "recovery would bring it back";
     }
-}
-
-TEST_F(AssetStagingServiceTest, LooksAtTheOldestTenAndIsNotHeldUpByMissingAssets) {
-    for (int i = 0; i < 25; ++i)
-        discoverRecord(assetID(i)); // none of them is in the library
-    for (int i = 25; i < 40; ++i)
-        discover(assetID(i));
-    QStringList lines = printedBy([&] { staging.stageDiscoveredAssets(); });
-    EXPECT_EQ(lines.filter(u"[Staging] Asset bulunamadı: "_s).size(), 10);
-    for (int i = 0; i < 6; ++i) {
-        lines = printedBy([&] { staging.stageDiscoveredAssets(); });
-        EXPECT_LE(lines.filter(u"Asset bulunamadı"_s).size(), 20);
-    }
-    EXPECT_GE(library.exported().size(), 10);
-
-    library.add(assetID(3), u"back.bin"_s);
-    for (int i = 0; i < 3; ++i) // twenty-five missing ones are tried again in three turns
-        staging.stageDiscoveredAssets();
-    EXPECT_EQ(status(assetID(3)), SyncStatus::staged);
-}
-
-TEST_F(AssetStagingServiceTest, LeavesRecordsAloneWhenTheLibraryOrTheStoreCannotBeRead) {
-    discover(assetID(1));
-    library.unreadable = u"Kitaplık yok"_s;
-    EXPECT_EQ(printedBy([&] { staging.stageDiscoveredAssets(); }),
-              QStringList{u"[Staging] Hata %1: Kitaplık yok"_s.arg(assetID(1))});
-    EXPECT_EQ(status(assetID(1)), SyncStatus::discovered);
-
-    DatabaseManager broken(folder.path(), console);
-    KnownContents nothing(broken, {});
-    AssetStagingService idle({library, broken, life, nothing, metadata, console}, place,
-                             folders.stagingLock());
-    EXPECT_EQ(printedBy([&] { idle.stageDiscoveredAssets(); })
-                  .filter(u"[Staging] Bekleyen kayıtlar okunamadı: "_s)
-                  .size(),
-              1);
 }
 
 TEST_F(AssetStagingServiceTest, UsesTheTemporaryFolderWithoutAPermanentOneAndOnlyWhenItIsPrivate) {
@@ -443,41 +370,11 @@ TEST_F(AssetStagingServiceTest, UsesTheTemporaryFolderWithoutAPermanentOneAndOnl
     EXPECT_FALSE(staging.findStagingFile(assetID(1)));
 }
 
-TEST_F(AssetStagingServiceTest, FindsThePermanentFileFirstAndRemovesBoth) {
-    const auto name = pathFrom(stagedName(assetID(1), u"a.bin"_s));
-    replaceFile(folders.temporaryStaging / name, "temporary");
-    EXPECT_EQ(staging.findStagingFile(assetID(1)), folders.temporaryStaging / name);
-    replaceFile(permanent / name, "permanent");
-    EXPECT_EQ(staging.findStagingFile(assetID(1)), permanent / name);
-    replaceFile(permanent / pathFrom(stagedName(assetID(2), u"b"_s)), "another");
-
-    staging.removeFromStaging(QString()); // begins every name
-    staging.removeFromStaging(assetID(1));
-    EXPECT_FALSE(staging.findStagingFile(assetID(1)));
-    EXPECT_TRUE(staging.findStagingFile(assetID(2)));
-}
-
 TEST_F(AssetStagingServiceTest, RemovesWhatDeadRunsLeftAndNothingElse) {
     for (const char* name : {".x.part", ".x.jpg.tmp", ".hidden", "x.tmp", "y.part", "z.jpg"})
         replaceFile(permanent / name, "x");
     staging.removeLeftovers();
     EXPECT_EQ(stagedNames(), (QStringList{u".hidden"_s, u"x.tmp"_s, u"y.part"_s, u"z.jpg"_s}));
-}
-
-TEST(AssetStagingService, HashesWholeFilesOfAnyLength) {
-    const TemporaryFolder folder;
-    for (const qsizetype length : {0, 1, 1 << 20, (1 << 20) + 1, 3 << 20}) {
-        const QByteArray bytes(length, 'q');
-        const auto result = computeHashAndSize(folder.write("f", bytes));
-        EXPECT_EQ(result.sizeBytes, length);
-        EXPECT_EQ(result.sha256, sha256Of(bytes));
-    }
-    EXPECT_EQ(computeHashAndSize(folder.write("f", "")).sha256,
-              u"e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"_s);
-    EXPECT_THROW(computeHashAndSize(folder / "absent"), FileError);
-    std::stop_source stop;
-    stop.request_stop();
-    EXPECT_THROW(computeHashAndSize(folder / "f", stop.get_token()), Cancelled);
 }
 
 } // namespace quorvane::test

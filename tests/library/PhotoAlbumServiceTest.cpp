@@ -107,32 +107,6 @@ TEST_F(PhotoAlbumServiceTest, ListsEachAlbumOnceInTheOrderOfItsSources) {
                                   "1 sistem/diğer albüm)"_s);
 }
 
-TEST_F(PhotoAlbumServiceTest, ListsNothingWithoutPermission) {
-    library.albums = {album(u"a"_s)};
-    for (const auto status : {AuthorizationStatus::notDetermined, AuthorizationStatus::restricted,
-                              AuthorizationStatus::denied}) {
-        library.status = status;
-        EXPECT_TRUE(albums.performFetchLocalAlbums().empty());
-        EXPECT_EQ(log.messages().last(),
-                  tag + u"Yetki yok (status: %1) — albümler listelenemedi"_s.arg(
-                            static_cast<int>(status)));
-    }
-    library.status = AuthorizationStatus::limited;
-    EXPECT_EQ(albums.performFetchLocalAlbums().size(), 1U);
-}
-
-TEST_F(PhotoAlbumServiceTest, RefreshesInTheBackgroundAndAnswersOnTheMainThread) {
-    library.albums = {album(u"a"_s)};
-    std::vector<LocalAlbumItem> list;
-    const auto mainThread = std::this_thread::get_id();
-    albums.refreshLocalAlbumsAsync([&](const std::vector<LocalAlbumItem>& answer) {
-        EXPECT_EQ(std::this_thread::get_id(), mainThread);
-        list = answer;
-    });
-    EXPECT_TRUE(waitOnMainThread([&] { return !list.empty(); }));
-    EXPECT_EQ(list, albums.cachedAlbums());
-}
-
 TEST_F(PhotoAlbumServiceTest, RemembersTheChosenSource) {
     EXPECT_EQ(albums.selectedSourceAlbumID(), std::nullopt);
     albums.setSelectedSourceAlbumID(u"album"_s);
@@ -193,26 +167,6 @@ end tell)"_s);
     EXPECT_EQ(log.messages().last(), tag + u"Albümden (7A/L0/040) 2 adet yerel ID çekildi"_s);
     albums.fetchItemIDsFromApplePhotos(u"a\" & quit & \"\\"_s);
     EXPECT_TRUE(scripts.programs.last().contains(uR"(album id "a\" & quit & \"\\") as text)"_s));
-}
-
-TEST_F(PhotoAlbumServiceTest, AFailedProgramYieldsNoAlbumAndNoAsset) {
-    library.add(u"x"_s, u"x.jpg"_s);
-    const auto failsWith = [&](const std::function<void()>& fail, const QString& albumsLine,
-                               const QString& itemsLine) {
-        scripts.fail = fail;
-        EXPECT_TRUE(albums.fetchApplePhotosAlbums().empty());
-        EXPECT_EQ(log.messages().last(), tag + albumsLine);
-        EXPECT_EQ(identifiers(u"photos_app_album:A"_s), QStringList());
-        EXPECT_EQ(log.messages().last(), tag + itemsLine);
-    };
-    failsWith([] { throw ScriptNotCreated(QString()); }, u"AppleScript derlenemedi"_s,
-              u"Media item IDs AppleScript derlenemedi"_s);
-    failsWith([] { throw ScriptFailed(u"-1743"_s); }, u"AppleScript albüm sorgusu hatası: -1743"_s,
-              u"Media item IDs AppleScript hatası: -1743"_s);
-
-    PhotoAlbumService nowhere(library, preferences, log);
-    EXPECT_TRUE(nowhere.fetchApplePhotosAlbums().empty());
-    EXPECT_TRUE(nowhere.fetchAssets(u"photos_app_album:A"_s).fetched->empty());
 }
 
 } // namespace quorvane::test

@@ -87,21 +87,6 @@ TEST_F(PhotoLibraryObserverTest, LeavesOutWhatIsNotHereUntilItIs) {
     EXPECT_EQ(StoreCounts::of(database).elsewhere, 0);
 }
 
-TEST_F(PhotoLibraryObserverTest, ScansTheChosenAlbumAndNamesIt) {
-    library.add(assetID(1), u"1.bin"_s);
-    library.add(assetID(2), u"2.bin"_s);
-    AssetCollection album;
-    album.localIdentifier = u"album"_s;
-    library.albums = {album};
-    library.inAlbum[u"album"_s] = {assetID(2)};
-    albums.setSelectedSourceAlbumID(u"album"_s);
-    preferences.setString(preferenceKeys::sourceAlbumTitle, u"Yaz %1"_s);
-    const QStringList lines = printedBy([&] { observer.initialScan(); });
-    EXPECT_TRUE(lines.contains(u"[PhotoKit] İlk tarama: 1 medya (Yaz %1)"_s));
-    EXPECT_FALSE(record(assetID(1)));
-    EXPECT_TRUE(record(assetID(2)));
-}
-
 TEST_F(PhotoLibraryObserverTest, ARunOfAnAlbumIsToldOfNothingElse) {
     for (int i = 1; i <= 3; ++i)
         discover(assetID(i));
@@ -132,15 +117,6 @@ TEST_F(PhotoLibraryObserverTest, ARunOfAnAlbumIsToldOfNothingElse) {
     EXPECT_TRUE(life.left().isEmpty());
 }
 
-TEST_F(PhotoLibraryObserverTest, AnEmptyOrUnreadableSourceRecordsNothing) {
-    EXPECT_EQ(printedBy([&] { observer.initialScan(); }),
-              (QStringList{u"[PhotoKit] İlk tarama: 0 medya (Tüm Kütüphane)"_s,
-                           u"[PhotoKit] 0 medya veritabanına atomik olarak eklendi"_s}));
-    library.unreadable = u"Disk takılı değil"_s;
-    EXPECT_THROW(observer.initialScan(), PhotoLibraryError);
-    EXPECT_EQ(database.countPendingRecords(), 0);
-}
-
 TEST_F(PhotoLibraryObserverTest, RecoversStagedFilesBeforeTheScan) {
     const auto name = [](const char* rest) { return pathFrom(uuid + QString::fromUtf8(rest)); };
     replaceFile(permanent / name("_L0_001_IMG_0001.HEIC"), "12345");
@@ -160,28 +136,6 @@ TEST_F(PhotoLibraryObserverTest, RecoversStagedFilesBeforeTheScan) {
     EXPECT_EQ(record(uuid)->mediaType, MediaType::video);
     EXPECT_EQ(database.countPendingRecords(), 2);
     EXPECT_EQ(library.exported(), QStringList()) << "a recovered file is not exported again";
-}
-
-TEST_F(PhotoLibraryObserverTest, AStagingFolderThatCannotBeListedDoesNotStopTheScan) {
-    library.add(assetID(1), u"1.bin"_s);
-    std::filesystem::remove(permanent);
-    EXPECT_EQ(printedBy([&] { observer.reconcilePermanentStagingAssets(); }), QStringList());
-    replaceFile(permanent, "a file in the folder's place");
-    const QStringList lines = printedBy([&] { observer.initialScan(); });
-    EXPECT_EQ(lines.first(),
-              u"[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: Klasör okunamadı: %1 "
-              "(klasör değil)"_s.arg(pathText(permanent)));
-    EXPECT_TRUE(record(assetID(1)));
-}
-
-TEST_F(PhotoLibraryObserverTest, TellsAStoreThatFails) {
-    DatabaseManager broken(folder.path(), console);
-    PhotoLibraryObserver helpless(library, broken, life, staging, albums, preferences, console);
-    library.add(assetID(1), u"1.bin"_s);
-    QStringList lines = printedBy([&] { EXPECT_THROW(helpless.initialScan(), DBError); });
-    EXPECT_EQ(lines.filter(u"[PhotoKit] İlk tarama DB hatası: [DB] "_s).size(), 1);
-    lines = printedBy([&] { helpless.processNewAssets(library.assets()); });
-    EXPECT_EQ(lines.filter(u"[PhotoKit] Kayıt hatası %1: [DB] "_s.arg(assetID(1))).size(), 1);
 }
 
 TEST_F(PhotoLibraryObserverTest, RecordsWhatIsAddedAndIgnoresWhatIsRemoved) {
@@ -209,21 +163,6 @@ TEST_F(PhotoLibraryObserverTest, RecordsWhatIsAddedAndIgnoresWhatIsRemoved) {
     EXPECT_EQ(database.countPendingRecords(), 2);
 }
 
-TEST_F(PhotoLibraryObserverTest, DropsNotificationsBeforeTheFirstScan) {
-    library.add(assetID(1), u"1.bin"_s);
-    library.registerChangeObserver(observer);
-    EXPECT_EQ(printedBy([&] { library.announce(library.assets(), {}); }), QStringList());
-}
-
-TEST_F(PhotoLibraryObserverTest, StartsAndStopsOnTheMainThreadFromAnyThread) {
-    std::thread([&] { observer.start(); }).join();
-    EXPECT_FALSE(library.hasObserver());
-    EXPECT_TRUE(waitOnMainThread([&] { return library.hasObserver(); }));
-    std::thread([&] { observer.stop(); }).join();
-    EXPECT_TRUE(library.hasObserver());
-    EXPECT_TRUE(waitOnMainThread([&] { return !library.hasObserver(); }));
-}
-
 TEST(PhotoLibraryObserver, EndsPromptlyWithAScanInFlight) {
     std::atomic<bool> isExporting = false;
     World world;
@@ -231,7 +170,6 @@ TEST(PhotoLibraryObserver, EndsPromptlyWithAScanInFlight) {
     PhotoAlbumService albums(world.library, preferences, world.log);
     world.discover(assetID(1));
     world.discover(assetID(2));
-    std::stop_source ending;
     world.library.onExport = [&] { // an export that lasts until the observer is being destroyed
         isExporting = true;
         while (world.library.hasObserver())

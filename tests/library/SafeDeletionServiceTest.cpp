@@ -199,13 +199,6 @@ TEST(SafeDeletionService, EveryRecordOfTheAssetMustBeSafe) {
     }
 }
 
-TEST_F(SafeDeletionServiceTest, SaysInTheQuestionThatTheDestinationMayNotBeAsked) {
-    verify(1);
-    remote.mayAsk = false;
-    EXPECT_EQ(deletion.performDeletion(true).deleted, 1);
-    EXPECT_TRUE(library.warned.contains(u"okuma izni"_s));
-}
-
 TEST_F(SafeDeletionServiceTest, DoesNotAskForAssetsThatAreGoneNorAfterAStop) {
     verify(1);
     verify(2);
@@ -222,18 +215,6 @@ TEST_F(SafeDeletionServiceTest, DoesNotAskForAssetsThatAreGoneNorAfterAStop) {
               prefix + u"PHAsset bulunamadı: "_s + assetID(1) + u", "_s + assetID(2));
     EXPECT_FALSE(wasAsked);
     EXPECT_EQ(status(assetID(1)), SyncStatus::verified);
-}
-
-TEST_F(SafeDeletionServiceTest, ABrokenStoreOrAnUnknownAccountHasNoCandidates) {
-    verify(1);
-    DatabaseManager broken(folder.path(), console);
-    SafeDeletionService helpless({broken, life, staging, library, remote, log});
-    helpless.performDeletion(true);
-    EXPECT_EQ(log.messages().last(), prefix + u"Silinecek VERIFIED aday bulunamadı."_s);
-    RecordLife nobodys(database);
-    SafeDeletionService unknown({database, nobodys, staging, library, remote, log});
-    unknown.performDeletion(true);
-    EXPECT_EQ(library.assets().size(), 1U);
 }
 
 TEST(SafeDeletionService, TheNextRunFindsOutHowARemovalEnded) {

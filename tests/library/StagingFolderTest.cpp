@@ -21,33 +21,7 @@ void addFile(const std::filesystem::path& folder, const QString& name) {
     openFile(folder / pathFrom(name), O_WRONLY | O_CREAT);
 }
 
-/// Listings for finding, changing and removing 200 files among `count`.
-int listingsOfAWorkingDay(int count) {
-    const TemporaryFolder temporary;
-    StagingFolder folder(temporary.path(), StagingFolder::Access::any);
-    for (int i = 0; i < count; ++i)
-        addFile(temporary.path(), prefix(i) + u"_a.jpg"_s);
-    for (int i = 0; i < 200; ++i) {
-        const QString added = prefix(count + i);
-        EXPECT_FALSE(folder.find(added));
-        {
-            const StagingFolder::OwnChange change(folder, pathFrom(added + u"_b"_s));
-            addFile(temporary.path(), added + u"_b"_s);
-        }
-        EXPECT_TRUE(folder.find(added));
-        EXPECT_TRUE(folder.find(prefix(i)));
-        folder.removeAll(prefix(i));
-        EXPECT_FALSE(folder.find(prefix(i)));
-    }
-    return folder.listings();
-}
-
 } // namespace
-
-TEST(StagingFolder, ListsALargeFolderOnceHoweverOftenItIsUsed) {
-    EXPECT_EQ(listingsOfAWorkingDay(400), 1);
-    EXPECT_EQ(listingsOfAWorkingDay(4000), 1);
-}
 
 TEST(StagingFolder, NoticesWhatOthersDo) {
     for (const int count : {0, 300}) {

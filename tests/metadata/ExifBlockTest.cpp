@@ -177,23 +177,6 @@ TEST(ExifBlock, ZonesAndFractionsThatAreThereAreKeptTrue) {
         }
 }
 
-TEST(ExifBlock, APointerOfAWrongTypeIsSetRight) {
-    const tiff::Field original = tiff::asciiField(0x9003, "2001:01:01 01:01:01");
-    const tiff::Field modified = tiff::asciiField(0x0132, "2003:03:03 03:03:03");
-    for (const tiff::Format& format : {motorola, intel})
-        for (const int type : {1, 2, 3, 7, 9, 200}) {
-            QByteArray block = blockOf(format, {modified}, {original});
-            const int typeAt = 8 + 2 + 12 + (format.order == ByteOrder::littleEndian ? 2 : 3);
-            block[typeAt] = static_cast<char>(type);
-            EXPECT_EQ(textOf(exif::readDates(viewOf(block)).first()), "2001:01:01 01:01:01")
-                << type;
-            const QByteArray once = stamped(block, twos);
-            EXPECT_EQ(once[typeAt], tiff::longType);
-            EXPECT_EQ(textOf(exif::readDates(viewOf(once)).original), twos.text.constData());
-            EXPECT_TRUE(exif::stamp(viewOf(once), twos).isIdentity(viewOf(once)));
-        }
-}
-
 TEST(ExifBlock, ANewBlockKeepsTheOrientationOfABrokenOne) {
     QByteArray turned(2, '\0');
     turned[1] = 6;

@@ -293,16 +293,6 @@ TEST_F(ImageMetadata, WhatOthersOpenIsDated) {
     }
 }
 
-TEST_F(ImageMetadata, APlaceThatIsNoneIsNotWritten) {
-    const auto file = folder_.write("a.jpg", jpegOf({}));
-    const auto other = folder_.write("b.jpg", jpegOf({}));
-    ASSERT_EQ(enrich(file, party).which, Case::success);
-    for (const GeoLocation place :
-         {GeoLocation{-180, -180, 0}, GeoLocation{std::nan(""), 0, 0}, GeoLocation{0, 1e9, 0}})
-        EXPECT_EQ(enrich(other, party, AssetFacts{{}, place}).which, Case::success);
-    EXPECT_EQ(readFile(other), readFile(file));
-}
-
 TEST_F(ImageMetadata, TemporaryFilesOfDeadRunsAreRemoved) {
     folder_.write(".a.jpg.tmp", "half");
     folder_.write(".tmp", "not ours");

@@ -67,23 +67,6 @@ TEST(LocalCalendar, TakesOnlyWholeAndPossibleExifDates) {
     EXPECT_EQ(localDate(2021, 1, 257, 0, 0, 0), std::nullopt);
 }
 
-TEST(LocalCalendar, KnowsWhichYearsHaveFourDigits) {
-    using std::chrono::milliseconds;
-    const TimeZone zone("Etc/GMT-14"); // fourteen hours ahead
-    EXPECT_EQ(localYear(Date(milliseconds(0))), 1970);
-    EXPECT_EQ(localYear(Date(-std::chrono::hours(15))), 1969);
-    EXPECT_EQ(localYear(*dateFromUnixSeconds(123456789012345.0)), 0);
-    EXPECT_EQ(localYear(Date(milliseconds(std::numeric_limits<std::int64_t>::max()))), 0);
-    EXPECT_EQ(localYear(Date(milliseconds(std::numeric_limits<std::int64_t>::min()))), 0);
-
-    const Date last = std::chrono::sys_days(std::chrono::year(9999) / 12 / 31);
-    EXPECT_TRUE(writableDate(last));
-    EXPECT_FALSE(writableDate(last + std::chrono::hours(12))); // the local year is 10000
-    EXPECT_TRUE(writableDate(Date(milliseconds(0))));
-    EXPECT_FALSE(writableDate(*dateFromUnixSeconds(123456789012345.0)));
-    EXPECT_FALSE(writableDate(Date(milliseconds(std::numeric_limits<std::int64_t>::min()))));
-}
-
 TEST(LocalCalendar, ReadsIsoDatesWithTheirOffset) {
     const TimeZone zone("Asia/Tokyo");
     const struct {

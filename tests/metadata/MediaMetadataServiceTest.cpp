@@ -171,23 +171,6 @@ TEST_F(MediaMetadataServiceTest, WritesTheDateByTheKindOfTheFile) {
                   "[Metadata] ⚠️ Tarih çözümlenemedi (UNRESOLVED_DATE): IMG_0001.mov")));
 }
 
-TEST_F(MediaMetadataServiceTest, KeepsWhatARealPictureSaysOfItself) {
-    QUORVANE_REQUIRE_REAL_DATA();
-    const auto media = realDataFolder() / "media";
-    const auto picture =
-        folder.write("picture.JPG", readFile(media / "iphone4_bigendian_exif_after_jfif_icc.jpg"));
-    const auto taken = localDate(2011, 1, 13, 14, 33, 39);
-    EXPECT_TRUE(service.hasEmbeddedDate(picture));
-    EXPECT_EQ(service.resolveDate(picture, {}, {}, Mode::today),
-              (ResolvedDate{*taken, Source::embedded}));
-    EXPECT_EQ(service.ensureMetadata(picture, {}, {}, Mode::strictNone).date, taken);
-    EXPECT_EQ(readFileCreationDate(picture), taken);
-
-    const auto unknown = folder.write("unknown.jpg", readFile(media / "zero_date_0000.jpg"));
-    EXPECT_FALSE(service.hasEmbeddedDate(unknown));
-    EXPECT_EQ(service.resolveDate(unknown, {}, {}, Mode::strictNone), std::nullopt);
-}
-
 TEST_F(MediaMetadataServiceTest, ForetellsWhatARunMakesOfAFile) {
     constexpr auto none = std::nullopt;
     const Date in2026 = utc(2026, 5, 5);

@@ -153,19 +153,3 @@ TEST(MovieDates, GivesUpBeyondItsLimits) {
     EXPECT_FALSE(readExistingVideoDate(text, {.nesting = 2}));
     EXPECT_FALSE(readExistingVideoDate(text, {.textBytes = 20}));
 }
-
-TEST(MovieDates, ReadsRealMovies) {
-    QUORVANE_REQUIRE_REAL_DATA();
-    const auto media = realDataFolder() / "media";
-    EXPECT_EQ(utc(readExistingVideoDate(media / "iphone6_creationdate.mov")),
-              "2019-07-24 08:25:57");
-    EXPECT_EQ(utc(readExistingVideoDate(media / "android_samsung_gps.mp4")), "2017-02-22 08:20:28");
-    EXPECT_EQ(utc(readExistingVideoDate(media / "moov_first_faststart.mp4")),
-              "2005-10-28 17:46:46");
-
-    // With the header's date wiped out the phone's own creation date is what remains.
-    const TemporaryFolder folder;
-    QByteArray bytes = readFile(media / "iphone6_creationdate.mov");
-    bytes.replace(bytes.indexOf("mvhd") + 8, 4, QByteArray(4, '\0'));
-    EXPECT_EQ(utc(readExistingVideoDate(folder.write("wiped.mov", bytes))), "2019-07-24 08:25:40");
-}

@@ -127,39 +127,6 @@ TEST(MoviePatch, RefusesBeforeWritingAnything) {
     EXPECT_EQ(readFile(deep), movie(0, 7));
 }
 
-TEST(MoviePatch, TakesNoLongerForALargeMovie) {
-    constexpr quint64 mediaBytes = 20'000'000'000;
-    const QByteArray moov = box("moov", timeBox("mvhd", 0, 1, 1));
-    const TemporaryFolder folder;
-    const auto file = folder.write("large.mov", ftyp() + big(quint32(1)) + "mdat" +
-                                                    big(quint64(16 + mediaBytes)));
-    const MovieFile handle(file, O_RDWR);
-    if (::truncate(file.c_str(), static_cast<off_t>(handle.size() + mediaBytes)) != 0)
-        GTEST_SKIP() << "no sparse files here";
-    handle.write(handle.size() + mediaBytes, moov);
-
-    const auto start = std::chrono::steady_clock::now();
-    patchMP4CreationDate(file, target);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
-    EXPECT_EQ(handle.read(handle.size() + mediaBytes, 1000),
-              box("moov", timeBox("mvhd", 0, targetTime, targetTime)));
-    EXPECT_EQ(std::filesystem::file_size(file),
-              handle.size() + mediaBytes + static_cast<quint64>(moov.size()));
-}
-
-TEST(MoviePatch, LogsWhatFailed) {
-    const TemporaryFolder folder;
-    RecordingLog log;
-    const auto bad = folder.write("bad %1.mp4", QByteArray(15, 'x'));
-    const MetadataResult failure = enrichVideoMetadata(bad, target, log);
-    EXPECT_EQ(failure.which, MetadataResult::Case::failed);
-    EXPECT_EQ(failure.message, QStringLiteral("Geçersiz dosya boyutu: 15"));
-    EXPECT_EQ(log.messages(),
-              QStringList(
-                  QStringLiteral("[Metadata] ⚠️ MP4 binary patch başarısız: Geçersiz dosya "
-                                 "boyutu: 15 (bad %1.mp4)")));
-}
-
 TEST(MoviePatch, SatisfiesOtherReadersOfRealMovies) {
     QUORVANE_REQUIRE_REAL_DATA();
     const TemporaryFolder folder;

@@ -246,14 +246,6 @@ TEST_F(BrowserAuthSessionTest, EndsWhenAbandonedOrOvertaken) {
     EXPECT_EQ(second.get(), QUrl(callback));
 }
 
-TEST_F(BrowserAuthSessionTest, TakesOverASocketThatACrashLeftBehindAndReturnsARefusalAsItIs) {
-    folder.write("run/quorvane/sign-in.socket", "");
-    auto session = start();
-    const QString refusal = scheme + QStringLiteral(":/oauth2redirect?error=access_denied");
-    EXPECT_TRUE(handOverURL(environment, refusal));
-    EXPECT_EQ(session.get(), QUrl(refusal));
-}
-
 TEST_F(BrowserAuthSessionTest, RefusesASocketFolderThatIsALink) {
     std::filesystem::create_directories(folder / "elsewhere");
     std::filesystem::create_directories(folder / "run");

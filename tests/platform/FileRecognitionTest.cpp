@@ -155,14 +155,6 @@ TEST_F(FileRecognition, FindsTheSameIdentifiersWhenEverythingWasForgotten) {
     EXPECT_EQ(identifiers(moved), before);
 }
 
-TEST_F(FileRecognition, ChangesNothingWhenItIsStopped) {
-    FolderLibrary photos(root, known, confirmation, log);
-    std::stop_source stop;
-    stop.request_stop();
-    EXPECT_THROW(photos.fetchAssets(stop.get_token()), Cancelled);
-    EXPECT_TRUE(known.rows.empty());
-}
-
 TEST_F(FileRecognition, NeverTakesAFileThatCannotBeReadForAnotherVersion) {
     const KnownFile was{"a.jpg", QUuid::createUuid(), {3, 1, 1, 1}};
     known.contents[was.identifier] = bogus;

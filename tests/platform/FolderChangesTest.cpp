@@ -1,5 +1,5 @@
 #include "ChangeRecorder.h"
-#include "library/PhotoAlbumService.h"
+#include "FolderWorld.h"
 #include "platform/folder/FolderLibrary.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
@@ -15,11 +15,6 @@ namespace quorvane::test {
 namespace {
 
 using namespace std::chrono_literals;
-
-class NoConsent final : public DeletionConfirmation {
-  public:
-    bool confirmDeletion(const DeletionQuestion&) override { return false; }
-};
 
 /// A watched folder. Every file is expected to be told of once, whatever happens to it.
 class FolderChanges : public testing::Test {
@@ -53,24 +48,14 @@ class FolderChanges : public testing::Test {
 
     TemporaryFolder folder;
     std::filesystem::path root = folder / "library";
-    NoConsent consent;
+    FakeConfirmation confirmation;
     RecordingLog log;
     NoKnownFiles known;
-    FolderLibrary library{root, known, consent, log, {20ms, 200ms, 100ms, 300ms}};
+    FolderLibrary library{root, known, confirmation, log, {20ms, 200ms, 100ms, 300ms}};
     std::optional<ChangeRecorder> observer;
 };
 
 } // namespace
-
-TEST_F(FolderChanges, TellsOfNewFilesInAnAlbumThatIsTheSource) {
-    folder.write("library/Tatil/1.jpg", "x");
-    Preferences preferences(folder / "preferences.json");
-    PhotoAlbumService albums(library, preferences, log, {});
-    observe(albums.fetchAssets(albums.performFetchLocalAlbums().at(0).id).fetched);
-    folder.write("library/Tatil/2.jpg", "x");
-    folder.write("library/elsewhere.jpg", "x");
-    EXPECT_THAT(told(1), testing::ElementsAre("Tatil/2.jpg"));
-}
 
 TEST_F(FolderChanges, TellsOfEveryNewFileOnce) {
     observe(library.fetchAssets());

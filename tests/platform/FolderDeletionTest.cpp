@@ -141,17 +141,6 @@ TEST_F(FolderDeletionTest, LeavesOutWhatIsNotProvenAndGoesOnWithTheOthers) {
     }
 }
 
-TEST_F(FolderDeletionTest, LeavesTheRestWhenStopped) {
-    for (const char* name : {"a.jpg", "b.jpg", "c.jpg"})
-        add(name);
-    std::stop_source stop;
-    guard.onWillDelete = [&] { stop.request_stop(); };
-    library.deleteAssets(candidates(), {}, guard, stop.get_token());
-    EXPECT_EQ(guard.deleted, 1);
-    EXPECT_EQ(library.fetchAssets()->size(), 2u);
-    EXPECT_TRUE(guard.reasons.isEmpty());
-}
-
 TEST_F(FolderDeletionTest, FindsTheTrashAsTheDesktopDoesOrDeletesNothing) {
     add("a.jpg");
     const auto all = candidates();

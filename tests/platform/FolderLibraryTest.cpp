@@ -203,23 +203,6 @@ TEST_F(FolderLibraryTest, ShowsFoldersAsAlbumsAndListsOfAlbums) {
     EXPECT_FALSE(library.fetchAssetCollection(QStringLiteral("gone/L0/040")));
 }
 
-TEST_F(FolderLibraryTest, LooksUpFilesThatCameAndWentSinceTheScan) {
-    add("stays.jpg");
-    add("goes.jpg");
-    const QString goes = assetAt("goes.jpg").localIdentifier;
-    std::filesystem::remove(root / "goes.jpg");
-    add("sub/comes.jpg");
-    FolderLibrary other(root, nothing, confirmation, log);
-    QStringList identifiers{goes};
-    for (const PhotoAsset& asset : all(other))
-        identifiers.append(asset.localIdentifier);
-    EXPECT_THAT(locations(library.fetchAssets(identifiers)),
-                testing::UnorderedElementsAre("stays.jpg", "sub/comes.jpg"));
-    EXPECT_FALSE(library.factsOf(goes));
-    EXPECT_TRUE(library.factsOf(identifiers.last()));
-    EXPECT_FALSE(library.factsOf(QStringLiteral("not an identifier")));
-}
-
 TEST_F(FolderLibraryTest, AnswersForItsAuthorization) {
     add("a.jpg");
     EXPECT_EQ(FolderLibrary({}, nothing, confirmation, log).authorizationStatus(),

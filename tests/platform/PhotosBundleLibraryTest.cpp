@@ -232,18 +232,6 @@ TEST_F(MadeBundle, FindsRawTwinsAndVideoEdits) {
     EXPECT_EQ(remainderOf(library.assetResources(asset(2))), Remainders::original);
 }
 
-TEST_F(MadeBundle, SeesRowsThatStandOnlyInTheLogAndLaterOnes) {
-    make();
-    addAsset(1);
-    ASSERT_GT(std::filesystem::file_size(bundle / "database/Photos.sqlite-wal"), 0u);
-    EXPECT_EQ(library.fetchAssets()->size(), 1u);
-    addAsset(2);
-    EXPECT_EQ(library.fetchAssets()->size(), 2u);
-    database.reset(); // closing takes the log into the file
-    EXPECT_FALSE(std::filesystem::exists(bundle / "database/Photos.sqlite-wal"));
-    EXPECT_EQ(library.fetchAssets()->size(), 2u);
-}
-
 TEST(PhotosBundleLibrary, RefusesWhatItCannotReadWithAReason) {
     const TemporaryFolder folder;
     RecordingLog log;

@@ -210,25 +210,6 @@ TEST_F(RealBundle, SendsWhatWasChosen) {
     EXPECT_EQ(library->captionOf(tulips), QStringLiteral("Wedding tulips"));
 }
 
-TEST_F(RealBundle, SaysThatAnOriginalIsNotOnThisMachine) {
-    open(oldLibrary);
-    for (const auto& [uuid, reason] :
-         {std::pair("A92D9C26-3A50-4197-9388-CB5F7DB9FA91", "yalnızca iCloud'da"),
-          {"8E1D7BC9-9321-44F9-8CFB-4083F6B9232A", "/Users/rhet/Downloads/IMG_2000.JPG"}}) {
-        const auto resources = library->assetResources(assetWith(uuid));
-        ASSERT_FALSE(resources.empty());
-        EXPECT_EQ(resources[0].type, AssetResourceType::photo);
-        EXPECT_FALSE(resources[0].fileSize);
-        try {
-            library->writeData(resources[0], folder / "staged", {});
-            FAIL() << "exported what is not there";
-        } catch (const PhotoLibraryError& error) {
-            EXPECT_TRUE(error.localizedDescription().contains(QString::fromUtf8(reason)));
-        }
-        EXPECT_FALSE(std::filesystem::exists(folder / "staged"));
-    }
-}
-
 TEST_F(RealBundle, ShowsAlbumsInTheirFoldersAndOrder) {
     open(oldLibrary);
     EXPECT_THAT(titlesOf(library->fetchTopLevelUserCollections()),

@@ -12,18 +12,6 @@ QString categoryOf(const char* error) {
     return summaries.at(0).categoryName;
 }
 
-TEST(SyncRecord, storedTextsOfStatusesAreDistinctAndReadBack) {
-    std::set<QString> names;
-    for (const SyncStatus status : allSyncStatuses) {
-        names.insert(rawValue(status));
-        EXPECT_EQ(syncStatusFrom(rawValue(status)), status);
-    }
-    EXPECT_EQ(names.size(), 8U);
-    EXPECT_EQ(syncStatusFrom(QStringLiteral("discovered")), std::nullopt);
-    EXPECT_EQ(mediaTypeFrom(QStringLiteral("live_photo")), MediaType::livePhoto);
-    EXPECT_EQ(mediaTypeFrom(QStringLiteral("audio")), std::nullopt);
-}
-
 TEST(SyncRecord, failuresFallIntoTheFirstMatchingCategory) {
     const struct {
         const char* error;
@@ -52,20 +40,6 @@ TEST(SyncRecord, aKnownFaultDecidesBeforeTheText) {
     EXPECT_EQ(category(FaultCode::storageFull), QStringLiteral("Google Hesabı"));
     EXPECT_EQ(category(FaultCode::albumFull), QStringLiteral("Albüm Sınırı Aşıldı"));
     EXPECT_EQ(category(FaultCode::unreachable), QStringLiteral("Geçici Ağ / Sunucu Hatası"));
-}
-
-TEST(SyncRecord, categoriesAreMergedAndSortedStably) {
-    const auto summaries = summarizeFailures({{QStringLiteral("x"), 2},
-                                              {QStringLiteral("HTTP 500"), 1},
-                                              {QStringLiteral("cancel"), 2},
-                                              {QStringLiteral("HTTP 502"), 2},
-                                              {QStringLiteral("offline"), 3}});
-    ASSERT_EQ(summaries.size(), 3U);
-    EXPECT_EQ(summaries[0].systemImage, QStringLiteral("wifi.exclamationmark"));
-    EXPECT_EQ(summaries[0].count, 6);
-    EXPECT_EQ(summaries[1].systemImage, QStringLiteral("questionmark.circle.fill"));
-    EXPECT_EQ(summaries[2].systemImage, QStringLiteral("pause.circle.fill"));
-    EXPECT_TRUE(summarizeFailures({}).empty());
 }
 
 } // namespace

@@ -281,42 +281,6 @@ TEST_F(Batches, AFullAlbumStopsTheRunOrRollsOverAsTheSettingsSay) {
     EXPECT_TRUE(test::waitOnMainThread([&] { return notifications == 4; }));
 }
 
-TEST_F(Batches, EveryTokenOfTwoThreadsIsSentOnce) {
-    {
-        const std::jthread first([&] { enqueue(0, 100); });
-        const std::jthread second([&] { enqueue(100, 200); });
-    }
-    coordinator->flush();
-    QStringList sent;
-    for (const QStringList& batch : destination.batches) {
-        EXPECT_LE(batch.size(), 25);
-        sent += batch;
-    }
-    EXPECT_EQ(sent.size(), 200);
-    EXPECT_EQ(sent.removeDuplicates(), 0);
-    EXPECT_EQ(verified(), 200U);
-}
-
-TEST_F(Batches, AFlushWaitsForTheOneUnderWayWhileEntriesComeIn) {
-    std::latch onTheNetwork(1);
-    std::latch mayAnswer(1);
-    destination.answer = [&](const NewItem& item, const std::stop_token&) {
-        if (item.uploadToken == u"t0") {
-            onTheNetwork.count_down();
-            mayAnswer.wait();
-        }
-        return made(item);
-    };
-    enqueue(0, 1);
-    const std::jthread first([&] { coordinator->flush(); });
-    onTheNetwork.wait();
-    enqueue(1, 2); // not blocked
-    EXPECT_EQ(destination.batches.size(), 1U);
-    const std::jthread release([&] { mayAnswer.count_down(); });
-    coordinator->flush();
-    EXPECT_EQ(verified(), 2U) << "also the other thread's entry is settled";
-}
-
 TEST_F(Batches, AStopOrTheEndReachesATimedFlushUnderWay) {
     std::stop_source run;
     std::atomic<int> onTheNetwork = 0;

@@ -78,21 +78,6 @@ TEST_F(SyncRun, DrainsInPassesOfFiftyWithTwoUploadsAtOnce) {
     EXPECT_TRUE(program.log.contains(u"[SafeDeletion]"_s)) << "a run ends with the deletion";
 }
 
-TEST_F(SyncRun, ASecondRunHasNothingToDo) {
-    world.addPictures(3);
-    TestProgram program(world);
-    program.discover();
-    program.run();
-    world.google.clearRequests();
-    TestProgram next(world);
-    next.discover();
-    const auto summary = next.run();
-    EXPECT_EQ(summary.total, 0);
-    EXPECT_EQ(summary.passes, 0);
-    EXPECT_TRUE(world.google.requests().empty());
-    expectAllStoredOnce(world, next, 3);
-}
-
 TEST_F(SyncRun, NothingWithoutADateIsUploaded) {
     const QString heldBack = u"Tarih tespit edilemedi - Google Photos hatalı tarih koruması"_s;
     const QString noPlace = u"Bu biçime tarih yazılamaz - isterseniz olduğu gibi yüklenir"_s;
@@ -274,42 +259,6 @@ TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {
                     .startsWith(u"Hazırlık dosyası yerinde başka bir şey var"));
     EXPECT_EQ(summary.unavailable, 0) << "it failed, it was not out of reach";
     EXPECT_EQ(summary.completed, 4);
-}
-
-TEST_F(SyncRun, AStagedFileThatWasLostIsStagedAgain) {
-    world.addPictures(2);
-    TestProgram program(world);
-    program.discover();
-    for (const SyncRecord& record : program.database.fetchPendingRecords(10))
-        program.staging.stage(record, {});
-    ASSERT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
-    ASSERT_TRUE(std::filesystem::remove(program.stagedPath(u"000.jpg"_s)));
-    program.run();
-    expectAllStoredOnce(world, program, 2);
-}
-
-TEST_F(SyncRun, AFullAlbumEndsTheRunOnlyWhenAskedTo) {
-    world.addPictures(2);
-    world.google.change([](auto& behaviour) { behaviour.albumCapacity = 0; });
-    TestProgram program(world);
-    program.discover();
-    program.core.preferences.setString(preferenceKeys::targetAlbumID,
-                                       world.google.addAlbum(u"Dolu"_s));
-    program.batches.onAlbumFull = [&] { program.flags.cancel(); };
-    const auto stopped = program.run();
-    EXPECT_TRUE(stopped.cancelled);
-    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 2);
-    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
-    EXPECT_FALSE(program.log.contains(u"[SafeDeletion]"_s));
-
-    program.batches.onAlbumFull = [] {};
-    const auto drained = program.run();
-    EXPECT_EQ(drained.passes, SyncCoordinator::maximumSyncPasses);
-    EXPECT_FALSE(drained.cancelled);
-    EXPECT_EQ(program.messagesWith(u"Güvenlik"_s),
-              QStringList{u"[Sync] Güvenlik sinirina ulasildi; kuyruk sonraki esitlemede devam "
-                          "edecek."_s});
-    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::staged, 2}}));
 }
 
 } // namespace quorvane

@@ -105,38 +105,6 @@ TEST(InterruptedOnItsOwn, AStopDuringABatchLeavesItsRecordsStaged) {
     }
 }
 
-TEST_F(Interrupted, AStopAtARandomInstantIsFeltAtOnce) {
-    constexpr int stops = 20;
-    world.addPictures(100);
-    world.google.change([](auto& behaviour) { behaviour.latency = milliseconds(30); });
-    std::vector<milliseconds> latencies;
-    for (int i = 0; i < stops; ++i) {
-        TestProgram program(world, world.folder / "homes" / std::to_string(i));
-        program.discover();
-        std::uniform_int_distribution<int> instant(0, 400);
-        const auto deadline = std::chrono::steady_clock::now() + milliseconds(instant(random));
-        program.start();
-        test::waitOnMainThread([&] { return std::chrono::steady_clock::now() >= deadline; });
-        latencies.push_back(program.stop());
-        EXPECT_TRUE(program.finish().cancelled);
-        EXPECT_EQ(program.counts().count(SyncStatus::failed), 0U);
-    }
-    std::ranges::sort(latencies);
-    EXPECT_LT(latencies[stops / 2], milliseconds(100));
-    EXPECT_LT(latencies.back(), stopsWithin);
-}
-
-TEST_F(Interrupted, AStopBeforeTheFirstPassDoesNothing) {
-    world.addPictures(1);
-    TestProgram program(world);
-    program.discover();
-    program.flags.begin();
-    program.flags.cancel();
-    EXPECT_TRUE(program.coordinator.drainPendingQueue(true).cancelled);
-    EXPECT_TRUE(program.messagesWith(u"[Sync]"_s).isEmpty());
-    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::discovered, 1}}));
-}
-
 TEST(InterruptedOnItsOwn, EndsWhenTheStoreRefusesAndLosesNothing) {
     for (const int count : {3, 15}) { // at the batch's results, and at the staging of the eleventh
         SyncWorld world;
