@@ -92,10 +92,6 @@ void GoogleEmulator::revokeTokens() {
     service_->with([](Service::State& state) { state.account.tokens().revokeAll(); });
 }
 
-void GoogleEmulator::forgetUploadSessions() {
-    service_->with([](Service::State& state) { state.account.uploads().forgetSessions(); });
-}
-
 QString GoogleEmulator::addAlbum(const QString& title, std::int64_t itemCount, bool isShared,
                                  bool isAppCreated) {
     const QString id = service_->with([&](Service::State& state) {

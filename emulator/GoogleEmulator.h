@@ -50,9 +50,6 @@ class GoogleEmulator {
     /// Every token is refused from now on, as when the person withdraws the access.
     void revokeTokens();
 
-    /// Resumable uploads that are under way are not known any more.
-    void forgetUploadSessions();
-
     /// Adds an album with `itemCount` items the library here does not know; returns its id.
     QString addAlbum(const QString& title, std::int64_t itemCount = 0, bool isShared = false,
                      bool isAppCreated = true);

@@ -31,7 +31,6 @@ class Uploads {
 
     /// None when the session is unknown.
     std::shared_ptr<UploadSession> session(const QString& id) const;
-    void forgetSessions() { sessions_.clear(); }
 
     /// None when the token is unknown, used or expired.
     const Upload* find(const QString& token, Date now) const;

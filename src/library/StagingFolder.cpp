@@ -69,7 +69,6 @@ void StagingFolder::refresh() {
     listedAt_ = now; // taken before the listing: a change during it shows the next time
     if (!now)
         return;
-    ++listings_;
     forEachFile(path_, [this](const std::filesystem::path& name) {
         if (!isLeftover(name))
             names_.insert(name.native());

@@ -56,9 +56,6 @@ class StagingFolder {
         bool wasCurrent_;
     };
 
-    /// How often the folder was listed.
-    int listings() const { return listings_; }
-
   private:
     struct Stamp {
         dev_t device;
@@ -77,7 +74,6 @@ class StagingFolder {
     Access access_;
     std::optional<Stamp> listedAt_;
     std::set<std::string> names_;
-    int listings_ = 0;
 };
 
 } // namespace quorvane

@@ -1,6 +1,5 @@
 #include "google/GoogleAlbumManager.h"
 
-#include "google/GoogleErrors.h"
 
 #include "google/ScriptedHttp.h"
 #include "support/Fakes.h"

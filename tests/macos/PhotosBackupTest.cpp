@@ -18,7 +18,6 @@ namespace quorvane::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using emulator::RequestKind;
 using Counts = std::map<SyncStatus, int>;
 
 StandInPhotos& photos() {

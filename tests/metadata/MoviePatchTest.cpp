@@ -4,7 +4,6 @@
 #include "MovieBuilder.h"
 #include "OtherPrograms.h"
 #include "metadata/FileDates.h"
-#include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
 #include <fcntl.h>
