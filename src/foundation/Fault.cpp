@@ -16,6 +16,7 @@ struct Entry {
 constexpr std::array entries{
     Entry{FaultCode::itemRefused, FaultKind::item, "item-refused"},
     Entry{FaultCode::tooLarge, FaultKind::item, "too-large"},
+    Entry{FaultCode::fileTrouble, FaultKind::item, "file-trouble"},
     Entry{FaultCode::tokenRefused, FaultKind::item, "token-refused"},
     Entry{FaultCode::unreachable, FaultKind::moment, "unreachable"},
     Entry{FaultCode::serviceBusy, FaultKind::moment, "service-busy"},

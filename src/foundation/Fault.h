@@ -22,6 +22,7 @@ enum class FaultKind {
 enum class FaultCode {
     itemRefused,       ///< the service does not want this item
     tooLarge,          ///< beyond the size that the service takes
+    fileTrouble,       ///< a file here could not be read or written; another time it may
     tokenRefused,      ///< the upload's token is not known any more: the bytes are to be sent again
     unreachable,       ///< no answer: no connection, no name, no trust, no data for too long
     serviceBusy,       ///< 408, 5xx, or an answer that is none of the service's

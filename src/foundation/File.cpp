@@ -14,9 +14,18 @@ namespace quorvane {
 namespace {
 
 std::optional<Fault> faultOf(int errorNumber) {
-    if (errorNumber == ENOSPC || errorNumber == EDQUOT)
+    switch (errorNumber) {
+    case ENOSPC:
+    case EDQUOT:
         return Fault{.code = FaultCode::diskFull};
-    return std::nullopt;
+    case EIO:
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+        return Fault{.code = FaultCode::fileTrouble};
+    default:
+        return std::nullopt;
+    }
 }
 
 } // namespace

@@ -105,7 +105,7 @@ std::optional<StagedFile> RecordStaging::stageAsset(const SyncRecord& record, co
             throw;
         requireThere(s_.library); // else every original would be found unreadable
         printError(identifier, error.localizedDescription());
-        s_.life.stageFailed(record, error.localizedDescription());
+        s_.life.stageFailed(record, error.localizedDescription(), error.fault());
     }
     return std::nullopt;
 }

@@ -1,7 +1,5 @@
 #include "store/RecordFaults.h"
 
-#include <algorithm>
-
 namespace quorvane {
 
 void RecordFaults::keep(const SyncRecord& record, const std::optional<Fault>& fault) {
@@ -30,11 +28,11 @@ std::optional<Fault> RecordFaults::of(const SyncRecord& record) {
     });
 }
 
-std::vector<SyncRecord> RecordFaults::failedBy(const std::vector<FaultKind>& kinds) {
+std::vector<SyncRecord> RecordFaults::failedBy(const std::function<bool(FaultCode)>& isWanted) {
     std::vector<SyncRecord> records = db_.fetchRecords(SyncStatus::failed);
     std::erase_if(records, [&](const SyncRecord& record) {
         const auto fault = of(record);
-        return !fault || std::ranges::find(kinds, kindOf(fault->code)) == kinds.end();
+        return !fault || !isWanted(fault->code);
     });
     return records;
 }

@@ -15,8 +15,8 @@ class RecordFaults {
 
     std::optional<Fault> of(const SyncRecord& record);
 
-    /// The FAILED records whose fault is of one of these kinds.
-    std::vector<SyncRecord> failedBy(const std::vector<FaultKind>& kinds);
+    /// The FAILED records whose fault is known, and wanted.
+    std::vector<SyncRecord> failedBy(const std::function<bool(FaultCode)>& isWanted);
 
   private:
     DatabaseManager& db_;

@@ -110,11 +110,12 @@ bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSour
     });
 }
 
-bool RecordLife::stageFailed(const SyncRecord& record, const QString& reason) {
+bool RecordLife::stageFailed(const SyncRecord& record, const QString& reason,
+                             const std::optional<Fault>& fault) {
     return follow("stageFailed", record, [&](SyncStatus to) {
         db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to, {},
                          {}, reason);
-        RecordFaults(db_).keep(record, {});
+        RecordFaults(db_).keep(record, fault);
     });
 }
 

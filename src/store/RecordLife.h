@@ -70,7 +70,8 @@ class RecordLife {
     bool staged(const SyncRecord& record, const std::optional<RecordSource>& source,
                 const std::optional<RecordDate>& date = {});
     /// Nothing could be staged from the original.
-    bool stageFailed(const SyncRecord& record, const QString& reason);
+    bool stageFailed(const SyncRecord& record, const QString& reason,
+                     const std::optional<Fault>& fault = {});
     /// Its staged file was given another date: the record carries the new hash and size.
     bool redated(const SyncRecord& record, const std::optional<RecordDate>& date = {});
     /// Its staged file cannot be used, or its run was stopped.

@@ -39,6 +39,12 @@ FailedCategorySummary passingFault() {
                       QStringLiteral("wifi.exclamationmark"));
 }
 
+FailedCategorySummary thisComputer() {
+    return categoryOf(QStringLiteral("Bu Bilgisayar"),
+                      QStringLiteral("Disk, arşiv veya durum veritabanı kullanılamadı"),
+                      QStringLiteral("exclamationmark.circle.fill"));
+}
+
 FailedCategorySummary categoryOf(FaultCode fault) {
     const QString warning = QStringLiteral("exclamationmark.circle.fill");
     if (fault == FaultCode::albumFull)
@@ -46,6 +52,8 @@ FailedCategorySummary categoryOf(FaultCode fault) {
     if (fault == FaultCode::tooLarge)
         return categoryOf(QStringLiteral("Çok Büyük Dosyalar"),
                           QStringLiteral("Google Photos bu boyutta dosya kabul etmez"), warning);
+    if (fault == FaultCode::fileTrouble)
+        return thisComputer();
     switch (kindOf(fault)) {
     case FaultKind::moment:
         return passingFault();
@@ -62,9 +70,7 @@ FailedCategorySummary categoryOf(FaultCode fault) {
         return categoryOf(QStringLiteral("Hedef Albüm Yok"),
                           QStringLiteral("Seçili Google Photos albümü bulunamadı"), warning);
     case FaultKind::machine:
-        return categoryOf(QStringLiteral("Bu Bilgisayar"),
-                          QStringLiteral("Disk, arşiv veya durum veritabanı kullanılamadı"),
-                          warning);
+        return thisComputer();
     case FaultKind::item:
         break;
     }

@@ -52,6 +52,8 @@ QString textOf(FaultCode code) {
         return QStringLiteral("Arşiv yerinde değil");
     case FaultCode::storeUnavailable:
         return QStringLiteral("Durum veritabanı kullanılamıyor");
+    case FaultCode::fileTrouble:
+        return QStringLiteral("Dosya okunamadı veya yazılamadı");
     case FaultCode::itemRefused:
     case FaultCode::tooLarge:
     case FaultCode::tokenRefused:

@@ -285,7 +285,7 @@ World::Verdict SyncCoordinator::judge(const SyncRecord& record, const std::excep
         return verdict;
     const QString description = describe(error);
     if (!s_.life.refused(record, description, fault))
-        s_.life.stageFailed(record, description);
+        s_.life.stageFailed(record, description, fault);
     if (fault && kindOf(fault->code) == FaultKind::moment)
         s_.attempts.suspect(verdict.era, [this, record] { relieve(record); });
     return verdict;

@@ -63,15 +63,23 @@ bool hasDied(const RunState& last) {
     return last.phase == RunState::Phase::running || last.phase == RunState::Phase::waiting;
 }
 
-/// What failed by the world's fault is in the queue again.
+bool isOfTheMoment(FaultCode code) {
+    return kindOf(code) == FaultKind::moment;
+}
+
+/// What failed by the world's fault, or this computer's, is in the queue again.
 void relieve(const SyncRunServices& services, const SyncRunOrder& order, const RunState& last) {
-    std::vector kinds{FaultKind::day, FaultKind::session, FaultKind::account, FaultKind::target,
-                      FaultKind::machine};
     if (order.takesUp == SyncRunOrder::TakesUp::everything)
         return services.life.retriedFailed(true);
-    if (order.takesUp == SyncRunOrder::TakesUp::whatTheMomentFailed || hasDied(last))
-        kinds.push_back(FaultKind::moment);
-    for (const SyncRecord& record : RecordFaults(services.db).failedBy(kinds))
+    const bool takesMoments =
+        order.takesUp == SyncRunOrder::TakesUp::whatTheMomentFailed || hasDied(last);
+    const auto mayPass = [takesMoments](FaultCode code) {
+        const FaultKind kind = kindOf(code);
+        return kind == FaultKind::item     ? code == FaultCode::fileTrouble
+               : kind == FaultKind::moment ? takesMoments
+                                           : true;
+    };
+    for (const SyncRecord& record : RecordFaults(services.db).failedBy(mayPass))
         services.life.relieved(record);
 }
 
@@ -154,7 +162,7 @@ SyncRunOutcome runSync(const SyncRunServices& services, const SyncRunOrder& orde
         const int pending = services.db.countPendingRecords();
         outcome.hasItemsLeft = after.failed + after.undated + pending > 0;
         outcome.mayPassLater =
-            pending > 0 || !RecordFaults(services.db).failedBy({FaultKind::moment}).empty();
+            pending > 0 || !RecordFaults(services.db).failedBy(isOfTheMoment).empty();
     } catch (const Cancelled&) {
         outcome.wasStopped = true;
     } catch (const std::exception& error) {

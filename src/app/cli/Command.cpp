@@ -82,6 +82,8 @@ int run(const QStringList& words, Console& console, std::stop_token stop) {
 }
 
 ExitCode exitCodeOf(const Fault& fault) {
+    if (fault.code == FaultCode::fileTrouble)
+        return failedToRun; // a record's never ends a run
     switch (kindOf(fault.code)) {
     case FaultKind::moment:
     case FaultKind::day:
