@@ -3,7 +3,8 @@
 
 bench.py [PART...]: the parts named, else all (a quarter of an hour). Prints a table and writes
 build/bench.json. A ratio is value / reference; a goal is of the ratio, or of the value alone.
-Everything is in a temporary folder (TMPDIR), which needs 15 GB."""
+Everything is in a temporary folder (TMPDIR), which needs 15 GB.
+bench.py --document writes that table into docs/PERFORMANCE.md."""
 import os
 import random
 import shutil
@@ -14,7 +15,7 @@ import tempfile
 import time
 from pathlib import Path
 
-from harness import ROOT, Table, World, fail, in_turn, lacks, run, stop_after
+from harness import ROOT, Table, World, document, fail, in_turn, lacks, run, stop_after
 
 DATE = '2021:03:05 23:30:00'
 SECONDS = 1614987000
@@ -331,6 +332,8 @@ PARTS = [store, hashing, staging, dates, movies, upload, whole, latency, memory,
 
 def main():
     names = sys.argv[1:]
+    if names == ['--document']:
+        return document(ROOT / 'build/bench.json', ROOT / 'docs/PERFORMANCE.md')
     parts = [part for part in PARTS if not names or part.__name__ in names]
     if not parts or len(parts) < len(names):
         fail('bench.py [' + '|'.join(part.__name__ for part in PARTS) + ']...')

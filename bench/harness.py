@@ -118,6 +118,10 @@ class Row:
     met: bool | None
 
 
+def number(x):
+    return '-' if x is None else f'{x:.0f}' if x >= 1000 else f'{x:.4g}'
+
+
 class Table:
     def __init__(self):
         self.rows = []
@@ -135,8 +139,6 @@ class Table:
         self.show(Row(what, None, None, None, goal, None), why)
 
     def show(self, row, why=''):
-        def number(x):
-            return '-' if x is None else f'{x:.0f}' if x >= 1000 else f'{x:.4g}'
         self.rows.append(row)
         verdict = f'LEFT OUT: {why}' if row.met is None else 'met' if row.met else 'MISSED'
         print(f'{row.what:<62} {number(row.value):>9} {number(row.reference):>9} '
@@ -146,6 +148,20 @@ class Table:
         file.parent.mkdir(parents=True, exist_ok=True)
         file.write_text(json.dumps({'date': date.today().isoformat(), 'machine': machine(folder),
                                     'rows': [asdict(row) for row in self.rows]}, indent=1) + '\n')
+
+
+def document(results, page):
+    """Puts the results in place of the table in a page."""
+    found = json.loads(results.read_text())
+    lines = [f'{found["date"]}, {found["machine"]}', '',
+             '| what | value | reference | ratio | goal | met |', '| --- | --: | --: | --: | --- | --- |']
+    for row in found['rows']:
+        numbers = ' | '.join(number(row[name]) for name in ('value', 'reference', 'ratio'))
+        met = {True: 'yes', False: 'no', None: 'left out'}[row['met']]
+        lines.append(f'| {row["what"]} | {numbers} | {row["goal"]} | {met} |')
+    before, rest = page.read_text().split('<!-- table -->')
+    after = rest.split('<!-- end -->')[1]
+    page.write_text(before + '<!-- table -->\n' + '\n'.join(lines) + '\n<!-- end -->' + after)
 
 
 def machine(folder):
