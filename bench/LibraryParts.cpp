@@ -31,7 +31,7 @@ struct World {
 int scan(const QStringList& words) {
     World world(pathFrom(words[0]), pathFrom(words[1]));
     world.services.observer.initialScan();
-    return world.services.state.db.countPendingRecords() > 0 ? 0 : 1;
+    return world.services.state.db.countByStatus().empty() ? 1 : 0; // none has an original here
 }
 
 int stage(const QStringList& words) {

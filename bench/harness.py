@@ -97,7 +97,7 @@ class World:
     def requests(self):
         """How many there were, by kind."""
         report = run('curl', '-s', self.url + '/_quorvane/report').output
-        return {kind: n for kind, n in json.loads(report)['requests'].items() if n}
+        return {kind: n for kind, n in json.loads(report)['requests'].items() if n and kind != 'report'}
 
     def token(self):
         home = Path(self.env['HOME'])
