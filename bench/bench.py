@@ -285,7 +285,7 @@ def window(table, folder, count=5000):
         with World(folder / 'world') as world, Display(folder, world.env):
             world.sync(library)  # remembers it
             shutil.copytree(folder / 'made', library, dirs_exist_ok=True)
-            speeds[mode] = count / float(world.run('quorvane-bench-window', mode).output)
+            speeds[mode] = count / float(world.run('quorvane-bench-window', mode).output.split()[-1])
             if sum(world.requests().get(kind, 0) for kind in ('upload',)) < count:
                 fail(f'The window ({mode}) sent too little: {world.requests()}')
     table.add('window: 5,000 items with it visible, beside hidden; items/s', speeds['visible'], goal, speeds['hidden'])
@@ -295,7 +295,7 @@ def window(table, folder, count=5000):
         def launch(*command):
             begun = time.monotonic()
             launched = world.run(*command)
-            launched.wall = float(launched.output) - begun
+            launched.wall = float(launched.output.split()[-1]) - begun  # it logs before
             return launched
         mine, empty = in_turn(lambda: launch('quorvane-bench-window', 'start'), lambda: launch('quorvane-bench-empty'))
         table.add('start to icon, beside an empty Qt program; ms', mine.wall * 1000, '<= 1.5', empty.wall * 1000)
