@@ -30,6 +30,7 @@ const std::array lifeOfARecord{
     RecordLife::Arrow{"returned", {excluded}, discovered},
     RecordLife::Arrow{"deleting", {verified}, verified},
     RecordLife::Arrow{"deleted", {verified}, deletedLocally},
+    RecordLife::Arrow{"retried", {failed}, discovered},
     RecordLife::Arrow{"retriedFailed", {failed}, discovered},
     RecordLife::Arrow{"retriedUndated", {dateUnresolved}, discovered},
     RecordLife::Arrow{"dateChosen", {dateUnresolved}, discovered},
@@ -244,6 +245,17 @@ bool RecordLife::deleted(const SyncRecord& record) {
 
 void RecordLife::kept(const SyncRecord& record) {
     setDeleting(record, false);
+}
+
+bool RecordLife::retried(const SyncRecord& record) {
+    return follow("retried", record, [&](SyncStatus to) {
+        SyncRecord changed =
+            *db_.fetchRecord(record.assetLocalIdentifier, record.providerID, record.accountID);
+        changed.syncStatus = to;
+        changed.retryCount = 0;
+        changed.lastError.reset();
+        db_.upsertRecord(changed);
+    });
 }
 
 void RecordLife::retriedFailed(bool resetRetryCount) {

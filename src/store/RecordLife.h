@@ -109,6 +109,8 @@ class RecordLife {
     /// also by the next process, until `discarded`.
     QStringList left();
     void discarded(const QString& identifier);
+    /// The person asked for another try of this one, as if it had never failed.
+    bool retried(const SyncRecord& record);
     /// The person asked for another try: all failed ones, all undated ones.
     void retriedFailed(bool resetRetryCount);
     void retriedUndated();

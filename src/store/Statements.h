@@ -356,4 +356,18 @@ WHERE sync_status IN ('FAILED', 'DATE_UNRESOLVED')
 ORDER BY updated_at DESC
 LIMIT ?)sql";
 
+/// What waits for a person, with all that decides in which group.
+inline constexpr const char* heldPlaces =
+    R"sql(SELECT sync_records.rowid, sync_status, code, record_undatable.asset_local_identifier,
+       last_error
+FROM sync_records
+LEFT JOIN record_faults USING (asset_local_identifier)
+LEFT JOIN record_undatable USING (asset_local_identifier)
+WHERE sync_status IN ('FAILED', 'DATE_UNRESOLVED')
+ORDER BY updated_at DESC, sync_records.rowid DESC)sql";
+
+inline constexpr const char* heldAt =
+    R"sql(SELECT asset_local_identifier, provider_id, account_id FROM sync_records
+WHERE rowid = ? AND sync_status IN ('FAILED', 'DATE_UNRESOLVED'))sql";
+
 } // namespace quorvane::statements

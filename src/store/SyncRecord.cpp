@@ -127,11 +127,14 @@ std::optional<MediaType> mediaTypeFrom(const QString& rawValue) {
     return std::nullopt;
 }
 
+FailedCategorySummary categoryOf(const FailureCount& failure) {
+    return failure.fault ? categoryOf(*failure.fault) : categoryOf(failure.error);
+}
+
 std::vector<FailedCategorySummary> summarizeFailures(const std::vector<FailureCount>& failures) {
     std::vector<FailedCategorySummary> summaries;
     for (const FailureCount& failure : failures) {
-        const FailedCategorySummary category =
-            failure.fault ? categoryOf(*failure.fault) : categoryOf(failure.error);
+        const FailedCategorySummary category = categoryOf(failure);
         auto found = std::ranges::find(summaries, category.categoryName,
                                        &FailedCategorySummary::categoryName);
         if (found == summaries.end())

@@ -76,6 +76,9 @@ struct FailureCount {
     std::optional<FaultCode> fault = {}; ///< where it is known; the text decides only elsewhere
 };
 
+/// Of these failures; its count is 0.
+FailedCategorySummary categoryOf(const FailureCount& failure);
+
 /// Largest first, equal counts in order of first appearance.
 std::vector<FailedCategorySummary> summarizeFailures(const std::vector<FailureCount>& failures);
 

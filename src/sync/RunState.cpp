@@ -54,8 +54,9 @@ QString textOf(FaultCode code) {
         return QStringLiteral("Durum veritabanı kullanılamıyor");
     case FaultCode::fileTrouble:
         return QStringLiteral("Dosya okunamadı veya yazılamadı");
-    case FaultCode::itemRefused:
     case FaultCode::tooLarge:
+        return QStringLiteral("Dosya, Google Photos'un kabul ettiğinden büyük");
+    case FaultCode::itemRefused:
     case FaultCode::tokenRefused:
         break;
     }

@@ -22,7 +22,8 @@ QString partOf(const QString& nextPartTitle) {
 
 } // namespace
 
-Dashboard::Dashboard(MenuBarViewModel& model) : model_(model), librarySettings_(model) {
+Dashboard::Dashboard(MenuBarViewModel& model)
+    : model_(model), librarySettings_(model), review_(model) {
     using Model = MenuBarViewModel;
     using Self = Dashboard;
     relay(&Model::accountChanged,
@@ -31,11 +32,8 @@ Dashboard::Dashboard(MenuBarViewModel& model) : model_(model), librarySettings_(
     relay(&Model::statusMessageChanged, {&Self::heroChanged});
     relay(&Model::progressChanged, {&Self::heroChanged});
     relay(&Model::errorMessageChanged, {&Self::errorMessageChanged});
-    relay(&Model::countsChanged,
-          {&Self::heroChanged, &Self::quarantineChanged, &Self::inspectorChanged});
-    relay(&Model::undatedChanged, {&Self::quarantineChanged});
-    relay(&Model::settingsChanged,
-          {&Self::settingsChanged, &Self::quarantineChanged, &Self::menusChanged});
+    relay(&Model::countsChanged, {&Self::heroChanged, &Self::inspectorChanged});
+    relay(&Model::settingsChanged, {&Self::settingsChanged, &Self::menusChanged});
     relay(&Model::sheetsChanged, {&Self::sheetsChanged});
     relay(&Model::routeChanged,
           {&Self::routeChanged, &Self::inspectorChanged, &Self::menusChanged});
@@ -45,10 +43,6 @@ Dashboard::Dashboard(MenuBarViewModel& model) : model_(model), librarySettings_(
     relay(&Model::transfersChanged, {&Self::inspectorChanged, &Self::heroChanged});
     connect(&librarySettings_, &LibrarySettings::changed, this, &Self::menusChanged);
     connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
-    connect(&model_, &Model::sheetsChanged, this, [this] {
-        if (!model_.showQuarantineSheet())
-            resetReview();
-    });
 }
 
 void Dashboard::relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed) {
@@ -69,9 +63,8 @@ void Dashboard::setLive(bool live) {
     updateTransfers();
     for (const Signal signal :
          {&Dashboard::accountChanged, &Dashboard::routeChanged, &Dashboard::heroChanged,
-          &Dashboard::errorMessageChanged, &Dashboard::settingsChanged,
-          &Dashboard::quarantineChanged, &Dashboard::sheetsChanged, &Dashboard::inspectorToggled,
-          &Dashboard::inspectorChanged, &Dashboard::menusChanged})
+          &Dashboard::errorMessageChanged, &Dashboard::settingsChanged, &Dashboard::sheetsChanged,
+          &Dashboard::inspectorToggled, &Dashboard::inspectorChanged, &Dashboard::menusChanged})
         Q_EMIT(this->*signal)();
 }
 

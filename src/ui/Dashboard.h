@@ -3,6 +3,7 @@
 #include "ui/DashboardTypes.h"
 #include "ui/LibrarySettings.h"
 #include "ui/MenuBarViewModel.h"
+#include "ui/ReviewModel.h"
 #include "ui/TransferListModel.h"
 
 namespace quorvane {
@@ -19,8 +20,7 @@ class Dashboard final : public QObject {
     Q_PROPERTY(quorvane::HeroView hero READ hero NOTIFY heroChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isAutoDeleteEnabled READ isAutoDeleteEnabled NOTIFY settingsChanged)
-    Q_PROPERTY(quorvane::QuarantineView quarantine READ quarantine NOTIFY quarantineChanged)
-    Q_PROPERTY(bool isQuarantineShown READ isQuarantineShown NOTIFY sheetsChanged)
+    Q_PROPERTY(quorvane::ReviewModel* review READ review CONSTANT)
     Q_PROPERTY(quorvane::AlertView alert READ alert NOTIFY sheetsChanged)
     Q_PROPERTY(bool isInspectorOpen READ isInspectorOpen NOTIFY inspectorToggled)
     Q_PROPERTY(quorvane::InspectorView inspector READ inspector NOTIFY inspectorChanged)
@@ -46,8 +46,7 @@ class Dashboard final : public QObject {
     HeroView hero() const;
     QString errorMessage() const { return model_.errorMessage(); }
     bool isAutoDeleteEnabled() const { return model_.isAutoDeleteEnabled(); }
-    QuarantineView quarantine() const;
-    bool isQuarantineShown() const { return model_.showQuarantineSheet(); }
+    ReviewModel* review() { return &review_; }
     AlertView alert() const;
     bool isInspectorOpen() const { return model_.isInspectorOpen(); }
     InspectorView inspector() const;
@@ -70,10 +69,6 @@ class Dashboard final : public QObject {
     /// What a menu row or an alert's button does.
     Q_INVOKABLE void choose(const QString& command, const QString& value = {});
     Q_INVOKABLE void answerAlert(int button);
-    Q_INVOKABLE void chooseDateFallback(const QString& value);
-    Q_INVOKABLE void chooseUndatable(bool sends);
-    Q_INVOKABLE void showMoreUndated();
-    Q_INVOKABLE void retryQuarantined();
     Q_INVOKABLE void clearLog();
 
   Q_SIGNALS:
@@ -83,7 +78,6 @@ class Dashboard final : public QObject {
     void heroChanged();
     void errorMessageChanged();
     void settingsChanged();
-    void quarantineChanged();
     void sheetsChanged();
     void inspectorToggled();
     void inspectorChanged();
@@ -104,17 +98,12 @@ class Dashboard final : public QObject {
     void showDone(HeroView& view) const;
     void showPending(HeroView& view) const;
     void showIdle(HeroView& view) const;
-    void resetReview();
-    QString dateFallback() const;
-    int retryCount() const;
 
     MenuBarViewModel& model_;
     TransferListModel transfers_;
     LibrarySettings librarySettings_;
+    ReviewModel review_;
     bool isLive_ = false;
-    QString chosenFallback_; ///< in the open sheet; empty: what is stored
-    bool sendsUndatable_ = false;
-    int shownUndated_ = 2;
     QString hint_;
 };
 

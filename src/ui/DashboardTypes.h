@@ -73,32 +73,6 @@ struct HeroView {
     QString quarantine; ///< empty when nothing waits for a review
 };
 
-struct QuarantineView {
-    Q_GADGET
-    Q_PROPERTY(QVariantList rows MEMBER rows)
-    Q_PROPERTY(QVariantList choices MEMBER choices)
-    Q_PROPERTY(QString chosen MEMBER chosen)
-    Q_PROPERTY(QVariantList items MEMBER items)
-    Q_PROPERTY(QString moreTitle MEMBER moreTitle)
-    Q_PROPERTY(QVariantList kinds MEMBER kinds)
-    Q_PROPERTY(QString undatableTitle MEMBER undatableTitle)
-    Q_PROPERTY(bool sendsUndatable MEMBER sendsUndatable)
-    Q_PROPERTY(QString retryTitle MEMBER retryTitle)
-    Q_PROPERTY(bool canRetry MEMBER canRetry)
-
-  public:
-    QVariantList rows;      ///< {title, text, symbol, count, isUndated}
-    QVariantList choices;   ///< {value, title}; none when every record has its date
-    QString chosen;         ///< the value of a choice
-    QVariantList items;     ///< {identifier, name, symbol, evidence, acceptName} of undated ones
-    QString moreTitle;      ///< empty when all of them are shown
-    QVariantList kinds;     ///< {kind, title}: evidence that several of them have
-    QString undatableTitle; ///< empty when there is nothing that takes no date
-    bool sendsUndatable = false;
-    QString retryTitle;
-    bool canRetry = false;
-};
-
 struct InspectorView {
     Q_GADGET
     Q_PROPERTY(bool isActive MEMBER isActive)

@@ -18,6 +18,9 @@ class Desktop {
     /// Opens the file with the program that the person uses for its kind.
     virtual void open(const std::filesystem::path& file) = 0;
 
+    /// Shows the file in its folder.
+    virtual void reveal(const std::filesystem::path& file) = 0;
+
     virtual bool startsAtLogin() const = 0;
     virtual void setStartsAtLogin(bool starts) = 0;
 };

@@ -312,8 +312,6 @@ void MenuBarViewModel::toggleInspector() {
 }
 
 void MenuBarViewModel::setShowQuarantineSheet(bool show) {
-    if (show && !showQuarantineSheet_)
-        reviewUndatedItems();
     publish(showQuarantineSheet_, show, &MenuBarViewModel::sheetsChanged);
 }
 

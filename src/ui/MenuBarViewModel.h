@@ -4,7 +4,6 @@
 #include "foundation/TaskRunner.h"
 #include "google/GoogleAlbumManager.h"
 #include "google/GoogleOAuthManager.h"
-#include "library/UndatedReview.h"
 #include "metadata/MetadataTypes.h"
 #include "store/StoreCounts.h"
 #include "ui/Desktop.h"
@@ -149,9 +148,6 @@ class MenuBarViewModel final : public QObject {
     /// What takes no date goes up as it is, once `sendsUndatable`.
     Q_INVOKABLE void retryQuarantinedItems(const QString& dateFallbackMode,
                                            bool sendsUndatable = false);
-    /// Gives the item, or all whose strongest evidence is of the kind, the date that it speaks for.
-    Q_INVOKABLE void acceptUndatedItem(const QString& identifier);
-    Q_INVOKABLE void acceptUndatedItems(const QString& kind);
     Q_INVOKABLE void openLogFile();
 
     /// True while work of any command is under way.
@@ -190,8 +186,6 @@ class MenuBarViewModel final : public QObject {
     int dateUnresolvedCount() const { return counts_.records.undated; }
     /// Of these, those whose file takes no date.
     int undatableCount() const { return counts_.records.undatable; }
-    /// The others, with what speaks for a date; read anew whenever the sheet is opened.
-    const std::vector<UndatedItem>& undatedItems() const { return undated_; }
     const std::vector<FailedCategorySummary>& failedCategorySummaries() const {
         return counts_.categories;
     }
@@ -202,6 +196,8 @@ class MenuBarViewModel final : public QObject {
 
     bool hasLibrary() const { return session_ != nullptr; }
     const LibrarySession* library() const { return session_.get(); } ///< none: null
+    const std::shared_ptr<const LibrarySession>& session() const { return session_; }
+    const Services& services() const { return s_; }
     const std::vector<LocalAlbumItem>& localAlbums() const { return localAlbums_; }
     QVariantList localAlbumRows() const { return toVariantList(localAlbums_); }
     int totalPhotoCount() const { return totalPhotoCount_; }
@@ -254,7 +250,6 @@ class MenuBarViewModel final : public QObject {
     void progressChanged();
     void countsChanged();
     void sheetsChanged();
-    void undatedChanged();
     void routeChanged();
     void localAlbumsChanged();
     void googleAlbumsChanged();
@@ -318,8 +313,6 @@ class MenuBarViewModel final : public QObject {
     void publishRoute();
     void publishState(int refresh, Account account, Counts counts);
     void countLibrary();
-    void reviewUndatedItems();
-    void acceptUndated(const std::function<bool(const UndatedItem&)>& isWanted);
     void sampleTransfers();
 
     void startSignIn(bool isRenewal);
@@ -358,7 +351,6 @@ class MenuBarViewModel final : public QObject {
     int syncCompletedCount_ = 0;
     int syncTotalCount_ = 0;
     Counts counts_;
-    std::vector<UndatedItem> undated_;
     bool showQuarantineSheet_ = false;
     std::vector<LocalAlbumItem> localAlbums_;
     int totalPhotoCount_ = 0;

@@ -172,7 +172,7 @@ void MenuBarViewModel::triggerSync() {
         QStringLiteral("Seçili Google Photos albümü (") + title +
         QStringLiteral(") 20.000 medya sınırına ulaştı (%1/20.000)! Lütfen yeni bir albüm "
                        "oluşturun veya başka bir albüm seçin.")
-            .arg(album->itemCount());
+            .arg(grouped(album->itemCount()));
     showAlbumLimitAlert_ = true;
     Q_EMIT sheetsChanged();
 }

@@ -208,6 +208,8 @@ TEST_F(MacAdapters, SettingsLogAndShellSpeakToTheSystem) {
               "x-apple.systempreferences:com.apple.preference.security?Privacy_Photos");
     desktop.open(folder / "log");
     EXPECT_TRUE(log.contains(u"[Desktop] ⚠️ Dosya açılamadı"_s));
+    desktop.reveal("/a/b.jpg");
+    EXPECT_EQ(mac.opened.back(), "file:///a/b.jpg");
     desktop.setStartsAtLogin(true);
     EXPECT_TRUE(desktop.startsAtLogin());
     EXPECT_TRUE(readFile(folder / "Library/LaunchAgents/com.quorvane.login.plist")

@@ -226,6 +226,9 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
     mac().opened.push_back([[url absoluteString] UTF8String]);
     return ![url isFileURL];
 }
+- (void)activateFileViewerSelectingURLs:(NSArray*)urls {
+    mac().opened.push_back([[[urls objectAtIndex:0] absoluteString] UTF8String]);
+}
 @end
 
 // Never reached: a test is no bundle.

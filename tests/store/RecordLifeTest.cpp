@@ -81,6 +81,11 @@ const std::vector<Operation> operations{
     {"returned", [](auto& life, auto& record) { return life.returned(record); }, clearError},
     {"deleting", [](auto& life, auto& record) { return life.deleting(record); }, nothing},
     {"deleted", [](auto& life, auto& record) { return life.deleted(record); }, clearError},
+    {"retried", [](auto& life, auto& record) { return life.retried(record); },
+     [](SyncRecord& record) {
+         clearError(record);
+         record.retryCount = 0;
+     }},
     {"retriedFailed", onAll(SyncStatus::failed, [](auto& life) { life.retriedFailed(false); }),
      clearError},
     {"retriedUndated", onAll(SyncStatus::dateUnresolved, [](auto& life) { life.retriedUndated(); }),

@@ -194,7 +194,7 @@ TEST_F(MenuBarViewModelTest, theAlbumLimit) {
   selectedTargetAlbumCountString: 20.000 / 20.000
   selectedTargetAlbumTitle: Dolu
 ## sync into it
-  albumLimitAlertMessage: Seçili Google Photos albümü (Dolu) 20.000 medya sınırına ulaştı (20000/20.000)! Lütfen yeni bir albüm oluşturun veya başka bir albüm seçin.
+  albumLimitAlertMessage: Seçili Google Photos albümü (Dolu) 20.000 medya sınırına ulaştı (20.000/20.000)! Lütfen yeni bir albüm oluşturun veya başka bir albüm seçin.
   showAlbumLimitAlert: true
   syncState: error
 )");

@@ -15,11 +15,12 @@ class FakeDesktop final : public Desktop {
         notices += title + QStringLiteral(": ") + text;
     }
     void open(const std::filesystem::path& file) override { opened = file; }
+    void reveal(const std::filesystem::path& file) override { revealed = file; }
     bool startsAtLogin() const override { return isAutostarted; }
     void setStartsAtLogin(bool starts) override { isAutostarted = starts; }
 
     QStringList notices;
-    std::filesystem::path opened;
+    std::filesystem::path opened, revealed;
     bool isAutostarted = false;
 };
 

@@ -85,9 +85,13 @@ bool WindowWorld::awaitView(const std::function<bool()>& condition) {
 void WindowWorld::settleView() {
     const bool isAtConsentPage = model->isSigningIn() && browser.answer;
     ASSERT_TRUE(model->isSyncing() || isAtConsentPage || settle());
-    QCoreApplication::processEvents();
-    window.window()->grabWindow(); // polishes and draws
-    QCoreApplication::processEvents();
+    // What is drawn may ask for more, which is drawn then.
+    for (int frame = 0; frame < 3; ++frame) {
+        ASSERT_TRUE(waitOnMainThread([&] { return !window.dashboard().review()->isWorking(); }));
+        QCoreApplication::processEvents();
+        window.window()->grabWindow(); // polishes and draws
+        QCoreApplication::processEvents();
+    }
 }
 
 void WindowWorld::shot(const QString& name) {

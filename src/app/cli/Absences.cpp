@@ -7,12 +7,12 @@ namespace quorvane::cli {
 QString AbsenceCounts::rows() const {
     QString text;
     if (onlyInCloud > 0)
-        text += tableRow(QStringLiteral("Yalnızca iCloud'da"), QString::number(onlyInCloud)) +
+        text += countRow(QStringLiteral("Yalnızca iCloud'da"), onlyInCloud) +
                 QStringLiteral("  Yedeklemek için Fotoğraflar uygulamasının iCloud ayarlarında "
                                "özgün dosyaların bu Mac'e indirilmesini seçin; indikçe sıraya "
                                "alınırlar.\n");
     if (elsewhere > 0)
-        text += tableRow(QStringLiteral("Dışarıda, bulunamayan"), QString::number(elsewhere)) +
+        text += countRow(QStringLiteral("Dışarıda, bulunamayan"), elsewhere) +
                 QStringLiteral("  Diski takıp yerini bildirin: --originals "
                                "/Volumes/AD=/buradaki/yeri\n");
     return text;

@@ -1,5 +1,6 @@
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
+#include "app/cli/TextTable.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -58,7 +59,7 @@ int albums(Invocation& invocation) {
                                      {QStringLiteral("count"), qint64(row.count)}});
         else
             core.console.result(
-                QStringLiteral("%1  %2 (%3)").arg(row.id, row.title).arg(row.count));
+                QStringLiteral("%1  %2 (%3)").arg(row.id, row.title, countText(row.count)));
     }
     return done;
 }

@@ -140,26 +140,26 @@ Forecast forecast(SourceServices& library, GoogleServices& google, DateFallbackM
 
 QString Forecast::table() const {
     QString text = QStringLiteral("Deneme: hiçbir şey yüklenmedi, hiçbir kayıt yazılmadı\n");
-    text += tableRow(QStringLiteral("Fotoğraf"), QString::number(photos));
-    text += tableRow(QStringLiteral("Video"), QString::number(videos));
-    text += tableRow(QStringLiteral("Live Photo"), QString::number(livePhotos));
-    text += tableRow(QStringLiteral("Daha önce yüklenen"), QString::number(alreadyDone));
-    text += tableRow(QStringLiteral("Arşivde dosyası olmayan"), QString::number(unavailable));
+    text += countRow(QStringLiteral("Fotoğraf"), photos);
+    text += countRow(QStringLiteral("Video"), videos);
+    text += countRow(QStringLiteral("Live Photo"), livePhotos);
+    text += countRow(QStringLiteral("Daha önce yüklenen"), alreadyDone);
+    text += countRow(QStringLiteral("Arşivde dosyası olmayan"), unavailable);
     text += absent.rows();
-    text += tableRow(QStringLiteral("Tarihsiz, bekletilecek"), QString::number(undated));
+    text += countRow(QStringLiteral("Tarihsiz, bekletilecek"), undated);
     if (undatable > 0)
-        text += tableRow(QStringLiteral("  tarih yazılamayan biçim"), QString::number(undatable));
-    text += tableRow(QStringLiteral("Daha önce bekletilen"), QString::number(held));
+        text += countRow(QStringLiteral("  tarih yazılamayan biçim"), undatable);
+    text += countRow(QStringLiteral("Daha önce bekletilen"), held);
     text += rowsOf(figuresOf(behind));
     text += rowsOf(figuresOf(leftOut));
-    text += tableRow(QStringLiteral("Yüklenecek"), QString::number(toUpload()));
+    text += countRow(QStringLiteral("Yüklenecek"), toUpload());
     text += tableRow(QStringLiteral("Boyut"), byteText(bytes));
     text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(days));
     if (targetTitle)
         text += tableRow(QStringLiteral("Hedef albüm"),
                          QStringLiteral("%1 (%2 öğe)%3")
                              .arg(*targetTitle)
-                             .arg(targetCount)
+                             .arg(countText(targetCount))
                              .arg(overflowsTarget()
                                       ? QStringLiteral(" ⚠️ 20.000 öğe sınırı aşılacak")
                                       : QString()));

@@ -1,6 +1,7 @@
 #include "app/cli/Progress.h"
 
 #include "app/cli/Command.h"
+#include "app/cli/TextTable.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -44,8 +45,9 @@ QString progressLine(int completed, int total, seconds elapsed, const TransferSn
     const bool isWaiting = state.phase == RunState::Phase::waiting;
     if (total == 0)
         return isWaiting ? state.text() : QStringLiteral("Arşiv taranıyor…");
-    QStringList parts{
-        QStringLiteral("%1/%2 (%%3)").arg(completed).arg(total).arg(percentOf(completed, total))};
+    QStringList parts{QStringLiteral("%1/%2 (%%3)")
+                          .arg(countText(completed), countText(total),
+                               QString::number(percentOf(completed, total)))};
     if (isWaiting)
         return (parts << state.text()).join(QStringLiteral(" · "));
     parts += transfers.currentSpeedText;

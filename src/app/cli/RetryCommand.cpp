@@ -1,6 +1,7 @@
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
 #include "app/cli/SyncReport.h"
+#include "app/cli/TextTable.h"
 
 namespace quorvane::cli {
 
@@ -28,16 +29,16 @@ int retry(Invocation& invocation) {
     const int released =
         invocation.arguments.has(QStringLiteral("undatable")) ? state.life.undatableReleased() : 0;
     const StoreCounts after = StoreCounts::of(state.db);
-    core.console.result(
-        QStringLiteral("%1 öğe yeniden sıraya alındı.").arg(after.pending - before.pending));
+    core.console.result(QStringLiteral("%1 öğe yeniden sıraya alındı.")
+                            .arg(countText(after.pending - before.pending)));
     if (released > 0)
         core.console.result(QStringLiteral("%1 öğe olduğu gibi yüklenecek; Google bunları "
                                            "yüklendikleri güne koyar.")
-                                .arg(released));
+                                .arg(countText(released)));
     if (const int undated = after.undated - after.undatable; undated > 0)
         core.console.result(QStringLiteral("%1 tarihsiz öğe bekletiliyor; yüklemek için: "
                                            "quorvane-cli retry --date-fallback fileSaveDate")
-                                .arg(undated));
+                                .arg(countText(undated)));
     if (after.undatable > 0)
         core.console.result(undatableAdvice());
     return done;

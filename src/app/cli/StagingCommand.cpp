@@ -36,8 +36,7 @@ QString nameOf(SyncStatus status) {
 
 QString row(const QString& label, const FilesAndBytes& count) {
     return tableRow(
-        label,
-        QStringLiteral("%1 dosya, %2").arg(QString::number(count.files), byteText(count.bytes)));
+        label, QStringLiteral("%1 dosya, %2").arg(countText(count.files), byteText(count.bytes)));
 }
 
 QJsonObject json(const FilesAndBytes& count) {
@@ -92,7 +91,7 @@ int prune(Invocation& invocation, CoreServices& core, DatabaseManager& db,
         !confirmation.confirm(
             QStringLiteral("Google Photos'ta doğrulanan öğelerin %1 hazırlık kopyası (%2) "
                            "silinecek.")
-                .arg(QString::number(before.files), byteText(before.bytes)))) {
+                .arg(countText(before.files), byteText(before.bytes)))) {
         core.console.error(QStringLiteral("Onay verilmedi, hiçbir şey silinmedi."));
         return failedToRun;
     }
@@ -106,7 +105,7 @@ int prune(Invocation& invocation, CoreServices& core, DatabaseManager& db,
         printJson(core.console, {{QStringLiteral("removed"), json(removed)}});
     else
         core.console.result(QStringLiteral("%1 hazırlık kopyası silindi, %2 yer açıldı.")
-                                .arg(QString::number(removed.files), byteText(removed.bytes)));
+                                .arg(countText(removed.files), byteText(removed.bytes)));
     return done;
 }
 

@@ -64,18 +64,16 @@ QString table(const Status& status, const UserFolders& folders, const StatePlace
     text += tableRow(QStringLiteral("Hedef albüm"), status.targetAlbum.isEmpty()
                                                         ? QStringLiteral("yok (ana akış)")
                                                         : status.targetAlbum);
-    text += tableRow(QStringLiteral("Doğrulanan"), QString::number(status.counts.verified));
+    text += countRow(QStringLiteral("Doğrulanan"), status.counts.verified);
     if (status.counts.misdated > 0)
-        text += tableRow(QStringLiteral("  Google'da başka tarihte"),
-                         QString::number(status.counts.misdated));
-    text += tableRow(QStringLiteral("Bekleyen"), QString::number(status.counts.pending));
+        text += countRow(QStringLiteral("  Google'da başka tarihte"), status.counts.misdated);
+    text += countRow(QStringLiteral("Bekleyen"), status.counts.pending);
     if (status.counts.pending > 0)
         text += tableRow(QStringLiteral("Günlük sınırla süre"), daysText(status.daysLeft));
-    text += tableRow(QStringLiteral("Başarısız"), QString::number(status.counts.failed));
-    text += tableRow(QStringLiteral("Tarihi bilinmeyen"), QString::number(status.counts.undated));
+    text += countRow(QStringLiteral("Başarısız"), status.counts.failed);
+    text += countRow(QStringLiteral("Tarihi bilinmeyen"), status.counts.undated);
     if (status.counts.undatable > 0)
-        text += tableRow(QStringLiteral("  tarih yazılamayan biçim"),
-                         QString::number(status.counts.undatable));
+        text += countRow(QStringLiteral("  tarih yazılamayan biçim"), status.counts.undatable);
     text += absencesOf(status.counts).rows();
     for (const QString& reason : status.absences)
         text += QStringLiteral("  ") + reason + u'\n';

@@ -81,7 +81,7 @@ int daysUnderQuota(int items, const DailyRequests& requests) {
 }
 
 QString daysText(int days) {
-    return QStringLiteral("%1 gün").arg(days);
+    return QStringLiteral("%1 gün").arg(countText(days));
 }
 
 QString byteText(std::int64_t bytes) {
@@ -113,7 +113,7 @@ QString tableOf(const RunReport& report) {
         text += QStringLiteral("  %1: %2\n").arg(item.name, item.reason);
     const int more = now.failed + now.undated - static_cast<int>(shown(report).size());
     if (more > 0)
-        text += QStringLiteral("  … ve %1 öğe daha\n").arg(turkish.toString(more));
+        text += QStringLiteral("  … ve %1 öğe daha\n").arg(countText(more));
     if (now.undated > now.undatable)
         text += QStringLiteral("Tarih ipuçları için: quorvane-cli undated\n");
     if (now.undatable > 0)

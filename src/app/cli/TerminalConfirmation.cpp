@@ -1,6 +1,7 @@
 #include "app/cli/TerminalConfirmation.h"
 
 #include "app/cli/SyncReport.h"
+#include "app/cli/TextTable.h"
 #include "foundation/File.h"
 
 #include <array>
@@ -34,7 +35,7 @@ bool TerminalConfirmation::confirmDeletion(const DeletionQuestion& question) {
     QString text =
         QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı (%2) Çöp'e taşınacak: "
                        "%3.")
-            .arg(QString::number(question.count), byteText(question.bytes), question.place);
+            .arg(countText(question.count), byteText(question.bytes), question.place);
     if (!question.warning.isEmpty())
         text += u' ' + question.warning;
     if (confirmedBeforehand_)

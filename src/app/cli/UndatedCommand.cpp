@@ -71,9 +71,10 @@ QString summary(const Items& items) {
             ++strongest[item.evidence.front().kind];
         else
             undatable += item.isUndatable;
-    QString text = QStringLiteral("%1 öğe tarihsiz bekliyor.\n").arg(items.size());
+    QString text =
+        QStringLiteral("%1 öğe tarihsiz bekliyor.\n").arg(countText(qint64(items.size())));
     for (const auto& [kind, count] : strongest)
-        text += tableRow(rawValue(kind), QString::number(count));
+        text += countRow(rawValue(kind), count);
     if (!strongest.empty())
         text += QStringLiteral("En güçlü ipucunu kabul etmek için: quorvane-cli undated "
                                "--accept ÖĞE | --accept-all TÜR\n");
@@ -183,8 +184,8 @@ int undated(Invocation& invocation) {
         choose(life, item, evidenceOf(item, arguments.value(QStringLiteral("by"))).date(),
                core.console);
     } else if (const auto kind = arguments.value(acceptAll))
-        core.console.result(
-            QStringLiteral("%1 öğe sıraya eklendi.").arg(acceptKind(life, items, *kind)));
+        core.console.result(QStringLiteral("%1 öğe sıraya eklendi.")
+                                .arg(countText(acceptKind(life, items, *kind))));
     else
         list(core.console, items, arguments.has(QStringLiteral("json")));
     return done;

@@ -2,6 +2,7 @@
 #include "app/cli/LibraryChoice.h"
 #include "app/cli/Program.h"
 #include "app/cli/Progress.h"
+#include "app/cli/TextTable.h"
 #include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
 
@@ -102,12 +103,12 @@ void backUp(CoreServices& core, GoogleServices& google, LibraryServices& library
         if (outcome.error || outcome.fault)
             core.logger.log(QStringLiteral("[Watch] ⚠️ ") + outcome.state().text());
         tell(core, QStringLiteral("[Watch] %1 öğe yüklendi, %2 başarısız, %3 tarihsiz")
-                       .arg(QString::number(outcome.verified), QString::number(outcome.failed),
-                            QString::number(outcome.undated)));
+                       .arg(countText(outcome.verified), countText(outcome.failed),
+                            countText(outcome.undated)));
         if (outcome.leftOut.missed() > 0)
             core.logger.log(
                 QStringLiteral("[Watch] ⚠️ %1 öğe okunamadı veya yazılıyordu, atlandı")
-                    .arg(outcome.leftOut.missed()));
+                    .arg(countText(outcome.leftOut.missed())));
     } catch (const RunLockHeld& error) {
         turns.missed();
         core.logger.log(QStringLiteral("[Watch] ⚠️ ") + error.localizedDescription());

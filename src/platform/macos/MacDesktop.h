@@ -15,6 +15,7 @@ class MacDesktop final : public Desktop {
     /// The first notice has the system ask the person whether there may be any.
     void notify(const QString& title, const QString& text) override;
     void open(const std::filesystem::path& file) override;
+    void reveal(const std::filesystem::path& file) override;
     bool startsAtLogin() const override;
     void setStartsAtLogin(bool starts) override;
 

@@ -39,6 +39,14 @@ void MacDesktop::open(const std::filesystem::path& file) {
     }
 }
 
+void MacDesktop::reveal(const std::filesystem::path& file) {
+    @autoreleasepool {
+        NSURL* original = [NSURL fileURLWithPath:stringOf(pathText(file))];
+        [[NSWorkspace sharedWorkspace]
+            activateFileViewerSelectingURLs:[NSArray arrayWithObject:original]];
+    }
+}
+
 void MacDesktop::becomeAccessory() {
     [[NSApplication sharedApplication] setActivationPolicy:NSApplicationActivationPolicyAccessory];
 }

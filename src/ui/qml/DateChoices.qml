@@ -6,7 +6,7 @@ import Quorvane
 Column {
     id: group
 
-    required property quarantineView view
+    required property ReviewModel view
     readonly property alias count: answers.count
     signal chosen(string value)
 

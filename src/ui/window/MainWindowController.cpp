@@ -1,5 +1,7 @@
 #include "ui/window/MainWindowController.h"
 
+#include "ui/window/Thumbnails.h"
+
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
@@ -60,6 +62,7 @@ void MainWindowController::prepare() {
     useWindowFont();
     view_ = std::make_unique<QQuickView>();
     view_->engine()->addImportPath(QStringLiteral(":/"));
+    view_->engine()->addImageProvider(QStringLiteral("thumbnails"), new Thumbnails); // its own now
     view_->setTitle(QStringLiteral("Quorvane"));
     view_->setResizeMode(QQuickView::SizeRootObjectToView);
     view_->setFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |

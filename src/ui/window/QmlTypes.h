@@ -42,6 +42,20 @@ struct LibrarySettingsForQml {
     QML_UNCREATABLE("made by the program")
 };
 
+struct ReviewModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::ReviewModel)
+    QML_NAMED_ELEMENT(ReviewModel)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct HeldListModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::HeldListModel)
+    QML_NAMED_ELEMENT(HeldListModel)
+    QML_UNCREATABLE("made by the program")
+};
+
 struct LogListModelForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::LogListModel)
@@ -65,12 +79,6 @@ struct HeroViewForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::HeroView)
     QML_VALUE_TYPE(heroView)
-};
-
-struct QuarantineViewForQml {
-    Q_GADGET
-    QML_FOREIGN(quorvane::QuarantineView)
-    QML_VALUE_TYPE(quarantineView)
 };
 
 struct InspectorViewForQml {

@@ -5,6 +5,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QFile>
 #include <QUrl>
 #include <QVariantMap>
@@ -46,6 +47,26 @@ void LinuxDesktop::notify(const QString& title, const QString& text) {
 void LinuxDesktop::open(const std::filesystem::path& file) {
     if (!opener_.open(QUrl::fromLocalFile(pathText(file))))
         log_.log(QStringLiteral("[Desktop] ⚠️ Dosya açılamadı: ") + pathText(file));
+}
+
+/// Any file manager that is running or can be started answers; without one the folder is opened.
+void LinuxDesktop::reveal(const std::filesystem::path& file) {
+    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
+        return open(file.parent_path());
+    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.FileManager1"),
+                                               QStringLiteral("/org/freedesktop/FileManager1"),
+                                               QStringLiteral("org.freedesktop.FileManager1"),
+                                               QStringLiteral("ShowItems"));
+    const QByteArray address =
+        "file://" + QByteArray::fromStdString(file.native()).toPercentEncoding("/");
+    call.setArguments({QStringList(QString::fromLatin1(address)), QString()});
+    auto* answer =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), &calls_);
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, &calls_, [this, answer, file] {
+        if (answer->isError())
+            open(file.parent_path());
+        answer->deleteLater();
+    });
 }
 
 std::filesystem::path LinuxDesktop::autostartEntry() const {

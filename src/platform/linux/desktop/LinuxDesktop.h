@@ -5,6 +5,8 @@
 #include "platform/linux/DesktopEnvironment.h"
 #include "ui/Desktop.h"
 
+#include <QObject>
+
 namespace quorvane {
 
 /// The freedesktop.org desktop: its notification service, its autostart folder, and xdg-open. Main
@@ -16,6 +18,7 @@ class LinuxDesktop final : public Desktop {
     /// Nothing is waited for: a session without a notification service shows nothing.
     void notify(const QString& title, const QString& text) override;
     void open(const std::filesystem::path& file) override;
+    void reveal(const std::filesystem::path& file) override;
     bool startsAtLogin() const override;
     void setStartsAtLogin(bool starts) override;
 
@@ -25,6 +28,7 @@ class LinuxDesktop final : public Desktop {
     const DesktopEnvironment environment_;
     Log& log_;
     BrowserProcess opener_;
+    QObject calls_; ///< what waits for an answer ends with it
 };
 
 } // namespace quorvane

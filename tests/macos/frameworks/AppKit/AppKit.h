@@ -38,4 +38,5 @@ extern NSAppearanceName const NSAppearanceNameDarkAqua;
 + (NSWorkspace*)sharedWorkspace;
 @property(readonly) BOOL accessibilityDisplayShouldReduceMotion;
 - (BOOL)openURL:(NSURL*)url;
+- (void)activateFileViewerSelectingURLs:(NSArray<NSURL*>*)fileURLs;
 @end
