@@ -278,7 +278,7 @@ bool removeInSteps(const std::filesystem::path& file, const std::stop_token& sto
 }
 
 QString resourceFilename(const QString& name, const QString& fallback) {
-    constexpr qsizetype limit = 200;
+    constexpr qsizetype limit = 255;
     QString clean = name;
     for (QChar& character : clean)
         if (character == u'/' || character.category() == QChar::Other_Control)

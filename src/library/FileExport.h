@@ -59,7 +59,8 @@ int renameToNew(int fromFolder, const std::filesystem::path& from, int toFolder,
 bool removeInSteps(const std::filesystem::path& file, const std::stop_token& stop) noexcept;
 
 /// A file name as a resource shows it: never empty, without path separators and control characters,
-/// and short enough (200 bytes of UTF-8, extension kept) to get a prefix in a folder of ours.
+/// and no longer than a file's name can be (255 bytes of UTF-8, extension kept): what its end tells
+/// is not lost.
 QString resourceFilename(const QString& name, const QString& fallback);
 
 } // namespace quorvane

@@ -102,7 +102,7 @@ TEST_F(FolderLibraryTest, ExportsEveryFileUnderAnIdentifierOfItsOwnAcrossRunsAnd
         EXPECT_EQ(asset.localIdentifier.size(), 43);
         identifiers.insert(asset.localIdentifier);
         const auto resource = library.assetResources(asset).at(0);
-        EXPECT_LE(resource.originalFilename.toUtf8().size(), 200);
+        EXPECT_LE(resource.originalFilename.toUtf8().size(), 255);
         EXPECT_TRUE(resource.originalFilename.endsWith(pathText(resource.location.extension())));
         EXPECT_FALSE(resource.originalFilename.contains(u'\n'));
         const auto exported = folder / std::to_string(identifiers.size());
