@@ -1,8 +1,25 @@
 #include "app/LibraryHost.h"
 
+#include "foundation/File.h"
 #include "foundation/MainThread.h"
 
 namespace quorvane {
+
+namespace {
+
+constexpr std::chrono::seconds lookInterval{5};
+
+/// What its state holds; nothing where there is none yet.
+StoreCounts countsOf(CoreServices& core, const AccountIdentity& account) {
+    const auto identity = core.preferences.string(preferenceKeys::libraryIdentity);
+    const auto place = identity ? core.states.find(*identity, account) : std::nullopt;
+    if (!place)
+        return {};
+    StateServices state(core, place, account);
+    return StoreCounts::of(state.db);
+}
+
+} // namespace
 
 /// All that belongs to one library, from its adapter to the engine over it.
 struct LibraryHost::OpenLibrary {
@@ -19,7 +36,10 @@ struct LibraryHost::OpenLibrary {
 };
 
 LibraryHost::LibraryHost(CoreServices& core, GoogleServices& google)
-    : core_(core), google_(google) {}
+    : core_(core), google_(google) {
+    looking_.setInterval(lookInterval);
+    QObject::connect(&looking_, &QTimer::timeout, &looking_, [this] { look(); });
+}
 
 void LibraryHost::openRemembered(Answer answer) {
     if (const auto path = rememberedLibrary(core_))
@@ -37,7 +57,12 @@ void LibraryHost::requestPhotos(Answer answer) {
 
 void LibraryHost::open(const std::filesystem::path& path, Answer answer) {
     tasks_.post([this, path, answer = std::move(answer)](const std::stop_token&) {
+        const bool isMissing = !isThere(path);
+        if (isMissing && path == rememberedLibrary(core_))
+            tellAway(path);
         try {
+            if (isMissing)
+                throw Error(QStringLiteral("yerinde değil: ") + pathText(path));
             onMainThread([this, library = make(path), answer] { adopt(library, answer); });
         } catch (const Error& error) {
             core_.logger.log(QStringLiteral("[LibraryHost] ❌ Arşiv açılamadı: ") +
@@ -59,8 +84,9 @@ std::shared_ptr<LibraryHost::OpenLibrary> LibraryHost::make(const std::filesyste
 }
 
 void LibraryHost::accountDidChange() {
-    if (open_ && open_->services.state.life.account() != google_.account())
-        openAgain();
+    const AccountIdentity account = google_.account();
+    if (open_ && account.isKnown() && open_->services.state.life.account() != account)
+        openAgain(open_->services.path);
 }
 
 void LibraryHost::choose(const LibraryChoices& choices) {
@@ -71,11 +97,46 @@ void LibraryHost::choose(const LibraryChoices& choices) {
     } catch (const Error& error) {
         core_.logger.log(QStringLiteral("[LibraryHost] ⚠️ ") + error.localizedDescription());
     }
-    openAgain();
+    openAgain(open_->services.path);
 }
 
-void LibraryHost::openAgain() {
-    open(open_->services.path, [this](AuthorizationStatus status) {
+void LibraryHost::look() {
+    const auto path = open_ ? std::optional(open_->services.path) : rememberedLibrary(core_);
+    if (!path)
+        return;
+    tasks_.post([this, path = *path](const std::stop_token&) {
+        if (!isThere(path))
+            return tellAway(path);
+        onMainThread([this, path] {
+            if (isAway_)
+                openAgain(path);
+        });
+    });
+}
+
+/// When it was first found missing is kept: another start of the program tells it, too.
+void LibraryHost::tellAway(const std::filesystem::path& path) {
+    AwayLibrary away{path, path.extension() == ".photoslibrary", core_.clock.now(), {}};
+    try {
+        if (const auto since = core_.preferences.string(preferenceKeys::libraryAwaySince))
+            away.since = Date(std::chrono::milliseconds(since->toLongLong()));
+        else
+            core_.preferences.setString(preferenceKeys::libraryAwaySince,
+                                        QString::number(away.since.time_since_epoch().count()));
+        away.counts = countsOf(core_, google_.account());
+    } catch (const Error& error) {
+        core_.logger.log(QStringLiteral("[LibraryHost] ⚠️ ") + error.localizedDescription());
+    }
+    onMainThread([this, away] {
+        isAway_ = true;
+        looking_.start();
+        if (onAway)
+            onAway(away);
+    });
+}
+
+void LibraryHost::openAgain(const std::filesystem::path& path) {
+    open(path, [this](AuthorizationStatus status) {
         if (status == AuthorizationStatus::authorized || status == AuthorizationStatus::limited)
             startObserver();
     });
@@ -86,7 +147,10 @@ void LibraryHost::adopt(const std::shared_ptr<OpenLibrary>& library, const Answe
     if (status == AuthorizationStatus::authorized || status == AuthorizationStatus::limited) {
         stopObserver();
         open_ = library;
+        isAway_ = false;
+        looking_.stop();
         try {
+            core_.preferences.remove(preferenceKeys::libraryAwaySince);
             core_.preferences.setString(preferenceKeys::libraryPath,
                                         pathText(library->services.path));
             core_.preferences.setString(preferenceKeys::libraryIdentity,

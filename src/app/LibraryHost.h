@@ -4,6 +4,8 @@
 #include "foundation/TaskRunner.h"
 #include "ui/LibrarySession.h"
 
+#include <QTimer>
+
 #include <functional>
 #include <optional>
 
@@ -19,6 +21,8 @@ class LibraryHost {
 
     /// Called with each library that proved readable, and with the session that works on it.
     std::function<void(std::shared_ptr<const LibrarySession>)> onOpened;
+    /// Called when the library that was chosen is not where it was.
+    std::function<void(const AwayLibrary&)> onAway;
     /// Called when the open library's assets were recorded anew.
     std::function<void()> onChanged;
 
@@ -32,8 +36,12 @@ class LibraryHost {
     /// Opens the library at `path` and remembers it if it is readable; else the earlier one stays.
     void open(const std::filesystem::path& path, Answer answer);
 
+    /// Finds out whether the library is where it was. One that has come back is opened; while it is
+    /// away this is done anew now and then.
+    void look();
+
     /// Opens the same library again, with the state of the account that is signed in now, unless
-    /// that is the one that is open.
+    /// that is the one that is open. While nobody is signed in the last one's stays.
     void accountDidChange();
 
     /// Remembers other choices for the library that is open, and opens it again with them.
@@ -47,12 +55,15 @@ class LibraryHost {
     struct OpenLibrary;
 
     std::shared_ptr<OpenLibrary> make(const std::filesystem::path& path);
-    void openAgain();
+    void openAgain(const std::filesystem::path& path);
+    void tellAway(const std::filesystem::path& path);
     void adopt(const std::shared_ptr<OpenLibrary>& library, const Answer& answer);
 
     CoreServices& core_;
     GoogleServices& google_;
     std::shared_ptr<OpenLibrary> open_;
+    bool isAway_ = false;
+    QTimer looking_; ///< while the library is away
     Subscription changes_;
     TaskRunner tasks_; ///< last: its work uses the rest
 };

@@ -69,9 +69,13 @@ inline const QString dateFallbackMode = QStringLiteral("com.quorvane.dateFallbac
 inline const QString isAutoDeleteEnabled = QStringLiteral("Quorvane.isAutoDeleteEnabled");
 inline const QString appTheme = QStringLiteral("Quorvane.appTheme");
 inline const QString notificationsMuted = QStringLiteral("Quorvane.notificationsMuted");
+/// Milliseconds since 1970.
+inline const QString lastSyncTime = QStringLiteral("com.quorvane.last_sync_time");
 inline const QString libraryPath = QStringLiteral("com.quorvane.library_path");
 /// What tells that library from every other, for when it is away.
 inline const QString libraryIdentity = QStringLiteral("com.quorvane.library_identity");
+/// When it was first found missing; milliseconds since 1970.
+inline const QString libraryAwaySince = QStringLiteral("com.quorvane.library_away_since");
 /// What was chosen for each library, by that.
 inline const QString libraryChoices = QStringLiteral("com.quorvane.library_choices");
 } // namespace preferenceKeys

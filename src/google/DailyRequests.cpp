@@ -77,6 +77,10 @@ void DailyRequests::add(std::uint32_t requests) {
     } while (!shared.compare_exchange_weak(before, after));
 }
 
+void DailyRequests::distrust() {
+    std::atomic_ref<Cell>(cell(O_CREAT)) = cellOf(dayNow(), 0);
+}
+
 DailyRequests::Today DailyRequests::today() const {
     const Cell now = std::atomic_ref<Cell>(cell(0));
     const int used = dayOf(now) == dayNow() ? static_cast<int>(requestsOf(now)) : 0;

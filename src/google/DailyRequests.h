@@ -35,6 +35,9 @@ class DailyRequests {
     /// What a service answered: its clock, and whether it allows more today.
     void learnFrom(const HttpResponse& response);
 
+    /// A person wants to know better: the next answers tell whether any are left.
+    void distrust();
+
     int limit() const { return limit_; }
     Today today() const;
 

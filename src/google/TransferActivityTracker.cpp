@@ -40,8 +40,10 @@ void TransferActivityTracker::remove(const QString& id) {
 void TransferActivityTracker::updateProgress(const QString& id, std::int64_t bytesSent,
                                              std::int64_t /*totalBytes*/) {
     const std::lock_guard guard(lock_);
-    if (const auto found = activeTransfers_.find(id); found != activeTransfers_.end())
+    if (const auto found = activeTransfers_.find(id); found != activeTransfers_.end()) {
+        sentBytes_ += std::max<std::int64_t>(0, bytesSent - found->second.bytesTransferred);
         found->second.bytesTransferred = bytesSent;
+    }
 }
 
 TransferSnapshot TransferActivityTracker::getSnapshot() {
@@ -56,6 +58,7 @@ TransferSnapshot TransferActivityTracker::getSnapshot() {
     snapshot.currentSpeed = currentSpeed_;
     snapshot.latencyMilliseconds =
         activeTransfers_.empty() ? idleLatency : latencyFloor + jitter_();
+    snapshot.sentBytes = sentBytes_;
     return snapshot;
 }
 

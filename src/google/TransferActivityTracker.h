@@ -35,6 +35,7 @@ struct TransferSnapshot {
     QString peakSpeedText;
     double currentSpeed = 0;     ///< bytes per second
     int latencyMilliseconds = 0; ///< a display value, not a measurement
+    std::int64_t sentBytes = 0;  ///< since the tracker began, with those of uploads that ended
 };
 
 /// The live table of uploads in flight and their throughput. Any thread.
@@ -70,6 +71,7 @@ class TransferActivityTracker {
     std::map<QString, ActiveTransferItem> activeTransfers_;
     mutable std::mutex lock_; ///< guards every field but the two above it
     std::int64_t lastBytesCount_ = 0;
+    std::int64_t sentBytes_ = 0;
     Clock::Monotonic lastSpeedCheckTime_;
     double currentSpeed_ = 0;
     double peakSpeed_ = 0;

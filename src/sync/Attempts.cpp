@@ -118,6 +118,18 @@ void Attempts::waitOut(const Error& error, Permit permit, const std::stop_token&
         throw Cancelled();
 }
 
+void Attempts::tryNow() {
+    if (requests_.today().left == 0)
+        requests_.distrust();
+    std::stop_source waiting;
+    {
+        const std::lock_guard lock(mutex_);
+        world_.tryNow();
+        waiting = std::exchange(waiting_, std::stop_source());
+    }
+    waiting.request_stop(); // as in `learn`
+}
+
 std::optional<Fault> Attempts::ending() const {
     const std::lock_guard lock(mutex_);
     return world_.ending();
@@ -156,11 +168,11 @@ std::optional<Attempts::Permit> Attempts::enter(const std::stop_token& stop) {
 void Attempts::waitFor(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds time,
                        const std::stop_token& stop) {
     const Waiting waiting{*world_.obstacle(), clock_.now() + time};
-    const std::stop_token over = over_.get_token();
+    const EitherStop end(stop, over_.get_token());
+    const EitherStop wake(end.token(), waiting_.get_token());
     lock.unlock();
     tell(waiting);
-    clock_.sleep(std::min<std::chrono::milliseconds>(time, longestSleep),
-                 EitherStop(stop, over).token());
+    clock_.sleep(std::min<std::chrono::milliseconds>(time, longestSleep), wake.token());
     lock.lock();
 }
 

@@ -16,7 +16,7 @@ namespace quorvane {
 /// over. When the day's requests are used up, nothing goes out before it turns. Any thread.
 class Attempts {
   public:
-    Attempts(Clock& clock, const DailyRequests& requests) : clock_(clock), requests_(requests) {}
+    Attempts(Clock& clock, DailyRequests& requests) : clock_(clock), requests_(requests) {}
 
     /// What is waited for, and until when; none when nothing is any more.
     struct Waiting {
@@ -78,6 +78,9 @@ class Attempts {
         return clock_.sleep(time, stop);
     }
 
+    /// The wait that is under way is over, also that for another day.
+    void tryNow();
+
     /// Why the run is over; none while it is not.
     std::optional<Fault> ending() const;
 
@@ -91,13 +94,14 @@ class Attempts {
                  const std::stop_token& stop);
 
     Clock& clock_;
-    const DailyRequests& requests_;
+    DailyRequests& requests_;
     mutable std::mutex mutex_; ///< guards everything below; never held while waiting
     std::condition_variable_any changed_;
     World world_;
     bool isProbing_ = false; ///< somebody waits for the next attempt of an outage, or makes it
     std::vector<std::function<void()>> suspects_; ///< of the present era: what relieves them
     std::stop_source over_;                       ///< wakes whoever waits when the run is over
+    std::stop_source waiting_;                    ///< wakes them for one more attempt
     std::mutex telling_;                          ///< taken before `mutex_`
     Teller teller_;
     bool hasTold_ = false;

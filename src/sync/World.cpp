@@ -71,6 +71,11 @@ World::Verdict World::momentFailed(const Fault& fault, Now now) {
     return {.isItsOwn = false, .beganOutage = begins};
 }
 
+void World::tryNow() {
+    notBefore_ = {};
+    dayTurns_.reset();
+}
+
 void World::dayUsedUp(Now now) {
     if (!dayTurns_ || *dayTurns_ <= now.date)
         dayFailed({.code = FaultCode::dailyQuota}, now);

@@ -41,6 +41,8 @@ class World {
     void passed();
     /// None: nobody could tell whose fault it was.
     Verdict failed(const std::optional<Fault>& fault, Now now);
+    /// The next attempt may begin now; after it all is as it was.
+    void tryNow();
     /// By our own count the day's requests are used up: nothing is worth trying before it turns.
     void dayUsedUp(Now now);
 

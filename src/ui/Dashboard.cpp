@@ -1,19 +1,14 @@
 #include "ui/Dashboard.h"
 
-#include <QLocale>
-
-#include <cmath>
+#include "foundation/File.h"
+#include "ui/Hero.h"
+#include "ui/TurkishTime.h"
 
 namespace quorvane {
 
 namespace {
 
-const QString upToDateMessage = QStringLiteral("Arşiviniz güncel ve güvende");
 const QString laterTitle = QStringLiteral("Vazgeç / Daha Sonra");
-
-QString grouped(qint64 number) {
-    return QLocale().toString(number);
-}
 
 /// The number that `nextPartTitle` put at the end: "Aile - Parça 2" is part 2.
 QString partOf(const QString& nextPartTitle) {
@@ -27,20 +22,26 @@ Dashboard::Dashboard(MenuBarViewModel& model)
     using Model = MenuBarViewModel;
     using Self = Dashboard;
     relay(&Model::accountChanged,
-          {&Self::accountChanged, &Self::routeChanged, &Self::heroChanged, &Self::menusChanged});
-    relay(&Model::syncChanged, {&Self::heroChanged, &Self::inspectorChanged, &Self::menusChanged});
-    relay(&Model::statusMessageChanged, {&Self::heroChanged});
+          {&Self::accountChanged, &Self::routeChanged, &Self::menusChanged});
+    relay(&Model::stateChanged, {&Self::heroChanged});
+    relay(&Model::syncChanged, {&Self::inspectorChanged, &Self::menusChanged});
     relay(&Model::progressChanged, {&Self::heroChanged});
     relay(&Model::errorMessageChanged, {&Self::errorMessageChanged});
-    relay(&Model::countsChanged, {&Self::heroChanged, &Self::inspectorChanged});
+    relay(&Model::countsChanged, {&Self::inspectorChanged, &Self::libraryChanged});
     relay(&Model::settingsChanged, {&Self::settingsChanged, &Self::menusChanged});
     relay(&Model::sheetsChanged, {&Self::sheetsChanged});
-    relay(&Model::routeChanged,
-          {&Self::routeChanged, &Self::inspectorChanged, &Self::menusChanged});
-    relay(&Model::localAlbumsChanged, {&Self::routeChanged, &Self::menusChanged});
+    relay(&Model::routeChanged, {&Self::routeChanged, &Self::inspectorChanged, &Self::menusChanged,
+                                 &Self::libraryChanged});
+    relay(&Model::localAlbumsChanged,
+          {&Self::routeChanged, &Self::menusChanged, &Self::libraryChanged});
     relay(&Model::googleAlbumsChanged, {&Self::routeChanged, &Self::menusChanged});
     relay(&Model::inspectorToggled, {&Self::inspectorToggled});
     relay(&Model::transfersChanged, {&Self::inspectorChanged, &Self::heroChanged});
+    minutes_.setInterval(std::chrono::minutes(1));
+    connect(&minutes_, &QTimer::timeout, this, [this] {
+        if (model_.isSyncing() || model_.awayLibrary())
+            Q_EMIT heroChanged(); // it tells how long something takes
+    });
     connect(&librarySettings_, &LibrarySettings::changed, this, &Self::menusChanged);
     connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
 }
@@ -58,13 +59,17 @@ void Dashboard::setLive(bool live) {
         return;
     isLive_ = live;
     Q_EMIT liveChanged();
+    minutes_.stop();
     if (!live)
         return;
+    model_.lookForLibrary();
+    minutes_.start();
     updateTransfers();
     for (const Signal signal :
          {&Dashboard::accountChanged, &Dashboard::routeChanged, &Dashboard::heroChanged,
-          &Dashboard::errorMessageChanged, &Dashboard::settingsChanged, &Dashboard::sheetsChanged,
-          &Dashboard::inspectorToggled, &Dashboard::inspectorChanged, &Dashboard::menusChanged})
+          &Dashboard::libraryChanged, &Dashboard::errorMessageChanged, &Dashboard::settingsChanged,
+          &Dashboard::sheetsChanged, &Dashboard::inspectorToggled, &Dashboard::inspectorChanged,
+          &Dashboard::menusChanged})
         Q_EMIT(this->*signal)();
 }
 
@@ -74,7 +79,8 @@ void Dashboard::updateTransfers() {
 }
 
 AccountView Dashboard::account() const {
-    return {model_.isSignedIn(), model_.isSigningIn(), model_.signInAddress(), model_.userEmail()};
+    return {model_.isSignedIn(), model_.isSessionLapsed(), model_.isSigningIn(),
+            model_.signInAddress(), model_.userEmail()};
 }
 
 RouteView Dashboard::route() const {
@@ -82,7 +88,7 @@ RouteView Dashboard::route() const {
     const bool isWholeLibrary = model_.selectedSourceAlbumID().isEmpty();
     view.source = (isWholeLibrary ? QStringLiteral("Fotoğraf & Video Arşivi")
                                   : model_.selectedSourceAlbumTitle()) +
-                  QStringLiteral(" (%1)").arg(grouped(model_.selectedSourceCount()));
+                  QStringLiteral(" (%1)").arg(groupedCount(model_.selectedSourceCount()));
     if (!model_.hasLibrary())
         view.source = QStringLiteral("Fotoğraf Kitaplığını Seç...");
     const bool isStream = model_.selectedTargetAlbumID().isEmpty();
@@ -111,88 +117,44 @@ RouteView Dashboard::route() const {
 }
 
 HeroView Dashboard::hero() const {
-    HeroView view;
-    view.startTitle = QStringLiteral("Şimdi Eşitle");
-    view.note = model_.statusMessage() == upToDateMessage || model_.statusMessage().isEmpty()
-                    ? QStringLiteral("Son eşitleme: ") + model_.lastSyncTimeString()
-                    : model_.statusMessage();
-    const int held = model_.failedCount() + model_.dateUnresolvedCount();
-    const bool isAllSafe = held + model_.pendingCount() == 0;
-    if (model_.isSyncing())
-        showProgress(view);
-    else if (model_.syncState() == SyncVisualState::error)
-        showWarning(view, QStringLiteral("Eşitleme Uyarısı"));
-    else if (model_.isLastRunComplete() && isAllSafe)
-        showDone(view);
-    else if (held > 0)
-        showWarning(view, QStringLiteral("İnceleme Bekleyen Öğeler Var"));
-    else if (model_.pendingCount() > 0)
-        showPending(view);
-    else
-        showIdle(view);
-    if (held > 0)
-        view.quarantine = grouped(held) + QStringLiteral(" öğe inceleme bekliyor");
-    return view;
+    return heroOf({.product = model_.facts(),
+                   .completed = model_.syncCompletedCount(),
+                   .total = model_.syncTotalCount(),
+                   .speed = model_.currentUploadSpeedString(),
+                   .timeLeft = model_.timeLeft(),
+                   .lastSync = model_.lastSyncTime(),
+                   .waitingSince = model_.waitingSince(),
+                   .now = model_.now(),
+                   .isRetryOffered = model_.isRetryOffered()});
 }
 
-void Dashboard::showProgress(HeroView& view) const {
-    const RunState& run = model_.runState();
-    const bool isWaiting = run.phase == RunState::Phase::waiting;
-    const bool isCounted = model_.syncTotalCount() > 0;
-    const int percent = static_cast<int>(std::floor(model_.syncProgressFraction() * 100));
-    view.kind = QStringLiteral("syncing");
-    view.title =
-        isWaiting ? QStringLiteral("Eşitleme Bekliyor") : QStringLiteral("Eşitleme Devam Ediyor");
-    view.subtitle =
-        isWaiting ? run.text() : QStringLiteral("Dosyalar Google Photos'a güvenle yükleniyor");
-    view.note = isCounted ? grouped(model_.syncCompletedCount()) + QStringLiteral(" / ") +
-                                grouped(model_.syncTotalCount())
-                          : QStringLiteral("Arşiv taranıyor…");
-    view.speed = model_.currentUploadSpeedString();
-    view.fraction = model_.syncProgressFraction();
-    view.percent = isCounted ? QStringLiteral("%%1").arg(percent) : QStringLiteral("…");
-    view.ringName =
-        isWaiting ? run.text() : QStringLiteral("Eşitleme ilerlemesi yüzde %1").arg(percent);
-}
-
-void Dashboard::showWarning(HeroView& view, const QString& title) const {
-    const RunState& run = model_.runState();
-    const bool saysWhy = run.phase == RunState::Phase::ended && run.fault;
-    view.kind = QStringLiteral("warning");
-    view.title = title;
-    view.subtitle = saysWhy ? faultText(*run.fault)
-                    : model_.syncState() == SyncVisualState::error
-                        ? QStringLiteral("Lütfen bağlantıyı ve ayarları kontrol edin")
-                        : QStringLiteral("Bazı öğeler yüklenemedi veya tarih bekliyor");
-    view.symbol = QStringLiteral("exclamationmark.circle.fill");
-    view.ringName = view.title;
-    if (model_.isRetryOffered())
-        view.startTitle = QStringLiteral("Tekrar Dene");
-}
-
-void Dashboard::showDone(HeroView& view) const {
-    view.kind = QStringLiteral("done");
-    view.title = QStringLiteral("Eşitleme Tamamlandı");
-    view.subtitle = QStringLiteral("Tüm anılarınız bulutta güncel");
-    view.symbol = QStringLiteral("checkmark.circle.fill");
-    view.fraction = 1;
-    view.ringName = QStringLiteral("Eşitleme tamamlandı");
-}
-
-void Dashboard::showPending(HeroView& view) const {
-    view.kind = QStringLiteral("pending");
-    view.title = QStringLiteral("Eşitlenmeyi Bekleyenler Var");
-    view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
-    view.symbol = QStringLiteral("arrow.triangle.2.circlepath");
-    view.ringName = view.title;
-}
-
-void Dashboard::showIdle(HeroView& view) const {
-    view.kind = QStringLiteral("idle");
-    view.title = QStringLiteral("Arşiviniz Güncel ve Güvende");
-    view.subtitle = QStringLiteral("Google Photos ile senkronizasyona hazır");
-    view.symbol = QStringLiteral("checkmark.shield.fill");
-    view.ringName = view.title;
+LibraryView Dashboard::library() const {
+    const auto view = [&](const std::filesystem::path& root, bool isBundle, int count) {
+        LibraryView library;
+        library.name = pathText(root.stem());
+        library.path = pathText(root);
+        library.kind =
+            isBundle ? QStringLiteral("Apple Photos kitaplığı") : QStringLiteral("Resim klasörü");
+        if (count > 0)
+            library.kind += QStringLiteral(" · %1 öğe").arg(groupedCount(count));
+        return library;
+    };
+    const auto& away = model_.awayLibrary();
+    if (!away)
+        return model_.library() ? view(model_.library()->root, model_.library()->isBundle,
+                                       model_.totalPhotoCount())
+                                : LibraryView();
+    const StoreCounts& counts = away->counts;
+    const int known = counts.verified + counts.pending + counts.failed + counts.undated;
+    LibraryView library =
+        view(away->root, away->isBundle, std::max(model_.totalPhotoCount(), known));
+    library.isAway = true;
+    library.since =
+        spokenTime(away->since, TimeCase::from, model_.now()) + QStringLiteral(" beri.");
+    if (model_.pendingCount() > 0)
+        library.since +=
+            QStringLiteral(" %1 öğe sırada bekliyor.").arg(groupedCount(model_.pendingCount()));
+    return library;
 }
 
 InspectorView Dashboard::inspector() const {
@@ -201,7 +163,7 @@ InspectorView Dashboard::inspector() const {
             model_.peakUploadSpeedString(),
             QStringLiteral("%1 ms").arg(model_.latencyMs()),
             model_.selectedTargetAlbumTitle(),
-            grouped(model_.pendingCount()),
+            groupedCount(model_.pendingCount()),
             model_.isSyncing() ? QStringLiteral("Aktif") : QStringLiteral("Boşta")};
 }
 
@@ -210,9 +172,9 @@ AlertView Dashboard::alert() const {
         return {true,
                 QStringLiteral("Albüm Sınırı (20.000) Aşılacak"),
                 QStringLiteral("Seçili albümünüz (") + model_.preSync20kTargetAlbumName() +
-                    QStringLiteral(") ") + grouped(model_.preSync20kCurrentCount()) +
+                    QStringLiteral(") ") + groupedCount(model_.preSync20kCurrentCount()) +
                     QStringLiteral(" öğe içeriyor. Eklenecek ") +
-                    grouped(model_.preSync20kPendingCount()) +
+                    groupedCount(model_.preSync20kPendingCount()) +
                     QStringLiteral(" öğe ile 20.000 kapasitesi aşılacaktır."),
                 QStringLiteral("warning"),
                 {QStringLiteral("Yeni Albüm (") + model_.preSync20kNextPartName() +

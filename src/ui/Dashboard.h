@@ -18,6 +18,7 @@ class Dashboard final : public QObject {
     Q_PROPERTY(quorvane::AccountView account READ account NOTIFY accountChanged)
     Q_PROPERTY(quorvane::RouteView route READ route NOTIFY routeChanged)
     Q_PROPERTY(quorvane::HeroView hero READ hero NOTIFY heroChanged)
+    Q_PROPERTY(quorvane::LibraryView library READ library NOTIFY libraryChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isAutoDeleteEnabled READ isAutoDeleteEnabled NOTIFY settingsChanged)
     Q_PROPERTY(quorvane::ReviewModel* review READ review CONSTANT)
@@ -44,6 +45,7 @@ class Dashboard final : public QObject {
     AccountView account() const;
     RouteView route() const;
     HeroView hero() const;
+    LibraryView library() const;
     QString errorMessage() const { return model_.errorMessage(); }
     bool isAutoDeleteEnabled() const { return model_.isAutoDeleteEnabled(); }
     ReviewModel* review() { return &review_; }
@@ -76,6 +78,7 @@ class Dashboard final : public QObject {
     void accountChanged();
     void routeChanged();
     void heroChanged();
+    void libraryChanged();
     void errorMessageChanged();
     void settingsChanged();
     void sheetsChanged();
@@ -93,11 +96,6 @@ class Dashboard final : public QObject {
     /// `changed` follows the model's `cause`, for as long as somebody looks.
     void relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed);
     void updateTransfers();
-    void showProgress(HeroView& view) const;
-    void showWarning(HeroView& view, const QString& title) const;
-    void showDone(HeroView& view) const;
-    void showPending(HeroView& view) const;
-    void showIdle(HeroView& view) const;
 
     MenuBarViewModel& model_;
     TransferListModel transfers_;
@@ -105,6 +103,7 @@ class Dashboard final : public QObject {
     ReviewModel review_;
     bool isLive_ = false;
     QString hint_;
+    QTimer minutes_; ///< while somebody looks: what tells how long is told anew
 };
 
 } // namespace quorvane

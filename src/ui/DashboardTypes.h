@@ -10,12 +10,14 @@ namespace quorvane {
 struct AccountView {
     Q_GADGET
     Q_PROPERTY(bool isSignedIn MEMBER isSignedIn)
+    Q_PROPERTY(bool isLapsed MEMBER isLapsed)
     Q_PROPERTY(bool isSigningIn MEMBER isSigningIn)
     Q_PROPERTY(QString signInAddress MEMBER signInAddress)
     Q_PROPERTY(QString email MEMBER email)
 
   public:
     bool isSignedIn = false;
+    bool isLapsed = false; ///< Google ended the session
     bool isSigningIn = false;
     QString signInAddress; ///< of the page that is to be agreed on
     QString email;
@@ -47,30 +49,55 @@ struct RouteView {
 
 struct HeroView {
     Q_GADGET
-    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString tone MEMBER tone)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString subtitle MEMBER subtitle)
     Q_PROPERTY(QString note MEMBER note)
-    Q_PROPERTY(QString speed MEMBER speed)
+    Q_PROPERTY(QString aside MEMBER aside)
+    Q_PROPERTY(QString timeLeft MEMBER timeLeft)
     Q_PROPERTY(QString symbol MEMBER symbol)
     Q_PROPERTY(double fraction MEMBER fraction)
     Q_PROPERTY(QString percent MEMBER percent)
     Q_PROPERTY(QString ringName MEMBER ringName)
+    Q_PROPERTY(QString safety MEMBER safety)
     Q_PROPERTY(QString startTitle MEMBER startTitle)
+    Q_PROPERTY(bool canStop MEMBER canStop)
+    Q_PROPERTY(bool canTryNow MEMBER canTryNow)
     Q_PROPERTY(QString quarantine MEMBER quarantine)
 
   public:
-    QString kind; ///< "idle", "pending", "syncing", "done", "warning"
+    QString tone; ///< "neutral", "good", "done", "syncing", "waiting", "warning", "error"
     QString title;
     QString subtitle;
-    QString note; ///< the third line
-    QString speed;
+    QString note;     ///< the third line
+    QString aside;    ///< beside it while a run is under way: the speed, or that it waits
+    QString timeLeft; ///< of a run; empty while that is not known
     QString symbol;
     double fraction = 0; ///< 0...1
     QString percent;     ///< "%5"
     QString ringName;    ///< what a screen reader says of the ring
-    QString startTitle;
+    QString safety;      ///< what became of the items, while a run waits
+    QString startTitle;  ///< empty: there is nothing to start
+    bool canStop = false;
+    bool canTryNow = false;
     QString quarantine; ///< empty when nothing waits for a review
+};
+
+/// The library that is chosen, and whether it is there.
+struct LibraryView {
+    Q_GADGET
+    Q_PROPERTY(bool isAway MEMBER isAway)
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(QString kind MEMBER kind)
+    Q_PROPERTY(QString path MEMBER path)
+    Q_PROPERTY(QString since MEMBER since)
+
+  public:
+    bool isAway = false;
+    QString name; ///< empty before any was chosen
+    QString kind; ///< with the number of its items
+    QString path;
+    QString since; ///< while it is away: since when, and what waits
 };
 
 struct InspectorView {

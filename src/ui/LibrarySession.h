@@ -6,6 +6,14 @@
 
 namespace quorvane {
 
+/// A library that was chosen and is not where it was.
+struct AwayLibrary {
+    std::filesystem::path root;
+    bool isBundle = false;   ///< as its name says
+    Date since{};            ///< when that was noticed
+    StoreCounts counts = {}; ///< of its state
+};
+
 /// The library that is open, with the state of the account. Held by shared pointer: work in the
 /// background keeps the services behind these references alive while it runs.
 struct LibrarySession {

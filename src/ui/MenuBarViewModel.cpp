@@ -12,6 +12,7 @@ namespace quorvane {
 namespace {
 
 constexpr int transferInterval = 250; // milliseconds between two looks at the transfers
+constexpr int samplesToACount = 8;    // the records are counted anew every two seconds of a run
 
 QString storedOr(const Preferences& preferences, const QString& key, const QString& fallback) {
     const QString value = preferences.string(key).value_or(QString());
@@ -33,23 +34,75 @@ MenuBarViewModel::MenuBarViewModel(const Services& services,
          {&MenuBarViewModel::routeChanged, &MenuBarViewModel::googleAlbumsChanged})
         connect(this, source, this, &MenuBarViewModel::targetChanged);
     connect(this, &MenuBarViewModel::routeChanged, this, &MenuBarViewModel::localAlbumsChanged);
+    if (const auto last = services.preferences.string(preferenceKeys::lastSyncTime))
+        lastSyncTime_ = Date(std::chrono::milliseconds(last->toLongLong()));
     transferTimer_.setInterval(transferInterval);
     connect(&transferTimer_, &QTimer::timeout, this, &MenuBarViewModel::sampleTransfers);
     refreshState();
 }
 
 void MenuBarViewModel::setLibrary(std::shared_ptr<const LibrarySession> session) {
-    if (isSyncing_)
-        stopSync();
+    const bool isSame = session_ && session && session_->root == session->root;
+    const bool wasSyncing = isSyncing();
+    if (wasSyncing)
+        endRun({.phase = RunState::Phase::ended, .end = RunState::End::stopped});
     session_ = std::move(session);
+    away_.reset();
     albumLimit_ = !session_ ? Subscription()
                             : session_->run.batches.googlePhotosAlbumLimitReached.subscribe(
                                   [this](const AlbumLimitReached&) { handleAlbumLimitReached(); });
     isLibraryStale_ = true;
     publish(localAlbums_, {}, &MenuBarViewModel::localAlbumsChanged);
     Q_EMIT routeChanged();
-    showLastRun();
-    refreshState();
+    if (!wasSyncing)
+        showLastRun();
+    const bool goesOn = (wasSyncing && isSame) ||
+                        (runState_.fault && runState_.fault->code == FaultCode::libraryAway);
+    refreshThen([this, goesOn, session = session_] {
+        if (goesOn && session == session_ && account_.isSignedIn)
+            executeSyncLoop();
+    });
+}
+
+void MenuBarViewModel::setLibraryAway(const AwayLibrary& library) {
+    away_ = library;
+    if (!session_)
+        publish(counts_, {library.counts, {}}, &MenuBarViewModel::countsChanged);
+    updateState();
+    Q_EMIT routeChanged();
+}
+
+// The state. Whatever it follows from changes here or is published, and it follows.
+
+ProductFacts MenuBarViewModel::facts() const {
+    using Library = ProductFacts::Library;
+    return {.isSignedIn = account_.isSignedIn || account_.isLapsed,
+            .library = away_      ? Library::away
+                       : session_ ? Library::open
+                                  : Library::none,
+            .pending = counts_.records.pending,
+            .verified = counts_.records.verified,
+            .failed = counts_.records.failed,
+            .undated = counts_.records.undated,
+            .run = runState_};
+}
+
+void MenuBarViewModel::updateState() {
+    state_ = productState(facts());
+    Q_EMIT stateChanged();
+}
+
+void MenuBarViewModel::setRun(const RunState& state) {
+    if (state.phase == RunState::Phase::waiting && runState_.phase != RunState::Phase::waiting)
+        waitingSince_ = s_.clock.now();
+    if (state.phase != runState_.phase)
+        paceSince_.reset();
+    runState_ = state;
+    hasSessionEnded_ = runState_.needsSignIn();
+    if (hasSessionEnded_)
+        publish(account_, {false, true, account_.userEmail}, &MenuBarViewModel::accountChanged);
+    updateState();
+    Q_EMIT syncChanged();
 }
 
 /// What kept the latest run from its work, in whatever process, stands until another one has run.
@@ -57,9 +110,7 @@ void MenuBarViewModel::showLastRun() {
     const RunState last = session_ ? session_->run.stateFile.last() : RunState();
     const bool wasKept =
         last.phase == RunState::Phase::ended && (last.fault || !last.error.isEmpty());
-    runState_ = wasKept ? last : RunState();
-    hasSessionEnded_ = runState_.needsSignIn();
-    setRunning(false, wasKept ? SyncVisualState::error : SyncVisualState::idle);
+    setRun(wasKept ? last : RunState());
 }
 
 bool MenuBarViewModel::isWorking() {
@@ -89,7 +140,10 @@ void MenuBarViewModel::refreshThen(std::function<void()> then) {
                 isRefreshWaiting_ = false;
                 const Account account = readAccount();
                 const Counts counts = session ? readCounts(session->run.db) : Counts();
-                post([this, number, account, counts] { publishState(number, account, counts); });
+                post([this, number, account, counts, session] {
+                    publishState(number, account,
+                                 session == session_ ? counts : std::as_const(counts_));
+                });
             });
     }
     if (then)
@@ -97,8 +151,9 @@ void MenuBarViewModel::refreshThen(std::function<void()> then) {
 }
 
 MenuBarViewModel::Account MenuBarViewModel::readAccount() {
-    Account account{s_.oauth.isSignedIn() && !hasSessionEnded_, {}};
-    if (account.isSignedIn)
+    const bool hasEnded = hasSessionEnded_;
+    Account account{s_.oauth.isSignedIn() && !hasEnded, hasEnded, {}};
+    if (account.isSignedIn || hasEnded)
         account.userEmail = s_.oauth.email().value_or(QString());
     return account;
 }
@@ -130,16 +185,17 @@ void MenuBarViewModel::publishRoute() {
 }
 
 void MenuBarViewModel::publishState(int refresh, Account account, Counts counts) {
+    if (away_ && !session_)
+        counts.records = away_->counts;
+    if (ended(RunState::End::complete) && counts.records.pending > 0)
+        setRun({}); // something new is there
     publish(account_, std::move(account), &MenuBarViewModel::accountChanged);
     publish(counts_, std::move(counts), &MenuBarViewModel::countsChanged);
-    if (isSyncing_ && runState_.phase == RunState::Phase::waiting)
-        publish(statusMessage_, runState_.text(), &MenuBarViewModel::statusMessageChanged);
-    else
-        publish(statusMessage_,
-                counts_.records.pending < 1 ? QStringLiteral("Arşiviniz güncel ve güvende")
-                                            : QLocale().toString(counts_.records.pending) +
-                                                  QStringLiteral(" yeni öğe eşitlenmeyi bekliyor"),
-                &MenuBarViewModel::statusMessageChanged);
+    updateState();
+    publish(statusMessage_,
+            runState_.phase == RunState::Phase::waiting ? runState_.text()
+                                                        : pendingText(counts_.records.pending),
+            &MenuBarViewModel::statusMessageChanged);
     if (account_.isSignedIn && googleAlbums_.empty() && !isLoadingGoogleAlbums_ &&
         !knowsGoogleAlbums_)
         loadGoogleAlbums();
@@ -294,16 +350,29 @@ void MenuBarViewModel::notifyPerson(const QString& title, const QString& text) {
 
 void MenuBarViewModel::sampleTransfers() {
     TransferSnapshot now = s_.tracker.getSnapshot();
-    const bool isIdle = !isSyncing_ && now.items.empty();
-    const bool hasChanged = now.items != transfers_.items ||
-                            now.currentSpeedText != transfers_.currentSpeedText ||
-                            now.peakSpeedText != transfers_.peakSpeedText ||
+    const bool isIdle = !isSyncing() && now.items.empty();
+    const double before = speed_.current();
+    if (isIdle)
+        speed_.rest();
+    else
+        speed_.sample(now.sentBytes, s_.clock.monotonic());
+    const bool hasChanged = now.items != transfers_.items || before != speed_.current() ||
                             now.latencyMilliseconds != transfers_.latencyMilliseconds;
     transfers_ = std::move(now);
     if (hasChanged)
         Q_EMIT transfersChanged();
     if (isIdle)
         transferTimer_.stop();
+    else if (++samples_ % samplesToACount == 0)
+        refreshState();
+}
+
+QString MenuBarViewModel::currentUploadSpeedString() const {
+    return TransferActivityTracker::formatSpeed(speed_.current());
+}
+
+QString MenuBarViewModel::peakUploadSpeedString() const {
+    return TransferActivityTracker::formatSpeed(speed_.peak());
 }
 
 void MenuBarViewModel::toggleInspector() {

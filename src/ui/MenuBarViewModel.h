@@ -10,6 +10,7 @@
 #include "ui/LibrarySession.h"
 #include "ui/LogListModel.h"
 #include "ui/SessionCheckModel.h"
+#include "ui/SpeedMeter.h"
 #include "ui/ViewTypes.h"
 
 #include <QPointer>
@@ -23,14 +24,15 @@ namespace quorvane {
 class MenuBarViewModel final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isSignedIn READ isSignedIn NOTIFY accountChanged)
+    Q_PROPERTY(bool isSessionLapsed READ isSessionLapsed NOTIFY accountChanged)
     Q_PROPERTY(QString userEmail READ userEmail NOTIFY accountChanged)
     Q_PROPERTY(bool isSigningIn READ isSigningIn NOTIFY accountChanged)
     Q_PROPERTY(QString signInAddress READ signInAddress NOTIFY accountChanged)
 
-    Q_PROPERTY(quorvane::SyncVisualState syncState READ syncState NOTIFY syncChanged)
+    Q_PROPERTY(QString state READ stateName NOTIFY stateChanged)
+    Q_PROPERTY(quorvane::SyncVisualState syncState READ syncState NOTIFY stateChanged)
     Q_PROPERTY(bool isSyncing READ isSyncing NOTIFY syncChanged)
     Q_PROPERTY(QString lastSyncTimeString READ lastSyncTimeString NOTIFY syncChanged)
-    Q_PROPERTY(bool isLastRunComplete READ isLastRunComplete NOTIFY syncChanged)
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY statusMessageChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(int syncCompletedCount READ syncCompletedCount NOTIFY progressChanged)
@@ -109,6 +111,8 @@ class MenuBarViewModel final : public QObject {
         /// Gives a pasted callback to the sign-in that waits; false when it is not the awaited one.
         /// Blocks for moments.
         std::function<bool(const QString& url)> handOverURL = [](const QString&) { return false; };
+        /// Finds out whether the library is where it was, and opens it when it has come back.
+        std::function<void()> lookForLibrary = [] {};
         SessionCheckModel::Check checkSession = [](const std::stop_token&) {
             return std::vector<CheckedThing>();
         };
@@ -116,13 +120,19 @@ class MenuBarViewModel final : public QObject {
 
     MenuBarViewModel(const Services& services, const std::vector<LogEntry>& earlierLog = {});
 
-    /// Before the first library is chosen there is none. A run over an earlier one is stopped.
+    /// Before the first library is chosen there is none. A run over an earlier one is stopped; over
+    /// the same library it goes on in the new session.
     void setLibrary(std::shared_ptr<const LibrarySession> session);
+    /// It is not where it was, until it is set again.
+    void setLibraryAway(const AwayLibrary& library);
 
     // Commands. Main thread.
     Q_INVOKABLE void refreshState();
     Q_INVOKABLE void triggerSync();
     Q_INVOKABLE void stopSync();
+    /// A run that waits tries at once; one that does not goes on.
+    Q_INVOKABLE void tryNow();
+    Q_INVOKABLE void lookForLibrary() { s_.lookForLibrary(); }
     Q_INVOKABLE void signIn();
     Q_INVOKABLE void cancelSignIn();
     /// Ends a sign-in with the address to which Google sent the person's browser.
@@ -150,6 +160,9 @@ class MenuBarViewModel final : public QObject {
                                            bool sendsUndatable = false);
     Q_INVOKABLE void openLogFile();
 
+    /// Shown until it is dismissed, or the next thing is tried.
+    void showError(const QString& message);
+
     /// True while work of any command is under way.
     bool isWorking();
 
@@ -158,12 +171,25 @@ class MenuBarViewModel final : public QObject {
 
     // Published state.
     bool isSignedIn() const { return account_.isSignedIn; }
+    /// Somebody was signed in, and Google ended that.
+    bool isSessionLapsed() const { return account_.isLapsed; }
     const QString& userEmail() const { return account_.userEmail; }
     bool isSigningIn() const { return isSigningIn_; }
     /// Of the page on which the person signs in; empty when no sign-in is under way.
     QString signInAddress() const { return signInAddress_; }
-    SyncVisualState syncState() const { return syncState_; }
-    bool isSyncing() const { return isSyncing_; }
+    ProductState state() const { return state_; }
+    QString stateName() const { return rawValue(state_); }
+    /// All that the state follows from.
+    ProductFacts facts() const;
+    SyncVisualState syncState() const { return visualStateOf(state_); }
+    bool isSyncing() const {
+        return runState_.phase == RunState::Phase::running ||
+               runState_.phase == RunState::Phase::waiting;
+    }
+    /// Since when the run waits; while it does.
+    Date waitingSince() const { return waitingSince_; }
+    /// How long the run is likely to take from now on; none while that is not known.
+    std::optional<std::chrono::seconds> timeLeft() const;
     /// Of the latest run of this process: what it waits for, or how it ended.
     const RunState& runState() const { return runState_; }
     /// The next run tries the failed records again.
@@ -171,8 +197,6 @@ class MenuBarViewModel final : public QObject {
     const std::optional<Date>& lastSyncTime() const { return lastSyncTime_; }
     /// The local time of day, in the short style of the locale; "Henüz yok" before the first sync.
     QString lastSyncTimeString() const;
-    /// The last run of this process moved everything it had, and nothing was held back.
-    bool isLastRunComplete() const { return isLastRunComplete_; }
     const QString& statusMessage() const { return statusMessage_; }
     const QString& errorMessage() const { return errorMessage_; }
     int syncCompletedCount() const { return syncCompletedCount_; }
@@ -198,6 +222,9 @@ class MenuBarViewModel final : public QObject {
     const LibrarySession* library() const { return session_.get(); } ///< none: null
     const std::shared_ptr<const LibrarySession>& session() const { return session_; }
     const Services& services() const { return s_; }
+    /// While the chosen library is not where it was.
+    const std::optional<AwayLibrary>& awayLibrary() const { return away_; }
+    Date now() const { return s_.clock.now(); }
     const std::vector<LocalAlbumItem>& localAlbums() const { return localAlbums_; }
     QVariantList localAlbumRows() const { return toVariantList(localAlbums_); }
     int totalPhotoCount() const { return totalPhotoCount_; }
@@ -236,15 +263,18 @@ class MenuBarViewModel final : public QObject {
     bool isInspectorOpen() const { return isInspectorOpen_; }
     const std::vector<ActiveTransferItem>& activeTransfers() const { return transfers_.items; }
     QVariantList activeTransferRows() const { return toVariantList(transfers_.items); }
-    const QString& currentUploadSpeedString() const { return transfers_.currentSpeedText; }
-    const QString& peakUploadSpeedString() const { return transfers_.peakSpeedText; }
+    /// As a person would measure it; 0 while nothing runs.
+    QString currentUploadSpeedString() const;
+    QString peakUploadSpeedString() const;
     int latencyMs() const { return transfers_.latencyMilliseconds; }
     LogListModel* recentLogs() { return &recentLogs_; }
     SessionCheckModel* sessionCheck() { return &sessionCheck_; }
 
   Q_SIGNALS:
     void accountChanged();
+    void stateChanged(); ///< the product's state, or what is said of it
     void syncChanged();
+    void runEnded(const quorvane::SyncRunOutcome& outcome);
     void statusMessageChanged();
     void errorMessageChanged();
     void progressChanged();
@@ -261,6 +291,7 @@ class MenuBarViewModel final : public QObject {
   private:
     struct Account {
         bool isSignedIn = false;
+        bool isLapsed = false;
         QString userEmail;
         bool operator==(const Account&) const = default;
     };
@@ -284,10 +315,6 @@ class MenuBarViewModel final : public QObject {
         std::int64_t pendingCount = 0;
         bool operator==(const PreSync&) const = default;
     };
-    static inline const QString albumFullMessage = QStringLiteral("Albüm sınırı (20.000) doldu!");
-
-    /// Who ended the latest run before its time.
-    enum class EndCause { none, person, albumFull };
     using Signal = void (MenuBarViewModel::*)();
 
     /// The one way by which a published value changes.
@@ -318,15 +345,22 @@ class MenuBarViewModel final : public QObject {
     void startSignIn(bool isRenewal);
     /// An empty failure is the person's own decision.
     void signInEnded(bool isRenewal, const std::optional<QString>& failure);
-    void showError(const QString& message);
     bool isReadyToRun();
     void executeSyncLoop();
     void finishRun(int run, const SyncRunOutcome& outcome);
+    void concludeRun(const SyncRunOutcome& outcome);
     void tellOutcome(const SyncRunOutcome& outcome);
     void publishProgress(int completed, int total);
     void showLastRun();
     void publishRunState(const RunState& state);
-    void setRunning(bool running, SyncVisualState state);
+    /// The latest word on the run; everything that shows a state follows.
+    void setRun(const RunState& state);
+    void endRun(const RunState& state);
+    void updateState();
+    void rememberLastSync();
+    bool ended(RunState::End end) const {
+        return runState_.phase == RunState::Phase::ended && runState_.end == end;
+    }
     void createAlbum(const QString& title, std::function<void(const GoogleAlbum&)> created,
                      std::function<void(const QString&)> failed);
     void confirmPreSync(bool rollsOver);
@@ -341,11 +375,13 @@ class MenuBarViewModel final : public QObject {
     Account account_;
     bool isSigningIn_ = false;
     QString signInAddress_;
-    SyncVisualState syncState_ = SyncVisualState::idle;
-    bool isSyncing_ = false;
+    ProductState state_ = ProductState::signedOut;
     RunState runState_;
+    Date waitingSince_{};
+    std::optional<Clock::Monotonic> paceSince_; ///< when the run's first item was done
+    int paceFrom_ = 0;                          ///< what was done by then
+    std::optional<AwayLibrary> away_;
     std::optional<Date> lastSyncTime_;
-    bool isLastRunComplete_ = false;
     QString statusMessage_;
     QString errorMessage_;
     int syncCompletedCount_ = 0;
@@ -365,6 +401,8 @@ class MenuBarViewModel final : public QObject {
     AppTheme appTheme_;
     bool isInspectorOpen_ = false;
     TransferSnapshot transfers_;
+    SpeedMeter speed_;
+    int samples_ = 0; ///< of the transfers, since the run began
     LogListModel recentLogs_;
     SessionCheckModel sessionCheck_;
 
@@ -372,8 +410,7 @@ class MenuBarViewModel final : public QObject {
     bool knowsGoogleAlbums_ = false;            ///< of the account that is signed in
     bool isLibraryStale_ = true;                ///< its albums and total are to be counted
     bool hasLibraryChanged_ = false;            ///< since its albums were listed
-    int runNumber_ = 0; ///< of the latest run; an earlier one publishes nothing
-    EndCause endCause_ = EndCause::none;
+    int runNumber_ = 0;     ///< of the latest run; an earlier one publishes nothing
     int refreshNumber_ = 0; ///< of the latest refresh that was asked for
     std::vector<std::pair<int, std::function<void()>>> afterRefresh_;
     std::atomic<bool> isRefreshWaiting_ = false; ///< asked for, and not yet reading

@@ -18,7 +18,7 @@ QString boolText(bool value) {
 
 void MenuBarViewModel::selectSourceAlbum(const QString& id) {
     const auto album = std::ranges::find(localAlbums_, id, &LocalAlbumItem::id);
-    if (isSyncing_ || !session_ || (!id.isEmpty() && album == localAlbums_.end()))
+    if (isSyncing() || !session_ || (!id.isEmpty() && album == localAlbums_.end()))
         return;
     const QString title = id.isEmpty() ? Route().sourceTitle : album->title;
     store([&] {
@@ -42,7 +42,7 @@ void MenuBarViewModel::selectSourceAlbum(const QString& id) {
 
 void MenuBarViewModel::selectTargetAlbum(const QString& id) {
     const auto album = std::ranges::find(googleAlbums_, id, &GoogleAlbum::id);
-    if (isSyncing_ || (!id.isEmpty() && album == googleAlbums_.end()))
+    if (isSyncing() || (!id.isEmpty() && album == googleAlbums_.end()))
         return;
     store(
         [&] { s_.albums.selectTargetAlbum(id.isEmpty() ? std::nullopt : std::optional(*album)); });
@@ -150,15 +150,13 @@ void MenuBarViewModel::confirmPreSync(bool rollsOver) {
         s_.preferences.setBoolean(preferenceKeys::autoRolloverOnLimit, rollsOver);
         s_.preferences.setBoolean(preferenceKeys::stopAtLimit, !rollsOver);
     });
-    if (!isSyncing_)
+    if (!isSyncing())
         executeSyncLoop();
 }
 
 void MenuBarViewModel::handleAlbumLimitReached() {
-    endCause_ = EndCause::albumFull;
-    runStop_.request_stop();
-    setRunning(false, SyncVisualState::error);
-    publish(statusMessage_, albumFullMessage, &MenuBarViewModel::statusMessageChanged);
+    endRun({.phase = RunState::Phase::ended, .end = RunState::End::albumFull});
+    publish(statusMessage_, albumFullText, &MenuBarViewModel::statusMessageChanged);
     albumLimitAlertMessage_ =
         QStringLiteral("Hedef albümünüz (") + route_.targetTitle +
         QStringLiteral(") maksimum 20.000 medya kapasitesine ulaştı. '") +
@@ -166,7 +164,7 @@ void MenuBarViewModel::handleAlbumLimitReached() {
         QStringLiteral("' oluşturup aktarıma kesintisiz devam etmek ister misiniz?");
     showAlbumLimitAlert_ = true;
     Q_EMIT sheetsChanged();
-    notifyPerson(albumFullMessage, albumLimitAlertMessage_);
+    notifyPerson(albumFullText, albumLimitAlertMessage_);
 }
 
 void MenuBarViewModel::createNextPartAlbumAndResume() {
@@ -177,7 +175,7 @@ void MenuBarViewModel::createNextPartAlbumAndResume() {
             s_.log.log(
                 QStringLiteral("[MenuBarViewModel] 🎯 Parça albümü oluşturuldu ve seçildi: ") +
                 album.title.value_or(QString()));
-            if (!isSyncing_)
+            if (!isSyncing())
                 executeSyncLoop();
         },
         [this](const QString& error) {

@@ -3,23 +3,15 @@
 #include "ui/AlbumLimit.h"
 #include "ui/MenuBarViewModel.h"
 
-#include <QLocale>
-
 #include <algorithm>
 
 namespace quorvane {
 
 namespace {
 
-const QString stoppedMessage = QStringLiteral("Eşitleme kullanıcı tarafından durduruldu");
-
 const QString mirrorsBesideTargetText =
     QStringLiteral("Albümler hedef albümle birlikte Google'a taşınamaz: hedef olarak ana akışı "
                    "seçin ya da Ayarlar'da albümleri yansıtmayı kapatın");
-
-QString grouped(qint64 number) {
-    return QLocale().toString(number);
-}
 
 /// One run on the run thread: under the lock that keeps other processes out, unless it was stopped
 /// while it waited for its turn.
@@ -96,11 +88,16 @@ void MenuBarViewModel::signInEnded(bool isRenewal, const std::optional<QString>&
     }
     if (isRenewal)
         s_.log.log(QStringLiteral("[MenuBarViewModel] Yeniden yetkilendirme başarılı"));
-    hasSessionEnded_ = false;
+    const bool goesOn = hasSessionEnded_;
+    if (goesOn)
+        setRun({});
     if (session_)
         session_->run.stateFile.signedIn();
     s_.accountDidChange();
-    refreshState();
+    refreshThen([this, goesOn] {
+        if (goesOn && counts_.records.pending > 0)
+            triggerSync();
+    });
     loadGoogleAlbums();
 }
 
@@ -127,8 +124,7 @@ void MenuBarViewModel::showError(const QString& message) {
 
 void MenuBarViewModel::signOut() {
     cancelSignIn();
-    if (isSyncing_)
-        stopSync();
+    stopSync();
     googleTasks_.post([this](const std::stop_token& end) {
         try {
             s_.oauth.signOut(end);
@@ -142,6 +138,8 @@ void MenuBarViewModel::signOut() {
         post([this] {
             knowsGoogleAlbums_ = false;
             publish(googleAlbums_, {}, &MenuBarViewModel::googleAlbumsChanged);
+            if (hasSessionEnded_)
+                setRun({});
             s_.accountDidChange();
             refreshState();
         });
@@ -151,7 +149,7 @@ void MenuBarViewModel::signOut() {
 // The run.
 
 void MenuBarViewModel::triggerSync() {
-    if (isSyncing_)
+    if (isSyncing())
         return;
     const GoogleAlbum* album = selectedTargetAlbum();
     const QString title = album == nullptr ? QString() : album->title.value_or(QString());
@@ -167,7 +165,7 @@ void MenuBarViewModel::triggerSync() {
         executeSyncLoop();
         return;
     }
-    publish(syncState_, SyncVisualState::error, &MenuBarViewModel::syncChanged);
+    setRun({.phase = RunState::Phase::ended, .end = RunState::End::albumFull});
     albumLimitAlertMessage_ =
         QStringLiteral("Seçili Google Photos albümü (") + title +
         QStringLiteral(") 20.000 medya sınırına ulaştı (%1/20.000)! Lütfen yeni bir albüm "
@@ -179,14 +177,18 @@ void MenuBarViewModel::triggerSync() {
 
 /// What a run needs before it may touch a record; its absence is told.
 bool MenuBarViewModel::isReadyToRun() {
-    const QString obstacle =
-        !session_              ? QStringLiteral("Önce bir fotoğraf kitaplığı seçin.")
-        : !account_.isSignedIn ? OAuthError(OAuthError::Case::notSignedIn).localizedDescription()
-        : session_->choices.mirrorAlbums && !route_.targetID.isEmpty() ? mirrorsBesideTargetText
-                                                                       : QString();
+    const bool mirrorsBesideTarget =
+        session_ && session_->choices.mirrorAlbums && !route_.targetID.isEmpty();
+    const QString obstacle = !session_ ? QStringLiteral("Önce bir fotoğraf kitaplığı seçin.")
+                             : !account_.isSignedIn
+                                 ? OAuthError(OAuthError::Case::notSignedIn).localizedDescription()
+                             : mirrorsBesideTarget ? mirrorsBesideTargetText
+                                                   : QString();
     publish(errorMessage_, obstacle, &MenuBarViewModel::errorMessageChanged);
-    if (!obstacle.isEmpty())
-        publish(syncState_, SyncVisualState::error, &MenuBarViewModel::syncChanged);
+    if (mirrorsBesideTarget)
+        setRun({.phase = RunState::Phase::ended,
+                .end = RunState::End::machine,
+                .error = mirrorsBesideTargetText});
     return obstacle.isEmpty();
 }
 
@@ -198,24 +200,22 @@ void MenuBarViewModel::executeSyncLoop() {
                                             ? SyncRunOrder::TakesUp::everything
                                             : SyncRunOrder::TakesUp::whatTheMomentFailed};
     dismissAlbumLimitAlert();
-    setRunning(true, SyncVisualState::syncing);
+    setRun({.phase = RunState::Phase::running});
     publish(statusMessage_, QStringLiteral("Eşitleme başlatılıyor…"),
             &MenuBarViewModel::statusMessageChanged);
     publishProgress(0, counts_.records.pending);
-    endCause_ = EndCause::none;
-    runState_ = RunState{.phase = RunState::Phase::running};
     runStop_ = std::stop_source();
     transferTimer_.start();
 
     SyncRunCallbacks callbacks;
     callbacks.progress = [model = self_, run = ++runNumber_](int completed, int total) {
-        if (model && model->runNumber_ == run && model->isSyncing_)
+        if (model && model->runNumber_ == run && model->isSyncing())
             model->publishProgress(completed, total);
     };
     callbacks.passEnded = [this] { post([this] { refreshState(); }); };
     callbacks.stateChanged = [this, run = runNumber_](const RunState& state) {
         post([this, run, state] {
-            if (run == runNumber_ && isSyncing_)
+            if (run == runNumber_ && isSyncing() && state.phase != RunState::Phase::ended)
                 publishRunState(state);
         });
     };
@@ -233,28 +233,42 @@ void MenuBarViewModel::publishProgress(int completed, int total) {
         return;
     syncCompletedCount_ = completed;
     syncTotalCount_ = total;
+    if (completed > 0 && !paceSince_) {
+        paceSince_ = s_.clock.monotonic();
+        paceFrom_ = completed;
+    }
     Q_EMIT progressChanged();
+}
+
+std::optional<std::chrono::seconds> MenuBarViewModel::timeLeft() const {
+    using namespace std::chrono;
+    constexpr int leastItems = 5;
+    constexpr seconds leastTime{5};
+    if (!paceSince_ || runState_.phase != RunState::Phase::running)
+        return std::nullopt;
+    const int done = syncCompletedCount_ - paceFrom_;
+    const auto elapsed = duration_cast<milliseconds>(s_.clock.monotonic() - *paceSince_);
+    if (done < leastItems || elapsed < leastTime)
+        return std::nullopt;
+    return duration_cast<seconds>(elapsed * (syncTotalCount_ - syncCompletedCount_) / done);
 }
 
 /// While a run waits it says for what, wherever it is shown.
 void MenuBarViewModel::publishRunState(const RunState& state) {
-    runState_ = state;
+    setRun(state);
     if (state.phase == RunState::Phase::waiting)
         publish(statusMessage_, state.text(), &MenuBarViewModel::statusMessageChanged);
-    Q_EMIT syncChanged();
 }
 
 bool MenuBarViewModel::isRetryOffered() const {
-    return syncState_ == SyncVisualState::error ||
+    return state_ == ProductState::failed ||
            (counts_.records.failed > 0 && counts_.records.pending == 0);
 }
 
-void MenuBarViewModel::setRunning(bool running, SyncVisualState state) {
-    if (running == isSyncing_ && state == syncState_)
-        return;
-    isSyncing_ = running;
-    syncState_ = state;
-    Q_EMIT syncChanged();
+/// The display says so at once; the run's own thread follows.
+void MenuBarViewModel::endRun(const RunState& state) {
+    runStop_.request_stop();
+    setRun(state);
 }
 
 void MenuBarViewModel::finishRun(int run, const SyncRunOutcome& outcome) {
@@ -262,41 +276,39 @@ void MenuBarViewModel::finishRun(int run, const SyncRunOutcome& outcome) {
         refreshState(); // a later run has begun: the display is its own
         return;
     }
-    if (outcome.albumFull)
-        endCause_ = EndCause::albumFull;
-    const bool isFailed = outcome.hasFailed() || endCause_ == EndCause::albumFull;
-    if (!outcome.error)
-        lastSyncTime_ = s_.clock.now();
-    isLastRunComplete_ = !isFailed && !outcome.wasStopped && outcome.verified > 0 &&
-                         outcome.failed + outcome.undated == 0;
-    runState_ = outcome.state();
-    hasSessionEnded_ = runState_.needsSignIn();
-    isSyncing_ = false;
-    syncState_ = isFailed ? SyncVisualState::error : SyncVisualState::idle;
-    Q_EMIT syncChanged();
-    if (outcome.error)
-        publish(errorMessage_, *outcome.error, &MenuBarViewModel::errorMessageChanged);
-    else if (outcome.fault)
-        publish(errorMessage_, faultText(*outcome.fault), &MenuBarViewModel::errorMessageChanged);
     if (!route_.targetID.isEmpty())
         loadGoogleAlbums(); // the target's count has grown, or a next part was made
     refreshThen([this, run, outcome] {
         if (run == runNumber_)
-            tellOutcome(outcome);
+            concludeRun(outcome);
     });
+}
+
+/// With the counts of after the run, so that no state is shown that never was.
+void MenuBarViewModel::concludeRun(const SyncRunOutcome& outcome) {
+    if (!outcome.error)
+        rememberLastSync();
+    setRun(outcome.state());
+    if (outcome.error)
+        publish(errorMessage_, *outcome.error, &MenuBarViewModel::errorMessageChanged);
+    else if (outcome.fault)
+        publish(errorMessage_, faultText(*outcome.fault), &MenuBarViewModel::errorMessageChanged);
+    tellOutcome(outcome);
+    Q_EMIT runEnded(outcome);
+    if (outcome.fault && outcome.fault->code == FaultCode::libraryAway)
+        lookForLibrary();
 }
 
 /// The last word on a run, after the refresh that follows it; the next refresh replaces it.
 void MenuBarViewModel::tellOutcome(const SyncRunOutcome& outcome) {
-    const QString message =
-        endCause_ == EndCause::person      ? stoppedMessage
-        : endCause_ == EndCause::albumFull ? albumFullMessage
-        : outcome.fault                    ? outcome.state().text()
-        : outcome.failed > 0
-            ? grouped(outcome.failed) + QStringLiteral(" öğe aktarılamadı (tekrar denenecek)")
-            : statusMessage_;
+    const bool wasStopped = outcome.state().end == RunState::End::stopped;
+    const QString message = wasStopped           ? stoppedText
+                            : outcome.albumFull  ? albumFullText
+                            : outcome.fault      ? outcome.state().text()
+                            : outcome.failed > 0 ? untransferredText(outcome.failed)
+                                                 : statusMessage_;
     publish(statusMessage_, message, &MenuBarViewModel::statusMessageChanged);
-    if (endCause_ != EndCause::none)
+    if (wasStopped || outcome.albumFull)
         return;
     if (outcome.fault)
         notifyPerson(outcome.state().needsSignIn() ? QStringLiteral("Yeniden Giriş Gerekiyor")
@@ -304,20 +316,32 @@ void MenuBarViewModel::tellOutcome(const SyncRunOutcome& outcome) {
                      faultText(*outcome.fault));
     if (outcome.verified > 0)
         notifyPerson(QStringLiteral("Eşitleme Tamamlandı"),
-                     grouped(outcome.verified) + QStringLiteral(" öğe Google Photos'a aktarıldı."));
+                     groupedCount(outcome.verified) +
+                         QStringLiteral(" öğe Google Photos'a aktarıldı."));
     if (const int held = outcome.failed + outcome.undated; held > 0)
-        notifyPerson(QStringLiteral("Eşitleme Uyarısı"),
-                     grouped(held) + QStringLiteral(" öğe inceleme bekliyor"));
+        notifyPerson(QStringLiteral("Eşitleme Uyarısı"), reviewText(held));
 }
 
 void MenuBarViewModel::stopSync() {
-    if (!isSyncing_)
+    if (!isSyncing())
         return;
-    endCause_ = EndCause::person;
-    runStop_.request_stop();
-    s_.log.log(QStringLiteral("[Sync] ") + stoppedMessage);
-    publish(statusMessage_, stoppedMessage, &MenuBarViewModel::statusMessageChanged);
-    setRunning(false, SyncVisualState::idle);
+    endRun({.phase = RunState::Phase::ended, .end = RunState::End::stopped});
+    s_.log.log(QStringLiteral("[Sync] ") + stoppedText);
+    publish(statusMessage_, stoppedText, &MenuBarViewModel::statusMessageChanged);
+}
+
+void MenuBarViewModel::tryNow() {
+    if (session_ && isSyncing())
+        session_->run.attempts.tryNow();
+}
+
+/// For the next start of the program as well.
+void MenuBarViewModel::rememberLastSync() {
+    lastSyncTime_ = s_.clock.now();
+    store([&] {
+        s_.preferences.setString(preferenceKeys::lastSyncTime,
+                                 QString::number(lastSyncTime_->time_since_epoch().count()));
+    });
 }
 
 } // namespace quorvane

@@ -4,6 +4,31 @@
 
 namespace quorvane {
 
+SyncVisualState visualStateOf(ProductState state) {
+    switch (state) {
+    case ProductState::signedOut:
+    case ProductState::sessionLapsed:
+        return SyncVisualState::signedOut;
+    case ProductState::libraryAway:
+    case ProductState::waiting:
+    case ProductState::waitingQuota:
+        return SyncVisualState::waiting;
+    case ProductState::running:
+        return SyncVisualState::syncing;
+    case ProductState::failed:
+        return SyncVisualState::error;
+    case ProductState::noLibrary:
+    case ProductState::stopped:
+    case ProductState::neverBackedUp:
+    case ProductState::itemsWaiting:
+    case ProductState::heldBack:
+    case ProductState::finished:
+    case ProductState::upToDate:
+        break;
+    }
+    return SyncVisualState::idle;
+}
+
 QString rawValue(AppTheme theme) {
     switch (theme) {
     case AppTheme::light:

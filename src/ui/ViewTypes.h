@@ -4,6 +4,7 @@
 #include "google/TransferActivityTracker.h"
 #include "library/PhotoAlbumService.h"
 #include "store/SyncRecord.h"
+#include "sync/ProductState.h"
 
 #include <QObject>
 #include <QVariantMap>
@@ -15,9 +16,11 @@
 namespace quorvane {
 Q_NAMESPACE
 
-/// What the status item and the window show of a sync.
-enum class SyncVisualState { idle, syncing, error };
+/// What the status item shows; follows from the product's state.
+enum class SyncVisualState { idle, syncing, error, waiting, signedOut };
 Q_ENUM_NS(SyncVisualState)
+
+SyncVisualState visualStateOf(ProductState state);
 
 enum class AppTheme { system, light, dark };
 Q_ENUM_NS(AppTheme)

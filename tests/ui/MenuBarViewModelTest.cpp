@@ -61,15 +61,16 @@ TEST_F(MenuBarViewModelTest, aFirstBackup) {
   totalPhotoCount: 31
 ## sync without an account
   errorMessage: OAuth: kullanici giris yapmamis
-  syncState: error
 ## sign in
   errorMessage: 
   isSignedIn: true
+  state: never-backed-up
   syncState: idle
   userEmail: kullanici@example.com
 ## sync
   dateUnresolvedCount: 1
   pendingCount: 0
+  state: held-back
   statusMessage: Arşiviniz güncel ve güvende
   syncTotalCount: 31
   verifiedCount: 30
@@ -78,10 +79,11 @@ TEST_F(MenuBarViewModelTest, aFirstBackup) {
   dateFallbackMode: fileSaveDate
   dateUnresolvedCount: 0
   pendingCount: 1
+  state: items-waiting
   statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
 ## sync it
-  isLastRunComplete: true
   pendingCount: 0
+  state: finished
   statusMessage: Arşiviniz güncel ve güvende
   syncTotalCount: 1
   verifiedCount: 31
@@ -89,21 +91,23 @@ TEST_F(MenuBarViewModelTest, aFirstBackup) {
   dateFallbackMode: strictNone
   pendingCount: 1
   selectedSourceCount: 32
+  state: items-waiting
   statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
   totalPhotoCount: 32
 ## sync that
   dateUnresolvedCount: 1
-  isLastRunComplete: false
   pendingCount: 0
+  state: held-back
   statusMessage: Arşiviniz güncel ve güvende
 ## give it today's date
   dateFallbackMode: today
   dateUnresolvedCount: 0
   pendingCount: 1
+  state: items-waiting
   statusMessage: 1 yeni öğe eşitlenmeyi bekliyor
 ## sync it, too
-  isLastRunComplete: true
   pendingCount: 0
+  state: finished
   statusMessage: Arşiviniz güncel ve güvende
   verifiedCount: 32
 ## choose an album
@@ -114,10 +118,9 @@ TEST_F(MenuBarViewModelTest, aFirstBackup) {
   selectedSourceCount: 32
 ## sign out
   isSignedIn: false
-  pendingCount: 32
-  statusMessage: 32 yeni öğe eşitlenmeyi bekliyor
+  state: signed-out
+  syncState: signedOut
   userEmail: 
-  verifiedCount: 0
 )");
     EXPECT_EQ(world.google.mediaItems().size(), 32U);
     EXPECT_EQ(desktop.notices.join(u'\n').toStdString(),
@@ -171,19 +174,20 @@ TEST_F(MenuBarViewModelTest, theAlbumLimit) {
   pendingCount: 20
   selectedTargetAlbumCountString: 20.000 / 20.000
   showAlbumLimitAlert: true
+  state: failed
   statusMessage: Albüm sınırı (20.000) doldu!
   syncState: error
   syncTotalCount: 30
   verifiedCount: 10
 ## roll over
   googleAlbums: [20000, ⛔️ Aile (20.000 • Kapasite Dolu), Aile | 20000, ⛔️ Dolu (20.000 • Kapasite Dolu), Dolu | 20, Aile - Parça 2 (20), Aile - Parça 2]
-  isLastRunComplete: true
   isSelectedTargetAlbumFull: false
   isSelectedTargetAlbumNearLimit: false
   pendingCount: 0
   selectedTargetAlbumCountString: 20 / 20.000
   selectedTargetAlbumTitle: Aile - Parça 2
   showAlbumLimitAlert: false
+  state: finished
   statusMessage: Arşiviniz güncel ve güvende
   syncState: idle
   syncTotalCount: 20
@@ -196,6 +200,7 @@ TEST_F(MenuBarViewModelTest, theAlbumLimit) {
 ## sync into it
   albumLimitAlertMessage: Seçili Google Photos albümü (Dolu) 20.000 medya sınırına ulaştı (20.000/20.000)! Lütfen yeni bir albüm oluşturun veya başka bir albüm seçin.
   showAlbumLimitAlert: true
+  state: failed
   syncState: error
 )");
 }
@@ -217,18 +222,19 @@ TEST_F(MenuBarViewModelTest, anAlbumThatFillsUpDuringTheRun) {
   pendingCount: 20
   selectedTargetAlbumCountString: 19.910 / 20.000
   showAlbumLimitAlert: true
+  state: failed
   statusMessage: Albüm sınırı (20.000) doldu!
   syncState: error
   syncTotalCount: 30
   verifiedCount: 10
 ## go on in the next part
   googleAlbums: [19910, ⚠️ Aile (19.910 / 20.000 • Sınıra Yakın), Aile | 20, Aile - Parça 2 (20), Aile - Parça 2]
-  isLastRunComplete: true
   isSelectedTargetAlbumNearLimit: false
   pendingCount: 0
   selectedTargetAlbumCountString: 20 / 20.000
   selectedTargetAlbumTitle: Aile - Parça 2
   showAlbumLimitAlert: false
+  state: finished
   statusMessage: Arşiviniz güncel ve güvende
   syncState: idle
   syncTotalCount: 20
@@ -258,24 +264,25 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
         model->triggerSync();
     });
     expectStory(R"(## stop while an upload hangs
+  state: stopped
   statusMessage: Eşitleme kullanıcı tarafından durduruldu
   syncTotalCount: 30
 ## resume
-  isLastRunComplete: true
   pendingCount: 0
+  state: finished
   statusMessage: Arşiviniz güncel ve güvende
   verifiedCount: 30
 ## the access was withdrawn
   errorMessage: Google oturumu sona erdi, yeniden giriş yapın (Google: Token has been expired or revoked.)
-  isLastRunComplete: false
+  isSessionLapsed: true
   isSignedIn: false
   pendingCount: 1
   selectedSourceCount: 31
+  state: session-lapsed
   statusMessage: Eşitleme durdu: Google oturumu sona erdi, yeniden giriş yapın (Google: Token has been expired or revoked.)
-  syncState: error
+  syncState: signedOut
   syncTotalCount: 1
   totalPhotoCount: 31
-  userEmail: 
 )");
 }
 
@@ -388,6 +395,8 @@ TEST_F(MenuBarViewModelTest, aRefusedAccountAndAlbumAreTold) {
 ## sign in
   errorMessage: 
   isSignedIn: true
+  state: no-library
+  syncState: idle
   userEmail: kullanici@example.com
 ## listing forbidden
   hasInsufficientAlbumScopes: true
@@ -406,26 +415,26 @@ TEST_F(MenuBarViewModelTest, whatKeptAnEarlierRunStandsUntilItIsTriedAgain) {
     signIn();
     const auto ended = [&](FaultCode code) {
         house.core.runState.keep({.phase = RunState::Phase::ended,
-                              .end = RunState::End::world,
-                              .fault = Fault{.code = code}});
+                                  .end = RunState::End::world,
+                                  .fault = Fault{.code = code}});
         openLibrary();
     };
     ended(FaultCode::sessionEnded);
-    EXPECT_EQ(model->syncState(), SyncVisualState::error);
+    EXPECT_EQ(model->state(), ProductState::sessionLapsed);
     EXPECT_FALSE(model->isSignedIn());
     signIn();
-    openLibrary();
-    EXPECT_EQ(model->syncState(), SyncVisualState::idle);
-    EXPECT_TRUE(model->isSignedIn());
+    EXPECT_EQ(model->verifiedCount(), 2) << "what the session ended goes on";
 
+    world.addPicture(u"yeni.jpg"_s);
+    openLibrary();
     RecordLife(database()).stageFailed(database().fetchPendingRecords(1, 0).front(), u"bozuk"_s);
     ended(FaultCode::unreachable);
-    EXPECT_EQ(model->syncState(), SyncVisualState::error);
+    EXPECT_EQ(model->state(), ProductState::failed);
     EXPECT_TRUE(model->isRetryOffered());
     model->triggerSync();
     settle();
-    EXPECT_EQ(model->verifiedCount(), 2);
-    EXPECT_EQ(model->syncState(), SyncVisualState::idle);
+    EXPECT_EQ(model->verifiedCount(), 3);
+    EXPECT_EQ(model->state(), ProductState::finished);
 }
 
 } // namespace

@@ -73,6 +73,7 @@ ModelWorld::ModelWorld() {
         session_ = std::move(session);
         model->setLibrary(session_);
     };
+    host.onAway = [this](const AwayLibrary& library) { model->setLibraryAway(library); };
     restart();
     lastState_ = stateOf(*model);
 }
@@ -83,7 +84,7 @@ void ModelWorld::restart() {
         logPublisher, house.console, clock, desktop,
         [file = house.core.folders.runLock()] { return std::make_shared<RunLock>(file); },
         house.core.logger.logFile(), [this] { host.accountDidChange(); },
-        [this](const QString& url) { return handOverURL(url); },
+        [this](const QString& url) { return handOverURL(url); }, [this] { host.look(); },
         [this](const std::stop_token&) { return checkedThings; }});
 }
 
@@ -120,7 +121,9 @@ bool ModelWorld::settle() {
                 return false;
             QCoreApplication::sendPostedEvents();
         }
-        const bool isReopened = !session_ || session_->life.account() == house.google.account();
+        const AccountIdentity account = house.google.account();
+        const bool isReopened =
+            !session_ || !account.isKnown() || session_->life.account() == account;
         return isReopened && !model->isWorking();
     };
     return waitOnMainThread(isSettled);

@@ -99,10 +99,17 @@ TEST(StatusItemTest, theItemFollowsTheSync) {
     menu.actions().at(1)->trigger();
     EXPECT_FALSE(controller.animator().isRunning());
     ASSERT_TRUE(world.settle());
-    controller.updateStatusItemIcon(SyncVisualState::error);
-    EXPECT_EQ(controller.statusItem()->toolTip(), u"Eşitleme Uyarısı"_s);
-    const QImage error = controller.statusItem()->icon().pixmap(22).toImage();
-    EXPECT_EQ(error.pixelColor(error.width() / 8, error.height() / 2), QColor(badgeRed));
+    for (const auto& [state, color] : {std::pair{SyncVisualState::error, badgeRed},
+                                       {SyncVisualState::waiting, badgeAmber},
+                                       {SyncVisualState::signedOut, badgeGrey},
+                                       {SyncVisualState::idle, badgeBlue}}) {
+        controller.updateStatusItemIcon(state);
+        const QImage icon = controller.statusItem()->icon().pixmap(22).toImage();
+        EXPECT_EQ(icon.pixelColor(icon.width() / 8, icon.height() / 2), QColor(color));
+    }
+    world.model->signOut();
+    ASSERT_TRUE(world.settle());
+    EXPECT_EQ(controller.statusItem()->toolTip(), u"Giriş yapılmadı"_s);
 }
 
 TEST(StatusItemTest, theWindowOpensWhereThereIsNoPlaceForTheItem) {

@@ -98,7 +98,7 @@ TEST_F(WindowStoryTest, aRouteIsChosen) {
         world.google.addAlbum(title, count);
     openSignedIn();
     expectShown({u"Fotoğraf & Video Arşivi (2)"_s, u"Google Fotoğraflar (Ana Akış / Kitaplık)"_s,
-                 u"Eşitlenmeyi Bekleyenler Var"_s, u"2 yeni öğe eşitlenmeyi bekliyor"_s});
+                 u"2 yeni öğe eşitlenmeyi bekliyor"_s, u"Son eşitleme: Henüz yok"_s});
     shot(u"main-idle-light"_s);
     click(u"source"_s);
     expectShown({u"Özel Albümlerim"_s, u"Aile (1)"_s});
@@ -200,6 +200,51 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     EXPECT_TRUE(model->isAutoDeleteEnabled());
     choose(u"theme"_s, u"Koyu"_s);
     shot(u"main-done-dark"_s);
+}
+
+TEST_F(WindowStoryTest, aWaitAnEndedSessionAndALibraryThatIsAway) {
+    const auto awaitState = [&](ProductState state) {
+        return awaitView([&, state] { return model->state() == state; });
+    };
+    world.addPictures(3);
+    openSignedIn();
+    shot(u"state-never-backed-up-light"_s);
+    clock.skipSleeps(false);
+    world.google.change([](emulator::Behaviour& google) { google.dailyRequests = 1; });
+    click(u"start"_s);
+    ASSERT_TRUE(awaitState(ProductState::waitingQuota));
+    expectShown({u"Google'ın günlük sınırı doldu"_s, u"duraklatıldı"_s});
+    shot(u"state-waiting-quota-light"_s);
+    window.applyTheme(AppTheme::dark);
+    shot(u"state-waiting-quota-dark"_s);
+    window.applyTheme(AppTheme::light);
+    world.google.change([](emulator::Behaviour& google) { google.dailyRequests = 0; });
+    click(u"tryNow"_s);
+    ASSERT_TRUE(awaitState(ProductState::finished));
+    expectShown({u"Eşitleme Tamamlandı"_s});
+
+    world.addPicture(u"yeni.jpg"_s);
+    scan();
+    expectShown({u"1 yeni öğe eşitlenmeyi bekliyor"_s});
+    world.google.revokeTokens();
+    click(u"start"_s);
+    ASSERT_TRUE(awaitState(ProductState::sessionLapsed));
+    expectShown({u"Oturumun süresi doldu"_s, u"1 öğe giriş bekliyor"_s});
+    expectHidden({u"Google ile Giriş Yap"_s, u"Şimdi Eşitle"_s});
+    shot(u"state-session-lapsed-light"_s);
+    click(u"signInAgain"_s);
+    ASSERT_TRUE(awaitState(ProductState::finished)) << "what the session ended goes on";
+
+    const std::filesystem::path elsewhere = world.folder / "elsewhere";
+    std::filesystem::rename(world.pictures, elsewhere);
+    model->lookForLibrary();
+    ASSERT_TRUE(awaitState(ProductState::libraryAway));
+    expectShown({u"Arşiv bağlı değil"_s, u"Resim klasörü · 4 öğe"_s, u"Başka Kitaplık…"_s});
+    expectHidden({u"Şimdi Eşitle"_s});
+    shot(u"state-library-away-light"_s);
+    std::filesystem::rename(elsewhere, world.pictures);
+    click(u"lookAgain"_s);
+    ASSERT_TRUE(awaitState(ProductState::upToDate));
 }
 
 TEST_F(WindowStoryTest, warningsAndTheQuarantine) {

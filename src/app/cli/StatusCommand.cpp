@@ -6,6 +6,7 @@
 #include "app/cli/TextTable.h"
 #include "foundation/FileLock.h"
 #include "store/RecordAbsences.h"
+#include "sync/ProductState.h"
 
 #include <QDateTime>
 #include <QJsonArray>
@@ -20,6 +21,7 @@ struct Status {
     StoreCounts counts;
     bool signedIn = false;
     RunState run;
+    ProductFacts facts;
     QString email;
     QString library;
     QString targetAlbum;
@@ -46,6 +48,21 @@ RunState runStateOf(const CoreServices& core) {
             .error = QStringLiteral("program kapandı")};
 }
 
+ProductFacts factsOf(const CoreServices& core, bool isSignedIn, const StoreCounts& counts,
+                     const RunState& run) {
+    using Library = ProductFacts::Library;
+    const auto library = rememberedLibrary(core);
+    return {.isSignedIn = isSignedIn,
+            .library = !library            ? Library::none
+                       : isThere(*library) ? Library::open
+                                           : Library::away,
+            .pending = counts.pending,
+            .verified = counts.verified,
+            .failed = counts.failed,
+            .undated = counts.undated,
+            .run = run};
+}
+
 QString accountText(const Status& status) {
     if (!status.signedIn)
         return QStringLiteral("açılmamış");
@@ -56,7 +73,9 @@ QString accountText(const Status& status) {
 }
 
 QString table(const Status& status, const UserFolders& folders, const StatePlace& place) {
-    QString text = tableRow(QStringLiteral("Oturum"), accountText(status));
+    QString text =
+        tableRow(QStringLiteral("Durum"), titleOf(productState(status.facts), status.facts)) +
+        tableRow(QStringLiteral("Oturum"), accountText(status));
     if (const QString run = status.run.text(); !run.isEmpty())
         text += tableRow(QStringLiteral("Son durum"), run);
     text += tableRow(QStringLiteral("Arşiv"),
@@ -121,9 +140,11 @@ int status(Invocation& invocation) {
     }
     const StatePlace place = state.place.value_or(core.states.first());
     const StoreCounts counts = StoreCounts::of(state.db);
+    const RunState run = runStateOf(core);
     const Status now{counts,
                      google.oauth.isSignedIn(),
-                     runStateOf(core),
+                     run,
+                     factsOf(core, google.oauth.isSignedIn(), counts, run),
                      google.oauth.email().value_or(QString()),
                      core.preferences.string(preferenceKeys::libraryPath).value_or(QString()),
                      core.preferences.string(preferenceKeys::targetAlbumTitle).value_or(QString()),
@@ -137,6 +158,7 @@ int status(Invocation& invocation) {
     printJson(core.console,
               {{QStringLiteral("signedIn"), now.signedIn},
                {QStringLiteral("needsSignIn"), now.run.needsSignIn()},
+               {QStringLiteral("product"), rawValue(productState(now.facts))},
                {QStringLiteral("state"), now.run.json()},
                {QStringLiteral("daysLeft"), now.daysLeft},
                {QStringLiteral("email"), now.email},

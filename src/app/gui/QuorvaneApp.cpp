@@ -2,6 +2,7 @@
 
 #include "app/RunLock.h"
 #include "app/SessionCheck.h"
+#include "foundation/File.h"
 
 #include <QApplication>
 
@@ -47,6 +48,7 @@ QuorvaneApp::QuorvaneApp(const UserFolders& folders)
     library_.onOpened = [this](std::shared_ptr<const LibrarySession> session) {
         model_.setLibrary(std::move(session));
     };
+    library_.onAway = [this](const AwayLibrary& library) { model_.setLibraryAway(library); };
     library_.onChanged = [this] { model_.libraryDidChange(); };
     QObject::connect(&window_, &MainWindowController::chooseLibraryRequested, &model_, [this] {
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
@@ -74,6 +76,7 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             core_.logger.logFile(),
             [this] { library_.accountDidChange(); },
             [this](const QString& url) { return PlatformPorts::handOver(core_.folders, url); },
+            [this] { library_.look(); },
             [this](const std::stop_token& stop) { return checkedThings(stop); }};
 }
 
@@ -127,10 +130,13 @@ AppDelegate::Platform QuorvaneApp::launchPlatform() {
 /// Choosing a library is what gives the permission to read it; choosing none refuses it.
 void QuorvaneApp::chooseLibrary(const LibraryHost::Answer& answer) {
     dialogs_.chooseLibrary(core_.folders.pictures, [this, answer](auto path) {
-        if (path)
-            library_.open(*path, answer);
-        else
-            answer(AuthorizationStatus::denied);
+        if (!path)
+            return answer(AuthorizationStatus::denied);
+        library_.open(*path, [this, answer, path = *path](AuthorizationStatus status) {
+            if (status != AuthorizationStatus::authorized && status != AuthorizationStatus::limited)
+                model_.showError(QStringLiteral("Bu kitaplık okunamıyor: ") + pathText(path));
+            answer(status);
+        });
     });
 }
 

@@ -52,21 +52,11 @@ Card {
             checked = Qt.binding(() => card.dashboard.isAutoDeleteEnabled);
         }
     }
-    Symbol {
-        x: 25
-        y: note.y
-        size: 16
-        name: "shield.checkmark.fill"
-        color: Theme.textTertiary
-    }
-    Words {
+    NoteRow {
         id: note
-        x: 61
+        x: 17
         y: words.y + words.implicitHeight + 10
-        width: parent.width - x - 17
-        role: Theme.note
+        width: parent.width - 34
         text: "Öğeleriniz yalnızca bulutta doğrulandıktan sonra silinmek üzere Apple Fotoğraflar sistem onayına sunulur. Silinenler 30 gün boyunca 'Son Silinenler' albümünde kalır."
-        color: Theme.textSecondary
-        wrapMode: Text.Wrap
     }
 }

@@ -7,10 +7,12 @@ Card {
 
     required property Dashboard dashboard
     readonly property heroView hero: dashboard.hero
-    readonly property bool isSyncing: hero.kind === "syncing"
-    readonly property real below: 57 + 12 + (quarantine.visible ? 48 : 0)
+    readonly property bool hasButton: hero.canStop || hero.startTitle.length > 0
+    readonly property real buttonTop: height - 17 - (hasButton ? (hero.canTryNow ? pair.implicitHeight : 40) : 0)
+    readonly property real below: (hasButton ? height - buttonTop + 12 : 17) + (quarantine.visible ? 48 : 0)
+                                  + (safety.visible ? safety.height + 12 : 0)
 
-    implicitHeight: 17 + 88 + below
+    implicitHeight: 17 + Math.max(88, words.implicitHeight) + below
 
     HeroRing {
         id: ring
@@ -20,6 +22,7 @@ Card {
         hero: card.hero
     }
     Column {
+        id: words
         x: 121
         width: parent.width - x - 17
         anchors.verticalCenter: ring.verticalCenter
@@ -34,6 +37,7 @@ Card {
         }
         Item { width: 1; height: 2 }
         Words {
+            objectName: "heroSubtitle"
             width: parent.width
             role: Theme.caption
             text: card.hero.subtitle
@@ -48,11 +52,11 @@ Card {
             text: card.hero.note
             color: Theme.textTertiary
             wrapMode: Text.Wrap
-            visible: !card.isSyncing
+            visible: !card.hero.canStop
         }
         Row {
             spacing: 8
-            visible: card.isSyncing
+            visible: card.hero.canStop
 
             Words { role: Theme.button; text: card.hero.note }
             Rectangle {
@@ -62,28 +66,69 @@ Card {
                 color: Theme.textTertiary
                 anchors.verticalCenter: parent.verticalCenter
             }
-            Words { role: Theme.button; text: card.hero.speed; color: Theme.accentText }
+            Words {
+                role: Theme.button
+                text: card.hero.aside
+                color: card.hero.canTryNow ? Theme.warning : Theme.accentText
+            }
         }
+        Words {
+            objectName: "timeLeft"
+            width: parent.width
+            role: Theme.caption
+            text: card.hero.timeLeft
+            color: Theme.textTertiary
+            visible: text.length > 0
+        }
+    }
+    NoteRow {
+        id: safety
+        objectName: "safety"
+        x: 17
+        y: card.buttonTop - height - 12 - (quarantine.visible ? 48 : 0)
+        width: parent.width - 34
+        text: card.hero.safety
+        visible: text.length > 0
     }
     QuarantineLink {
         id: quarantine
         objectName: "quarantineLink"
         x: 17
-        y: button.y - 48
+        y: card.buttonTop - (card.hasButton ? 48 : 36)
         width: parent.width - 34
         text: card.hero.quarantine
         visible: text.length > 0
         onClicked: card.dashboard.model.showQuarantineSheet = true
     }
-    ActionButton {
-        id: button
-        objectName: card.isSyncing ? "stop" : "start"
+    ButtonPair {
+        id: pair
         x: 17
-        y: parent.height - 57
+        y: card.buttonTop
         width: parent.width - 34
-        kind: card.isSyncing ? "outline" : "filled"
-        symbol: card.isSyncing ? "stop.fill" : "arrow.triangle.2.circlepath"
-        text: card.isSyncing ? "Eşitlemeyi Durdur" : card.hero.startTitle
-        onClicked: card.isSyncing ? card.dashboard.model.stopSync() : card.dashboard.model.triggerSync()
+        visible: card.hero.canTryNow
+        first: ActionButton {
+            objectName: "tryNow"
+            kind: "filled"
+            symbol: "arrow.triangle.2.circlepath"
+            text: "Şimdi Dene"
+            onClicked: card.dashboard.model.tryNow()
+        }
+        second: ActionButton {
+            objectName: pair.visible ? "stop" : ""
+            symbol: "stop.fill"
+            text: "Eşitlemeyi Durdur"
+            onClicked: card.dashboard.model.stopSync()
+        }
+    }
+    ActionButton {
+        objectName: !visible ? "" : card.hero.canStop ? "stop" : "start"
+        x: 17
+        y: card.buttonTop
+        width: parent.width - 34
+        visible: card.hasButton && !card.hero.canTryNow
+        kind: card.hero.canStop ? "outline" : "filled"
+        symbol: card.hero.canStop ? "stop.fill" : "arrow.triangle.2.circlepath"
+        text: card.hero.canStop ? "Eşitlemeyi Durdur" : card.hero.startTitle
+        onClicked: card.hero.canStop ? card.dashboard.model.stopSync() : card.dashboard.model.triggerSync()
     }
 }

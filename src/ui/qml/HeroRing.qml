@@ -1,20 +1,29 @@
 import QtQuick
 import Quorvane
 
-/// How far a sync is, or how the last one ended.
+/// How far a sync is, or how things are.
 Ring {
     id: ring
 
     required property heroView hero
-    readonly property bool isWarning: hero.kind === "warning"
-    readonly property bool isSyncing: hero.kind === "syncing"
-    readonly property bool isPending: hero.kind === "pending"
+    readonly property var tones: ({
+        neutral: { disc: Theme.surfaceInset, track: Theme.track, ink: Theme.textSecondary },
+        good: { disc: Theme.successTint, track: Theme.successTrack, ink: Theme.success },
+        done: { disc: Theme.successTint, track: Theme.successTrack, ink: Theme.success },
+        syncing: { disc: "transparent", track: Theme.track, ink: Theme.progress },
+        waiting: { disc: Theme.warningTint, track: Theme.warningBorder, ink: Theme.warningIcon },
+        warning: { disc: Theme.warningTint, track: Theme.warningBorder, ink: Theme.warningIcon },
+        error: { disc: Theme.dangerTint, track: Theme.dangerTrack, ink: Theme.danger }
+    })
+    readonly property var tone: tones[hero.tone] ?? tones.neutral
+    readonly property bool isSyncing: hero.tone === "syncing"
+    readonly property bool isPause: hero.symbol === "x.pause"
 
     width: 88
     height: 88
-    disc: isSyncing ? "transparent" : isPending ? Theme.accentTint : isWarning ? Theme.dangerTint : Theme.successTint
-    track: isSyncing || isPending ? Theme.track : isWarning ? Theme.dangerTrack : Theme.successTrack
-    arc: isSyncing ? Theme.progress : Theme.success
+    disc: tone.disc
+    track: tone.track
+    arc: tone.ink
     fraction: hero.fraction
     Accessible.role: Accessible.ProgressBar
     Accessible.name: hero.ringName
@@ -34,9 +43,10 @@ Ring {
     }
     Symbol {
         anchors.centerIn: parent
-        size: 38
+        size: ring.isPause ? 34 : 38
+        stroke: ring.isPause ? 2.25 : 1.75
         visible: !ring.isSyncing
         name: ring.hero.symbol
-        color: ring.isPending ? Theme.accentText : ring.isWarning ? Theme.danger : Theme.success
+        color: ring.tone.ink
     }
 }

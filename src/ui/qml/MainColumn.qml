@@ -9,6 +9,7 @@ Item {
 
     required property Dashboard dashboard
     readonly property Item focusItem: Window.activeFocusItem
+    readonly property bool hasAccount: dashboard.account.isSignedIn || dashboard.account.isLapsed
 
     function reveal(item: Item) {
         const top = item.mapToItem(cards, 0, 0).y - 8;
@@ -46,8 +47,8 @@ Item {
 
             SignInCard {
                 dashboard: column.dashboard
-                visible: !column.dashboard.account.isSignedIn
-                Layout.row: 1
+                visible: !column.dashboard.account.isSignedIn && !column.dashboard.account.isLapsed
+                Layout.row: 2
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.minimumHeight: implicitHeight
@@ -57,14 +58,23 @@ Item {
             AccountRow {
                 dashboard: column.dashboard
                 visible: column.dashboard.account.isSignedIn
-                Layout.row: 2
+                Layout.row: 3
                 Layout.fillWidth: true
                 Layout.margins: 16
                 Layout.bottomMargin: 4
             }
+            LapsedCard {
+                objectName: "lapsed"
+                dashboard: column.dashboard
+                visible: column.dashboard.account.isLapsed
+                Layout.row: 3
+                Layout.fillWidth: true
+                Layout.margins: 16
+                Layout.bottomMargin: 0
+            }
             RouteCard {
                 dashboard: column.dashboard
-                Layout.row: 3
+                Layout.row: 4
                 Layout.fillWidth: true
                 Layout.margins: 16
                 Layout.topMargin: 12
@@ -77,7 +87,7 @@ Item {
                 visible: text.length > 0
                 dismissible: true
                 onDismissed: column.dashboard.model.dismissError()
-                Layout.row: 0
+                Layout.row: 1
                 Layout.fillWidth: true
                 Layout.margins: 16
                 Layout.bottomMargin: 0
@@ -86,7 +96,7 @@ Item {
                 objectName: "scopesCard"
                 dashboard: column.dashboard
                 visible: column.dashboard.route.lacksAlbumScopes
-                Layout.row: 4
+                Layout.row: 5
                 Layout.fillWidth: true
                 Layout.margins: 16
                 Layout.topMargin: 12
@@ -95,8 +105,20 @@ Item {
             HeroCard {
                 objectName: "hero"
                 dashboard: column.dashboard
-                visible: column.dashboard.account.isSignedIn
-                Layout.row: 5
+                visible: column.hasAccount && !column.dashboard.library.isAway
+                Layout.row: 6
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.minimumHeight: implicitHeight
+                Layout.margins: 16
+                Layout.topMargin: 12
+                Layout.bottomMargin: 0
+            }
+            AwayCard {
+                objectName: "libraryAway"
+                dashboard: column.dashboard
+                visible: column.hasAccount && column.dashboard.library.isAway
+                Layout.row: 6
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.minimumHeight: implicitHeight
@@ -106,11 +128,11 @@ Item {
             }
             DeletionCard {
                 dashboard: column.dashboard
-                Layout.row: 6
+                Layout.row: 7
                 Layout.fillWidth: true
                 Layout.margins: 16
                 Layout.topMargin: 12
-                Layout.bottomMargin: hint.visible ? 4 : 12
+                Layout.bottomMargin: 12
             }
             Words {
                 id: hint
@@ -121,11 +143,11 @@ Item {
                 color: Theme.textTertiary
                 horizontalAlignment: Text.AlignHCenter
                 wrapMode: Text.Wrap
-                Layout.row: 7
+                Layout.row: 0
                 Layout.fillWidth: true
-                Layout.leftMargin: 16
-                Layout.rightMargin: 16
-                Layout.bottomMargin: 4
+                Layout.margins: 16
+                Layout.topMargin: 8
+                Layout.bottomMargin: 0
             }
         }
     }

@@ -10,6 +10,8 @@ AbstractButton {
     property string caption
     property string value
     property string detail
+    /// Shown while the pointer rests on the row.
+    property string tip
     property alias rows: menu.rows
     property alias menuGap: menu.gap
     signal chosen(string command, string value)
@@ -64,7 +66,9 @@ AbstractButton {
         }
         Words {
             id: count
-            x: parent.width - 42 - implicitWidth
+            x: parent.width - 42 - width
+            width: Math.min(implicitWidth, 130)
+            elide: Text.ElideMiddle
             role: Theme.caption
             text: control.detail
             color: Theme.textSecondary
@@ -80,6 +84,7 @@ AbstractButton {
         }
     }
 
+    Tip { shown: control.tip.length > 0 && control.hovered && !menu.visible; text: control.tip }
     ChoiceMenu {
         id: menu
         x: -1

@@ -28,7 +28,10 @@ Column {
             y: 5
             width: parent.width - 2
             symbol: "photo.stack.fill"
+            enabled: !column.dashboard.library.isAway
             caption: "Kaynak (Apple Photos)"
+            detail: column.dashboard.library.name
+            tip: column.dashboard.library.kind + "\n" + column.dashboard.library.path
             value: column.route.source
             rows: column.dashboard.sourceMenu
             onChosen: (command, value) => column.dashboard.choose(command, value)

@@ -7,6 +7,7 @@ Rectangle {
 
     property alias symbol: glyph.name
     property bool muted: false
+    property color ink: !enabled ? Theme.textDisabled : muted ? Theme.textSecondary : Theme.accentText
 
     implicitWidth: 32
     implicitHeight: 32
@@ -16,6 +17,6 @@ Rectangle {
     Symbol {
         id: glyph
         anchors.centerIn: parent
-        color: !tile.enabled ? Theme.textDisabled : tile.muted ? Theme.textSecondary : Theme.accentText
+        color: tile.ink
     }
 }

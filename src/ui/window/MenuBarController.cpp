@@ -16,6 +16,38 @@ constexpr std::chrono::seconds hostPatience{3};
 constexpr std::chrono::milliseconds sizePatience{500}; ///< for a tray to take the item in
 constexpr int usualSide = 22; // points; panels that tell no size use about this much
 
+struct Badge {
+    QString symbol;
+    QRgb color;
+    double stroke = 2;
+};
+
+/// Of a state that does not move.
+Badge badgeOf(SyncVisualState state) {
+    switch (state) {
+    case SyncVisualState::error:
+        return {QStringLiteral("exclamationmark.circle.fill"), badgeRed};
+    case SyncVisualState::waiting:
+        return {QStringLiteral("x.pause"), badgeAmber, 3};
+    case SyncVisualState::signedOut:
+        return {QStringLiteral("x.person"), badgeGrey, 2.4};
+    case SyncVisualState::idle:
+    case SyncVisualState::syncing:
+        break;
+    }
+    return {QStringLiteral("photo.on.rectangle"), badgeBlue};
+}
+
+QString toolTipOf(ProductState state, const ProductFacts& facts) {
+    if (state == ProductState::sessionLapsed)
+        return QStringLiteral("Oturumun süresi doldu");
+    if (state == ProductState::running)
+        return QStringLiteral("Eşitleme devam ediyor...");
+    return visualStateOf(state) == SyncVisualState::idle && state != ProductState::heldBack
+               ? QStringLiteral("Quorvane")
+               : titleOf(state, facts);
+}
+
 } // namespace
 
 MenuBarController::MenuBarController(MenuBarViewModel& model, MainWindowController& window,
@@ -59,13 +91,12 @@ void MenuBarController::openWindowInstead() {
 }
 
 void MenuBarController::observeViewModel() {
-    connect(&model_, &MenuBarViewModel::syncChanged, this, [this] {
+    connect(&model_, &MenuBarViewModel::stateChanged, this, [this] {
         if (shownState_ != model_.syncState())
             updateStatusItemIcon(model_.syncState());
         updateToolTip();
         updateMenu();
     });
-    connect(&model_, &MenuBarViewModel::accountChanged, this, &MenuBarController::updateMenu);
     updateStatusItemIcon(model_.syncState());
     updateMenu();
 }
@@ -91,25 +122,16 @@ void MenuBarController::updateStatusItemIcon(SyncVisualState state) {
         return;
     }
     animator_.stop();
-    const bool isError = state == SyncVisualState::error;
-    item_->setIcon(QIcon(QPixmap::fromImage(
-        drawSymbolBadge(isError ? QStringLiteral("exclamationmark.circle.fill")
-                                : QStringLiteral("photo.on.rectangle"),
-                        MenuBarIconAnimator::side, pixels / MenuBarIconAnimator::side,
-                        isError ? badgeRed : badgeBlue))));
+    const Badge badge = badgeOf(state);
+    item_->setIcon(QIcon(QPixmap::fromImage(drawSymbolBadge(badge.symbol, MenuBarIconAnimator::side,
+                                                            pixels / MenuBarIconAnimator::side,
+                                                            badge.color, badge.stroke))));
 }
 
-/// What the run waits for, or what ended it, where there is something of the kind to say.
 void MenuBarController::updateToolTip() {
-    if (!item_)
-        return;
-    const RunState& run = model_.runState();
-    const QString usual =
-        shownState_ == SyncVisualState::syncing ? QStringLiteral("Eşitleme devam ediyor...")
-        : shownState_ == SyncVisualState::error ? QStringLiteral("Eşitleme Uyarısı")
-                                                : QStringLiteral("Quorvane");
-    const bool saysMore = shownState_ != SyncVisualState::idle && run.fault;
-    item_->setToolTip(saysMore ? run.text() : usual);
+    const QString text = toolTipOf(model_.state(), model_.facts());
+    if (item_ && item_->toolTip() != text)
+        item_->setToolTip(text);
 }
 
 void MenuBarController::statusItemClicked() {

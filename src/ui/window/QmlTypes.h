@@ -81,6 +81,12 @@ struct HeroViewForQml {
     QML_VALUE_TYPE(heroView)
 };
 
+struct LibraryViewForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::LibraryView)
+    QML_VALUE_TYPE(libraryView)
+};
+
 struct InspectorViewForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::InspectorView)

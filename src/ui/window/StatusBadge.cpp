@@ -33,11 +33,12 @@ QImage drawBadge(QSizeF size, double scale, QRgb color,
     return image;
 }
 
-QImage drawSymbolBadge(const QString& symbol, double side, double scale, QRgb color) {
+QImage drawSymbolBadge(const QString& symbol, double side, double scale, QRgb color,
+                       double stroke) {
     return drawBadge({side, side}, scale, color, [&](QPainter& painter) {
         const double room = side - 2 * symbolMargin;
         symbols::draw(painter, symbol, QRectF(symbolMargin, symbolMargin, room, room), Qt::white,
-                      2);
+                      stroke);
     });
 }
 
