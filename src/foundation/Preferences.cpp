@@ -19,7 +19,8 @@ bool Preferences::boolean(const QString& key) const {
 }
 
 std::int64_t Preferences::number(const QString& key) const {
-    return value(key).toInteger(0);
+    const QJsonValue stored = value(key);
+    return stored.isString() ? stored.toString().toLongLong() : stored.toInteger(0);
 }
 
 std::optional<QByteArray> Preferences::data(const QString& key) const {

@@ -17,8 +17,9 @@ QString partOf(const QString& nextPartTitle) {
 
 } // namespace
 
-Dashboard::Dashboard(MenuBarViewModel& model)
-    : model_(model), librarySettings_(model), review_(model) {
+Dashboard::Dashboard(MenuBarViewModel& model, AutoSync& automatic)
+    : model_(model), automatic_(automatic), librarySettings_(model), review_(model) {
+    connect(&automatic_, &AutoSync::changed, this, &Dashboard::settingsChanged);
     using Model = MenuBarViewModel;
     using Self = Dashboard;
     relay(&Model::accountChanged,
@@ -41,6 +42,12 @@ Dashboard::Dashboard(MenuBarViewModel& model)
     connect(&minutes_, &QTimer::timeout, this, [this] {
         if (model_.isSyncing() || model_.awayLibrary())
             Q_EMIT heroChanged(); // it tells how long something takes
+    });
+    connect(&model_.trash(), &TrashQuestion::changed, this, [this] {
+        if (question_ == Question::trash && !model_.trash().open())
+            question_ = Question::none;
+        if (isLive_)
+            Q_EMIT sheetsChanged();
     });
     connect(&librarySettings_, &LibrarySettings::changed, this, &Self::menusChanged);
     connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
@@ -188,7 +195,81 @@ AlertView Dashboard::alert() const {
                 {partOf(model_.nextPartTitle(model_.selectedTargetAlbumTitle())) +
                      QStringLiteral(" Oluştur ve Devam Et"),
                  laterTitle}};
+    return ownQuestion();
+}
+
+/// The safe answer is the first, and what Escape presses.
+AlertView Dashboard::ownQuestion() const {
+    const QString runs = QStringLiteral("Eşitleme Sürüyor");
+    const QString warning = QStringLiteral("warning");
+    switch (question_) {
+    case Question::trash:
+        return {true,
+                trashTitle(*model_.trash().open()),
+                trashText(*model_.trash().open()),
+                warning,
+                {QStringLiteral("Sakla"), QStringLiteral("Çöp'e Taşı")},
+                QStringLiteral("trash"),
+                0};
+    case Question::quit:
+        return {true,
+                runs,
+                QStringLiteral("Çıkarsanız eşitleme durur; bir sonraki açılışta kaldığı yerden "
+                               "sürdürebilirsiniz."),
+                warning,
+                {QStringLiteral("Sürdür"), QStringLiteral("Durdur ve Çık")},
+                QStringLiteral("power"),
+                0};
+    case Question::signOut:
+        return {true,
+                runs,
+                QStringLiteral("Oturumu kapatırsanız eşitleme durur; sıradakiler kayıtlı kalır."),
+                warning,
+                {QStringLiteral("Sürdür"), QStringLiteral("Durdur ve Oturumu Kapat")},
+                QStringLiteral("person.crop.circle.fill"),
+                0};
+    case Question::none:
+        break;
+    }
     return {};
+}
+
+QString Dashboard::trashLink() const {
+    const auto& question = model_.trash().open();
+    return question ? groupedCount(question->count) +
+                          QStringLiteral(" öğe Çöp'e taşınmak için yanıtınızı bekliyor")
+                    : QString();
+}
+
+QString Dashboard::deletionObstacle() const {
+    return model_.mayDelete()
+               ? QString()
+               : QStringLiteral("Bir Fotoğraflar kitaplığı buradan yalnızca okunur; "
+                                "özgünleri Fotoğraflar uygulamasında silebilirsiniz.");
+}
+
+void Dashboard::ask(Question question) {
+    question_ = question;
+    Q_EMIT sheetsChanged();
+}
+
+void Dashboard::quit() {
+    if (model_.isSyncing())
+        ask(Question::quit);
+    else
+        Q_EMIT quitRequested();
+}
+
+void Dashboard::signOut() {
+    if (model_.isSyncing())
+        ask(Question::signOut);
+    else
+        model_.signOut();
+}
+
+void Dashboard::showTrashQuestion() {
+    if (model_.trash().open())
+        ask(Question::trash);
 }
 
 } // namespace quorvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/AutoSync.h"
 #include "ui/DashboardTypes.h"
 #include "ui/LibrarySettings.h"
 #include "ui/MenuBarViewModel.h"
@@ -31,11 +32,15 @@ class Dashboard final : public QObject {
     Q_PROPERTY(QVariantList sourceMenu READ sourceMenu NOTIFY menusChanged)
     Q_PROPERTY(QVariantList targetMenu READ targetMenu NOTIFY menusChanged)
     Q_PROPERTY(QVariantList themeMenu READ themeMenu NOTIFY settingsChanged)
+    Q_PROPERTY(quorvane::AutoSync* automatic READ automatic CONSTANT)
+    Q_PROPERTY(QVariantList uploadLimitMenu READ uploadLimitMenu NOTIFY settingsChanged)
     Q_PROPERTY(quorvane::LibrarySettings* librarySettings READ librarySettings CONSTANT)
     Q_PROPERTY(QString hint READ hint NOTIFY hintChanged)
+    Q_PROPERTY(QString trashLink READ trashLink NOTIFY sheetsChanged)
+    Q_PROPERTY(QString deletionObstacle READ deletionObstacle NOTIFY routeChanged)
 
   public:
-    explicit Dashboard(MenuBarViewModel& model);
+    Dashboard(MenuBarViewModel& model, AutoSync& automatic);
 
     MenuBarViewModel* model() { return &model_; }
     bool isLive() const { return isLive_; }
@@ -55,6 +60,7 @@ class Dashboard final : public QObject {
     TransferListModel* transfers() { return &transfers_; }
     SessionCheckModel* sessionCheck() { return model_.sessionCheck(); }
     LibrarySettings* librarySettings() { return &librarySettings_; }
+    AutoSync* automatic() { return &automatic_; }
     /// None while nobody looks.
     LogListModel* log() const { return isLive_ ? model_.recentLogs() : nullptr; }
 
@@ -63,14 +69,22 @@ class Dashboard final : public QObject {
     QVariantList sourceMenu() const;
     QVariantList targetMenu() const;
     QVariantList themeMenu() const;
+    QVariantList uploadLimitMenu() const;
 
-    /// A line above the footer; empty for none.
+    /// That a question about the Trash is open; empty when none is.
+    QString trashLink() const;
+    /// Why originals of this library cannot be deleted; empty when they can.
+    QString deletionObstacle() const;
+    /// A line above the cards; empty for none.
     const QString& hint() const { return hint_; }
     void setHint(const QString& hint);
 
     /// What a menu row or an alert's button does.
     Q_INVOKABLE void choose(const QString& command, const QString& value = {});
     Q_INVOKABLE void answerAlert(int button);
+    Q_INVOKABLE void showTrashQuestion();
+    /// Asks first while a run is under way.
+    void quit();
     Q_INVOKABLE void clearLog();
 
   Q_SIGNALS:
@@ -96,12 +110,19 @@ class Dashboard final : public QObject {
     /// `changed` follows the model's `cause`, for as long as somebody looks.
     void relay(void (MenuBarViewModel::*cause)(), std::initializer_list<Signal> changed);
     void updateTransfers();
+    void signOut();
+    AlertView ownQuestion() const;
+    void answerOwnQuestion(bool agrees);
 
     MenuBarViewModel& model_;
+    AutoSync& automatic_;
     TransferListModel transfers_;
     LibrarySettings librarySettings_;
     ReviewModel review_;
     bool isLive_ = false;
+    /// Over the window, because of what the person did.
+    enum class Question { none, trash, quit, signOut } question_ = Question::none;
+    void ask(Question question);
     QString hint_;
     QTimer minutes_; ///< while somebody looks: what tells how long is told anew
 };

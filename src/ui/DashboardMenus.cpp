@@ -1,6 +1,9 @@
 #include "ui/Dashboard.h"
 
+#include <QCollator>
 #include <QLocale>
+
+#include <algorithm>
 
 namespace quorvane {
 
@@ -22,6 +25,26 @@ QVariantMap special(const QString& kind, const QString& title = {}) {
     QVariantMap row = entry(title, {}, {}, {}, false, false);
     row[QStringLiteral("kind")] = kind;
     return row;
+}
+
+QString titleOf(const LocalAlbumItem& album) {
+    return album.title;
+}
+
+QString titleOf(const GoogleAlbum& album) {
+    return album.title.value_or(QString());
+}
+
+/// As a Turkish reader looks for them: ç after c, İ after ı.
+template <typename Album>
+std::vector<Album> sortedByTitle(std::vector<Album> albums) {
+    QCollator collator(QLocale(QLocale::Turkish, QLocale::Turkey));
+    collator.setNumericMode(true);
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    std::ranges::stable_sort(albums, [&](const Album& a, const Album& b) {
+        return collator.compare(titleOf(a), titleOf(b)) < 0;
+    });
+    return albums;
 }
 
 const QString line = QStringLiteral("line");
@@ -46,7 +69,7 @@ QVariantList Dashboard::sourceMenu() const {
               source, {}, selected.isEmpty(), canChange)};
     for (const bool isSmart : {false, true}) {
         QVariantList group;
-        for (const LocalAlbumItem& album : model_.localAlbums())
+        for (const LocalAlbumItem& album : sortedByTitle(model_.localAlbums()))
             if (album.isSmart == isSmart)
                 group.append(entry(counted(album.title, album.count), symbol, source, album.id,
                                    album.id == selected, canChange));
@@ -74,7 +97,7 @@ QVariantList Dashboard::targetMenu() const {
                                 .arg(QLocale().toString(qint64(model_.googleAlbums().size()))));
     if (isMirrored)
         rows << special(header, QStringLiteral("Albümler yansıtılırken hedef ana akıştır"));
-    for (const GoogleAlbum& album : model_.googleAlbums())
+    for (const GoogleAlbum& album : sortedByTitle(model_.googleAlbums()))
         rows << entry(album.menuDisplayTitle(), QStringLiteral("photo.on.rectangle.angled"), target,
                       album.id, album.id == selected, canTarget);
     rows << special(line)
@@ -98,6 +121,16 @@ QVariantList Dashboard::themeMenu() const {
     return rows;
 }
 
+QVariantList Dashboard::uploadLimitMenu() const {
+    QVariantList rows;
+    for (const int megabytes : {0, 1, 2, 5, 10}) {
+        const std::int64_t limit = megabytes * std::int64_t(1'000'000);
+        rows << entry(AutoSync::limitText(limit), {}, QStringLiteral("uploadLimit"),
+                      QString::number(limit), limit == automatic_.uploadLimit());
+    }
+    return rows;
+}
+
 void Dashboard::choose(const QString& command, const QString& value) {
     const std::map<QString, std::function<void()>> commands{
         {QStringLiteral("source"), [&] { model_.selectSourceAlbum(value); }},
@@ -105,11 +138,12 @@ void Dashboard::choose(const QString& command, const QString& value) {
         {QStringLiteral("createAlbum"), [&] { Q_EMIT createAlbumRequested(); }},
         {QStringLiteral("loadAlbums"), [&] { model_.loadGoogleAlbums(); }},
         {QStringLiteral("theme"), [&] { model_.setAppTheme(appThemeFrom(value)); }},
+        {QStringLiteral("uploadLimit"), [&] { automatic_.setUploadLimit(value.toLongLong()); }},
         {QStringLiteral("chooseLibrary"), [&] { Q_EMIT chooseLibraryRequested(); }},
         {QStringLiteral("checkSession"), [&] { sessionCheck()->show(); }},
         {QStringLiteral("signIn"), [&] { model_.reauthorizeGoogle(); }},
-        {QStringLiteral("signOut"), [&] { model_.signOut(); }},
-        {QStringLiteral("quit"), [&] { Q_EMIT quitRequested(); }},
+        {QStringLiteral("signOut"), [&] { signOut(); }},
+        {QStringLiteral("quit"), [&] { quit(); }},
     };
     if (const auto found = commands.find(command); found != commands.end())
         found->second();
@@ -128,7 +162,20 @@ void Dashboard::answerAlert(int button) {
             model_.createNextPartAlbumAndResume();
         else
             model_.dismissAlbumLimitAlert();
+    } else {
+        answerOwnQuestion(button == 1);
     }
+}
+
+void Dashboard::answerOwnQuestion(bool agrees) {
+    const Question question = std::exchange(question_, Question::none);
+    if (question == Question::trash)
+        model_.answerTrash(agrees);
+    else if (question == Question::quit && agrees)
+        Q_EMIT quitRequested();
+    else if (question == Question::signOut && agrees)
+        model_.signOut();
+    Q_EMIT sheetsChanged();
 }
 
 void Dashboard::clearLog() {

@@ -120,22 +120,25 @@ struct InspectorView {
     QString state;
 };
 
-/// A question over the whole window. The first button is the one that Return presses, the last the
-/// one that Escape presses.
+/// A question over the whole window. The first button is the one that Return presses.
 struct AlertView {
     Q_GADGET
     Q_PROPERTY(bool isShown MEMBER isShown)
     Q_PROPERTY(QString title MEMBER title)
     Q_PROPERTY(QString text MEMBER text)
     Q_PROPERTY(QString tone MEMBER tone)
+    Q_PROPERTY(QString symbol MEMBER symbol)
     Q_PROPERTY(QStringList buttons MEMBER buttons)
+    Q_PROPERTY(int escape MEMBER escape)
 
   public:
     bool isShown = false;
     QString title;
     QString text;
     QString tone; ///< "info", "warning", "danger"
-    QStringList buttons;
+    QStringList buttons = {};
+    QString symbol = {}; ///< empty: the tone's
+    int escape = -1;     ///< the button that Escape presses, from the end when negative
 };
 
 } // namespace quorvane

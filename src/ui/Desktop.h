@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <filesystem>
+#include <functional>
 
 namespace quorvane {
 
@@ -23,6 +24,11 @@ class Desktop {
 
     virtual bool startsAtLogin() const = 0;
     virtual void setStartsAtLogin(bool starts) = 0;
+
+    /// Whether the connection costs by what is sent; false where nobody can tell.
+    virtual bool isNetworkMetered() const { return false; }
+    /// `changed` is called whenever that has changed.
+    virtual void watchNetwork(std::function<void()> /*changed*/) {}
 };
 
 } // namespace quorvane

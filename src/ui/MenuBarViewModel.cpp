@@ -33,9 +33,10 @@ MenuBarViewModel::MenuBarViewModel(const Services& services,
     for (const Signal source :
          {&MenuBarViewModel::routeChanged, &MenuBarViewModel::googleAlbumsChanged})
         connect(this, source, this, &MenuBarViewModel::targetChanged);
+    connect(&s_.trash, &TrashQuestion::asked, this, &MenuBarViewModel::askAboutTrash);
     connect(this, &MenuBarViewModel::routeChanged, this, &MenuBarViewModel::localAlbumsChanged);
-    if (const auto last = services.preferences.string(preferenceKeys::lastSyncTime))
-        lastSyncTime_ = Date(std::chrono::milliseconds(last->toLongLong()));
+    if (const auto last = services.preferences.number(preferenceKeys::lastSyncTime); last > 0)
+        lastSyncTime_ = Date(std::chrono::milliseconds(last));
     transferTimer_.setInterval(transferInterval);
     connect(&transferTimer_, &QTimer::timeout, this, &MenuBarViewModel::sampleTransfers);
     refreshState();
@@ -141,8 +142,10 @@ void MenuBarViewModel::refreshThen(std::function<void()> then) {
                 const Account account = readAccount();
                 const Counts counts = session ? readCounts(session->run.db) : Counts();
                 post([this, number, account, counts, session] {
-                    publishState(number, account,
-                                 session == session_ ? counts : std::as_const(counts_));
+                    if (session == session_)
+                        publishState(number, account, counts);
+                    else
+                        refreshState(); // read of a library that is another now
                 });
             });
     }
@@ -306,6 +309,8 @@ void MenuBarViewModel::setAutoDeleteEnabled(bool enabled) {
     s_.log.log(
         QStringLiteral("[MenuBarViewModel] 🗑️ Otomatik temizlik tercihi güncellendi: ") +
         (enabled ? QStringLiteral("true") : QStringLiteral("false")));
+    if (!enabled)
+        s_.trash.forget();
     publish(isAutoDeleteEnabled_, enabled, &MenuBarViewModel::settingsChanged);
 }
 

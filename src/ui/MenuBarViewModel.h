@@ -11,6 +11,7 @@
 #include "ui/LogListModel.h"
 #include "ui/SessionCheckModel.h"
 #include "ui/SpeedMeter.h"
+#include "ui/TrashQuestion.h"
 #include "ui/ViewTypes.h"
 
 #include <QPointer>
@@ -103,6 +104,7 @@ class MenuBarViewModel final : public QObject {
         Console& console;
         Clock& clock;
         Desktop& desktop;
+        TrashQuestion& trash;
         /// Held for the length of a run; throws `Error` while another process runs one.
         std::function<std::shared_ptr<void>()> acquireRunLock;
         std::filesystem::path logFile;
@@ -159,7 +161,12 @@ class MenuBarViewModel final : public QObject {
     Q_INVOKABLE void retryQuarantinedItems(const QString& dateFallbackMode,
                                            bool sendsUndatable = false);
     Q_INVOKABLE void openLogFile();
+    /// The answer to the question that is open. What goes goes in the background, under the lock
+    /// of a run.
+    void answerTrash(bool moves);
 
+    /// Writes a setting; a failure is shown.
+    void store(const std::function<void()>& write);
     /// Shown until it is dismissed, or the next thing is tried.
     void showError(const QString& message);
 
@@ -251,6 +258,10 @@ class MenuBarViewModel final : public QObject {
     bool showAlbumLimitAlert() const { return showAlbumLimitAlert_; }
     const QString& albumLimitAlertMessage() const { return albumLimitAlertMessage_; }
 
+    /// The question before originals go to the Trash.
+    const TrashQuestion& trash() const { return s_.trash; }
+    /// A Photos bundle is only read.
+    bool mayDelete() const { return !session_ || !session_->isBundle; }
     bool isAutoDeleteEnabled() const { return isAutoDeleteEnabled_; }
     void setAutoDeleteEnabled(bool enabled);
     AppTheme appTheme() const { return appTheme_; }
@@ -365,7 +376,7 @@ class MenuBarViewModel final : public QObject {
                      std::function<void(const QString&)> failed);
     void confirmPreSync(bool rollsOver);
     void handleAlbumLimitReached();
-    void store(const std::function<void()>& write);
+    void askAboutTrash();
     void notifyPerson(const QString& title, const QString& text);
 
     const Services s_;

@@ -170,7 +170,7 @@ void MenuBarViewModel::triggerSync() {
         QStringLiteral("Seçili Google Photos albümü (") + title +
         QStringLiteral(") 20.000 medya sınırına ulaştı (%1/20.000)! Lütfen yeni bir albüm "
                        "oluşturun veya başka bir albüm seçin.")
-            .arg(grouped(album->itemCount()));
+            .arg(groupedCount(album->itemCount()));
     showAlbumLimitAlert_ = true;
     Q_EMIT sheetsChanged();
 }
@@ -195,7 +195,7 @@ bool MenuBarViewModel::isReadyToRun() {
 void MenuBarViewModel::executeSyncLoop() {
     if (!isReadyToRun())
         return;
-    const SyncRunOrder order{.deletes = isAutoDeleteEnabled_,
+    const SyncRunOrder order{.deletes = isAutoDeleteEnabled_ && mayDelete(),
                              .takesUp = isRetryOffered()
                                             ? SyncRunOrder::TakesUp::everything
                                             : SyncRunOrder::TakesUp::whatTheMomentFailed};
@@ -291,7 +291,7 @@ void MenuBarViewModel::concludeRun(const SyncRunOutcome& outcome) {
     setRun(outcome.state());
     if (outcome.error)
         publish(errorMessage_, *outcome.error, &MenuBarViewModel::errorMessageChanged);
-    else if (outcome.fault)
+    else if (outcome.fault && !runState_.needsSignIn()) // that has its own card
         publish(errorMessage_, faultText(*outcome.fault), &MenuBarViewModel::errorMessageChanged);
     tellOutcome(outcome);
     Q_EMIT runEnded(outcome);
@@ -333,6 +333,42 @@ void MenuBarViewModel::stopSync() {
 void MenuBarViewModel::tryNow() {
     if (session_ && isSyncing())
         session_->run.attempts.tryNow();
+}
+
+// The Trash.
+
+void MenuBarViewModel::askAboutTrash() {
+    notifyPerson(trashTitle(*s_.trash.open()),
+                 QStringLiteral("Siz yanıtlayana kadar hiçbir şey taşınmaz."));
+}
+
+void MenuBarViewModel::answerTrash(bool moves) {
+    if (!s_.trash.open())
+        return;
+    if (!moves || !session_)
+        return s_.trash.keep();
+    s_.trash.agree();
+    runTasks_.post([this, session = session_](const std::stop_token& end) {
+        QString failure;
+        DeletionSummary summary;
+        try {
+            const std::shared_ptr<void> lock = s_.acquireRunLock();
+            summary = session->run.deletion.performDeletion(true, end);
+        } catch (const Error& error) {
+            failure = error.localizedDescription();
+        }
+        post([this, failure, summary] {
+            if (!failure.isEmpty()) {
+                s_.trash.forget();
+                showError(failure);
+            }
+            if (summary.deleted > 0)
+                notifyPerson(QStringLiteral("Çöp'e Taşındı"),
+                             groupedCount(summary.deleted) +
+                                 QStringLiteral(" özgün artık sistemin Çöp'ünde."));
+            refreshState();
+        });
+    });
 }
 
 /// For the next start of the program as well.

@@ -49,11 +49,13 @@ HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop)
     return response;
 }
 
-TestHouse::TestHouse(SyncWorld& world, const std::filesystem::path& home,
-                     Console::Channel channel)
+TestHouse::TestHouse(SyncWorld& world, const std::filesystem::path& home, Console::Channel channel,
+                     DeletionConfirmation* asked)
     : Outside(channel),
       core({home, home / "Pictures", home / "temporary"},
-           {console, clock, http, keychain, confirmation, batchClock, world.google.baseURL()}),
+           {console, clock, http, keychain,
+            asked != nullptr ? *asked : static_cast<DeletionConfirmation&>(confirmation),
+            batchClock, world.google.baseURL()}),
       google(core, browser),
       recording(core.logger.logPublisher().subscribe(
           [this](const LogEntry& entry) { log.log(entry.message); })) {}

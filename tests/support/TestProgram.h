@@ -76,8 +76,10 @@ struct Outside {
 
 /// The program's own house over one home folder. Nobody is signed in.
 struct TestHouse : Outside {
+    /// `asked` none: nobody agrees to a deletion.
     TestHouse(SyncWorld& world, const std::filesystem::path& home,
-              Console::Channel channel = Console::Channel::standardOutput);
+              Console::Channel channel = Console::Channel::standardOutput,
+              DeletionConfirmation* asked = nullptr);
 
     /// Puts the tokens of an earlier sign-in where the program looks for them.
     void haveSignedIn(SyncWorld& world);

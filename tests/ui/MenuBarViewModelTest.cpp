@@ -1,5 +1,6 @@
 #include "store/Sqlite.h"
 #include "support/Records.h"
+#include "ui/AutoSync.h"
 #include "ui/ModelWorld.h"
 
 #include <gtest/gtest.h>
@@ -273,7 +274,6 @@ TEST_F(MenuBarViewModelTest, stopAndResume) {
   statusMessage: Arşiviniz güncel ve güvende
   verifiedCount: 30
 ## the access was withdrawn
-  errorMessage: Google oturumu sona erdi, yeniden giriş yapın (Google: Token has been expired or revoked.)
   isSessionLapsed: true
   isSignedIn: false
   pendingCount: 1
@@ -320,6 +320,61 @@ TEST_F(MenuBarViewModelTest, foreseesTheLimitOfAnAlbum) {
         fresh.model->triggerSync();
         EXPECT_FALSE(fresh.model->showPreSync20kAlert());
     }
+}
+
+TEST_F(MenuBarViewModelTest, originalsGoToTheTrashOnlyAfterAnAnswer) {
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString((world.folder / "data").native()));
+    world.addPictures(3);
+    openLibrary();
+    signIn();
+    model->setAutoDeleteEnabled(true);
+    const auto sync = [&] {
+        model->triggerSync();
+        settle();
+        return trash.open().has_value();
+    };
+    ASSERT_TRUE(sync());
+    EXPECT_FALSE(model->isSyncing()) << "the question holds up no run";
+    EXPECT_EQ(desktop.notices.filter(u"3 Öğe Çöp'e Taşınsın mı?"_s).size(), 1);
+    model->answerTrash(false);
+    EXPECT_FALSE(sync()) << "the same is not asked again";
+    EXPECT_EQ(model->library()->run.library.fetchAssets()->size(), 3U);
+
+    world.addPicture(u"yeni.jpg"_s);
+    scan();
+    ASSERT_TRUE(sync());
+    model->answerTrash(true);
+    settle();
+    EXPECT_EQ(model->library()->run.library.fetchAssets()->size(), 0U);
+    EXPECT_EQ(model->verifiedCount(), 4);
+    EXPECT_FALSE(sync());
+    qunsetenv("XDG_DATA_HOME");
+}
+
+TEST_F(MenuBarViewModelTest, runsBeginByThemselves) {
+    AutoSync automatic(*model, {preferences, clock, desktop});
+    world.addPictures(2);
+    openLibrary();
+    signIn();
+    const auto comes = [&] {
+        automatic.start();
+        settle();
+        return model->verifiedCount();
+    };
+    automatic.setWaitsOnMetered(true);
+    desktop.isMetered = true;
+    EXPECT_EQ(comes(), 0);
+    automatic.pauseForAnHour();
+    desktop.isMetered = false;
+    desktop.networkChanged();
+    settle();
+    EXPECT_EQ(model->verifiedCount(), 0) << "paused";
+    EXPECT_TRUE(automatic.pauseText().endsWith(u" kadar duraklatıldı"_s));
+    automatic.resume();
+    settle();
+    EXPECT_EQ(model->verifiedCount(), 2) << "what was due begins when it may";
+    automatic.setUploadLimit(5'000'000);
+    EXPECT_EQ(automatic.uploadLimitText(), u"5 MB/s"_s);
 }
 
 TEST_F(MenuBarViewModelTest, keepsItsSettings) {

@@ -81,7 +81,7 @@ ModelWorld::ModelWorld() {
 void ModelWorld::restart() {
     model = std::make_unique<MenuBarViewModel>(MenuBarViewModel::Services{
         house.google.oauth, house.google.albums, tracker, preferences, house.core.logger,
-        logPublisher, house.console, clock, desktop,
+        logPublisher, house.console, clock, desktop, trash,
         [file = house.core.folders.runLock()] { return std::make_shared<RunLock>(file); },
         house.core.logger.logFile(), [this] { host.accountDidChange(); },
         [this](const QString& url) { return handOverURL(url); }, [this] { host.look(); },

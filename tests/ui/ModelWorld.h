@@ -19,6 +19,11 @@ class FakeDesktop final : public Desktop {
     bool startsAtLogin() const override { return isAutostarted; }
     void setStartsAtLogin(bool starts) override { isAutostarted = starts; }
 
+    bool isNetworkMetered() const override { return isMetered; }
+    void watchNetwork(std::function<void()> changed) override { networkChanged = changed; }
+
+    bool isMetered = false;
+    std::function<void()> networkChanged;
     QStringList notices;
     std::filesystem::path opened, revealed;
     bool isAutostarted = false;
@@ -53,7 +58,8 @@ class ModelWorld {
     std::shared_ptr<const LibrarySession> session_;
 
   public:
-    TestHouse house{world, world.folder / "home", Console::Channel::silent};
+    TrashQuestion trash;
+    TestHouse house{world, world.folder / "home", Console::Channel::silent, &trash};
     LibraryHost host{house.core, house.google};
     FakeDesktop desktop;
     std::function<bool(const QString&)> handOverURL;

@@ -1,6 +1,7 @@
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
+#include <QStyleHints>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -30,6 +31,7 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(failOnComplaint);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(0); // the tests click at once
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -31,6 +31,13 @@ void WindowWorld::click(const QString& objectName) {
     settleView();
     QQuickItem* item = find(objectName);
     ASSERT_NE(item, nullptr) << objectName.toStdString();
+    for (QQuickItem* around = item->parentItem(); around; around = around->parentItem())
+        if (around->inherits("QQuickFlickable")) {
+            const double below =
+                item->mapToItem(around, QPointF(0, item->height())).y() - around->height();
+            if (below > 0)
+                around->setProperty("contentY", around->property("contentY").toDouble() + below);
+        }
     const QPointF middle = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
     QTest::mouseClick(window.window(), Qt::LeftButton, Qt::NoModifier, middle.toPoint());
     settleView();

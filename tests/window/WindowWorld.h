@@ -12,7 +12,8 @@ class WindowWorld : public ModelWorld {
   public:
     WindowWorld();
 
-    MainWindowController window{*model, preferences};
+    AutoSync automatic{*model, {preferences, clock, desktop}};
+    MainWindowController window{*model, automatic, preferences};
 
     /// The visible item of that object name, also in popups; none when there is none.
     QQuickItem* find(const QString& objectName);

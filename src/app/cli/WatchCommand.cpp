@@ -5,6 +5,7 @@
 #include "app/cli/TextTable.h"
 #include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
+#include "sync/Turns.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -13,8 +14,6 @@ namespace quorvane::cli {
 
 namespace {
 
-constexpr std::chrono::seconds defaultSettling{30};
-constexpr std::chrono::hours longestWait{24 * 365}; ///< of what nothing is expected
 constexpr std::chrono::seconds signInCheck{5};
 
 /// Tells the watching thread that something was recorded, and when nothing has been for a while.
@@ -33,7 +32,7 @@ class Settling {
     bool wait(std::chrono::seconds quiet, std::chrono::seconds atLatest, std::stop_token stop) {
         std::unique_lock lock(mutex_);
         const auto hasCome = [this] { return arrivals_ > 0; };
-        came_.wait_for(lock, stop, std::min<std::chrono::seconds>(atLatest, longestWait), hasCome);
+        came_.wait_for(lock, stop, std::min<std::chrono::seconds>(atLatest, Turns::never), hasCome);
         while (std::exchange(arrivals_, 0) > 0)
             came_.wait_for(lock, stop, quiet, hasCome);
         return !stop.stop_requested();
@@ -48,38 +47,13 @@ class Settling {
 std::chrono::seconds settlingTime(const Arguments& arguments) {
     const auto text = arguments.value(QStringLiteral("settle"));
     if (!text)
-        return defaultSettling;
+        return Turns::usualSettling;
     bool isNumber = false;
     const int seconds = text->toInt(&isNumber);
     if (!isNumber || seconds < 0)
         throw UsageError(QStringLiteral("--settle saniye olarak bir sayı bekler: ") + *text);
     return std::chrono::seconds(seconds);
 }
-
-/// When the next turn comes although nothing appears: soon while some work is left that may pass
-/// next time, after ever longer waits while it does not.
-class Turns {
-  public:
-    explicit Turns(std::chrono::seconds first) : first_(std::max(first, shortestWait)) {}
-
-    void ended(const SyncRunOutcome& outcome) {
-        const bool isMoving = outcome.verified > 0;
-        next_ = isMoving || next_ == longestWait
-                    ? first_
-                    : std::min<std::chrono::seconds>(2 * next_, longestRetry);
-        if (!outcome.mayPassLater && !outcome.error && !outcome.fault)
-            next_ = longestWait;
-    }
-    void missed() { next_ = first_; }
-    std::chrono::seconds next() const { return next_; }
-
-  private:
-    static constexpr std::chrono::seconds shortestWait{1};
-    static constexpr std::chrono::hours longestRetry{1};
-
-    const std::chrono::seconds first_;
-    std::chrono::seconds next_ = longestWait;
-};
 
 /// What is said once, or as long as it holds where there is a terminal.
 void tell(CoreServices& core, const QString& text) {

@@ -44,7 +44,7 @@ CheckedThing shown(const Finding& finding) {
 } // namespace
 
 QuorvaneApp::QuorvaneApp(const UserFolders& folders)
-    : core_(folders, system_.with(console_, confirmation_)) {
+    : core_(folders, system_.with(console_, trash_)) {
     library_.onOpened = [this](std::shared_ptr<const LibrarySession> session) {
         model_.setLibrary(std::move(session));
     };
@@ -59,7 +59,6 @@ QuorvaneApp::QuorvaneApp(const UserFolders& folders)
 
 QuorvaneApp::~QuorvaneApp() {
     appDelegate.applicationWillTerminate();
-    confirmation_.close(); // a run that waits for the person would be waited for below
 }
 
 MenuBarViewModel::Services QuorvaneApp::modelServices() {
@@ -72,6 +71,7 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             console_,
             core_.clock,
             platform_.desktop,
+            trash_,
             [file = core_.folders.runLock()] { return std::make_shared<RunLock>(file); },
             core_.logger.logFile(),
             [this] { library_.accountDidChange(); },

@@ -27,7 +27,7 @@ class QuorvaneApp {
     Console console_;
     SystemPorts system_;
     SystemDialogs dialogs_;
-    DialogConfirmation confirmation_{dialogs_};
+    TrashQuestion trash_;
     CoreServices core_;
     GuiPlatform platform_{core_.folders, core_.logger};
     const std::unique_ptr<WebAuthSession> signIn_ =
@@ -35,7 +35,8 @@ class QuorvaneApp {
     GoogleServices google_{core_, *signIn_};
     LibraryHost library_{core_, google_};
     MenuBarViewModel model_{modelServices(), core_.logger.memoryBuffer()};
-    MainWindowController window_{model_, core_.preferences};
+    AutoSync automatic_{model_, {core_.preferences, core_.clock, platform_.desktop}};
+    MainWindowController window_{model_, automatic_, core_.preferences};
     MenuBarController menuBarController_{model_, window_, platform_.statusHost};
 
   public:

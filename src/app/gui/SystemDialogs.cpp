@@ -1,11 +1,9 @@
 #include "app/gui/SystemDialogs.h"
 
 #include "foundation/File.h"
-#include "foundation/MainThread.h"
 
 #include <QFileDialog>
 #include <QIcon>
-#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -58,38 +56,6 @@ void SystemDialogs::chooseLibrary(
                      });
     show(dialog);
     dialog->setWindowTitle(QStringLiteral("Fotoğraf Kitaplığını Seç"));
-}
-
-bool DialogConfirmation::confirmDeletion(const DeletionQuestion& question) {
-    QString explanation =
-        QStringLiteral("Bu öğelerin Google Photos'a yüklendiği doğrulandı. Asılları (%1) Çöp'e "
-                       "taşınır: %2. Çöp boşaltılana kadar geri alınabilir.")
-            .arg(QLocale().formattedDataSize(question.bytes, 1, QLocale::DataSizeSIFormat),
-                 question.place);
-    if (!question.warning.isEmpty())
-        explanation += QStringLiteral("\n\n") + question.warning;
-    const AlertText text{
-        QStringLiteral("%1 öğe Çöp'e taşınsın mı?").arg(QLocale().toString(question.count)),
-        explanation, QStringLiteral("Çöp'e Taşı"), QStringLiteral("Vazgeç"), true};
-    std::unique_lock lock(mutex_);
-    if (isClosed_)
-        return false;
-    answer_.reset();
-    onMainThread([this, text] {
-        dialogs_.showAlert(text, [this](bool agreed) {
-            const std::lock_guard inner(mutex_);
-            answer_ = agreed;
-            changed_.notify_all();
-        });
-    });
-    changed_.wait(lock, [this] { return isClosed_ || answer_; });
-    return !isClosed_ && *answer_;
-}
-
-void DialogConfirmation::close() {
-    const std::lock_guard lock(mutex_);
-    isClosed_ = true;
-    changed_.notify_all();
 }
 
 } // namespace quorvane

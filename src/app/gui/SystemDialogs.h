@@ -1,13 +1,10 @@
 #pragma once
 
 #include "app/gui/AppDelegate.h"
-#include "library/DeletionConfirmation.h"
 
 #include <QPointer>
 #include <QWidget>
 
-#include <condition_variable>
-#include <mutex>
 #include <set>
 
 namespace quorvane {
@@ -30,24 +27,6 @@ class SystemDialogs {
     void show(QWidget* dialog);
 
     std::set<QPointer<QWidget>> open_;
-};
-
-/// Asks in a dialog before originals go to the Trash.
-class DialogConfirmation final : public DeletionConfirmation {
-  public:
-    explicit DialogConfirmation(SystemDialogs& dialogs) : dialogs_(dialogs) {}
-
-    bool confirmDeletion(const DeletionQuestion& question) override;
-
-    /// From now on, and for whoever waits, the answer is no. Main thread.
-    void close();
-
-  private:
-    SystemDialogs& dialogs_;
-    std::mutex mutex_; ///< guards the two below
-    std::condition_variable changed_;
-    bool isClosed_ = false;
-    std::optional<bool> answer_;
 };
 
 } // namespace quorvane

@@ -6,6 +6,8 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 namespace quorvane {
 
@@ -54,9 +56,14 @@ int main(int argc, char** argv) {
         QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
     });
     QApplication::setApplicationName(QStringLiteral("quorvane"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Quorvane"));
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/quorvane/AppIcon.svg")));
     QLocale::setDefault(QLocale(QLocale::Turkish, QLocale::Turkey));
+    QTranslator ofToolkit; // for the dialogs that are its own
+    if (ofToolkit.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&ofToolkit);
     const std::vector<QUrl> urls = urlsOf(QApplication::arguments().mid(1));
     try {
         const UserFolders folders = UserFolders::ofCurrentUser();

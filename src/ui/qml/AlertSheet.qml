@@ -2,8 +2,8 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import Quorvane
 
-/// A question with its answers one below the other: the first is what Return presses, the last what
-/// Escape presses.
+/// A question with its answers one below the other: the first is what Return presses. It takes no
+/// answer in its first moments: a double click elsewhere may still be under way.
 Sheet {
     id: sheet
 
@@ -28,7 +28,10 @@ Sheet {
     topPadding: 25
     bottomPadding: 13
     onOpened: buttons.itemAt(0).forceActiveFocus(Qt.PopupFocusReason)
-    onCancelled: dashboard.answerAlert(alert.buttons.length - 1)
+    onCancelled: dashboard.answerAlert(alert.escape < 0 ? alert.buttons.length + alert.escape : alert.escape)
+    onAboutToShow: settled.restart()
+
+    Timer { id: settled; interval: Qt.styleHints.mouseDoubleClickInterval }
 
     Column {
         width: sheet.availableWidth
@@ -45,7 +48,7 @@ Sheet {
             Symbol {
                 anchors.centerIn: parent
                 size: 26
-                name: sheet.tone.symbol
+                name: sheet.alert.symbol || sheet.tone.symbol
                 color: sheet.tone.ink
             }
         }
@@ -90,9 +93,9 @@ Sheet {
                     width: parent.width
                     wraps: true
                     kind: place.index === 0 ? "filled"
-                        : place.index === buttons.count - 1 ? "link" : "outline"
+                        : place.index === buttons.count - 1 && sheet.alert.escape < 0 ? "link" : "outline"
                     text: place.modelData
-                    onClicked: sheet.dashboard.answerAlert(place.index)
+                    onClicked: if (!settled.running) sheet.dashboard.answerAlert(place.index)
                 }
             }
         }

@@ -8,9 +8,9 @@ Card {
     required property Dashboard dashboard
     readonly property libraryView library: dashboard.library
     readonly property real natural: head.height + box.height + note.height + pair.height
-    readonly property real gap: Math.max(10, Math.min(22, (height - 34 - natural) / 3))
+    readonly property real gap: Math.max(9, Math.min(22, (height - 34 - natural) / 3))
 
-    implicitHeight: 34 + natural + 30
+    implicitHeight: 34 + natural + 27
 
     Item {
         id: head

@@ -8,7 +8,7 @@ Card {
 
     required property Dashboard dashboard
 
-    implicitHeight: words.implicitHeight + note.implicitHeight + 36
+    implicitHeight: words.implicitHeight + note.implicitHeight + 36 + (asked.visible ? 48 : 0)
 
     Tile {
         x: 17
@@ -34,7 +34,7 @@ Card {
             id: subtitle
             width: parent.width
             role: Theme.caption
-            text: "Google Photos'a yüklenen orijinalleri kaldırarak yer açın"
+            text: card.dashboard.deletionObstacle || "Google Photos'a yüklenen orijinalleri kaldırarak yer açın"
             color: Theme.textSecondary
             wrapMode: Text.Wrap
         }
@@ -44,13 +44,25 @@ Card {
         objectName: "deletion"
         x: parent.width - 17 - 42
         y: words.y + Math.round((words.implicitHeight - height) / 2)
-        checked: card.dashboard.isAutoDeleteEnabled
+        enabled: !card.dashboard.deletionObstacle
+        opacity: enabled ? 1 : 0.5
+        checked: enabled && card.dashboard.isAutoDeleteEnabled
         Accessible.name: title.text
         Accessible.description: subtitle.text
         onToggled: {
             card.dashboard.model.isAutoDeleteEnabled = checked;
-            checked = Qt.binding(() => card.dashboard.isAutoDeleteEnabled);
+            checked = Qt.binding(() => enabled && card.dashboard.isAutoDeleteEnabled);
         }
+    }
+    QuarantineLink {
+        id: asked
+        objectName: "trashLink"
+        x: 17
+        y: parent.height - 49
+        width: parent.width - 34
+        text: card.dashboard.trashLink
+        visible: text.length > 0
+        onClicked: card.dashboard.showTrashQuestion()
     }
     NoteRow {
         id: note

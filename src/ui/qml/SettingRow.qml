@@ -6,6 +6,7 @@ Item {
 
     property string title
     property string note
+    property bool isWarning: false
     property bool isLast: false
     default property alias control: place.data
 
@@ -30,7 +31,7 @@ Item {
             visible: text.length > 0
             role: Theme.note
             text: row.note
-            color: Theme.textSecondary
+            color: row.isWarning ? Theme.warning : Theme.textSecondary
             wrapMode: Text.Wrap
             Accessible.ignored: true
         }

@@ -11,6 +11,7 @@ Sheet {
     required property Dashboard dashboard
     readonly property LibrarySettings library: dashboard.librarySettings
     readonly property MenuBarViewModel model: dashboard.model
+    readonly property AutoSync automatic: dashboard.automatic
 
     shown: library.isShown
     width: 408
@@ -32,8 +33,25 @@ Sheet {
         }
         Flickable {
             id: middle
+
+            readonly property Item focusItem: Window.activeFocusItem
+
+            function reveal(item: Item) {
+                const top = item.mapToItem(groups, 0, 0).y - 8;
+                const bottom = top + item.height + 16;
+                if (top < contentY)
+                    contentY = Math.max(0, top);
+                else if (bottom > contentY + height)
+                    contentY = Math.min(contentHeight - height, bottom - height);
+            }
+            onFocusItemChanged: {
+                for (let item = focusItem; item; item = item.parent)
+                    if (item === groups)
+                        return reveal(focusItem);
+            }
+
             y: 36
-            width: parent.width
+            width: parent.width + 14 // the thumb is beside the rows
             height: Math.min(groups.height, parent.height - y - 54)
             contentHeight: groups.height
             boundsBehavior: Flickable.StopAtBounds
@@ -42,7 +60,7 @@ Sheet {
 
             Column {
                 id: groups
-                width: middle.width
+                width: middle.width - 14
                 spacing: 16
 
                 SettingGroup {
@@ -61,6 +79,77 @@ Sheet {
                             onClicked: {
                                 sheet.library.hide();
                                 sheet.dashboard.choose("chooseLibrary");
+                            }
+                        }
+                    }
+                }
+                SettingGroup {
+                    title: "Eşitleme"
+
+                    SettingSwitch {
+                        controlName: "autoSync"
+                        title: "Yeni öğeleri kendiliğinden eşitle"
+                        note: "Kitaplığa eklenenler siz istemeden yüklenir"
+                        isOn: sheet.automatic.isOn
+                        onChosen: isOn => sheet.automatic.isOn = isOn
+                    }
+                    SettingRow {
+                        title: "Eşitlemeyi duraklat"
+                        note: sheet.automatic.pauseText
+                        isWarning: sheet.automatic.isPaused
+
+                        Row {
+                            spacing: 8
+                            ActionButton {
+                                objectName: "pauseHour"
+                                visible: !sheet.automatic.isPaused
+                                small: true
+                                text: "1 saat"
+                                Accessible.name: "Eşitlemeyi 1 saat duraklat"
+                                onClicked: sheet.automatic.pauseForAnHour()
+                            }
+                            ActionButton {
+                                objectName: "pauseDay"
+                                visible: !sheet.automatic.isPaused
+                                small: true
+                                text: "Yarına kadar"
+                                Accessible.name: "Eşitlemeyi yarına kadar duraklat"
+                                onClicked: sheet.automatic.pauseUntilTomorrow()
+                            }
+                            ActionButton {
+                                objectName: "resume"
+                                visible: sheet.automatic.isPaused
+                                small: true
+                                text: "Sürdür"
+                                onClicked: sheet.automatic.resume()
+                            }
+                        }
+                    }
+                    SettingSwitch {
+                        controlName: "metered"
+                        title: "Tarifeli bağlantıda beklet"
+                        note: "Mobil veri ve paylaşılan ağda eşitleme bekler"
+                        isOn: sheet.automatic.waitsOnMetered
+                        onChosen: isOn => sheet.automatic.waitsOnMetered = isOn
+                    }
+                    SettingRow {
+                        title: "Yükleme sınırı"
+                        isLast: true
+
+                        ActionButton {
+                            objectName: "uploadLimit"
+                            small: true
+                            text: sheet.automatic.uploadLimitText
+                            Accessible.name: "Yükleme sınırı: " + text
+                            onClicked: limits.openByKeyboard(visualFocus)
+
+                            ChoiceMenu {
+                                id: limits
+                                x: parent.width - width
+                                width: 160
+                                name: "Yükleme sınırı"
+                                rows: sheet.dashboard.uploadLimitMenu
+                                onChosen: (command, value) => sheet.dashboard.choose(command, value)
                             }
                         }
                     }

@@ -22,6 +22,7 @@ namespace quorvane {
 namespace {
 
 constexpr int resizeTime = 220; // milliseconds
+constexpr int saveDelay = 1000; // milliseconds after the last move
 const QString frameKey = QStringLiteral("QuorvaneMainWindow");
 
 void useWindowFont() {
@@ -35,8 +36,12 @@ void useWindowFont() {
 
 } // namespace
 
-MainWindowController::MainWindowController(MenuBarViewModel& model, Preferences& preferences)
-    : model_(model), preferences_(preferences), dashboard_(model), theme_(model.appTheme()) {
+MainWindowController::MainWindowController(MenuBarViewModel& model, AutoSync& automatic,
+                                           Preferences& preferences)
+    : model_(model),
+      preferences_(preferences),
+      dashboard_(model, automatic),
+      theme_(model.appTheme()) {
     connect(&dashboard_, &Dashboard::chooseLibraryRequested, this,
             &MainWindowController::chooseLibraryRequested);
     connect(&dashboard_, &Dashboard::quitRequested, this, &MainWindowController::quitRequested);
@@ -53,6 +58,8 @@ MainWindowController::MainWindowController(MenuBarViewModel& model, Preferences&
 
 MainWindowController::~MainWindowController() {
     qApp->removeEventFilter(this);
+    if (saving_.isActive())
+        saveFrame();
 }
 
 void MainWindowController::prepare() {
@@ -74,6 +81,11 @@ void MainWindowController::prepare() {
     connect(view_.get(), &QWindow::visibilityChanged, this, [this](QWindow::Visibility visibility) {
         dashboard_.setLive(visibility != QWindow::Hidden && visibility != QWindow::Minimized);
     });
+    saving_.setSingleShot(true);
+    saving_.setInterval(saveDelay);
+    connect(&saving_, &QTimer::timeout, this, &MainWindowController::saveFrame);
+    for (const auto moved : {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged})
+        connect(view_.get(), moved, &saving_, qOverload<>(&QTimer::start));
     updateLook();
     resizeTo(QRect(view_->position(), QSize(wantedWidth(), height)));
 }

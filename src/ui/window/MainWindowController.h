@@ -4,6 +4,7 @@
 #include "ui/Dashboard.h"
 
 #include <QQuickView>
+#include <QTimer>
 #include <QVariantAnimation>
 
 #include <memory>
@@ -20,7 +21,7 @@ class MainWindowController final : public QObject {
     static constexpr int narrowWidth = 440;
     static constexpr int wideWidth = 880;
 
-    MainWindowController(MenuBarViewModel& model, Preferences& preferences);
+    MainWindowController(MenuBarViewModel& model, AutoSync& automatic, Preferences& preferences);
     ~MainWindowController() override;
 
     /// Shows the window in the middle of its screen, in front, with the keyboard.
@@ -64,6 +65,7 @@ class MainWindowController final : public QObject {
     bool reducesMotion_ = false;
     std::optional<bool> systemIsDark_;
     QVariantAnimation resizing_;
+    QTimer saving_; ///< of the frame, once it rests
     std::unique_ptr<QQuickView> view_;
 };
 

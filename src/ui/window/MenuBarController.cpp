@@ -152,8 +152,11 @@ void MenuBarController::buildMenu() {
             window_.showWindowAndCenter(); // it has a question, or says why not
     });
     menu_.addSeparator();
-    connect(menu_.addAction(QStringLiteral("Çıkış")), &QAction::triggered, &window_,
-            &MainWindowController::quitRequested);
+    connect(menu_.addAction(QStringLiteral("Çıkış")), &QAction::triggered, this, [this] {
+        if (model_.isSyncing())
+            window_.showWindowAndCenter(); // it asks
+        window_.dashboard().quit();
+    });
 }
 
 void MenuBarController::updateMenu() {

@@ -35,6 +35,13 @@ struct SessionCheckModelForQml {
     QML_UNCREATABLE("made by the program")
 };
 
+struct AutoSyncForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::AutoSync)
+    QML_NAMED_ELEMENT(AutoSync)
+    QML_UNCREATABLE("made by the program")
+};
+
 struct LibrarySettingsForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::LibrarySettings)

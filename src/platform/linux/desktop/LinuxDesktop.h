@@ -3,6 +3,7 @@
 #include "foundation/Log.h"
 #include "platform/linux/BrowserProcess.h"
 #include "platform/linux/DesktopEnvironment.h"
+#include "platform/linux/desktop/NetworkMeter.h"
 #include "ui/Desktop.h"
 
 #include <QObject>
@@ -21,6 +22,8 @@ class LinuxDesktop final : public Desktop {
     void reveal(const std::filesystem::path& file) override;
     bool startsAtLogin() const override;
     void setStartsAtLogin(bool starts) override;
+    bool isNetworkMetered() const override { return meter_.isMetered(); }
+    void watchNetwork(std::function<void()> changed) override { meter_.watch(std::move(changed)); }
 
   private:
     std::filesystem::path autostartEntry() const;
@@ -29,6 +32,7 @@ class LinuxDesktop final : public Desktop {
     Log& log_;
     BrowserProcess opener_;
     QObject calls_; ///< what waits for an answer ends with it
+    NetworkMeter meter_;
 };
 
 } // namespace quorvane

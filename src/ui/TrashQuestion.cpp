@@ -1,0 +1,75 @@
+#include "ui/TrashQuestion.h"
+
+#include "foundation/MainThread.h"
+#include "sync/ProductState.h"
+
+#include <QLocale>
+
+namespace quorvane {
+
+namespace {
+
+bool isSame(const std::optional<DeletionQuestion>& known, const DeletionQuestion& question) {
+    return known && known->count == question.count && known->bytes == question.bytes &&
+           known->place == question.place && known->warning == question.warning;
+}
+
+} // namespace
+
+bool TrashQuestion::confirmDeletion(const DeletionQuestion& question) {
+    const std::lock_guard lock(mutex_);
+    if (isSame(std::exchange(agreed_, std::nullopt), question))
+        return true;
+    if (!isSame(kept_, question))
+        onMainThread([self = self_, question] {
+            if (self)
+                self->ask(question);
+        });
+    return false;
+}
+
+void TrashQuestion::ask(const DeletionQuestion& question) {
+    if (isSame(open_, question))
+        return;
+    open_ = question;
+    Q_EMIT changed();
+    Q_EMIT asked();
+}
+
+void TrashQuestion::agree() {
+    close(open_, std::nullopt);
+}
+
+void TrashQuestion::keep() {
+    close(std::nullopt, open_);
+}
+
+void TrashQuestion::forget() {
+    close(std::nullopt, std::nullopt);
+}
+
+void TrashQuestion::close(std::optional<DeletionQuestion> agreed,
+                          std::optional<DeletionQuestion> kept) {
+    {
+        const std::lock_guard lock(mutex_);
+        agreed_ = std::move(agreed);
+        kept_ = std::move(kept);
+    }
+    open_.reset();
+    Q_EMIT changed();
+}
+
+QString trashTitle(const DeletionQuestion& question) {
+    return groupedCount(question.count) + QStringLiteral(" Öğe Çöp'e Taşınsın mı?");
+}
+
+QString trashText(const DeletionQuestion& question) {
+    const QString size = QLocale(QLocale::Turkish, QLocale::Turkey)
+                             .formattedDataSize(question.bytes, 1, QLocale::DataSizeSIFormat);
+    QString text = QStringLiteral("Google Photos'ta doğrulanan %1 özgün (%2) sistemin Çöp'üne "
+                                  "gider: %3. Çöp'ü siz boşaltana kadar geri alabilirsiniz.")
+                       .arg(groupedCount(question.count), size, question.place);
+    return question.warning.isEmpty() ? text : text + QStringLiteral("\n\n") + question.warning;
+}
+
+} // namespace quorvane
