@@ -23,4 +23,9 @@ bool isMachines(const std::exception& error) {
     return fault && kindOf(fault->code) == FaultKind::machine;
 }
 
+bool isSystems(const std::exception& error) {
+    const auto fault = faultOf(error);
+    return isMachines(error) || (fault && fault->code == FaultCode::fileTrouble);
+}
+
 } // namespace quorvane

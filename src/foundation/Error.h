@@ -45,4 +45,7 @@ std::optional<Fault> faultOf(const std::exception& error);
 /// hand, and whoever decides about items passes it on.
 bool isMachines(const std::exception& error);
 
+/// This computer, or a passing trouble with a file of it: nothing follows for what the file holds.
+bool isSystems(const std::exception& error);
+
 } // namespace quorvane

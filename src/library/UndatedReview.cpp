@@ -18,6 +18,16 @@ bool isTrusted(const QString& source) {
            *known != DateSource::today;
 }
 
+/// One file that cannot be read just now costs the review nothing but what it would say.
+template <typename Read>
+auto ifReadable(Read&& read) -> decltype(read()) {
+    try {
+        return read();
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
+}
+
 class Review {
   public:
     Review(const UndatedServices& services, const std::stop_token& stop, int filesRead)
@@ -86,8 +96,10 @@ class Review {
         if (filesLeft_ <= 0)
             return std::nullopt;
         --filesLeft_;
-        const auto resolved = s_.metadata.resolveDate(file, asset.facts(), asset.localIdentifier,
-                                                      DateFallbackMode::strictNone, name, stop_);
+        const auto resolved = ifReadable([&] {
+            return s_.metadata.resolveDate(file, asset.facts(), asset.localIdentifier,
+                                           DateFallbackMode::strictNone, name, stop_);
+        });
         return resolved && isTrusted(rawValue(resolved->source)) ? std::optional(resolved->date)
                                                                  : std::nullopt;
     }
@@ -97,8 +109,10 @@ class Review {
             return std::nullopt;
         for (const PhotoAssetResource& resource : s_.library.assetResources(asset))
             if (resource.type == AssetResourceType::pairedVideo && resource.fileSize)
-                return readExistingVideoDate(s_.root / resource.location, {.stop = stop_},
-                                             resource.originalFilename);
+                return ifReadable([&] {
+                    return readExistingVideoDate(s_.root / resource.location, {.stop = stop_},
+                                                 resource.originalFilename);
+                });
         return std::nullopt;
     }
 

@@ -153,7 +153,7 @@ MetadataResult publish(const Rewrite& rewrite, const MappedFile& source, ImageFo
     try {
         temporary.emplace(file);
     } catch (const FileError& error) {
-        if (isMachines(error))
+        if (isSystems(error))
             throw;
         return failed(noDestination);
     }
@@ -162,7 +162,7 @@ MetadataResult publish(const Rewrite& rewrite, const MappedFile& source, ImageFo
     try {
         temporary->replace(file);
     } catch (const FileError& error) {
-        if (isMachines(error))
+        if (isSystems(error))
             throw;
         return MetadataResult::failed(QStringLiteral("Atomic swap hatası: ") +
                                       error.localizedDescription());
@@ -176,7 +176,9 @@ MetadataResult enrich(const std::filesystem::path& file, const exif::Stamp& stam
     std::optional<MappedFile> source;
     try {
         source.emplace(file);
-    } catch (const FileError&) {
+    } catch (const FileError& error) {
+        if (isSystems(error))
+            throw;
         return failed(noSource);
     }
     if (source->bytes().empty())
@@ -213,7 +215,9 @@ std::optional<Date> readExistingImageDate(const std::filesystem::path& file,
         return block ? exif::instantOf(exif::readDates(viewOf(*block))) : std::nullopt;
     } catch (const Cancelled&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        if (isSystems(error))
+            throw;
         return std::nullopt;
     }
 }
@@ -231,7 +235,7 @@ MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targe
     } catch (const Cancelled&) {
         throw;
     } catch (const std::exception& error) {
-        if (isMachines(error))
+        if (isSystems(error))
             throw;
         log.log(QStringLiteral("[Metadata] ⚠️ Görsele tarih yazılamadı: %1 (%2)")
                     .arg(pathText(file.filename()), describe(error)));

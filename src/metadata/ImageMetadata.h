@@ -13,7 +13,7 @@ namespace quorvane {
 /// The capture date an image states: EXIF DateTimeOriginal, EXIF DateTimeDigitized, TIFF DateTime,
 /// the first that is present, read in the zone that it states, else as this computer's local time.
 /// None when there is none, when it does not parse or when the file is no image of a known kind.
-/// Throws nothing but `Cancelled`. Any thread.
+/// Throws `Cancelled`, and what is the system's fault (`isSystems`). Any thread.
 std::optional<Date> readExistingImageDate(const std::filesystem::path& file,
                                           const std::stop_token& stop = {});
 
@@ -23,8 +23,8 @@ std::optional<Date> readExistingImageDate(const std::filesystem::path& file,
 /// read is replaced. The file is replaced in one step or left as it was, and then bears
 /// `targetDate` as its modification time. The same file, date and location always give the same
 /// bytes. Recognises the container by its content. With `Effect::none` nothing is written, and the
-/// answer is what it would have been. Throws nothing but `Cancelled`. Any thread, one call per file
-/// at a time.
+/// answer is what it would have been. Throws `Cancelled`, and what is the system's fault
+/// (`isSystems`). Any thread, one call per file at a time.
 MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targetDate,
                                    const std::optional<AssetFacts>& asset, Log& log,
                                    Effect effect = Effect::write, const std::stop_token& stop = {});

@@ -35,14 +35,17 @@ QString extensionOf(const std::filesystem::path& file, const QString& originalFi
     return pathText(name.extension()).mid(1).toLower();
 }
 
-/// A source of dates that fails is a source without a date.
+/// A source of dates that fails is a source without a date, unless it is the system that fails:
+/// another source would then give another date.
 template <typename Source>
 std::optional<Date> dateFrom(Source&& source) {
     try {
         return writableDate(source());
     } catch (const Cancelled&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        if (isSystems(error))
+            throw;
         return std::nullopt;
     }
 }

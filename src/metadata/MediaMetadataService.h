@@ -19,9 +19,11 @@ struct MetadataForecast {
 };
 
 /// Decides which instant is a staged file's capture date and makes sure that the file says so.
-/// A source that fails counts as no date, a write that fails is reported; nothing is thrown but
-/// `Cancelled`, once `stop` is requested. `originalFileName` is the name the item has in its
-/// library, for a file that bears another (a staged name, which may be cut short).
+/// A source that fails counts as no date, a write that fails is reported; what is the system's
+/// fault
+/// (`isSystems`) is thrown, and `Cancelled` once `stop` is requested. `originalFileName` is the
+/// name the item has in its library, for a file that bears another (a staged name, which may be cut
+/// short).
 /// Any thread; one file is handled by one call at a time (its callers see to that).
 class MediaMetadataService {
   public:

@@ -163,7 +163,7 @@ class CreationTexts {
     MovieBox moov_;
 };
 
-/// What `read` finds in the file's first `moov` box; none for whatever goes wrong.
+/// What `read` finds in the file's first `moov` box; none for whatever is wrong with the file.
 template <typename Read>
 std::optional<Date> readMovie(const std::filesystem::path& path, const MovieLimits& limits,
                               Read&& read) {
@@ -176,7 +176,9 @@ std::optional<Date> readMovie(const std::filesystem::path& path, const MovieLimi
         return moov ? read(boxes, *moov) : std::nullopt;
     } catch (const Cancelled&) {
         throw;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        if (isSystems(error))
+            throw;
         return std::nullopt;
     }
 }

@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <optional>
 
-/// The dates that a movie carries. A movie that cannot be read has none; only `Cancelled` is
-/// thrown. A date of 2026 counts only when the file's name, or `originalName` where the file bears
-/// another, has "2026" in it. Any thread.
+/// The dates that a movie carries. A damaged movie has none; `Cancelled` is thrown, and what is the
+/// system's fault (`isSystems`). A date of 2026 counts only when the file's name, or `originalName`
+/// where the file bears another, has "2026" in it. Any thread.
 namespace quorvane {
 
 /// The creation time of the movie header (`moov/mvhd`).

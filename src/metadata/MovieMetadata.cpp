@@ -11,7 +11,7 @@ MetadataResult enrichVideoMetadata(const std::filesystem::path& file, Date targe
     } catch (const Cancelled&) {
         throw;
     } catch (const std::exception& error) {
-        if (isMachines(error))
+        if (isSystems(error))
             throw;
         log.log(QStringLiteral("[Metadata] ⚠️ MP4 binary patch başarısız: %1 (%2)")
                     .arg(describe(error), pathText(file.filename())));

@@ -25,7 +25,7 @@ std::mutex& libraryMutex() {
 
 } // namespace
 
-exif::Dates readRawDates(const std::filesystem::path& file) noexcept {
+exif::Dates readRawDates(const std::filesystem::path& file) {
     try {
         const MappedFile source(file);
         const std::lock_guard lock(libraryMutex());
@@ -43,7 +43,9 @@ exif::Dates readRawDates(const std::filesystem::path& file) noexcept {
         dates.modified.text = textOf(data, "Exif.Image.DateTime");
         dates.modified.offset = textOf(data, "Exif.Photo.OffsetTime");
         return dates;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        if (isSystems(error))
+            throw;
         return {};
     }
 }

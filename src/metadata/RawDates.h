@@ -7,7 +7,8 @@
 namespace quorvane {
 
 /// The date fields of a camera's own format (CR2, CR3, NEF, ARW, RAF, ORF, RW2); the file is never
-/// written. Empty when it states none or cannot be read. One file at a time, whatever the thread.
-exif::Dates readRawDates(const std::filesystem::path& file) noexcept;
+/// written. Empty when it states none or is damaged. Throws what is the system's fault
+/// (`isSystems`). One file at a time, whatever the thread.
+exif::Dates readRawDates(const std::filesystem::path& file);
 
 } // namespace quorvane

@@ -14,6 +14,8 @@
 
 #include <map>
 
+#include <sys/resource.h>
+
 using namespace quorvane;
 using namespace quorvane::test;
 
@@ -248,5 +250,17 @@ TEST_F(MediaMetadataServiceTest, StopsWhenItIsToldTo) {
                      Cancelled);
         EXPECT_THROW(service.hasEmbeddedDate(file, {}, stop.get_token()), Cancelled);
         EXPECT_EQ(readFile(file), bytes);
+    }
+}
+
+TEST_F(MediaMetadataServiceTest, TakesNoOtherDateWhereTheSystemRefusesToRead) {
+    rlimit usual{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
+    for (const char* kind : {"jpg", "mov", "cr2"}) {
+        const auto file = folder.write(std::string("20150505_151515.") + kind, "any");
+        const rlimit noFiles{0, usual.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &noFiles), 0);
+        EXPECT_THROW(service.ensureMetadata(file, {}, {}, Mode::strictNone), FileError) << kind;
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
     }
 }

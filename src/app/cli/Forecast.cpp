@@ -3,6 +3,7 @@
 #include "app/cli/FigureRows.h"
 #include "app/cli/SyncReport.h"
 #include "app/cli/TextTable.h"
+#include "foundation/File.h"
 #include "store/RecordAbsences.h"
 
 #include <algorithm>
@@ -53,8 +54,14 @@ std::optional<PhotoAssetResource> countFile(Forecast& forecast, SourceServices& 
     if (choice)
         facts.chosenDate = choice->date;
     const std::filesystem::path file = library.path / resource->location;
-    const MetadataForecast metadata = library.metadata.wouldEnsureMetadata(
-        file, facts, asset.localIdentifier, fallbackMode, resource->originalFilename, stop);
+    MetadataForecast metadata;
+    try {
+        metadata = library.metadata.wouldEnsureMetadata(
+            file, facts, asset.localIdentifier, fallbackMode, resource->originalFilename, stop);
+    } catch (const FileError&) {
+        ++forecast.unavailable;
+        return std::nullopt;
+    }
     const bool isSentAsItIs = choice && !choice->date;
     if (metadata.carriesDate || isSentAsItIs) {
         const auto movie = movieToJoin(resources);
