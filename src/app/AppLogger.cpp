@@ -35,6 +35,10 @@ AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Cloc
     } catch (const FileError&) { // NOLINT(bugprone-empty-catch)
         // File output stays off for the rest of the run.
     }
+    notices_ = console_.notices.subscribe([this](const Console::Notice& notice) {
+        const QString line = plainText(notice.line, Lines::one);
+        remember({QUuid::createUuid(), clock_.now(), line, levelOf(line), notice.about});
+    });
     const QString rule(42, u'=');
     log(rule);
     log(QStringLiteral("🚀 Quorvane Başlatıldı (PID: %1)").arg(::getpid()));
@@ -42,7 +46,7 @@ AppLogger::AppLogger(const std::filesystem::path& folder, Console& console, Cloc
     log(rule);
 }
 
-void AppLogger::log(const QString& text) {
+void AppLogger::log(const QString& text, const QString& about) {
     const QString message = plainText(text, Lines::one);
     const QString time = iso8601(clock_.now());
     const QString tag = isMainThread() ? QStringLiteral("Main") : QStringLiteral("Bg");
@@ -50,10 +54,10 @@ void AppLogger::log(const QString& text) {
         QStringLiteral("[%1] [%2] ").arg(time, tag).append(message).append(u'\n').toUtf8();
     if (systemLog_)
         systemLog_->log(message);
-    const LogEntry entry{QUuid::createUuid(), clock_.now(), message, levelOf(message)};
+    const LogEntry entry{QUuid::createUuid(), clock_.now(), message, levelOf(message), about};
     const QString consoleLine = QStringLiteral("[%1] ").arg(tag) + message;
     if (entry.level == LogLevel::warning || entry.level == LogLevel::error)
-        console_.notice(consoleLine);
+        console_.noticeOfLog(consoleLine);
     else
         console_.print(consoleLine);
 
@@ -64,6 +68,13 @@ void AppLogger::log(const QString& text) {
             [[maybe_unused]] const auto written =
                 ::write(file_.get(), fileLine.constData(), static_cast<size_t>(fileLine.size()));
         }
+    }
+    remember(entry);
+}
+
+void AppLogger::remember(const LogEntry& entry) {
+    {
+        const std::lock_guard lock(mutex_);
         memoryBuffer_.push_back(entry);
         if (memoryBuffer_.size() > memoryBufferSize)
             memoryBuffer_.pop_front();

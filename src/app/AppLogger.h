@@ -24,9 +24,12 @@ class AppLogger final : public Log {
     AppLogger(const std::filesystem::path& folder, Console& console, Clock& clock,
               SystemLog* systemLog = nullptr);
 
-    void log(const QString& message) override;
+    void log(const QString& message) override { log(message, {}); }
+    void logAbout(const QString& identifier, const QString& message) override {
+        log(message, identifier);
+    }
 
-    /// The latest entries, oldest first, at most 100.
+    /// The latest entries, oldest first, at most 100; among them what only the console was told.
     std::vector<LogEntry> memoryBuffer() const;
 
     /// Sends each entry on the caller's thread, after no lock is held.
@@ -36,6 +39,9 @@ class AppLogger final : public Log {
     const std::filesystem::path& logFile() const { return logFile_; }
 
   private:
+    void log(const QString& text, const QString& about);
+    void remember(const LogEntry& entry);
+
     Console& console_;
     Clock& clock_;
     SystemLog* const systemLog_;
@@ -44,6 +50,7 @@ class AppLogger final : public Log {
     FileDescriptor file_;
     std::deque<LogEntry> memoryBuffer_;
     Publisher<LogEntry> publisher_;
+    Subscription notices_; ///< last: it uses the rest
 };
 
 } // namespace quorvane

@@ -114,28 +114,6 @@ QString years(const std::vector<DatedItems>& dated) {
                                 text;
 }
 
-QString sourceText(const QString& name) {
-    switch (dateSourceFrom(name).value_or(DateSource::embedded)) {
-    case DateSource::chosen:
-        return u"sizin verdiğiniz tarih"_s;
-    case DateSource::asset:
-        return u"arşivin kendisi"_s;
-    case DateSource::photosDatabase:
-        return u"Fotoğraflar veritabanı"_s;
-    case DateSource::embedded:
-        return u"dosyanın içi"_s;
-    case DateSource::fileName:
-        return u"dosyanın adı"_s;
-    case DateSource::numberInName:
-        return u"addaki sayı"_s;
-    case DateSource::fileSaveDate:
-        return u"dosyanın kaydedildiği gün"_s;
-    case DateSource::today:
-        return u"yüklendiği gün"_s;
-    }
-    return name;
-}
-
 QString sources(const std::vector<DatedItems>& dated) {
     std::map<QString, int> counts;
     for (const DatedItems& items : dated)
@@ -145,7 +123,8 @@ QString sources(const std::vector<DatedItems>& dated) {
         longest = std::max(longest, count);
     QString text;
     for (const auto& [name, count] : counts)
-        text += barRow(sourceText(name), {.pictures = count}, longest);
+        text += barRow(sourceText(dateSourceFrom(name).value_or(DateSource::embedded)),
+                       {.pictures = count}, longest);
     return text.isEmpty() ? text : u"<h2>Tarihlerin kaynağı</h2>\n"_s + text;
 }
 

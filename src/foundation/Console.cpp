@@ -62,7 +62,12 @@ void Console::print(const QString& line) {
         write(descriptorOf(channel_), line + u'\n');
 }
 
-void Console::notice(const QString& line) {
+void Console::notice(const QString& line, const QString& about) {
+    noticeOfLog(line);
+    notices.send({line, about});
+}
+
+void Console::noticeOfLog(const QString& line) {
     const std::lock_guard lock(mutex_);
     if (channel_ == Channel::silent)
         return;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Publisher.h"
+
 #include <QString>
 
 #include <mutex>
@@ -31,8 +33,17 @@ class Console {
     /// Writes one line, a step of the work; the live line, if shown, moves below it.
     void print(const QString& line);
 
-    /// The same for what needs a person.
-    void notice(const QString& line);
+    /// The same for what needs a person; `about` is the identifier of the asset that it speaks of.
+    void notice(const QString& line, const QString& about = {});
+    /// The same of a line that is told in the log as well.
+    void noticeOfLog(const QString& line);
+
+    struct Notice {
+        QString line;
+        QString about;
+    };
+    /// What `notice` was given, on the caller's thread.
+    Publisher<Notice> notices;
 
     /// Writes to standard output whatever the channel is: results, tables, JSON objects.
     void result(const QString& text);

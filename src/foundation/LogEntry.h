@@ -17,6 +17,7 @@ struct LogEntry {
     Date timestamp;
     QString message; ///< as the caller wrote it
     LogLevel level = LogLevel::info;
+    QString about = {}; ///< the identifier of the asset that it speaks of; empty for none
 };
 
 } // namespace quorvane

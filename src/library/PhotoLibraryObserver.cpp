@@ -277,7 +277,8 @@ void PhotoLibraryObserver::processNewAssets(const std::vector<PhotoAsset>& asset
             database_.extendLimit(asset.localIdentifier);
         } catch (const DBError& error) {
             console_.notice(QStringLiteral("[PhotoKit] Kayıt hatası ") + asset.localIdentifier +
-                            QStringLiteral(": ") + error.localizedDescription());
+                                QStringLiteral(": ") + error.localizedDescription(),
+                            asset.localIdentifier);
         }
     }
     settle(assets, stop);

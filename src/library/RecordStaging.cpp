@@ -359,7 +359,7 @@ void RecordStaging::missing(const QString& what, const QString& identifier) {
 }
 
 void RecordStaging::printError(const QString& identifier, const QString& reason) {
-    s_.console.notice(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason));
+    s_.console.notice(QStringLiteral("[Staging] Hata %1: %2").arg(identifier, reason), identifier);
 }
 
 void RecordStaging::tellAlone(const Source& source, const Error& error) {

@@ -287,8 +287,9 @@ void SafeDeletionService::recordDeletion(const std::vector<SyncRecord>& records)
     }
     const QString& identifier = records.front().assetLocalIdentifier;
     s_.staging.removeFromStaging(identifier);
-    s_.log.log(QStringLiteral("[SafeDeletion] ✅ Güvenle silindi ve staging temizlendi: ") +
-               identifier);
+    s_.log.logAbout(identifier,
+                    QStringLiteral("[SafeDeletion] ✅ Güvenle silindi ve staging temizlendi: ") +
+                        identifier);
 }
 
 QString SafeDeletionService::nameOf(const PhotoAsset& asset) {

@@ -44,6 +44,28 @@ QString rawValue(DateSource source) {
     return QStringLiteral("today");
 }
 
+QString sourceText(DateSource source) {
+    switch (source) {
+    case DateSource::chosen:
+        return QStringLiteral("sizin verdiğiniz tarih");
+    case DateSource::asset:
+        return QStringLiteral("arşivin kendisi");
+    case DateSource::photosDatabase:
+        return QStringLiteral("Fotoğraflar veritabanı");
+    case DateSource::embedded:
+        return QStringLiteral("dosyanın içi");
+    case DateSource::fileName:
+        return QStringLiteral("dosyanın adı");
+    case DateSource::numberInName:
+        return QStringLiteral("addaki sayı");
+    case DateSource::fileSaveDate:
+        return QStringLiteral("dosyanın kaydedildiği gün");
+    case DateSource::today:
+        break;
+    }
+    return QStringLiteral("yüklendiği gün");
+}
+
 std::optional<DateSource> dateSourceFrom(const QString& rawValue) {
     for (const auto source : {DateSource::chosen, DateSource::asset, DateSource::photosDatabase,
                               DateSource::embedded, DateSource::fileName, DateSource::numberInName,

@@ -53,6 +53,9 @@ enum class DateSource {
 /// The case's name, as it is stored.
 QString rawValue(DateSource source);
 
+/// For a person: "dosyanın içi".
+QString sourceText(DateSource source);
+
 /// None for an unknown text.
 std::optional<DateSource> dateSourceFrom(const QString& rawValue);
 

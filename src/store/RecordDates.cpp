@@ -34,6 +34,16 @@ void RecordDates::setDate(const QString& identifier, const RecordDate& date) {
     });
 }
 
+std::optional<RecordDate> RecordDates::dateFor(const QString& identifier) {
+    return db_.onConnection([&](sqlite::Connection& database) -> std::optional<RecordDate> {
+        sqlite::Statement row(
+            database, "SELECT date, source FROM record_dates WHERE asset_local_identifier = ?");
+        row.bind(1, identifier);
+        return row.step() ? std::optional(RecordDate{dateOf(row.integer(0)), row.text(1)})
+                          : std::nullopt;
+    });
+}
+
 std::vector<std::pair<QString, RecordDate>> RecordDates::all() {
     return db_.onConnection([](sqlite::Connection& database) {
         sqlite::Statement row(database,

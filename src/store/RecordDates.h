@@ -47,6 +47,8 @@ class RecordDates {
     explicit RecordDates(DatabaseManager& database) : db_(database) {}
 
     void setDate(const QString& identifier, const RecordDate& date);
+    /// None where the asset was never staged with a date.
+    std::optional<RecordDate> dateFor(const QString& identifier);
     /// By identifier, in no order: of every asset that was staged with a date.
     std::vector<std::pair<QString, RecordDate>> all();
 

@@ -2,6 +2,7 @@
 
 #include "store/RecordAbsences.h"
 #include "store/RecordFaults.h"
+#include "store/RecordHistory.h"
 #include "store/RecordRemainders.h"
 #include "store/StateFacts.h"
 
@@ -104,6 +105,7 @@ bool RecordLife::staged(const SyncRecord& record, const std::optional<RecordSour
         changed.uploadToken.reset();
         changed.syncStatus = to;
         db_.upsertRecord(changed);
+        RecordTimes(db_).setStaged(record.assetLocalIdentifier);
         if (source)
             setSource(record, *source);
         if (date)
@@ -163,6 +165,7 @@ bool RecordLife::created(const SyncRecord& record, const QString& uploadToken,
             dates_.compare(record.assetLocalIdentifier, *filedUnder);
         db_.updateStatus(record.assetLocalIdentifier, record.providerID, record.accountID, to,
                          uploadToken, remoteID);
+        RecordTimes(db_).setUploaded(record.assetLocalIdentifier);
         runFor(record.assetLocalIdentifier,
                "DELETE FROM upload_tokens WHERE asset_local_identifier = ?");
         bindAccount();

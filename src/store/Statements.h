@@ -43,7 +43,8 @@ CREATE INDEX IF NOT EXISTS idx_unfinished ON sync_records(updated_at)
 /// (milliseconds since 1970 UTC), what a person chose where there was none, the assets whose
 /// original is not on this machine and why, what of an asset is not in its staged file, the albums
 /// that mirror the library's, the bytes that were sent and are no item yet, what FAILED records
-/// failed by, the files of a folder library, and whose state this is.
+/// failed by, when what happened to a record (seconds since 1970 UTC), the files of a folder
+/// library, and whose state this is.
 inline constexpr const char* besides =
     R"sql(CREATE TABLE IF NOT EXISTS record_sources (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
@@ -109,6 +110,11 @@ CREATE TABLE IF NOT EXISTS record_faults (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,
     code                   TEXT NOT NULL,
     reason                 TEXT NOT NULL
+) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS record_times (
+    asset_local_identifier TEXT NOT NULL PRIMARY KEY,
+    staged                 INTEGER NOT NULL,
+    uploaded               INTEGER
 ) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS record_remainders (
     asset_local_identifier TEXT NOT NULL PRIMARY KEY,

@@ -264,8 +264,9 @@ void BatchCoordinator::settleRefused(const Entry& entry, const NewItemResult& re
     if (result.fault && result.fault->code == FaultCode::tokenRefused && mayBeSentAgain(entry))
         return; // stays STAGED
     markFailed(entry, result.reason, result.fault);
-    s_.log.log(QStringLiteral("[Batch] FAILED: ") + entry.item.fileName + QStringLiteral(" -> ") +
-               result.detail);
+    s_.log.logAbout(entry.record.assetLocalIdentifier, QStringLiteral("[Batch] FAILED: ") +
+                                                           entry.item.fileName +
+                                                           QStringLiteral(" -> ") + result.detail);
 }
 
 void BatchCoordinator::settleArrivals(const std::vector<Arrival>& arrivals) {
@@ -277,9 +278,10 @@ void BatchCoordinator::settleArrivals(const std::vector<Arrival>& arrivals) {
             continue;
         const auto& [entry, result] = arrivals[i];
         const bool isNew = result.outcome == NewItemResult::Outcome::created;
-        s_.log.log(QStringLiteral("[Batch] VERIFIED: ") + entry.item.fileName +
-                   QStringLiteral(" -> ") +
-                   (isNew ? result.remoteID : QStringLiteral("hedefte zaten vardı")));
+        s_.log.logAbout(entry.record.assetLocalIdentifier,
+                        QStringLiteral("[Batch] VERIFIED: ") + entry.item.fileName +
+                            QStringLiteral(" -> ") +
+                            (isNew ? result.remoteID : QStringLiteral("hedefte zaten vardı")));
         onCreated(entry.record);
         const std::lock_guard lock(mutex_);
         alreadyExisting_ += isNew ? 0 : 1;

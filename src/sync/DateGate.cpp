@@ -45,6 +45,7 @@ void DateGate::holdBack(const SyncRecord& record, const MetadataResult& result,
                    "[Sync] 🛑 Tarih tespit edilemedi (DATE_UNRESOLVED), upload engellendi: ")
              : QStringLiteral("[Sync] 🛑 Dosyada geçerli gömülü tarih bulunamadı, upload "
                               "engellendi: ")) +
+            record.assetLocalIdentifier,
         record.assetLocalIdentifier);
     s_.life.heldBack(record, isKindToBlame ? undatableText : undatedText, want);
 }

@@ -266,11 +266,13 @@ void SyncCoordinator::handleFailure(Pass& pass, const SyncRecord& record,
             QStringLiteral("[Sync] Hata (%1x), %2s bekleniyor: %3")
                 .arg(verdict.errors)
                 .arg(QString::number(static_cast<double>(verdict.wait.count()), 'f', 1),
-                     description));
+                     description),
+            record.assetLocalIdentifier);
         s_.clock.sleep(verdict.wait, s_.flags.stopToken());
         return;
     }
-    s_.log.log(QStringLiteral("[Sync] ⏸ Dosya sırada kaldı: ") + description);
+    s_.log.logAbout(record.assetLocalIdentifier,
+                    QStringLiteral("[Sync] ⏸ Dosya sırada kaldı: ") + description);
     stageAhead_->expectAgain(record);
     const std::lock_guard lock(mutex_);
     pass.queue.push_back(record); // the next attempt is another one's

@@ -18,7 +18,7 @@ QString partOf(const QString& nextPartTitle) {
 } // namespace
 
 Dashboard::Dashboard(MenuBarViewModel& model, AutoSync& automatic)
-    : model_(model), automatic_(automatic), librarySettings_(model), review_(model) {
+    : model_(model), automatic_(automatic), librarySettings_(model), review_(model), lives_(model) {
     connect(&automatic_, &AutoSync::changed, this, &Dashboard::settingsChanged);
     using Model = MenuBarViewModel;
     using Self = Dashboard;

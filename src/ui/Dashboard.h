@@ -2,6 +2,7 @@
 
 #include "ui/AutoSync.h"
 #include "ui/DashboardTypes.h"
+#include "ui/InspectorModel.h"
 #include "ui/LibrarySettings.h"
 #include "ui/MenuBarViewModel.h"
 #include "ui/ReviewModel.h"
@@ -23,6 +24,7 @@ class Dashboard final : public QObject {
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY errorMessageChanged)
     Q_PROPERTY(bool isAutoDeleteEnabled READ isAutoDeleteEnabled NOTIFY settingsChanged)
     Q_PROPERTY(quorvane::ReviewModel* review READ review CONSTANT)
+    Q_PROPERTY(quorvane::InspectorModel* lives READ lives CONSTANT)
     Q_PROPERTY(quorvane::AlertView alert READ alert NOTIFY sheetsChanged)
     Q_PROPERTY(bool isInspectorOpen READ isInspectorOpen NOTIFY inspectorToggled)
     Q_PROPERTY(quorvane::InspectorView inspector READ inspector NOTIFY inspectorChanged)
@@ -54,6 +56,7 @@ class Dashboard final : public QObject {
     QString errorMessage() const { return model_.errorMessage(); }
     bool isAutoDeleteEnabled() const { return model_.isAutoDeleteEnabled(); }
     ReviewModel* review() { return &review_; }
+    InspectorModel* lives() { return &lives_; }
     AlertView alert() const;
     bool isInspectorOpen() const { return model_.isInspectorOpen(); }
     InspectorView inspector() const;
@@ -119,6 +122,7 @@ class Dashboard final : public QObject {
     TransferListModel transfers_;
     LibrarySettings librarySettings_;
     ReviewModel review_;
+    InspectorModel lives_;
     bool isLive_ = false;
     /// Over the window, because of what the person did.
     enum class Question { none, trash, quit, signOut } question_ = Question::none;

@@ -54,6 +54,10 @@ QVariant LogListModel::data(const QModelIndex& index, int role) const {
             .toString(QStringLiteral("HH:mm:ss"));
     case messageRole:
         return entry.message;
+    case lineRole:
+        return entry.id.toString(QUuid::WithoutBraces);
+    case aboutRole:
+        return entry.about;
     case levelRole:
         return nameOf(entry.level);
     default:
@@ -62,7 +66,11 @@ QVariant LogListModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> LogListModel::roleNames() const {
-    return {{timeRole, "time"}, {messageRole, "message"}, {levelRole, "level"}};
+    return {{timeRole, "time"},
+            {messageRole, "message"},
+            {lineRole, "line"},
+            {aboutRole, "about"},
+            {levelRole, "level"}};
 }
 
 void LogListModel::clear() {

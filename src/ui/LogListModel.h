@@ -23,6 +23,8 @@ class LogListModel final : public QAbstractListModel {
     enum Role {
         timeRole = Qt::UserRole + 1, ///< "14:32:09", local time
         messageRole,
+        lineRole,  ///< tells it from every other
+        aboutRole, ///< the asset that it speaks of; empty for none
         levelRole, ///< "info", "network", "success", "warning", "error"
     };
 

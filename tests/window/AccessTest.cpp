@@ -116,6 +116,7 @@ TEST_F(KeyboardTest, tabReachesEveryControlInOrderAndEachHasItsName) {
         {u"settings"_s, u"Ayarlar"_s, Button},
         {u"quit"_s, u"Çıkış"_s, Button},
         {u"inspectorClose"_s, u"Kapat"_s, Button},
+        {u"saveReport"_s, u"Raporu Kaydet…"_s, Button},
         {u"clearLog"_s, u"Temizle"_s, Button},
         {u"console"_s, u"Canlı Akış Konsolu"_s, List},
     };

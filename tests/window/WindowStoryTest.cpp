@@ -383,6 +383,45 @@ TEST_F(WindowStoryTest, whatHasNoDateIsReviewed) {
     EXPECT_EQ(model->dateUnresolvedCount(), 0);
 }
 
+TEST_F(WindowStoryTest, aLineOfTheLogTellsTheLifeOfItsRecord) {
+    world.addPicture(u"Gizli tatil.jpg"_s);
+    world.addPicture(u"tarihsiz.jpg"_s, std::nullopt);
+    openSignedIn();
+    model->toggleInspector();
+    click(u"start"_s);
+    ASSERT_TRUE(awaitView([&] { return !model->isSyncing(); }));
+    const auto lineOf = [&](const QString& beginning) {
+        const LogListModel& lines = *model->recentLogs();
+        int line = lines.rowCount() - 1;
+        while (line >= 0 && !lines.data(lines.index(line), LogListModel::messageRole)
+                                 .toString()
+                                 .startsWith(beginning))
+            --line;
+        return line;
+    };
+    EXPECT_TRUE(awaitView([&] { return lineOf(u"[Sync] 🛑 Tarih tespit edilemedi"_s) >= 0; }))
+        << "what only the console was told";
+    click(u"open%1"_s.arg(lineOf(u"[Batch] VERIFIED: Gizli tatil.jpg"_s)));
+    expectShown({u"keşfedildi"_s, u"hazırlandı"_s, u"tarih: dosyanın içi"_s, u"5 Mart 2021 18:22"_s,
+                 u"yüklendi"_s, u"oluşturuldu"_s});
+    shot(u"inspector-timeline-light"_s);
+    find(u"console"_s)->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Escape);
+    expectHidden({u"keşfedildi"_s});
+
+    click(u"saveReport"_s);
+    for (const Names names : {Names::hidden, Names::kept}) {
+        const std::filesystem::path file = world.folder / "rapor.txt";
+        window.dashboard().lives()->saveReport(file, names);
+        settleView();
+        const QString report = QString::fromUtf8(readFile(file));
+        EXPECT_TRUE(report.startsWith(u"Quorvane raporu\n"_s));
+        EXPECT_TRUE(report.contains(u"DATE_UNRESOLVED"_s));
+        EXPECT_EQ(report.contains(u"Gizli tatil"_s), names == Names::kept);
+        EXPECT_FALSE(report.contains(u"ornek.com"_s));
+    }
+}
+
 TEST_F(WindowStoryTest, theAlbumLimit) {
     world.addPictures(30);
     world.google.addAlbum(u"Aile Arşivi"_s, 19'980);

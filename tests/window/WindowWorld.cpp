@@ -94,7 +94,10 @@ void WindowWorld::settleView() {
     ASSERT_TRUE(model->isSyncing() || isAtConsentPage || settle());
     // What is drawn may ask for more, which is drawn then.
     for (int frame = 0; frame < 3; ++frame) {
-        ASSERT_TRUE(waitOnMainThread([&] { return !window.dashboard().review()->isWorking(); }));
+        ASSERT_TRUE(waitOnMainThread([&] {
+            return !window.dashboard().review()->isWorking() &&
+                   !window.dashboard().lives()->isWorking();
+        }));
         QCoreApplication::processEvents();
         window.window()->grabWindow(); // polishes and draws
         QCoreApplication::processEvents();

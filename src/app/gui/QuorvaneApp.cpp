@@ -5,6 +5,7 @@
 #include "foundation/File.h"
 
 #include <QApplication>
+#include <QDir>
 
 namespace quorvane {
 
@@ -52,6 +53,11 @@ QuorvaneApp::QuorvaneApp(const UserFolders& folders)
     library_.onChanged = [this] { model_.libraryDidChange(); };
     QObject::connect(&window_, &MainWindowController::chooseLibraryRequested, &model_, [this] {
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
+    });
+    QObject::connect(&window_, &MainWindowController::reportRequested, &model_, [this] {
+        dialogs_.chooseReport(pathFrom(QDir::homePath()), [this](auto file, bool keepsNames) {
+            window_.dashboard().lives()->saveReport(file, keepsNames ? Names::kept : Names::hidden);
+        });
     });
     QObject::connect(&window_, &MainWindowController::quitRequested, qApp, &QApplication::quit);
     platform_.follow(model_, window_);

@@ -58,4 +58,21 @@ void SystemDialogs::chooseLibrary(
     dialog->setWindowTitle(QStringLiteral("Fotoğraf Kitaplığını Seç"));
 }
 
+void SystemDialogs::chooseReport(
+    const std::filesystem::path& folder,
+    std::function<void(std::filesystem::path, bool keepsNames)> answer) {
+    const QString kept = QStringLiteral("Rapor, dosya adlarıyla (*.txt)");
+    auto* dialog = new QFileDialog(nullptr, QString(), pathText(folder));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setNameFilters({QStringLiteral("Rapor, dosya adları gizli (*.txt)"), kept});
+    dialog->setDefaultSuffix(QStringLiteral("txt"));
+    dialog->selectFile(QStringLiteral("quorvane-rapor.txt"));
+    QObject::connect(dialog, &QFileDialog::fileSelected, dialog,
+                     [dialog, kept, answer = std::move(answer)](const QString& file) {
+                         answer(pathFrom(file), dialog->selectedNameFilter() == kept);
+                     });
+    show(dialog);
+    dialog->setWindowTitle(QStringLiteral("Raporu Kaydet"));
+}
+
 } // namespace quorvane

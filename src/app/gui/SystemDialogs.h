@@ -23,6 +23,11 @@ class SystemDialogs {
     void chooseLibrary(const std::filesystem::path& startAt,
                        std::function<void(std::optional<std::filesystem::path>)> answer);
 
+    /// Where a report is to be written, and whether with the names of files. Nothing is answered
+    /// when the person chose nothing.
+    void chooseReport(const std::filesystem::path& folder,
+                      std::function<void(std::filesystem::path, bool keepsNames)> answer);
+
   private:
     void show(QWidget* dialog);
 

@@ -8,6 +8,7 @@ Rectangle {
     id: frame
 
     required property LogListModel log
+    required property InspectorModel inspector
 
     radius: Theme.tileRadius
     color: Theme.console
@@ -19,6 +20,7 @@ Rectangle {
 
         property bool followsTail: true
         property bool visualFocus: false
+        property string revealed ///< the open line that was scrolled into view
 
         function scrollBy(distance: real) {
             const last = Math.max(originY, originY + contentHeight - height);
@@ -44,6 +46,31 @@ Rectangle {
         onActiveFocusChanged: visualFocus = activeFocus
         Accessible.role: Accessible.List
         Accessible.name: "Canlı Akış Konsolu"
+        /// Once for each line that is opened: whoever scrolls away from it is left there.
+        function reveal(row: LogLine) {
+            if (revealed === row.line)
+                return;
+            revealed = row.line;
+            followsTail = false;
+            forceLayout();
+            const above = row.y - contentY;
+            const below = above + row.height - height;
+            scrollBy(above < 0 ? above : Math.max(0, Math.min(above, below)));
+            followsTail = false;
+        }
+        /// The line in the middle of what is seen.
+        function toggleMiddle() {
+            const line = itemAt(width / 2, contentY + height / 2) as LogLine;
+            if (line)
+                line.toggle();
+        }
+        Keys.onReturnPressed: toggleMiddle()
+        Keys.onEnterPressed: toggleMiddle()
+        Keys.onEscapePressed: event => {
+            event.accepted = frame.inspector.openLine.length > 0;
+            if (event.accepted)
+                frame.inspector.close();
+        }
         Keys.onUpPressed: scrollBy(-16)
         Keys.onDownPressed: scrollBy(16)
         Keys.onPressed: event => {
@@ -53,7 +80,11 @@ Rectangle {
             if (event.accepted)
                 scrollBy(distance);
         }
-        delegate: LogLine { width: ListView.view.width }
+        delegate: LogLine {
+            width: ListView.view.width
+            inspector: frame.inspector
+            onOpened: Qt.callLater(list.reveal, this)
+        }
         ScrollBar.vertical: ScrollThumb {
             onPressedChanged: if (!pressed) list.followsTail = list.atYEnd
         }

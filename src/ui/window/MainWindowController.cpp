@@ -44,6 +44,8 @@ MainWindowController::MainWindowController(MenuBarViewModel& model, AutoSync& au
       theme_(model.appTheme()) {
     connect(&dashboard_, &Dashboard::chooseLibraryRequested, this,
             &MainWindowController::chooseLibraryRequested);
+    connect(dashboard_.lives(), &InspectorModel::reportRequested, this,
+            &MainWindowController::reportRequested);
     connect(&dashboard_, &Dashboard::quitRequested, this, &MainWindowController::quitRequested);
     connect(&model_, &MenuBarViewModel::inspectorToggled, this,
             [this] { setInspectorExpanded(model_.isInspectorOpen(), true); });

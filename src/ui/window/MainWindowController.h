@@ -45,6 +45,7 @@ class MainWindowController final : public QObject {
 
   Q_SIGNALS:
     void chooseLibraryRequested();
+    void reportRequested();
     void quitRequested();
 
   protected:

@@ -63,6 +63,13 @@ struct HeldListModelForQml {
     QML_UNCREATABLE("made by the program")
 };
 
+struct InspectorModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::InspectorModel)
+    QML_NAMED_ELEMENT(InspectorModel)
+    QML_UNCREATABLE("made by the program")
+};
+
 struct LogListModelForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::LogListModel)
