@@ -4,7 +4,7 @@
 #include "library/PhotoLibrary.h"
 #include "metadata/ImageMetadata.h"
 #include "metadata/MediaMetadataService.h"
-#include "metadata/MovieMetadata.h"
+#include "metadata/movie/MovieMetadata.h"
 
 #include <cstdio>
 

@@ -4,7 +4,7 @@
 #include "emulator/Tokens.h"
 #include "emulator/UploadSession.h"
 #include "metadata/ImageMetadata.h"
-#include "metadata/MovieDates.h"
+#include "metadata/movie/MovieDates.h"
 
 using namespace Qt::StringLiterals;
 

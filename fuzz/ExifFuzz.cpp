@@ -1,4 +1,4 @@
-#include "metadata/ExifBlock.h"
+#include "metadata/exif/ExifBlock.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include "ReplacedExif.h"
-#include "metadata/ExifBlock.h"
-#include "metadata/JpegContainer.h"
+#include "metadata/exif/ExifBlock.h"
+#include "metadata/jpeg/JpegContainer.h"
 
 using namespace quorvane;
 

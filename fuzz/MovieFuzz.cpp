@@ -1,6 +1,6 @@
 #include "foundation/File.h"
-#include "metadata/MovieDates.h"
-#include "metadata/MoviePatch.h"
+#include "metadata/movie/MovieDates.h"
+#include "metadata/movie/MoviePatch.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,5 +1,5 @@
 #include "ReplacedExif.h"
-#include "metadata/PngContainer.h"
+#include "metadata/png/PngContainer.h"
 
 using namespace quorvane;
 

@@ -1,5 +1,5 @@
 #include "ReplacedExif.h"
-#include "metadata/WebpContainer.h"
+#include "metadata/webp/WebpContainer.h"
 
 using namespace quorvane;
 

@@ -2,7 +2,7 @@
 
 #include "metadata/FileDates.h"
 #include "metadata/MotionPhoto.h"
-#include "metadata/MoviePatch.h"
+#include "metadata/movie/MoviePatch.h"
 
 #include <cerrno>
 #include <cstdio>

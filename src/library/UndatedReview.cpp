@@ -2,8 +2,8 @@
 
 #include "foundation/File.h"
 #include "library/AlbumCollector.h"
-#include "metadata/MovieDates.h"
-#include "metadata/MovieMetadata.h"
+#include "metadata/movie/MovieDates.h"
+#include "metadata/movie/MovieMetadata.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "metadata/ImageFormat.h"
 
-#include "metadata/TiffDirectory.h"
+#include "metadata/exif/TiffDirectory.h"
 
 #include <algorithm>
 #include <array>

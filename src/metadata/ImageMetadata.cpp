@@ -1,15 +1,15 @@
 #include "metadata/ImageMetadata.h"
 
-#include "metadata/ExifBlock.h"
 #include "metadata/FileDates.h"
-#include "metadata/GpsFields.h"
-#include "metadata/HeifContainer.h"
 #include "metadata/ImageFormat.h"
-#include "metadata/JpegContainer.h"
 #include "metadata/LocalCalendar.h"
 #include "metadata/MappedFile.h"
-#include "metadata/PngContainer.h"
-#include "metadata/WebpContainer.h"
+#include "metadata/exif/ExifBlock.h"
+#include "metadata/exif/GpsFields.h"
+#include "metadata/heif/HeifContainer.h"
+#include "metadata/jpeg/JpegContainer.h"
+#include "metadata/png/PngContainer.h"
+#include "metadata/webp/WebpContainer.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -5,8 +5,8 @@
 #include "metadata/FilenameDates.h"
 #include "metadata/ImageMetadata.h"
 #include "metadata/LocalCalendar.h"
-#include "metadata/MovieMetadata.h"
 #include "metadata/RawDates.h"
+#include "metadata/movie/MovieMetadata.h"
 
 #include <QUuid>
 

@@ -1,10 +1,10 @@
 #include "metadata/MotionPhoto.h"
 
 #include "foundation/MediaKinds.h"
-#include "metadata/HeifContainer.h"
 #include "metadata/ImageFormat.h"
-#include "metadata/JpegContainer.h"
 #include "metadata/MotionXmp.h"
+#include "metadata/heif/HeifContainer.h"
+#include "metadata/jpeg/JpegContainer.h"
 
 #include <algorithm>
 #include <string_view>

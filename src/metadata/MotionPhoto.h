@@ -1,7 +1,7 @@
 #pragma once
 
-#include "metadata/HeifBoxes.h"
 #include "metadata/Rewrite.h"
+#include "metadata/heif/HeifBoxes.h"
 
 #include <QString>
 

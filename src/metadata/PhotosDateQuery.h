@@ -2,8 +2,8 @@
 
 #include "foundation/Clock.h"
 #include "foundation/Date.h"
-#include "store/DatabaseSnapshot.h"
-#include "store/Sqlite.h"
+#include "sqlite/DatabaseSnapshot.h"
+#include "sqlite/Sqlite.h"
 
 #include <QString>
 

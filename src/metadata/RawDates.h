@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metadata/ExifBlock.h"
+#include "metadata/exif/ExifBlock.h"
 
 #include <filesystem>
 

@@ -3,7 +3,7 @@
 #include "foundation/Console.h"
 #include "foundation/SerialQueue.h"
 #include "foundation/UserFolders.h"
-#include "store/Sqlite.h"
+#include "sqlite/Sqlite.h"
 #include "store/SyncRecord.h"
 
 #include <QStringList>

@@ -2,7 +2,7 @@
 
 #include "foundation/Crypto.h"
 #include "metadata/MotionPhoto.h"
-#include "metadata/MovieDates.h"
+#include "metadata/movie/MovieDates.h"
 #include "store/RecordRemainders.h"
 
 #include <cerrno>

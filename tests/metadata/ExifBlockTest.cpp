@@ -1,9 +1,9 @@
-#include "metadata/ExifBlock.h"
+#include "metadata/exif/ExifBlock.h"
 
 #include "Bytes.h"
 #include "Dates.h"
 #include "ImageFixtures.h"
-#include "metadata/TiffDirectory.h"
+#include "metadata/exif/TiffDirectory.h"
 
 #include <gtest/gtest.h>
 

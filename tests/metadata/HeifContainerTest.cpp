@@ -1,4 +1,4 @@
-#include "metadata/HeifContainer.h"
+#include "metadata/heif/HeifContainer.h"
 
 #include "HeifTestFile.h"
 

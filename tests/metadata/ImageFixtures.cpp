@@ -1,7 +1,7 @@
 #include "ImageFixtures.h"
 
 #include "Bytes.h"
-#include "metadata/TiffDirectory.h"
+#include "metadata/exif/TiffDirectory.h"
 
 #include <zlib.h>
 

@@ -3,7 +3,7 @@
 #include "Dates.h"
 #include "ImageFixtures.h"
 #include "OtherPrograms.h"
-#include "metadata/ExifBlock.h"
+#include "metadata/exif/ExifBlock.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 

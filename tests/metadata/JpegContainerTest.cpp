@@ -1,4 +1,4 @@
-#include "metadata/JpegContainer.h"
+#include "metadata/jpeg/JpegContainer.h"
 
 #include "Bytes.h"
 #include "ImageFixtures.h"

@@ -3,10 +3,10 @@
 #include "Dates.h"
 #include "ImageFixtures.h"
 #include "MovieBuilder.h"
-#include "metadata/ExifBlock.h"
 #include "metadata/FileDates.h"
-#include "metadata/MovieDates.h"
-#include "store/Sqlite.h"
+#include "metadata/exif/ExifBlock.h"
+#include "metadata/movie/MovieDates.h"
+#include "sqlite/Sqlite.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 

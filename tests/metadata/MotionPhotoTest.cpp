@@ -3,9 +3,9 @@
 #include "ImageFixtures.h"
 #include "MovieBuilder.h"
 #include "OtherPrograms.h"
-#include "metadata/HeifContainer.h"
-#include "metadata/JpegContainer.h"
 #include "metadata/MotionXmp.h"
+#include "metadata/heif/HeifContainer.h"
+#include "metadata/jpeg/JpegContainer.h"
 #include "support/TemporaryFolder.h"
 
 using namespace quorvane;

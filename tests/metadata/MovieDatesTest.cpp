@@ -1,4 +1,4 @@
-#include "metadata/MovieMetadata.h"
+#include "metadata/movie/MovieMetadata.h"
 
 #include "Dates.h"
 #include "MovieBuilder.h"

@@ -1,4 +1,4 @@
-#include "metadata/PngContainer.h"
+#include "metadata/png/PngContainer.h"
 
 #include "ImageFixtures.h"
 

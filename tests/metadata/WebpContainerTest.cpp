@@ -1,4 +1,4 @@
-#include "metadata/WebpContainer.h"
+#include "metadata/webp/WebpContainer.h"
 
 #include "ImageFixtures.h"
 

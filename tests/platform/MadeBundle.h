@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/bundle/PhotosBundleLibrary.h"
-#include "store/Sqlite.h"
+#include "sqlite/Sqlite.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "store/Sqlite.h"
+#include "sqlite/Sqlite.h"
 #include "support/Records.h"
 #include "ui/AutoSync.h"
 #include "ui/ModelWorld.h"

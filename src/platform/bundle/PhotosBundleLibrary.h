@@ -3,7 +3,7 @@
 #include "library/LiveFetches.h"
 #include "platform/bundle/BundleLayout.h"
 #include "platform/watch/ChangeWatch.h"
-#include "store/DatabaseSnapshot.h"
+#include "sqlite/DatabaseSnapshot.h"
 
 #include <atomic>
 #include <mutex>

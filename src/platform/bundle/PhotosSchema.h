@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/Sqlite.h"
+#include "sqlite/Sqlite.h"
 
 namespace quorvane {
 
