@@ -3,8 +3,6 @@
 
 #import <AppKit/AppKit.h>
 #import <AuthenticationServices/AuthenticationServices.h>
-#import <CoreServices/CoreServices.h>
-#import <Security/Security.h>
 #import <UserNotifications/UserNotifications.h>
 #import <os/log.h>
 
@@ -12,8 +10,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <map>
-#include <set>
 
 using quorvane::test::StandInPhotos;
 using quorvane::test::StandInSystem;
@@ -58,66 +54,6 @@ NSString* stringOf(const std::string& text) {
     return stringOf(mac().scriptResult);
 }
 @end
-
-// The keychain.
-
-namespace {
-
-CFStringRef constant(NSString* text) {
-    return reinterpret_cast<CFStringRef>(text);
-}
-
-NSDictionary* dictionaryOf(CFDictionaryRef reference) {
-    return static_cast<NSDictionary*>(const_cast<void*>(static_cast<const void*>(reference)));
-}
-
-std::map<std::string, NSData*> items; ///< retained
-
-std::string accountOf(NSDictionary* query) {
-    return [[query objectForKey:@"acct"] UTF8String];
-}
-
-} // namespace
-
-const CFStringRef kSecClass = constant(@"class");
-const CFStringRef kSecClassGenericPassword = constant(@"genp");
-const CFStringRef kSecAttrAccount = constant(@"acct");
-const CFStringRef kSecValueData = constant(@"data");
-const CFStringRef kSecAttrAccess = constant(@"access");
-const CFStringRef kSecAttrAccessible = constant(@"accessible");
-const CFStringRef kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly = constant(@"cku");
-const CFStringRef kSecReturnData = constant(@"returnData");
-const CFStringRef kSecMatchLimit = constant(@"limit");
-const CFStringRef kSecMatchLimitOne = constant(@"one");
-
-OSStatus SecAccessCreate(CFStringRef, CFArrayRef, SecAccessRef* access) {
-    if (mac().makesAccess)
-        *access = reinterpret_cast<SecAccessRef>([[NSObject alloc] init]);
-    return mac().makesAccess ? errSecSuccess : -4;
-}
-
-OSStatus SecItemAdd(CFDictionaryRef attributes, CFTypeRef*) {
-    NSDictionary* item = dictionaryOf(attributes);
-    NSArray* keys = [[item allKeys] sortedArrayUsingSelector:@selector(compare:)];
-    mac().lastAttributes = [[keys componentsJoinedByString:@" "] UTF8String];
-    if (mac().addStatus == errSecSuccess)
-        items[accountOf(item)] = [[item objectForKey:@"data"] copy];
-    return mac().addStatus;
-}
-
-OSStatus SecItemCopyMatching(CFDictionaryRef query, CFTypeRef* result) {
-    const auto item = items.find(accountOf(dictionaryOf(query)));
-    if (item == items.end())
-        return errSecItemNotFound;
-    *result = [item->second retain];
-    return errSecSuccess;
-}
-
-OSStatus SecItemDelete(CFDictionaryRef query) {
-    const auto item = items.extract(accountOf(dictionaryOf(query)));
-    [item.empty() ? nil : item.mapped() release];
-    return item.empty() ? errSecItemNotFound : errSecSuccess;
-}
 
 // The sign-in sheet.
 
@@ -267,56 +203,3 @@ void os_log(os_log_t, const char* format, ...) {
     return YES;
 }
 @end
-
-// Folder events.
-
-struct __FSEventStream {
-    FSEventStreamCallback callback;
-    FSEventStreamContext context;
-    bool isStarted = false;
-};
-
-namespace {
-
-std::set<FSEventStreamRef> streams;
-
-} // namespace
-
-dispatch_queue_t dispatch_get_global_queue(intptr_t, uintptr_t) {
-    return nullptr;
-}
-
-FSEventStreamRef FSEventStreamCreate(CFAllocatorRef, FSEventStreamCallback callback,
-                                     FSEventStreamContext* context, CFArrayRef paths,
-                                     FSEventStreamEventId, CFTimeInterval,
-                                     FSEventStreamCreateFlags) {
-    mac().watchedTrees.clear();
-    for (NSString* path in static_cast<NSArray*>(
-             const_cast<void*>(static_cast<const void*>(paths))))
-        mac().watchedTrees.push_back([path UTF8String]);
-    return *streams.insert(new __FSEventStream{callback, *context}).first;
-}
-
-void FSEventStreamSetDispatchQueue(FSEventStreamRef, dispatch_queue_t) {}
-
-Boolean FSEventStreamStart(FSEventStreamRef stream) {
-    return stream->isStarted = true;
-}
-
-void FSEventStreamStop(FSEventStreamRef stream) {
-    stream->isStarted = false;
-}
-
-void FSEventStreamInvalidate(FSEventStreamRef) {}
-
-void FSEventStreamRelease(FSEventStreamRef stream) {
-    streams.erase(stream);
-    stream->context.release(stream->context.info);
-    delete stream;
-}
-
-void StandInSystem::tellOfFolders() {
-    for (FSEventStreamRef stream : streams)
-        if (stream->isStarted)
-            stream->callback(stream, stream->context.info, 0, nullptr, nullptr, nullptr);
-}
