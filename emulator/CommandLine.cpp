@@ -1,5 +1,6 @@
 #include "emulator/CommandLine.h"
 
+#include "foundation/CommandLine.h"
 #include "foundation/File.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ std::int64_t number(const QString& text, std::int64_t least, std::int64_t most) 
     bool isNumber = false;
     const qint64 value = text.toLongLong(&isNumber);
     if (!isNumber || value < least || value > most)
-        throw UsageError(u"Geçersiz sayı: "_s + text);
+        throw cli::UsageError(u"Geçersiz sayı: "_s + text);
     return value;
 }
 
@@ -28,7 +29,7 @@ Disturbance faultFrom(const QString& text) {
     const std::optional<RequestKind> kind = requestKindFrom(text.section(u':', 0, 0));
     QString nth = text.section(u':', 1, 1);
     if (!kind || nth.isEmpty() || action.isEmpty())
-        throw UsageError(u"Geçersiz hata tanımı: "_s + text);
+        throw cli::UsageError(u"Geçersiz hata tanımı: "_s + text);
     Disturbance fault;
     fault.kind = *kind;
     if (nth.endsWith(u'+')) {
@@ -57,7 +58,7 @@ Disturbance faultFrom(const QString& text) {
 void setLatency(CommandLine& line, const QString& text) {
     const std::optional<RequestKind> kind = requestKindFrom(text.section(u':', 0, 0));
     if (!kind)
-        throw UsageError(u"Geçersiz tür: "_s + text);
+        throw cli::UsageError(u"Geçersiz tür: "_s + text);
     line.options.behaviour.latencyOf[*kind] =
         std::chrono::milliseconds(number(text.section(u':', 1), 0, largest));
 }
@@ -70,144 +71,138 @@ CommandLine::Outages outagesFrom(const QString& text) {
 CommandLine::Seed seedFrom(const QString& text) {
     const qsizetype colon = text.lastIndexOf(u':');
     if (colon < 1)
-        throw UsageError(u"Geçersiz albüm tanımı: "_s + text);
+        throw cli::UsageError(u"Geçersiz albüm tanımı: "_s + text);
     return {.title = text.first(colon), .count = number(text.sliced(colon + 1), 0, largest)};
 }
 
 Person personFrom(const QString& text) {
     const Person person{.id = text.section(u':', 0, 0), .email = text.section(u':', 1)};
     if (person.id.isEmpty() || person.email.isEmpty())
-        throw UsageError(u"Geçersiz hesap tanımı: "_s + text);
+        throw cli::UsageError(u"Geçersiz hesap tanımı: "_s + text);
     return person;
 }
 
 struct Option {
-    QString name;
-    QString value; ///< what follows it, for the help; empty: nothing does
-    QString help;
+    cli::OptionSpec spec;
     void (*apply)(CommandLine& line, const QString& value);
 };
 
 const std::vector<Option>& allOptions() {
     using L = CommandLine;
     static const std::vector<Option> options{
-        {u"--port"_s, u"N"_s, u"dinlenecek kapı (0: boş bir kapı)"_s,
+        {{u"port"_s, u"N"_s, u"dinlenecek kapı (0: boş bir kapı)"_s},
          [](L& l, const QString& v) { l.options.port = static_cast<int>(number(v, 0, 65535)); }},
-        {u"--port-file"_s, u"DOSYA"_s, u"kapı numarasının yazılacağı dosya"_s,
+        {{u"port-file"_s, u"DOSYA"_s, u"kapı numarasının yazılacağı dosya"_s},
          [](L& l, const QString& v) { l.portFile = pathFrom(v); }},
-        {u"--store"_s, u"KLASÖR"_s, u"yüklenen dosyaların saklanacağı klasör"_s,
+        {{u"store"_s, u"KLASÖR"_s, u"yüklenen dosyaların saklanacağı klasör"_s},
          [](L& l, const QString& v) { l.options.storeFolder = pathFrom(v); }},
-        {u"--state"_s, u"DOSYA"_s, u"hesabın durumunun saklanacağı dosya"_s,
+        {{u"state"_s, u"DOSYA"_s, u"hesabın durumunun saklanacağı dosya"_s},
          [](L& l, const QString& v) { l.options.stateFile = pathFrom(v); }},
-        {u"--latency"_s, u"MS"_s, u"her yanıttan önceki gecikme (milisaniye)"_s,
+        {{u"latency"_s, u"MS"_s, u"her yanıttan önceki gecikme (milisaniye)"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.latency = std::chrono::milliseconds(number(v, 0, largest));
          }},
-        {u"--latency-of"_s, u"TÜR:MS"_s, u"bu türün gecikmesi (birden çok kez verilebilir)"_s,
+        {{u"latency-of"_s, u"TÜR:MS"_s, u"bu türün gecikmesi (birden çok kez verilebilir)"_s},
          [](L& l, const QString& v) { setLatency(l, v); }},
-        {u"--failing"_s, u"YÜZDE"_s, u"kitaplık isteklerinin bu kadarı 429, 500 ya da 503 alır"_s,
+        {{u"failing"_s, u"YÜZDE"_s, u"kitaplık isteklerinin bu kadarı 429, 500 ya da 503 alır"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.failingPercent = static_cast<int>(number(v, 0, 100));
          }},
-        {u"--outages"_s, u"AÇIK:KAPALI"_s,
-         u"hizmet rastgele, ortalama bu kadar saniye açık ve kapalıdır"_s,
+        {{u"outages"_s, u"AÇIK:KAPALI"_s,
+          u"hizmet rastgele, ortalama bu kadar saniye açık ve kapalıdır"_s},
          [](L& l, const QString& v) { l.outages = outagesFrom(v); }},
-        {u"--date-shift"_s, u"SANİYE"_s, u"saklanan dosyaların tarihi bu kadar yanlış okunur"_s,
+        {{u"date-shift"_s, u"SANİYE"_s, u"saklanan dosyaların tarihi bu kadar yanlış okunur"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.dateShift = std::chrono::seconds(number(v, -largest, largest));
          }},
-        {u"--storage"_s, u"BAYT"_s, u"hesapta öğelere ayrılan yer"_s,
+        {{u"storage"_s, u"BAYT"_s, u"hesapta öğelere ayrılan yer"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.storageBytes = number(v, 0, std::numeric_limits<qint64>::max());
          }},
-        {u"--daily-requests"_s, u"N"_s, u"bir günde (Pasifik saati) kabul edilen kitaplık isteği"_s,
+        {{u"daily-requests"_s, u"N"_s, u"bir günde (Pasifik saati) kabul edilen kitaplık isteği"_s},
          [](L& l, const QString& v) { l.options.behaviour.dailyRequests = number(v, 1, largest); }},
-        {u"--upload-token-lifetime"_s, u"SANİYE"_s, u"yükleme belirtecinin ömrü"_s,
+        {{u"upload-token-lifetime"_s, u"SANİYE"_s, u"yükleme belirtecinin ömrü"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.uploadTokenLifetime = std::chrono::seconds(number(v, 0, largest));
          }},
-        {u"--bandwidth"_s, u"BAYT"_s, u"yükleme hızı sınırı (bayt/saniye)"_s,
+        {{u"bandwidth"_s, u"BAYT"_s, u"yükleme hızı sınırı (bayt/saniye)"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.uploadBytesPerSecond =
                  number(v, 1, std::numeric_limits<qint64>::max());
          }},
-        {u"--token-lifetime"_s, u"SANİYE"_s, u"erişim belirtecinin ömrü (eksi olabilir)"_s,
+        {{u"token-lifetime"_s, u"SANİYE"_s, u"erişim belirtecinin ömrü (eksi olabilir)"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.tokenLifetime = std::chrono::seconds(number(v, -largest, largest));
          }},
-        {u"--token-shortfall"_s, u"SANİYE"_s,
-         u"erişim belirteci söylenenden bu kadar önce geçersiz olur"_s,
+        {{u"token-shortfall"_s, u"SANİYE"_s,
+          u"erişim belirteci söylenenden bu kadar önce geçersiz olur"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.tokenShortfall = std::chrono::seconds(number(v, 0, largest));
          }},
-        {u"--session-lifetime"_s, u"SANİYE"_s,
-         u"oturumun ömrü, deneme durumundaki istemcide olduğu "
-         "gibi"_s,
+        {{u"session-lifetime"_s, u"SANİYE"_s,
+          u"oturumun ömrü, deneme durumundaki istemcide olduğu "
+          "gibi"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.sessionLifetime = std::chrono::seconds(number(v, 1, largest));
          }},
-        {u"--clock-ahead"_s, u"SANİYE"_s, u"hizmetin saati bu kadar ileridir (eksi olabilir)"_s,
+        {{u"clock-ahead"_s, u"SANİYE"_s, u"hizmetin saati bu kadar ileridir (eksi olabilir)"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.clockAhead = std::chrono::seconds(number(v, -largest, largest));
          }},
-        {u"--album-capacity"_s, u"N"_s, u"bir albümün alabileceği öğe sayısı"_s,
+        {{u"album-capacity"_s, u"N"_s, u"bir albümün alabileceği öğe sayısı"_s},
          [](L& l, const QString& v) { l.options.behaviour.albumCapacity = number(v, 0, largest); }},
-        {u"--forbid-listing"_s,
-         {},
-         u"okuma izni yoktur: listeler ve batchGet 403 ile yanıtlanır"_s,
+        {{u"forbid-listing"_s, {}, u"okuma izni yoktur: listeler ve batchGet 403 ile yanıtlanır"_s},
          [](L& l, const QString&) { l.options.behaviour.listingForbidden = true; }},
-        {u"--user"_s, u"NO:E-POSTA"_s, u"oturum açacak hesap"_s,
+        {{u"user"_s, u"NO:E-POSTA"_s, u"oturum açacak hesap"_s},
          [](L& l, const QString& v) { l.options.behaviour.person = personFrom(v); }},
-        {u"--refuse-duplicates"_s,
-         {},
-         u"arşivde olan dosyalar 6 koduyla geri çevrilir"_s,
+        {{u"refuse-duplicates"_s, {}, u"arşivde olan dosyalar 6 koduyla geri çevrilir"_s},
          [](L& l, const QString&) { l.options.behaviour.duplicatesRefused = true; }},
-        {u"--client-secret"_s, u"GİZLİ"_s, u"istemci masaüstü türündendir ve bu gizlisi vardır"_s,
+        {{u"client-secret"_s, u"GİZLİ"_s, u"istemci masaüstü türündendir ve bu gizlisi vardır"_s},
          [](L& l, const QString& v) { l.options.behaviour.clientSecret = v; }},
-        {u"--deny-consent"_s,
-         {},
-         u"kullanıcı girişe izin vermez"_s,
+        {{u"deny-consent"_s, {}, u"kullanıcı girişe izin vermez"_s},
          [](L& l, const QString&) { l.options.behaviour.consentDenied = true; }},
-        {u"--decline"_s, u"KAPSAM"_s, u"kullanıcının işaretlemediği izinler (boşlukla ayrılır)"_s,
+        {{u"decline"_s, u"KAPSAM"_s, u"kullanıcının işaretlemediği izinler (boşlukla ayrılır)"_s},
          [](L& l, const QString& v) { l.options.behaviour.declinedScopes = v; }},
-        {u"--fault"_s, u"TÜR:N:EYLEM"_s, u"N. istekte hata (birden çok kez verilebilir)"_s,
+        {{u"fault"_s, u"TÜR:N:EYLEM"_s, u"N. istekte hata (birden çok kez verilebilir)"_s},
          [](L& l, const QString& v) { l.faults.push_back(faultFrom(v)); }},
-        {u"--seed-album"_s, u"BAŞLIK:SAYI"_s,
-         u"baştan var olan albüm (birden çok kez verilebilir)"_s,
+        {{u"seed-album"_s, u"BAŞLIK:SAYI"_s,
+          u"baştan var olan albüm (birden çok kez verilebilir)"_s},
          [](L& l, const QString& v) { l.seeds.push_back(seedFrom(v)); }},
-        {u"--report"_s, u"DOSYA"_s, u"kapanırken yazılacak JSON raporu"_s,
+        {{u"report"_s, u"DOSYA"_s, u"kapanırken yazılacak JSON raporu"_s},
          [](L& l, const QString& v) { l.reportFile = pathFrom(v); }},
-        {u"--help"_s, {}, u"bu metni gösterir"_s, [](L& l, const QString&) { l.wantsHelp = true; }},
     };
     return options;
+}
+
+std::vector<cli::OptionSpec> allSpecs() {
+    std::vector<cli::OptionSpec> specs;
+    for (const Option& option : allOptions())
+        specs.push_back(option.spec);
+    return specs;
 }
 
 } // namespace
 
 CommandLine parseCommandLine(const QStringList& arguments) {
     CommandLine line;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const auto option = std::ranges::find(allOptions(), arguments[i], &Option::name);
-        if (option == allOptions().end())
-            throw UsageError(u"Bilinmeyen seçenek: "_s + arguments[i]);
-        QString value;
-        if (!option->value.isEmpty()) {
-            if (++i == arguments.size())
-                throw UsageError(u"Değer eksik: "_s + option->name);
-            value = arguments[i];
-        }
-        option->apply(line, value);
-    }
+    line.wantsHelp = arguments.contains(u"--help"_s);
+    if (line.wantsHelp)
+        return line;
+    const cli::CommandSpec grammar{
+        .name = u"quorvane-emulator"_s, .summary = {}, .options = allSpecs()};
+    const cli::Arguments given = cli::parse(grammar, arguments);
+    for (const auto& [name, value] : given.given())
+        std::ranges::find(allOptions(), name, [](const Option& option) {
+            return option.spec.name;
+        })->apply(line, value);
     return line;
 }
 
 QString usage() {
     QString text = u"Kullanım: quorvane-emulator [SEÇENEK]...\n"
                    "Bu bilgisayarda çalışan bir Google Fotoğraflar hizmeti. Adresi standart "
-                   "çıktının ilk satırındadır;\ndurumu GET /_quorvane/report ile okunur.\n\n"_s;
-    for (const Option& option : allOptions())
-        text += u"  "_s + QString(option.name + u' ' + option.value).leftJustified(28) +
-                option.help + u'\n';
+                   "çıktının ilk satırındadır;\ndurumu GET /_quorvane/report ile okunur.\n\n"_s +
+                   cli::optionTable(allSpecs());
     QStringList kinds;
     for (const RequestKind kind : allRequestKinds)
         kinds.append(nameOf(kind));

@@ -2,7 +2,6 @@
 
 #include "emulator/Disturbance.h"
 #include "emulator/EmulatorTypes.h"
-#include "foundation/Error.h"
 
 namespace quorvane::emulator {
 
@@ -28,13 +27,7 @@ struct CommandLine {
     bool wantsHelp = false;
 };
 
-/// The arguments are not understood.
-class UsageError : public Error {
-  public:
-    using Error::Error;
-};
-
-/// The arguments after the program's name. Throws `UsageError`.
+/// The arguments after the program's name. Throws `cli::UsageError`.
 CommandLine parseCommandLine(const QStringList& arguments);
 
 /// The text of --help.

@@ -1,12 +1,14 @@
 #include "emulator/CommandLine.h"
 #include "emulator/GoogleEmulator.h"
+#include "foundation/Clock.h"
+#include "foundation/CommandLine.h"
 #include "foundation/Console.h"
 #include "foundation/File.h"
+#include "foundation/StopSignals.h"
 
 #include <QJsonDocument>
 
 #include <algorithm>
-#include <csignal>
 #include <random>
 
 using namespace quorvane;
@@ -24,29 +26,22 @@ void seed(GoogleEmulator& service, const std::vector<CommandLine::Seed>& seeds) 
 }
 
 /// Between half of `mean` and one and a half.
-timespec around(std::chrono::seconds mean) {
+std::chrono::milliseconds around(std::chrono::seconds mean) {
     static std::minstd_rand random;
     const std::int64_t half = mean.count() * 500;
-    const std::int64_t ms = std::uniform_int_distribution(half, 3 * half)(random);
-    return {.tv_sec = ms / 1000, .tv_nsec = ms % 1000 * 1'000'000};
+    return std::chrono::milliseconds(std::uniform_int_distribution(half, 3 * half)(random));
 }
 
-/// Blocks until one of `ends` comes. Without outages the service stays up until then.
-void serveUntil(const sigset_t& ends, GoogleEmulator& service,
+/// Blocks until `end`. Without outages the service stays up until then.
+void serveUntil(const std::stop_token& end, GoogleEmulator& service,
                 const std::optional<CommandLine::Outages>& outages) {
-    if (!outages) {
-        int signal = 0;
-        sigwait(&ends, &signal);
+    SystemClock clock;
+    const auto up = [&] { return outages ? around(outages->up) : std::chrono::hours(1); };
+    while (clock.sleep(up(), end)) {
+        if (!outages)
+            continue;
         service.stop();
-        return;
-    }
-    const auto lasts = [&](std::chrono::seconds mean) {
-        const timespec duration = around(mean);
-        return sigtimedwait(&ends, nullptr, &duration) < 0;
-    };
-    while (lasts(outages->up)) {
-        service.stop();
-        if (!lasts(outages->down))
+        if (!clock.sleep(around(outages->down), end))
             return;
         service.start();
     }
@@ -54,12 +49,7 @@ void serveUntil(const sigset_t& ends, GoogleEmulator& service,
 }
 
 void run(const CommandLine& line, Console& console) {
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGINT);
-    sigaddset(&ends, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr); // for the service's threads as well
-
+    const StopSignals ends; // before the service's threads
     GoogleEmulator service(line.options);
     seed(service, line.seeds);
     for (const Disturbance& fault : line.faults)
@@ -69,7 +59,7 @@ void run(const CommandLine& line, Console& console) {
         replaceFile(line.portFile, QByteArray::number(service.port()) + '\n', 0644);
     console.print(service.baseURL());
 
-    serveUntil(ends, service, line.outages);
+    serveUntil(ends.token(), service, line.outages);
     if (!line.reportFile.empty())
         replaceFile(line.reportFile, QJsonDocument(service.report()).toJson(), 0644);
 }
@@ -88,7 +78,7 @@ int main(int argc, char** argv) {
         else
             run(line, console);
         return 0;
-    } catch (const UsageError& error) {
+    } catch (const cli::UsageError& error) {
         console.error(describe(error));
         console.error(usage());
         return 2;

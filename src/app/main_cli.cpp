@@ -1,6 +1,6 @@
-#include "app/StopSignals.h"
 #include "app/cli/Command.h"
 #include "foundation/Process.h"
+#include "foundation/StopSignals.h"
 
 #include <QCoreApplication>
 

@@ -1,4 +1,4 @@
-#include "app/cli/CommandLine.h"
+#include "foundation/CommandLine.h"
 
 #include "app/cli/Progress.h"
 

@@ -1,6 +1,7 @@
 #include "app/cli/Command.h"
 
 #include "app/RunLock.h"
+#include "app/cli/Help.h"
 #include "google/OAuthError.h"
 
 #include <QJsonDocument>

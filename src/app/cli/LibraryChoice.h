@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Composition.h"
-#include "app/cli/CommandLine.h"
+#include "foundation/CommandLine.h"
 
 #include <filesystem>
 #include <optional>

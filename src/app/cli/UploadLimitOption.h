@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/cli/CommandLine.h"
+#include "foundation/CommandLine.h"
 #include "foundation/Preferences.h"
 
 namespace quorvane::cli {

@@ -1,8 +1,8 @@
-#include "app/StopSignals.h"
 #include "app/gui/QuorvaneApp.h"
 #include "app/gui/SingleInstance.h"
 #include "app/gui/UrlEvents.h"
 #include "foundation/Process.h"
+#include "foundation/StopSignals.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -2,12 +2,13 @@
 
 #include "foundation/Error.h"
 
-#include <QMap>
 #include <QStringList>
 
+#include <utility>
 #include <vector>
 
-/// The command line's grammar: a command, then its options. Pure.
+/// The grammar of every program's command line: options, and where a program has commands, what
+/// each takes. Pure.
 namespace quorvane::cli {
 
 struct OptionSpec {
@@ -34,13 +35,18 @@ class UsageError : public Error {
 /// The options of one call.
 class Arguments {
   public:
-    bool has(const QString& option) const { return values_.contains(option); }
+    using Given = std::vector<std::pair<QString, QString>>;
+
+    bool has(const QString& option) const { return value(option).has_value(); }
+    /// The last one given; empty for an option without a value.
     std::optional<QString> value(const QString& option) const;
+    /// Names and values in their order, each as often as it came.
+    const Given& given() const { return given_; }
     const QString& operand() const { return operand_; }
 
   private:
     friend Arguments parse(const CommandSpec& command, const QStringList& words);
-    QMap<QString, QString> values_;
+    Given given_;
     QString operand_;
 };
 
@@ -48,8 +54,7 @@ class Arguments {
 /// Throws `UsageError`.
 Arguments parse(const CommandSpec& command, const QStringList& words);
 
-/// What `quorvane-cli --help` and `quorvane-cli COMMAND --help` print.
-QString overview(const std::vector<CommandSpec>& commands);
-QString helpOf(const CommandSpec& command);
+/// A line for each option, and one for --help, which is asked for before anything is parsed.
+QString optionTable(std::vector<OptionSpec> options);
 
 } // namespace quorvane::cli
