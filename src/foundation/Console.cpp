@@ -39,27 +39,26 @@ QString fitted(const QString& text, int fd) {
 
 } // namespace
 
-Console::Console(Channel channel) : channel_(channel) {}
+Console::Console(Channel channel) : state_({.channel = channel}) {}
 
 Console::~Console() {
     setLiveLine(QString());
 }
 
 void Console::setChannel(Channel channel) {
-    const std::lock_guard lock(mutex_);
-    channel_ = channel;
+    state_.lock()->channel = channel;
 }
 
 void Console::setCalm(bool calm) {
-    const std::lock_guard lock(mutex_);
-    calm_ = calm;
-    notices_ = 0;
+    const auto state = state_.lock();
+    state->isCalm = calm;
+    state->notices = 0;
 }
 
 void Console::print(const QString& line) {
-    const std::lock_guard lock(mutex_);
-    if (channel_ != Channel::silent && !writesCalmly())
-        write(descriptorOf(channel_), line + u'\n');
+    const auto state = state_.lock();
+    if (state->channel != Channel::silent && !writesCalmly(*state))
+        write(*state, descriptorOf(state->channel), line + u'\n');
 }
 
 void Console::notice(const QString& line, const QString& about) {
@@ -68,57 +67,54 @@ void Console::notice(const QString& line, const QString& about) {
 }
 
 void Console::noticeOfLog(const QString& line) {
-    const std::lock_guard lock(mutex_);
-    if (channel_ == Channel::silent)
+    const auto state = state_.lock();
+    if (state->channel == Channel::silent)
         return;
-    const int already = notices_++;
-    if (!writesCalmly() || already < calmNotices)
-        write(descriptorOf(channel_), line + u'\n');
+    const int already = state->notices++;
+    if (!writesCalmly(*state) || already < calmNotices)
+        write(*state, descriptorOf(state->channel), line + u'\n');
     else if (already == calmNotices)
-        write(descriptorOf(channel_),
+        write(*state, descriptorOf(state->channel),
               QStringLiteral("Bunun gibi başka satırlar da var: günlükte ve sondaki özette\n"));
 }
 
 void Console::result(const QString& text) {
-    const std::lock_guard lock(mutex_);
-    write(STDOUT_FILENO, text + u'\n');
+    write(*state_.lock(), STDOUT_FILENO, text + u'\n');
 }
 
 void Console::error(const QString& line) {
-    const std::lock_guard lock(mutex_);
-    write(STDERR_FILENO, line + u'\n');
+    write(*state_.lock(), STDERR_FILENO, line + u'\n');
 }
 
 void Console::setLiveLine(const QString& text) {
-    const std::lock_guard lock(mutex_);
-    const int fd = descriptorOf(channel_);
-    if (channel_ == Channel::silent || !::isatty(fd) || text == liveLine_)
+    const auto state = state_.lock();
+    const int fd = descriptorOf(state->channel);
+    if (state->channel == Channel::silent || !::isatty(fd) || text == state->liveLine)
         return;
-    liveLine_ = plainText(text, Lines::one);
-    writeBytes(fd, "\r\x1b[K" + fitted(liveLine_, fd).toUtf8());
+    state->liveLine = plainText(text, Lines::one);
+    writeBytes(fd, "\r\x1b[K" + fitted(state->liveLine, fd).toUtf8());
 }
 
 bool Console::isTerminal() const {
-    const std::lock_guard lock(mutex_);
-    return channel_ != Channel::silent && ::isatty(descriptorOf(channel_)) != 0;
+    const auto state = state_.lock();
+    return state->channel != Channel::silent && ::isatty(descriptorOf(state->channel)) != 0;
 }
 
-/// Caller holds the lock.
-bool Console::writesCalmly() const {
-    return calm_ && ::isatty(descriptorOf(channel_)) != 0;
+bool Console::writesCalmly(const State& state) {
+    return state.isCalm && ::isatty(descriptorOf(state.channel)) != 0;
 }
 
-/// Caller holds the lock. The live line is on the terminal's last row: clear, write, draw it again.
-void Console::write(int fd, const QString& text) {
+/// The live line is on the terminal's last row: clear, write, draw it again.
+void Console::write(const State& state, int fd, const QString& text) {
     const QByteArray line = plainText(text, Lines::several).toUtf8();
-    if (liveLine_.isEmpty()) {
+    if (state.liveLine.isEmpty()) {
         writeBytes(fd, line);
         return;
     }
-    const int liveFd = descriptorOf(channel_);
+    const int liveFd = descriptorOf(state.channel);
     writeBytes(liveFd, "\r\x1b[K");
     writeBytes(fd, line);
-    writeBytes(liveFd, fitted(liveLine_, liveFd).toUtf8());
+    writeBytes(liveFd, fitted(state.liveLine, liveFd).toUtf8());
 }
 
 } // namespace quorvane

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/Publisher.h"
 
 #include <QString>
-
-#include <mutex>
 
 namespace quorvane {
 
@@ -59,14 +58,16 @@ class Console {
     bool isTerminal() const;
 
   private:
-    bool writesCalmly() const;
-    void write(int fd, const QString& text);
+    struct State {
+        Channel channel;
+        bool isCalm = false;
+        int notices = 0; ///< since calm was asked for
+        QString liveLine = {};
+    };
+    static bool writesCalmly(const State& state);
+    static void write(const State& state, int fd, const QString& text);
 
-    mutable std::mutex mutex_;
-    Channel channel_;
-    bool calm_ = false;
-    int notices_ = 0; ///< since calm was asked for
-    QString liveLine_;
+    Guarded<State> state_; ///< locked also while something is written
 };
 
 } // namespace quorvane

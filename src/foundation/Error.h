@@ -28,12 +28,9 @@ class Error : public std::exception {
     std::optional<Fault> fault_;
 };
 
-/// Thrown when a stop was asked for. Deliberately not an `Error`, so that no handler of an area's
-/// errors swallows it.
-class Cancelled : public std::exception {
-  public:
-    const char* what() const noexcept override { return "cancelled"; }
-};
+/// Thrown when a stop was asked for. No `std::exception`, so that no handler of errors takes it for
+/// one: whoever ends it says so.
+class Cancelled {};
 
 /// The text to show for any caught exception.
 QString describe(const std::exception& error);

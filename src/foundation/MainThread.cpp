@@ -1,11 +1,12 @@
 #include "foundation/MainThread.h"
 
+#include "foundation/Guarded.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QThread>
 
 #include <deque>
-#include <mutex>
 
 namespace quorvane {
 
@@ -18,10 +19,7 @@ class MainThreadQueue final : public QObject {
     MainThreadQueue() { moveToThread(QCoreApplication::instance()->thread()); }
 
     void post(std::function<void()> work) {
-        {
-            const std::lock_guard lock(mutex_);
-            waiting_.push_back(std::move(work));
-        }
+        waiting_.lock()->push_back(std::move(work));
         QCoreApplication::postEvent(this, new QEvent(QEvent::User));
     }
 
@@ -30,17 +28,16 @@ class MainThreadQueue final : public QObject {
             return QObject::event(event);
         std::function<void()> work;
         {
-            const std::lock_guard lock(mutex_);
-            work = std::move(waiting_.front());
-            waiting_.pop_front();
+            const auto waiting = waiting_.lock();
+            work = std::move(waiting->front());
+            waiting->pop_front();
         }
         work();
         return true;
     }
 
   private:
-    std::mutex mutex_;
-    std::deque<std::function<void()>> waiting_;
+    Guarded<std::deque<std::function<void()>>> waiting_;
 };
 
 } // namespace

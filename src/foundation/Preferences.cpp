@@ -45,25 +45,23 @@ void Preferences::remove(const QString& key) {
 }
 
 bool Preferences::isVolatile(const QString& key) const {
-    const std::lock_guard lock(mutex_);
-    return volatileValues_.contains(key);
+    return volatileValues_.lock()->contains(key);
 }
 
 void Preferences::setVolatile(const QString& key, const QJsonValue& value) {
-    const std::lock_guard lock(mutex_);
-    volatileValues_[key] = value;
+    volatileValues_.lock()->insert(key, value);
 }
 
 QJsonValue Preferences::value(const QString& key) const {
-    const std::lock_guard lock(mutex_);
-    if (volatileValues_.contains(key))
-        return volatileValues_.value(key);
+    const auto ours = volatileValues_.lock();
+    if (ours->contains(key))
+        return ours->value(key);
     return store_.value(key);
 }
 
 void Preferences::change(const QString& key, const QJsonValue& value) {
-    const std::lock_guard lock(mutex_);
-    volatileValues_.remove(key);
+    const auto ours = volatileValues_.lock();
+    ours->remove(key);
     store_.change(key, value);
 }
 

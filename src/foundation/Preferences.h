@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/SettingsStore.h"
 
 #include <QByteArray>
@@ -7,7 +8,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace quorvane {
@@ -44,8 +44,7 @@ class Preferences {
 
     const std::unique_ptr<SettingsStore> own_;
     SettingsStore& store_;
-    mutable std::mutex mutex_;
-    QJsonObject volatileValues_;
+    Guarded<QJsonObject> volatileValues_; ///< locked also while the store is asked
 };
 
 /// The keys of the product's settings, as stored.

@@ -29,19 +29,19 @@ PreferencesFile::Version PreferencesFile::versionOf(const struct stat& info) {
 PreferencesFile::PreferencesFile(std::filesystem::path file) : file_(std::move(file)) {}
 
 QJsonValue PreferencesFile::value(const QString& key) {
-    const std::lock_guard lock(mutex_);
+    const auto known = known_.lock();
     try {
-        reloadIfChanged(ProcessLock::notHeld);
+        reloadIfChanged(*known, ProcessLock::notHeld);
     } catch (const Error&) {
-        if (!isLoaded_)
+        if (!known->isLoaded)
             throw;
         // What was read last still holds: a setting never changes because a disk has a bad moment.
     }
-    return values_.value(key);
+    return known->values.value(key);
 }
 
 void PreferencesFile::change(const QString& key, const QJsonValue& value) {
-    const std::lock_guard lock(mutex_);
+    const auto known = known_.lock();
     const std::filesystem::path folder = file_.parent_path();
     std::error_code ignored;
     std::filesystem::create_directories(folder, ignored);
@@ -50,16 +50,16 @@ void PreferencesFile::change(const QString& key, const QJsonValue& value) {
     // The lock file is never removed: the preferences file itself is replaced by each write.
     const FileLock processLock(besides(lockSuffix));
 
-    reloadIfChanged(ProcessLock::held);
-    QJsonObject changed = values_;
+    reloadIfChanged(*known, ProcessLock::held);
+    QJsonObject changed = known->values;
     if (value.isUndefined())
         changed.remove(key);
     else
         changed[key] = value;
-    if (changed == values_)
+    if (changed == known->values)
         return;
     replaceFile(file_, QJsonDocument(changed).toJson());
-    reloadIfChanged(ProcessLock::held);
+    reloadIfChanged(*known, ProcessLock::held);
 }
 
 std::filesystem::path PreferencesFile::besides(const char* suffix) const {
@@ -68,46 +68,43 @@ std::filesystem::path PreferencesFile::besides(const char* suffix) const {
     return path;
 }
 
-/// Caller holds the mutex. A replaced file has another inode, so one stat tells whether to read.
-void PreferencesFile::reloadIfChanged(ProcessLock lock) {
+/// A replaced file has another inode, so one stat tells whether to read.
+void PreferencesFile::reloadIfChanged(Known& known, ProcessLock lock) {
     struct stat info {};
     if (::stat(file_.c_str(), &info) != 0) {
         if (errno != ENOENT && errno != ENOTDIR)
             throw FileError(QStringLiteral("Ayarlar okunamadı"), file_, errno);
-        version_ = Version();
-        if (!isSetAside_)
-            values_ = QJsonObject();
-        isLoaded_ = true;
+        known.version = Version();
+        if (!known.isSetAside)
+            known.values = QJsonObject();
+        known.isLoaded = true;
         return;
     }
     const Version found = versionOf(info);
-    if (found == version_)
+    if (found == known.version)
         return;
     const QJsonDocument document = QJsonDocument::fromJson(readWholeFile(file_, largestFile));
     if (!document.isObject())
-        return setAside(found, lock);
-    values_ = document.object();
-    version_ = found;
-    isLoaded_ = true;
-    isSetAside_ = false;
+        return setAside(known, found, lock);
+    known = {.version = found, .values = document.object(), .isLoaded = true};
 }
 
-/// Caller holds the mutex. What cannot be understood may still be worth a look, and is nobody
+/// What cannot be understood may still be worth a look, and is nobody
 /// else's: it is not written over. By now it may be a good file that another process wrote.
-void PreferencesFile::setAside(const Version& damaged, ProcessLock lock) {
+void PreferencesFile::setAside(Known& known, const Version& damaged, ProcessLock lock) {
     std::optional<FileLock> processLock;
     if (lock == ProcessLock::notHeld)
         processLock.emplace(besides(lockSuffix));
     struct stat info {};
     if (::stat(file_.c_str(), &info) != 0 || versionOf(info) != damaged)
-        return reloadIfChanged(ProcessLock::held);
+        return reloadIfChanged(known, ProcessLock::held);
     std::filesystem::path aside = file_;
     for (int number = 1; aside == file_ || ::access(aside.c_str(), F_OK) == 0; ++number)
         aside = besides((damagedSuffix + std::to_string(number)).c_str());
     if (::rename(file_.c_str(), aside.c_str()) != 0)
         throw FileError(QStringLiteral("Bozuk ayar dosyası kenara alınamadı"), file_, errno);
     ::chmod(aside.c_str(), 0600);
-    isSetAside_ = isLoaded_;
+    known.isSetAside = known.isLoaded;
     throw Error(QStringLiteral("Ayar dosyası bozuktu, kenara alındı: %1. Ayarları (hedef albüm, "
                                "kaynak albüm, arşiv) yeniden seçin.")
                     .arg(pathText(aside)));

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/SettingsStore.h"
 
 #include <QJsonObject>
 
 #include <filesystem>
-#include <mutex>
 
 struct stat;
 
@@ -32,17 +32,21 @@ class PreferencesFile final : public SettingsStore {
     };
     enum class ProcessLock { held, notHeld };
 
+    /// What the file said when it was read last.
+    struct Known {
+        Version version = {};
+        QJsonObject values = {};
+        bool isLoaded = false;
+        bool isSetAside = false; ///< `values` are those before the file was damaged
+    };
+
     static Version versionOf(const struct stat& info);
     std::filesystem::path besides(const char* suffix) const;
-    void reloadIfChanged(ProcessLock lock);
-    void setAside(const Version& damaged, ProcessLock lock);
+    void reloadIfChanged(Known& known, ProcessLock lock);
+    void setAside(Known& known, const Version& damaged, ProcessLock lock);
 
     const std::filesystem::path file_;
-    std::mutex mutex_;
-    Version version_;
-    QJsonObject values_; ///< as read last
-    bool isLoaded_ = false;
-    bool isSetAside_ = false; ///< `values_` are those before the file was damaged
+    Guarded<Known> known_;
 };
 
 } // namespace quorvane

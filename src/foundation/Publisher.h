@@ -1,9 +1,10 @@
 #pragma once
 
+#include "foundation/Guarded.h"
+
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -36,22 +37,20 @@ class Publisher {
     using Handler = std::function<void(const Value&)>;
 
     [[nodiscard]] Subscription subscribe(Handler handler) {
-        const std::lock_guard lock(state_->mutex);
-        const int id = state_->nextId++;
-        state_->handlers.emplace(id, std::make_shared<Handler>(std::move(handler)));
+        const auto now = state_->lock();
+        const int id = now->nextId++;
+        now->handlers.emplace(id, std::make_shared<Handler>(std::move(handler)));
         return Subscription([weak = std::weak_ptr(state_), id] {
-            if (const auto state = weak.lock()) {
-                const std::lock_guard inner(state->mutex);
-                state->handlers.erase(id);
-            }
+            if (const auto state = weak.lock())
+                state->lock()->handlers.erase(id);
         });
     }
 
     void send(const Value& value) const {
         std::vector<std::shared_ptr<Handler>> handlers;
         {
-            const std::lock_guard lock(state_->mutex);
-            for (const auto& [id, handler] : state_->handlers)
+            const auto now = state_->lock();
+            for (const auto& [id, handler] : now->handlers)
                 handlers.push_back(handler);
         }
         for (const auto& handler : handlers)
@@ -60,11 +59,10 @@ class Publisher {
 
   private:
     struct State {
-        std::mutex mutex;
         int nextId = 0;
         std::map<int, std::shared_ptr<Handler>> handlers;
     };
-    std::shared_ptr<State> state_ = std::make_shared<State>();
+    std::shared_ptr<Guarded<State>> state_ = std::make_shared<Guarded<State>>();
 };
 
 } // namespace quorvane

@@ -9,30 +9,27 @@ namespace quorvane {
 TaskRunner::TaskRunner() : thread_([this](const std::stop_token& stop) { run(stop); }) {}
 
 void TaskRunner::post(Work work) {
-    {
-        const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(work));
-    }
+    tasks_.lock()->waiting.push_back(std::move(work));
     posted_.notify_one();
 }
 
 bool TaskRunner::isIdle() {
-    const std::lock_guard lock(mutex_);
-    return waiting_.empty() && !isRunning_;
+    const auto tasks = tasks_.lock();
+    return tasks->waiting.empty() && !tasks->isRunning;
 }
 
 void TaskRunner::run(const std::stop_token& stop) {
     while (true) {
         Work work;
         {
-            std::unique_lock lock(mutex_);
-            isRunning_ = false;
-            if (!posted_.wait(lock, stop, [this] { return !waiting_.empty(); }) ||
+            auto tasks = tasks_.lock();
+            tasks->isRunning = false;
+            if (!tasks.wait(posted_, stop, [&] { return !tasks->waiting.empty(); }) ||
                 stop.stop_requested())
                 return;
-            work = std::move(waiting_.front());
-            waiting_.pop_front();
-            isRunning_ = true;
+            work = std::move(tasks->waiting.front());
+            tasks->waiting.pop_front();
+            tasks->isRunning = true;
         }
         try {
             work(stop);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <condition_variable>
+#include "foundation/Guarded.h"
+
 #include <deque>
 #include <functional>
-#include <mutex>
-#include <stop_token>
 #include <thread>
 
 namespace quorvane {
@@ -30,10 +29,12 @@ class TaskRunner {
   private:
     void run(const std::stop_token& stop);
 
-    std::mutex mutex_;
+    struct Tasks {
+        std::deque<Work> waiting;
+        bool isRunning = false;
+    };
+    Guarded<Tasks> tasks_;
     std::condition_variable_any posted_;
-    std::deque<Work> waiting_;
-    bool isRunning_ = false;
     std::jthread thread_;
 };
 

@@ -325,18 +325,18 @@ HttpResponse CurlHttpClient::send(const HttpRequest& request, std::stop_token st
 }
 
 std::unique_ptr<CurlHttpClient::Lane> CurlHttpClient::takeLane() {
-    const std::lock_guard lock(mutex_);
-    if (idleLanes_.empty())
+    const auto idle = idleLanes_.lock();
+    if (idle->empty())
         return std::make_unique<Lane>();
-    auto lane = std::move(idleLanes_.back());
-    idleLanes_.pop_back();
+    auto lane = std::move(idle->back());
+    idle->pop_back();
     return lane;
 }
 
 void CurlHttpClient::giveBack(std::unique_ptr<Lane> lane) {
-    const std::lock_guard lock(mutex_);
-    if (idleLanes_.size() < idleLanesKept)
-        idleLanes_.push_back(std::move(lane));
+    const auto idle = idleLanes_.lock();
+    if (idle->size() < idleLanesKept)
+        idle->push_back(std::move(lane));
 }
 
 } // namespace quorvane

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "google/HttpClient.h"
 #include "google/UploadLimit.h"
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace quorvane {
@@ -28,8 +28,7 @@ class CurlHttpClient final : public HttpClient {
 
     const std::int64_t largestResponse_;
     UploadLimit limit_;
-    std::mutex mutex_;
-    std::vector<std::unique_ptr<Lane>> idleLanes_;
+    Guarded<std::vector<std::unique_ptr<Lane>>> idleLanes_;
 };
 
 } // namespace quorvane

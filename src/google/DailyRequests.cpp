@@ -32,15 +32,15 @@ DailyRequests::DailyRequests(std::filesystem::path file, Clock& clock, int limit
     : file_(std::move(file)), clock_(clock), limit_(limit) {}
 
 DailyRequests::~DailyRequests() {
-    if (mapped_ != nullptr)
-        ::munmap(mapped_, sizeof(Cell));
+    if (Cell* const mapped = *mapped_.lock())
+        ::munmap(mapped, sizeof(Cell));
 }
 
 DailyRequests::Cell& DailyRequests::cell(int openFlags) const {
-    const std::lock_guard lock(mutex_);
-    if (mapped_ == nullptr)
-        mapped_ = map(openFlags);
-    return mapped_ != nullptr ? *mapped_ : own_;
+    const auto mapped = mapped_.lock();
+    if (*mapped == nullptr)
+        *mapped = map(openFlags);
+    return *mapped != nullptr ? **mapped : own_;
 }
 
 DailyRequests::Cell* DailyRequests::map(int openFlags) const try {

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Guarded.h"
 #include "google/HttpClient.h"
 
 #include <atomic>
 #include <filesystem>
-#include <mutex>
 
 namespace quorvane {
 
@@ -58,8 +58,7 @@ class DailyRequests {
     const int limit_;
     std::atomic<std::int64_t> serviceAhead_{0}; ///< of this computer's clock, milliseconds
     mutable Cell own_ = 0;                      ///< where there is no file
-    mutable std::mutex mutex_;
-    mutable Cell* mapped_ = nullptr; ///< guarded; what it points at is shared by atomic access
+    mutable Guarded<Cell*> mapped_;             ///< what it points at is shared by atomic access
 };
 
 /// Sends through another client and counts.

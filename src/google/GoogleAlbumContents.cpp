@@ -16,7 +16,7 @@ const QString albumsPath = QStringLiteral("/v1/albums");
 QJsonObject objectIn(const HttpResponse& response) {
     const QJsonDocument document = QJsonDocument::fromJson(response.body);
     if (!document.isObject())
-        throw AlbumError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::album);
     return document.object();
 }
 
@@ -36,14 +36,14 @@ std::vector<GoogleAlbum> GoogleAlbumContents::ownAlbums(const std::stop_token& s
         request.url.setQuery(query);
         const HttpResponse response = api_.send(std::move(request), stop);
         if (response.status != 200)
-            throw AlbumError::httpError(response);
+            throw GoogleError::http(GoogleError::Area::album, response);
         const QJsonObject page = objectIn(response);
         for (const QJsonValue& each : page[QStringLiteral("albums")].toArray())
             if (const auto album = GoogleAlbum::fromJson(each.toObject()))
                 albums.push_back(*album);
         const QString next = page[QStringLiteral("nextPageToken")].toString();
         if (!next.isEmpty() && next == pageToken)
-            throw AlbumError::invalidResponse();
+            throw GoogleError::invalidResponse(GoogleError::Area::album);
         pageToken = next;
     } while (!pageToken.isEmpty());
     return albums;
@@ -54,7 +54,7 @@ GoogleAlbum GoogleAlbumContents::make(const QString& title, const std::stop_toke
     auto made =
         GoogleAlbum::fromJson(objectIn(post(albumsPath, {{QStringLiteral("album"), album}}, stop)));
     if (!made)
-        throw AlbumError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::album);
     return *made;
 }
 
@@ -74,7 +74,7 @@ HttpResponse GoogleAlbumContents::post(const QString& path, const QJsonObject& b
     request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
     HttpResponse response = api_.send(std::move(request), stop);
     if (response.status != 200)
-        throw AlbumError::additionRefused(response);
+        throw GoogleError::http(GoogleError::Area::album, response, response.status == 404);
     return response;
 }
 

@@ -8,7 +8,7 @@
 namespace quorvane {
 
 /// The requests that put what is in the library into albums of this program. Nothing is remembered
-/// and no target is chosen. Any thread; blocks its caller. Each throws `AlbumError`,
+/// and no target is chosen. Any thread; blocks its caller. Each throws `GoogleError`,
 /// `TransportError`, the token provider's errors, or `Cancelled`.
 class GoogleAlbumContents {
   public:
@@ -23,7 +23,7 @@ class GoogleAlbumContents {
     GoogleAlbum make(const QString& title, const std::stop_token& stop);
 
     /// At most `atOnce` items that this program made, at the album's end: all of them or, with an
-    /// `AlbumError`, none.
+    /// `GoogleError`, none.
     void add(const QString& albumID, const QStringList& itemIDs, const std::stop_token& stop);
 
   private:

@@ -58,7 +58,7 @@ std::vector<GoogleAlbum> GoogleAlbumManager::listAlbums(std::stop_token stop) {
     Listing own = fetchEndpointAlbums(albumsPath, QStringLiteral("albums"), stop);
     const Listing shared = fetchEndpointAlbums(QStringLiteral("/v1/sharedAlbums"),
                                                QStringLiteral("sharedAlbums"), stop);
-    rememberFault(own.fault);
+    *listingFault_.lock() = own.fault;
     const bool scopeIssue = own.insufficientScopes || shared.insufficientScopes;
     own.albums.insert(own.albums.end(), shared.albums.begin(), shared.albums.end());
     const std::vector<GoogleAlbum> albums = remember(own.albums);
@@ -81,13 +81,7 @@ bool GoogleAlbumManager::lacksReadPermission() const {
 }
 
 std::optional<Fault> GoogleAlbumManager::listingFault() const {
-    const std::lock_guard lock(memory_);
-    return listingFault_;
-}
-
-void GoogleAlbumManager::rememberFault(const std::optional<Fault>& fault) {
-    const std::lock_guard lock(memory_);
-    listingFault_ = fault;
+    return *listingFault_.lock();
 }
 
 GoogleAlbumManager::Listing GoogleAlbumManager::fetchEndpointAlbums(const QString& path,
@@ -144,7 +138,7 @@ std::optional<QJsonObject> GoogleAlbumManager::fetchPage(const QUrl& endpoint,
     if (!document.isObject()) {
         listing.fault = foreignAnswer();
         log_.log(where + QStringLiteral(": ") +
-                 AlbumError::invalidResponse().localizedDescription());
+                 GoogleError::invalidResponse(GoogleError::Area::album).localizedDescription());
         return std::nullopt;
     }
     return document.object();
@@ -164,11 +158,11 @@ GoogleAlbum GoogleAlbumManager::createAlbum(const QString& title, std::stop_toke
         log_.log(QStringLiteral("[GoogleAlbumManager] Albüm oluşturma HTTP hatası: %1 - Yanıt: ")
                      .arg(response.status) +
                  bodyText(response));
-        throw AlbumError::httpError(response);
+        throw GoogleError::http(GoogleError::Area::album, response);
     }
     auto album = GoogleAlbum::fromJson(QJsonDocument::fromJson(response.body).object());
     if (!album)
-        throw AlbumError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::album);
     if (!album->title)
         album->title = title;
     return adopted(*album);

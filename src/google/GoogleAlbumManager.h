@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
 #include "google/GoogleAlbum.h"
@@ -34,8 +35,8 @@ class GoogleAlbumManager {
     /// Why the last listing of the own albums ended early; none when it was whole.
     std::optional<Fault> listingFault() const;
 
-    /// Makes an album, remembers it and makes it the target. Throws `AlbumError`, `TransportError`,
-    /// `FileError`, the token provider's errors, or `Cancelled`.
+    /// Makes an album, remembers it and makes it the target. Throws `GoogleError`,
+    /// `TransportError`, `FileError`, the token provider's errors, or `Cancelled`.
     GoogleAlbum createAlbum(const QString& title, std::stop_token stop);
 
     /// `createAlbum` with the title that follows the target album's.
@@ -73,7 +74,6 @@ class GoogleAlbumManager {
                                 const std::stop_token& stop);
     std::optional<QJsonObject> fetchPage(const QUrl& endpoint, const QString& pageToken,
                                          Listing& listing, const std::stop_token& stop);
-    void rememberFault(const std::optional<Fault>& fault);
     std::optional<GoogleAlbum> lostPart(const std::stop_token& stop);
     GoogleAlbum adopted(const GoogleAlbum& album);
     QJsonObject rolloverParts() const;
@@ -86,10 +86,8 @@ class GoogleAlbumManager {
     Preferences& preferences_;
     Log& log_;
     std::atomic<bool> hasInsufficientScopes_ = false;
-    /// Makes a change of the remembered list one step, and guards what follows; never held on the
-    /// network.
-    mutable std::mutex memory_;
-    std::optional<Fault> listingFault_;
+    Guarded<std::optional<Fault>> listingFault_;
+    std::mutex memory_; ///< a change of the remembered list is one step; never held on the network
 };
 
 } // namespace quorvane

@@ -4,51 +4,50 @@
 
 namespace quorvane {
 
-UploadError UploadError::httpError(const HttpResponse& response) {
-    return UploadError(QStringLiteral("[Upload] HTTP %1").arg(response.status), faultIn(response));
+namespace {
+
+QString nameOf(GoogleError::Area area) {
+    switch (area) {
+    case GoogleError::Area::upload:
+        return QStringLiteral("[Upload] ");
+    case GoogleError::Area::batch:
+        return QStringLiteral("[Batch] ");
+    case GoogleError::Area::album:
+        return QStringLiteral("[Album] ");
+    }
+    return {};
 }
 
-UploadError UploadError::emptyToken() {
-    return UploadError(QStringLiteral("[Upload] Bos uploadToken"), foreignAnswer());
+} // namespace
+
+GoogleError GoogleError::http(Area area, const HttpResponse& response, bool intoAlbum) {
+    return GoogleError(nameOf(area) + QStringLiteral("HTTP %1").arg(response.status),
+                       faultIn(response, intoAlbum));
 }
 
-UploadError UploadError::noToken() {
-    return UploadError(QStringLiteral("[Upload] Gecersiz uploadToken"), foreignAnswer());
+GoogleError GoogleError::invalidResponse(Area area) {
+    return GoogleError(nameOf(area) + (area == Area::album ? QStringLiteral("Geçersiz API yanıtı")
+                                                           : QStringLiteral("Gecersiz yanit")),
+                       foreignAnswer());
 }
 
-UploadError UploadError::invalidResponse() {
-    return UploadError(QStringLiteral("[Upload] Gecersiz yanit"), foreignAnswer());
+GoogleError GoogleError::emptyToken() {
+    return GoogleError(nameOf(Area::upload) + QStringLiteral("Bos uploadToken"), foreignAnswer());
 }
 
-UploadError UploadError::tooLarge(bool isMovie) {
-    return UploadError(isMovie ? QStringLiteral("[Upload] Video çok büyük: Google Fotoğraflar en "
-                                                "fazla 20 GB'lık videoları kabul eder")
-                               : QStringLiteral("[Upload] Fotoğraf çok büyük: Google Fotoğraflar "
-                                                "en fazla 200 MB'lık fotoğrafları kabul eder"),
-                       Fault{.code = FaultCode::tooLarge});
+GoogleError GoogleError::noToken() {
+    return GoogleError(nameOf(Area::upload) + QStringLiteral("Gecersiz uploadToken"),
+                       foreignAnswer());
 }
 
-BatchError BatchError::httpError(const HttpResponse& response,
-                                 const std::optional<QString>& albumID) {
-    return BatchError(QStringLiteral("[Batch] HTTP %1").arg(response.status),
-                      faultIn(response, albumID.has_value()));
-}
-
-BatchError BatchError::invalidResponse() {
-    return BatchError(QStringLiteral("[Batch] Gecersiz yanit"), foreignAnswer());
-}
-
-AlbumError AlbumError::httpError(const HttpResponse& response) {
-    return AlbumError(QStringLiteral("[Album] HTTP %1").arg(response.status), faultIn(response));
-}
-
-AlbumError AlbumError::additionRefused(const HttpResponse& response) {
-    return AlbumError(QStringLiteral("[Album] HTTP %1").arg(response.status),
-                      faultIn(response, response.status == 404));
-}
-
-AlbumError AlbumError::invalidResponse() {
-    return AlbumError(QStringLiteral("[Album] Geçersiz API yanıtı"), foreignAnswer());
+GoogleError GoogleError::tooLarge(bool isMovie) {
+    return GoogleError(
+        nameOf(Area::upload) +
+            (isMovie ? QStringLiteral("Video çok büyük: Google Fotoğraflar en fazla 20 GB'lık "
+                                      "videoları kabul eder")
+                     : QStringLiteral("Fotoğraf çok büyük: Google Fotoğraflar en fazla 200 "
+                                      "MB'lık fotoğrafları kabul eder")),
+        Fault{.code = FaultCode::tooLarge});
 }
 
 } // namespace quorvane

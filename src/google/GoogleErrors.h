@@ -5,37 +5,18 @@
 
 namespace quorvane {
 
-/// An upload that Google did not take.
-class UploadError : public Error {
+/// What Google did not take. Its fault has the code by which whoever catches it decides; the area
+/// is only where it is told from.
+class GoogleError : public Error {
   public:
-    static UploadError httpError(const HttpResponse& response);
-    static UploadError emptyToken();           ///< answered with nothing
-    static UploadError noToken();              ///< answered with something that is no upload token
-    static UploadError invalidResponse();      ///< without what the protocol wants
-    static UploadError tooLarge(bool isMovie); ///< beyond what Google takes; nothing was sent
+    enum class Area { upload, batch, album };
 
-  private:
-    using Error::Error;
-};
-
-/// A batch of media items that Google did not take.
-class BatchError : public Error {
-  public:
-    /// `albumID` is the album that the items were to go to.
-    static BatchError httpError(const HttpResponse& response,
-                                const std::optional<QString>& albumID = {});
-    static BatchError invalidResponse(); ///< not the JSON that was asked for
-
-  private:
-    using Error::Error;
-};
-
-/// An album that Google did not make, or items that it did not put into one.
-class AlbumError : public Error {
-  public:
-    static AlbumError additionRefused(const HttpResponse& response);
-    static AlbumError httpError(const HttpResponse& response);
-    static AlbumError invalidResponse(); ///< not the JSON that was asked for
+    /// Refused by its status. `intoAlbum`: items were to go into an album.
+    static GoogleError http(Area area, const HttpResponse& response, bool intoAlbum = false);
+    static GoogleError invalidResponse(Area area); ///< without what the protocol wants
+    static GoogleError emptyToken();               ///< of an upload: answered with nothing
+    static GoogleError noToken();                  ///< answered with something that is none
+    static GoogleError tooLarge(bool isMovie);     ///< beyond what Google takes; nothing was sent
 
   private:
     using Error::Error;

@@ -51,7 +51,7 @@ QByteArray creationBody(const std::vector<NewMediaItem>& items,
 QJsonArray resultsIn(const HttpResponse& response, const QString& member) {
     const QJsonValue results = QJsonDocument::fromJson(response.body).object().value(member);
     if (!results.isArray())
-        throw BatchError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::batch);
     return results.toArray();
 }
 
@@ -132,7 +132,7 @@ GoogleMediaItems::batchCreate(const std::vector<NewMediaItem>& items,
     request.body = creationBody(items, albumID);
     const HttpResponse response = api_.send(std::move(request), stop);
     if (response.status != 200 && response.status != 207) // 207: some items failed
-        throw BatchError::httpError(response, albumID);
+        throw GoogleError::http(GoogleError::Area::batch, response, albumID.has_value());
     std::vector<NewMediaItemResult> results;
     for (const QJsonValue& value :
          paired(items, resultsIn(response, QStringLiteral("newMediaItemResults"))))
@@ -156,7 +156,7 @@ std::optional<std::set<QString>> GoogleMediaItems::batchGet(const QStringList& i
     if (response.status == 403)
         return std::nullopt;
     if (response.status != 200)
-        throw BatchError::httpError(response);
+        throw GoogleError::http(GoogleError::Area::batch, response);
     std::set<QString> existing;
     std::size_t gone = 0;
     for (const auto& value : resultsIn(response, QStringLiteral("mediaItemResults"))) {
@@ -167,10 +167,10 @@ std::optional<std::set<QString>> GoogleMediaItems::batchGet(const QStringList& i
         else if (code == notFoundCode)
             ++gone;
         else
-            throw BatchError::invalidResponse();
+            throw GoogleError::invalidResponse(GoogleError::Area::batch);
     }
     if (existing.size() + gone != asked.size())
-        throw BatchError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::batch);
     return existing;
 }
 

@@ -25,7 +25,7 @@ struct NewMediaItemResult {
 };
 
 /// The requests about media items of the Google Photos Library API. Any thread; blocks its caller.
-/// Nothing is retried. Each throws `BatchError`, `TransportError`, the token provider's errors, or
+/// Nothing is retried. Each throws `GoogleError`, `TransportError`, the token provider's errors, or
 /// `Cancelled`.
 class GoogleMediaItems {
   public:
@@ -37,7 +37,7 @@ class GoogleMediaItems {
                                                 const std::stop_token& stop);
 
     /// Those of at most 50 `ids` that Google still has; none when the account does not allow to
-    /// read. An answer that leaves one of them open is a `BatchError`.
+    /// read. An answer that leaves one of them open is a `GoogleError`.
     std::optional<std::set<QString>> batchGet(const QStringList& ids, const std::stop_token& stop);
 
   private:

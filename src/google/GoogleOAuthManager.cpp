@@ -71,14 +71,20 @@ QUrl GoogleOAuthManager::runAuthSession(const WebAuthRequest& request,
         with_.log.log(QStringLiteral("[OAuth] 📩 ASWebAuth callback tetiklendi (isMain: %1)")
                           .arg(yesNo(isMainThread())));
     };
+    const auto logFailure = [&](const QString& reason) {
+        if (!shown)
+            return;
+        logCallback();
+        with_.log.log(QStringLiteral("[OAuth] ❌ ASWebAuthSession hatası: ") + reason);
+    };
     QUrl callback;
     try {
         callback = with_.webAuthSession.authenticate(request, started, stop);
+    } catch (const Cancelled&) {
+        logFailure(QStringLiteral("cancelled"));
+        throw;
     } catch (const std::exception& error) {
-        if (shown) {
-            logCallback();
-            with_.log.log(QStringLiteral("[OAuth] ❌ ASWebAuthSession hatası: ") + describe(error));
-        }
+        logFailure(describe(error));
         throw;
     }
     logCallback();
@@ -125,8 +131,8 @@ SignInOutcome GoogleOAuthManager::exchangeCode(const QString& code, const QStrin
     const SignInOutcome outcome = outcomeOf(response.body);
     QString accessToken;
     {
-        const std::lock_guard lock(mutex_);
-        refreshThread_.request_stop(); // a refresh of the authorisation that this one replaces
+        const auto refresh = refresh_.lock();
+        refresh->thread.request_stop(); // a refresh of the authorisation that this one replaces
         forget({tokenKeys::email, tokenKeys::userID}); // whose tokens come is not known yet
         accessToken = saveTokens(response.body);
     }
@@ -152,13 +158,13 @@ SignInOutcome GoogleOAuthManager::outcomeOf(const QByteArray& answer) {
     return {.mayListAlbums = grant.reading};
 }
 
-/// Caller holds the lock.
+/// Under the lock of the refresh.
 void GoogleOAuthManager::forget(const QStringList& keys) {
     for (const QString& key : keys)
         with_.tokens.deleteToken(key);
 }
 
-/// Caller holds the lock.
+/// Under the lock of the refresh.
 QString GoogleOAuthManager::saveTokens(const QByteArray& body) {
     const QJsonObject answer = QJsonDocument::fromJson(body).object();
     const QJsonValue accessToken = answer.value(u"access_token");
@@ -209,8 +215,8 @@ void GoogleOAuthManager::fetchAndSaveIdentity(const QString& accessToken,
 }
 
 QString GoogleOAuthManager::validAccessToken(std::stop_token stop) {
-    std::unique_lock lock(mutex_);
-    if (!tokenRefreshTask_) {
+    auto refresh = refresh_.lock();
+    if (!refresh->task) {
         const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken);
         const auto expiry = with_.tokens.readToken(tokenKeys::expiry);
         const auto expirySeconds = expiry ? parseExpiry(*expiry) : std::nullopt;
@@ -222,44 +228,43 @@ QString GoogleOAuthManager::validAccessToken(std::stop_token stop) {
                 throw OAuthError(OAuthError::Case::notSignedIn);
             return *accessToken; // expired, or of unknown age: Google's 401 tells the caller
         }
-        startRefresh();
+        startRefresh(*refresh);
     }
-    return refreshed(lock, stop);
+    return refreshed(refresh, stop);
 }
 
 std::optional<QString> GoogleOAuthManager::renewedAccessToken(const QString& refused,
                                                               std::stop_token stop) {
-    std::unique_lock lock(mutex_);
-    if (!tokenRefreshTask_) {
+    auto refresh = refresh_.lock();
+    if (!refresh->task) {
         const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken);
         if (accessToken && *accessToken != refused)
             return accessToken; // another caller was refused it first
         if (!with_.tokens.readToken(tokenKeys::refreshToken))
             return std::nullopt;
-        startRefresh();
+        startRefresh(*refresh);
     }
-    return refreshed(lock, stop);
+    return refreshed(refresh, stop);
 }
 
 /// The token of the refresh in flight; waits for it without holding the lock.
-QString GoogleOAuthManager::refreshed(std::unique_lock<std::mutex>& lock,
-                                      const std::stop_token& stop) {
-    const std::shared_ptr<RefreshTask> task = tokenRefreshTask_;
-    if (!refreshFinished_.wait(lock, stop, [&] { return task->finished; }))
+QString GoogleOAuthManager::refreshed(Lock& refresh, const std::stop_token& stop) {
+    const std::shared_ptr<RefreshTask> task = refresh->task;
+    if (!refresh.wait(refreshFinished_, stop, [&] { return task->finished; }))
         throw Cancelled();
     if (!task->token)
         std::rethrow_exception(task->error);
     return *task->token;
 }
 
-/// Caller holds the lock. The refresh has a thread of its own, so that a caller that stops does
+/// The refresh has a thread of its own, so that a caller that stops does
 /// not take it away from the others. Joining the previous thread here cannot wait: it takes the
-/// lock for the last time when it clears `tokenRefreshTask_`.
-void GoogleOAuthManager::startRefresh() {
+/// lock for the last time when it clears the task.
+void GoogleOAuthManager::startRefresh(Refresh& refresh) {
     const auto task = std::make_shared<RefreshTask>();
-    refreshThread_ =
+    refresh.thread =
         std::jthread([this, task](const std::stop_token& stop) { runRefresh(*task, stop); });
-    tokenRefreshTask_ = task;
+    refresh.task = task;
 }
 
 void GoogleOAuthManager::runRefresh(RefreshTask& task, const std::stop_token& stop) {
@@ -272,13 +277,13 @@ void GoogleOAuthManager::runRefresh(RefreshTask& task, const std::stop_token& st
     } catch (...) {
         error = std::current_exception();
     }
-    const std::lock_guard lock(mutex_);
+    const auto refresh = refresh_.lock();
     if (!token && stop.stop_requested()) // overtaken: what that sign-in or sign-out left counts
         token = with_.tokens.readToken(tokenKeys::accessToken);
     task.token = token;
     task.error = error;
     task.finished = true;
-    tokenRefreshTask_.reset();
+    refresh->task.reset();
     refreshFinished_.notify_all();
 }
 
@@ -292,7 +297,7 @@ QString GoogleOAuthManager::refreshAccessToken(const std::stop_token& stop) {
     if (const auto secret = with_.client.googleClientSecret(); secret && !secret->isEmpty())
         fields.emplace_back("client_secret", *secret);
     const HttpResponse response = postForm(with_.endpoints.token, oauth::formBody(fields), stop);
-    const std::lock_guard lock(mutex_);
+    const auto step = refresh_.lock();
     if (stop.stop_requested())
         throw Cancelled();
     if (response.status == 200)
@@ -342,8 +347,8 @@ void GoogleOAuthManager::signOut(const std::stop_token& stop) {
         }
     }
     {
-        const std::lock_guard lock(mutex_);
-        refreshThread_.request_stop(); // its answer must not bring a token back
+        const auto refresh = refresh_.lock();
+        refresh->thread.request_stop(); // its answer must not bring a token back
         forget({tokenKeys::accessToken, tokenKeys::refreshToken, tokenKeys::expiry,
                 tokenKeys::email, tokenKeys::userID});
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "google/AccessTokenProvider.h"
 #include "google/GoogleEndpoints.h"
@@ -8,10 +9,8 @@
 #include "google/TokenStore.h"
 #include "google/WebAuthSession.h"
 
-#include <condition_variable>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -80,6 +79,13 @@ class GoogleOAuthManager final : public AccessTokenProvider {
         std::optional<QString> token;
         std::exception_ptr error; ///< set when there is no token
     };
+    /// Its lock also makes each change of the stored tokens one step. Held while the token store
+    /// works, never while the network does.
+    struct Refresh {
+        std::shared_ptr<RefreshTask> task; ///< in flight
+        std::jthread thread;
+    };
+    using Lock = Guarded<Refresh>::Lock;
 
     QUrl runAuthSession(const WebAuthRequest& request, const std::stop_token& stop);
     QString extractAuthCode(const QUrl& callback);
@@ -89,20 +95,16 @@ class GoogleOAuthManager final : public AccessTokenProvider {
     void forget(const QStringList& keys);
     QString saveTokens(const QByteArray& body);
     void fetchAndSaveIdentity(const QString& accessToken, const std::stop_token& stop);
-    void startRefresh();
-    QString refreshed(std::unique_lock<std::mutex>& lock, const std::stop_token& stop);
+    void startRefresh(Refresh& refresh);
+    QString refreshed(Lock& refresh, const std::stop_token& stop);
     void runRefresh(RefreshTask& task, const std::stop_token& stop);
     QString refreshAccessToken(const std::stop_token& stop);
     HttpResponse postForm(const QUrl& url, const QByteArray& form, const std::stop_token& stop);
 
     const Collaborators with_;
 
-    /// Guards `tokenRefreshTask_` and makes each change of the stored tokens one step. Held while
-    /// the token store works, never while the network does.
-    std::mutex mutex_;
     std::condition_variable_any refreshFinished_;
-    std::shared_ptr<RefreshTask> tokenRefreshTask_;
-    std::jthread refreshThread_;
+    Guarded<Refresh> refresh_;
 };
 
 } // namespace quorvane

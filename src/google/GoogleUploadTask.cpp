@@ -28,15 +28,15 @@ QString uploadTokenFrom(const QByteArray& body) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString token = QString(decoder(body)).trimmed();
     if (decoder.hasError() || token.isEmpty())
-        throw UploadError::emptyToken();
+        throw GoogleError::emptyToken();
     if (body.size() > largestToken || std::ranges::any_of(token, isNoTokenCharacter))
-        throw UploadError::noToken();
+        throw GoogleError::noToken();
     return token;
 }
 
 void requireAcceptable(std::int64_t size, bool isMovie) {
     if (size > (isMovie ? GoogleUploadTask::largestMovie : GoogleUploadTask::largestPicture))
-        throw UploadError::tooLarge(isMovie);
+        throw GoogleError::tooLarge(isMovie);
 }
 
 } // namespace
@@ -53,7 +53,7 @@ QString GoogleUploadTask::upload(const UploadSource& source, UploadMemory& memor
         size < resumableFrom ? sendAtOnce(source, progress, stop)
                              : ResumableUpload(api_, {source, size, memory, progress, stop}).send();
     if (response.status != 200)
-        throw UploadError::httpError(response);
+        throw GoogleError::http(GoogleError::Area::upload, response);
     return uploadTokenFrom(response.body);
 }
 

@@ -21,7 +21,7 @@ class GoogleUploadTask {
 
     /// Streams the file and returns the upload token that makes it a media item. A large one goes
     /// on where `memory` knows that an earlier call ended; nothing else is retried. Throws
-    /// `UploadError`, `TransportError`, `FileError`, the token provider's errors, the memory's, or
+    /// `GoogleError`, `TransportError`, `FileError`, the token provider's errors, the memory's, or
     /// `Cancelled`.
     QString upload(const UploadSource& source, UploadMemory& memory,
                    const HttpRequest::Progress& progress, std::stop_token stop);

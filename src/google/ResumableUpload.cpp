@@ -45,7 +45,8 @@ HttpResponse ResumableUpload::send() {
             }
             if (response.status == 200)
                 continue;
-            failure = std::make_exception_ptr(UploadError::httpError(response));
+            failure =
+                std::make_exception_ptr(GoogleError::http(GoogleError::Area::upload, response));
             if (!isAboutTheUpload(response.status))
                 std::rethrow_exception(failure);
         } catch (const TransportError&) {
@@ -71,10 +72,10 @@ void ResumableUpload::start() {
     };
     const HttpResponse response = api_.send(std::move(request), job_.stop);
     if (response.status != 200 || startsLeft_-- == 0)
-        throw UploadError::httpError(response);
+        throw GoogleError::http(GoogleError::Area::upload, response);
     address_ = QUrl(QString::fromLatin1(response.header("x-goog-upload-url")), QUrl::StrictMode);
     if (!isTrusted(address_, api_.at({})))
-        throw UploadError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::upload);
     offset_ = 0;
     learnGranularity(response);
     job_.memory.remember(address_.toString(QUrl::FullyEncoded));
@@ -93,15 +94,15 @@ bool ResumableUpload::takeUp() {
         const qint64 received =
             response.header("x-goog-upload-size-received").toLongLong(&isNumber);
         if (!isNumber || received < 0 || received > job_.size)
-            throw UploadError::invalidResponse();
+            throw GoogleError::invalidResponse(GoogleError::Area::upload);
         offset_ = received;
         learnGranularity(response);
         return true;
     }
     if (isKnown && stateOf(response).isEmpty())
-        throw UploadError::invalidResponse();
+        throw GoogleError::invalidResponse(GoogleError::Area::upload);
     if (!isKnown && !isAboutTheUpload(response.status))
-        throw UploadError::httpError(response);
+        throw GoogleError::http(GoogleError::Area::upload, response);
     address_.clear();
     job_.memory.forget();
     return false;
@@ -129,7 +130,7 @@ HttpResponse ResumableUpload::sendPiece() {
     HttpResponse response = command(isLast ? "upload, finalize" : "upload", std::move(request));
     if (response.status == 200) {
         if (stateOf(response) != (isLast ? "final" : "active"))
-            throw UploadError::invalidResponse();
+            throw GoogleError::invalidResponse(GoogleError::Area::upload);
         offset_ += piece;
     }
     return response;

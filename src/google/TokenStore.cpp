@@ -12,22 +12,21 @@ TokenStore::TokenStore(SecretStore& keychain, Preferences& preferences, Log& log
     : keychain_(keychain), preferences_(preferences), log_(log) {}
 
 std::optional<QString> TokenStore::readToken(const QString& key) {
-    const std::lock_guard lock(mutex_);
-    if (const auto known = memoryTokens_.find(key);
-        known != memoryTokens_.end() && !known->second.isEmpty())
+    const auto tokens = memoryTokens_.lock();
+    if (const auto known = tokens->find(key); known != tokens->end() && !known->second.isEmpty())
         return known->second;
     auto found = keychain_.read(key);
     if (!found || found->isEmpty())
         found = preferences_.string(fallbackPrefix + key);
     if (!found || found->isEmpty())
         return std::nullopt;
-    memoryTokens_[key] = *found;
+    (*tokens)[key] = *found;
     return found;
 }
 
 void TokenStore::writeToken(const QString& key, const QString& value) {
-    const std::lock_guard lock(mutex_);
-    memoryTokens_[key] = value;
+    const auto tokens = memoryTokens_.lock();
+    (*tokens)[key] = value;
     keychainWrite(key, value);
     try {
         preferences_.setString(fallbackPrefix + key, value);
@@ -37,8 +36,8 @@ void TokenStore::writeToken(const QString& key, const QString& value) {
 }
 
 void TokenStore::deleteToken(const QString& key) {
-    const std::lock_guard lock(mutex_);
-    memoryTokens_.erase(key);
+    const auto tokens = memoryTokens_.lock();
+    tokens->erase(key);
     keychain_.remove(key);
     try {
         preferences_.remove(fallbackPrefix + key);

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "foundation/Error.h"
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
 #include "google/SecretStore.h"
 
 #include <map>
-#include <mutex>
 #include <optional>
 
 namespace quorvane {
@@ -44,8 +44,7 @@ class TokenStore {
     SecretStore& keychain_;
     Preferences& preferences_;
     Log& log_;
-    std::mutex mutex_;
-    std::map<QString, QString> memoryTokens_;
+    Guarded<std::map<QString, QString>> memoryTokens_;
 };
 
 } // namespace quorvane

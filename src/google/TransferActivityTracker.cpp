@@ -21,67 +21,63 @@ double ActiveTransferItem::progress() const {
 }
 
 TransferActivityTracker::TransferActivityTracker(Clock& clock, LatencyJitter jitter)
-    : clock_(clock), jitter_(std::move(jitter)), lastSpeedCheckTime_(clock.monotonic()) {}
+    : clock_(clock), jitter_(std::move(jitter)), table_({.sampledAt = clock.monotonic()}) {}
 
 int TransferActivityTracker::systemJitter() {
     return QRandomGenerator::global()->bounded(latencySpread + 1);
 }
 
 void TransferActivityTracker::add(const ActiveTransferItem& item) {
-    const std::lock_guard guard(lock_);
-    activeTransfers_[item.id] = item;
+    table_.lock()->active[item.id] = item;
 }
 
 void TransferActivityTracker::remove(const QString& id) {
-    const std::lock_guard guard(lock_);
-    activeTransfers_.erase(id);
+    table_.lock()->active.erase(id);
 }
 
 void TransferActivityTracker::updateProgress(const QString& id, std::int64_t bytesSent,
                                              std::int64_t /*totalBytes*/) {
-    const std::lock_guard guard(lock_);
-    if (const auto found = activeTransfers_.find(id); found != activeTransfers_.end()) {
-        sentBytes_ += std::max<std::int64_t>(0, bytesSent - found->second.bytesTransferred);
+    const auto table = table_.lock();
+    if (const auto found = table->active.find(id); found != table->active.end()) {
+        table->sentBytes += std::max<std::int64_t>(0, bytesSent - found->second.bytesTransferred);
         found->second.bytesTransferred = bytesSent;
     }
 }
 
 TransferSnapshot TransferActivityTracker::getSnapshot() {
-    const std::lock_guard guard(lock_);
-    sampleSpeed();
+    const auto table = table_.lock();
+    table->sampleSpeed(clock_.monotonic());
     TransferSnapshot snapshot;
-    for (const auto& [id, item] : activeTransfers_)
+    for (const auto& [id, item] : table->active)
         snapshot.items.push_back(item);
     std::ranges::stable_sort(snapshot.items, {}, &ActiveTransferItem::startedAt);
-    snapshot.currentSpeedText = formatSpeed(currentSpeed_);
-    snapshot.peakSpeedText = formatSpeed(peakSpeed_);
-    snapshot.currentSpeed = currentSpeed_;
-    snapshot.latencyMilliseconds =
-        activeTransfers_.empty() ? idleLatency : latencyFloor + jitter_();
-    snapshot.sentBytes = sentBytes_;
+    snapshot.currentSpeedText = formatSpeed(table->currentSpeed);
+    snapshot.peakSpeedText = formatSpeed(table->peakSpeed);
+    snapshot.currentSpeed = table->currentSpeed;
+    snapshot.latencyMilliseconds = table->active.empty() ? idleLatency : latencyFloor + jitter_();
+    snapshot.sentBytes = table->sentBytes;
     return snapshot;
 }
 
-std::int64_t TransferActivityTracker::totalTransferred() const {
+std::int64_t TransferActivityTracker::Table::transferred() const {
     std::int64_t total = 0;
-    for (const auto& [id, item] : activeTransfers_)
+    for (const auto& [id, item] : active)
         if (__builtin_add_overflow(total, item.bytesTransferred, &total))
             qFatal("transfer byte counts overflow");
     return total;
 }
 
-void TransferActivityTracker::sampleSpeed() {
-    const std::int64_t total = totalTransferred();
-    const auto now = clock_.monotonic();
-    const auto elapsed = now - lastSpeedCheckTime_;
+void TransferActivityTracker::Table::sampleSpeed(Clock::Monotonic now) {
+    const std::int64_t total = transferred();
+    const auto elapsed = now - sampledAt;
     if (elapsed < sampleInterval)
         return;
     // A transfer that ended has taken its bytes out of the total.
-    const std::int64_t delta = std::max<std::int64_t>(0, total - lastBytesCount_);
-    currentSpeed_ = static_cast<double>(delta) / std::chrono::duration<double>(elapsed).count();
-    peakSpeed_ = std::max(peakSpeed_, currentSpeed_);
-    lastBytesCount_ = total;
-    lastSpeedCheckTime_ = now;
+    const std::int64_t delta = std::max<std::int64_t>(0, total - sampledBytes);
+    currentSpeed = static_cast<double>(delta) / std::chrono::duration<double>(elapsed).count();
+    peakSpeed = std::max(peakSpeed, currentSpeed);
+    sampledBytes = total;
+    sampledAt = now;
 }
 
 QString TransferActivityTracker::formatSpeed(double bytesPerSecond) {

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "foundation/Clock.h"
+#include "foundation/Guarded.h"
 
 #include <QString>
 
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <vector>
 
 namespace quorvane {
@@ -62,19 +62,22 @@ class TransferActivityTracker {
 
   private:
     static int systemJitter();
-    std::int64_t totalTransferred() const;
-    void sampleSpeed();
+
+    struct Table {
+        std::map<QString, ActiveTransferItem> active = {};
+        std::int64_t sentBytes = 0;
+        std::int64_t sampledBytes = 0; ///< of the active ones, at the last sample
+        Clock::Monotonic sampledAt = {};
+        double currentSpeed = 0;
+        double peakSpeed = 0;
+
+        std::int64_t transferred() const;
+        void sampleSpeed(Clock::Monotonic now);
+    };
 
     Clock& clock_;
     LatencyJitter jitter_;
-
-    std::map<QString, ActiveTransferItem> activeTransfers_;
-    mutable std::mutex lock_; ///< guards every field but the two above it
-    std::int64_t lastBytesCount_ = 0;
-    std::int64_t sentBytes_ = 0;
-    Clock::Monotonic lastSpeedCheckTime_;
-    double currentSpeed_ = 0;
-    double peakSpeed_ = 0;
+    Guarded<Table> table_;
 };
 
 } // namespace quorvane

@@ -17,13 +17,13 @@ UploadLimit::Grant UploadLimit::take(std::size_t wanted, std::int64_t bytesPerSe
                                      Steady::time_point now) {
     if (bytesPerSecond <= 0 || wanted == 0)
         return {.bytes = wanted};
-    const std::lock_guard lock(mutex_);
-    paidUntil_ = std::max(paidUntil_, now - slack);
-    if (paidUntil_ > now)
-        return {.wait = std::min<Steady::duration>(paidUntil_ - now, std::chrono::seconds(1))};
+    const auto paidUntil = paidUntil_.lock();
+    *paidUntil = std::max(*paidUntil, now - slack);
+    if (*paidUntil > now)
+        return {.wait = std::min<Steady::duration>(*paidUntil - now, std::chrono::seconds(1))};
     const std::int64_t share = std::max(leastGrant, bytesPerSecond / grantsPerSecond);
     const auto bytes = std::min(wanted, static_cast<std::size_t>(share));
-    paidUntil_ += std::chrono::duration_cast<Steady::duration>(std::chrono::duration<double>(
+    *paidUntil += std::chrono::duration_cast<Steady::duration>(std::chrono::duration<double>(
         static_cast<double>(bytes) / static_cast<double>(bytesPerSecond)));
     return {.bytes = bytes};
 }

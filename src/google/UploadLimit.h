@@ -1,9 +1,10 @@
 #pragma once
 
+#include "foundation/Guarded.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 
 namespace quorvane {
 
@@ -21,8 +22,7 @@ class UploadLimit {
     Grant take(std::size_t wanted, std::int64_t bytesPerSecond, Steady::time_point now);
 
   private:
-    std::mutex mutex_;             ///< guards the field below
-    Steady::time_point paidUntil_; ///< what was granted so far fills the time up to here
+    Guarded<Steady::time_point> paidUntil_; ///< what was granted so far fills the time up to here
 };
 
 } // namespace quorvane

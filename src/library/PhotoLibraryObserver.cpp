@@ -213,8 +213,6 @@ void PhotoLibraryObserver::settle(const std::vector<PhotoAsset>& assets,
             console_.print(
                 QStringLiteral("[PhotoKit] %1 medyanın özgün dosyası artık burada, sıraya alındı")
                     .arg(returned));
-    } catch (const Cancelled&) {
-        throw;
     } catch (const Error& error) {
         console_.notice(QStringLiteral("[PhotoKit] Eksik özgün dosyalar ayrılamadı: ") +
                         error.localizedDescription());

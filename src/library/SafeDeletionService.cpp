@@ -194,6 +194,8 @@ void SafeDeletionService::deleteFromPhotoLibrary(const QStringList& identifiers,
         const QString warning = warningFor(offered, recordsOf, stop);
         Guard guard(*this, recordsOf, summary, !warning.isEmpty(), stop);
         s_.library.deleteAssets(offered, warning, guard, stop);
+    } catch (const Cancelled&) {
+        s_.log.log(QStringLiteral("[SafeDeletion] ℹ️ Silme durduruldu, kalanlar yerinde."));
     } catch (const std::exception& error) {
         s_.log.log(
             QStringLiteral(

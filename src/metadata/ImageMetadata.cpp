@@ -213,8 +213,6 @@ std::optional<Date> readExistingImageDate(const std::filesystem::path& file,
             return std::nullopt;
         const auto block = exifOf(source.bytes(), *format, stop);
         return block ? exif::instantOf(exif::readDates(viewOf(*block))) : std::nullopt;
-    } catch (const Cancelled&) {
-        throw;
     } catch (const std::exception& error) {
         if (isSystems(error))
             throw;
@@ -232,8 +230,6 @@ MetadataResult enrichImageMetadata(const std::filesystem::path& file, Date targe
         if (result.which == MetadataResult::Case::success && effect == Effect::write)
             setFileDates(file, targetDate);
         return result;
-    } catch (const Cancelled&) {
-        throw;
     } catch (const std::exception& error) {
         if (isSystems(error))
             throw;

@@ -41,8 +41,6 @@ template <typename Source>
 std::optional<Date> dateFrom(Source&& source) {
     try {
         return writableDate(source());
-    } catch (const Cancelled&) {
-        throw;
     } catch (const std::exception& error) {
         if (isSystems(error))
             throw;

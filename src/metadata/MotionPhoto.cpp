@@ -153,8 +153,6 @@ std::optional<heif::Range> movieIn(ByteView file, const std::stop_token& stop) {
         }
         requireMovie(heif::bytesOf(file, movie), stop);
         return movie;
-    } catch (const Cancelled&) {
-        throw;
     } catch (const Error&) {
         return std::nullopt;
     }

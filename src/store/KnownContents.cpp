@@ -29,7 +29,7 @@ KnownContents::KnownContents(DatabaseManager& own, const std::vector<std::filesy
     : own_(own) {
     for (const auto& file : others) {
         try {
-            others_.push_back(
+            others_.lock()->push_back(
                 std::make_unique<sqlite::Connection>(file, sqlite::Connection::Mode::readOnly));
         } catch (const sqlite::SqliteError&) {
             continue;
@@ -41,8 +41,8 @@ bool KnownContents::hasSample(std::int64_t sample) {
     if (own_.onConnection(
             [&](sqlite::Connection& database) { return hasSourceOf(database, sample); }))
         return true;
-    const std::lock_guard lock(mutex_);
-    for (const auto& other : others_) {
+    const auto others = others_.lock();
+    for (const auto& other : *others) {
         try {
             if (hasSourceOf(*other, sample))
                 return true;
@@ -69,8 +69,8 @@ KnownContents::Found KnownContents::find(std::int64_t sample, const QString& sha
         }
     };
     own_.onConnection([&](sqlite::Connection& database) { look(database, true); });
-    const std::lock_guard lock(mutex_);
-    for (const auto& other : others_) {
+    const auto others = others_.lock();
+    for (const auto& other : *others) {
         try {
             look(*other, false);
         } catch (const sqlite::SqliteError&) {

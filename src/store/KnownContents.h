@@ -1,9 +1,9 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "store/DatabaseManager.h"
 
 #include <filesystem>
-#include <mutex>
 
 namespace quorvane {
 
@@ -26,8 +26,7 @@ class KnownContents {
 
   private:
     DatabaseManager& own_;
-    std::mutex mutex_;
-    std::vector<std::unique_ptr<sqlite::Connection>> others_; ///< guarded
+    Guarded<std::vector<std::unique_ptr<sqlite::Connection>>> others_;
 };
 
 } // namespace quorvane

@@ -28,8 +28,6 @@ MirrorOutcome AlbumMirror::run(const std::stop_token& stop) {
         for (const AssetCollection& album : s_.library.fetchAssetCollections(
                  CollectionType::album, collectionSubtype::albumRegular))
             mirror(album, stop);
-    } catch (const Cancelled&) {
-        throw;
     } catch (const Error& error) {
         outcome_.failure = error.localizedDescription();
         s_.log.log(QStringLiteral(

@@ -25,8 +25,7 @@ void Attempts::Permit::giveBack() {
     Attempts* attempts = std::exchange(attempts_, nullptr);
     if (attempts == nullptr || !isProbe_)
         return;
-    const std::lock_guard lock(attempts->mutex_);
-    attempts->isProbing_ = false;
+    attempts->state_.lock()->isProbing = false;
     attempts->changed_.notify_all();
 }
 
@@ -47,14 +46,13 @@ World::Verdict Attempts::Permit::failed(const std::optional<Fault>& fault) {
 }
 
 void Attempts::begin(World::Patience patience, Teller teller) {
-    const std::lock_guard telling(telling_);
-    const std::lock_guard lock(mutex_);
-    world_ = World(patience);
-    isProbing_ = false;
-    suspects_.clear();
-    over_ = std::stop_source();
-    teller_ = std::move(teller);
-    hasTold_ = false;
+    const auto told = told_.lock();
+    const auto state = state_.lock();
+    state->world = World(patience);
+    state->isProbing = false;
+    state->suspects.clear();
+    state->over = std::stop_source();
+    *told = {.teller = std::move(teller)};
 }
 
 World::Verdict Attempts::learn(const std::function<World::Verdict(World&)>& what) {
@@ -63,14 +61,14 @@ World::Verdict Attempts::learn(const std::function<World::Verdict(World&)>& what
     bool isClear = false;
     std::vector<std::function<void()>> relieved;
     {
-        const std::lock_guard lock(mutex_);
-        const int era = world_.era();
-        verdict = what(world_);
-        if (verdict.beganOutage || world_.era() != era)
-            relieved = std::exchange(suspects_, {});
-        if (world_.ending())
-            over = over_;
-        isClear = !world_.obstacle();
+        const auto state = state_.lock();
+        const int era = state->world.era();
+        verdict = what(state->world);
+        if (verdict.beganOutage || state->world.era() != era)
+            relieved = std::exchange(state->suspects, {});
+        if (state->world.ending())
+            over = state->over;
+        isClear = !state->world.obstacle();
         changed_.notify_all();
     }
     over.request_stop(); // runs the callbacks of whoever waits, so not under the lock
@@ -84,10 +82,10 @@ World::Verdict Attempts::learn(const std::function<World::Verdict(World&)>& what
 
 void Attempts::suspect(int era, std::function<void()> relieve) {
     {
-        const std::lock_guard lock(mutex_);
-        if (world_.outageEra() != era) {
-            if (world_.era() == era)
-                suspects_.push_back(std::move(relieve));
+        const auto state = state_.lock();
+        if (state->world.outageEra() != era) {
+            if (state->world.era() == era)
+                state->suspects.push_back(std::move(relieve));
             return;
         }
     }
@@ -123,16 +121,15 @@ void Attempts::tryNow() {
         requests_.distrust();
     std::stop_source waiting;
     {
-        const std::lock_guard lock(mutex_);
-        world_.tryNow();
-        waiting = std::exchange(waiting_, std::stop_source());
+        const auto state = state_.lock();
+        state->world.tryNow();
+        waiting = std::exchange(state->waiting, std::stop_source());
     }
     waiting.request_stop(); // as in `learn`
 }
 
 std::optional<Fault> Attempts::ending() const {
-    const std::lock_guard lock(mutex_);
-    return world_.ending();
+    return state_.lock()->world.ending();
 }
 
 std::optional<Attempts::Permit> Attempts::enter(const std::stop_token& stop) {
@@ -142,46 +139,47 @@ std::optional<Attempts::Permit> Attempts::enter(const std::stop_token& stop) {
                 world.dayUsedUp(now());
                 return World::Verdict();
             });
-        std::unique_lock lock(mutex_);
+        auto state = state_.lock();
+        const World& world = state->world;
         if (stop.stop_requested())
             throw Cancelled();
-        if (world_.ending())
+        if (world.ending())
             return std::nullopt;
-        const bool isOut = world_.isOut();
-        if (isOut && isProbing_) {
-            changed_.wait(lock, stop,
-                          [this] { return !isProbing_ || !world_.isOut() || world_.ending(); });
+        const bool isOut = world.isOut();
+        if (isOut && state->isProbing) {
+            state.wait(changed_, stop,
+                       [&] { return !state->isProbing || !world.isOut() || world.ending(); });
             continue;
         }
-        const auto left = world_.timeLeft(now());
-        isProbing_ = isOut;
+        const auto left = world.timeLeft(now());
+        state->isProbing = isOut;
         if (left.count() == 0)
             return Permit(*this, isOut);
-        waitFor(lock, left, stop);
+        waitFor(state, left, stop);
         if (isOut) {
-            isProbing_ = false;
+            state->isProbing = false;
             changed_.notify_all();
         }
     }
 }
 
-void Attempts::waitFor(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds time,
+void Attempts::waitFor(Guarded<State>::Lock& state, std::chrono::milliseconds time,
                        const std::stop_token& stop) {
-    const Waiting waiting{*world_.obstacle(), clock_.now() + time};
-    const EitherStop end(stop, over_.get_token());
-    const EitherStop wake(end.token(), waiting_.get_token());
-    lock.unlock();
-    tell(waiting);
-    clock_.sleep(std::min<std::chrono::milliseconds>(time, longestSleep), wake.token());
-    lock.lock();
+    const Waiting waiting{*state->world.obstacle(), clock_.now() + time};
+    const EitherStop end(stop, state->over.get_token());
+    const EitherStop wake(end.token(), state->waiting.get_token());
+    state.without([&] {
+        tell(waiting);
+        clock_.sleep(std::min<std::chrono::milliseconds>(time, longestSleep), wake.token());
+    });
 }
 
 void Attempts::tell(const std::optional<Waiting>& waiting) {
-    const std::lock_guard telling(telling_);
-    if (!teller_ || (!waiting && !std::exchange(hasTold_, false)))
+    const auto told = told_.lock();
+    if (!told->teller || (!waiting && !std::exchange(told->hasTold, false)))
         return;
-    hasTold_ = waiting.has_value();
-    teller_(waiting);
+    told->hasTold = waiting.has_value();
+    told->teller(waiting);
 }
 
 } // namespace quorvane

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "foundation/Error.h"
+#include "foundation/Guarded.h"
 #include "google/DailyRequests.h"
 #include "sync/World.h"
 
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <vector>
@@ -85,26 +85,31 @@ class Attempts {
     std::optional<Fault> ending() const;
 
   private:
+    struct State {
+        World world = World();
+        bool isProbing = false; ///< somebody waits for the next attempt of an outage, or makes it
+        std::vector<std::function<void()>> suspects; ///< of the present era: what relieves them
+        std::stop_source over;                       ///< wakes whoever waits when the run is over
+        std::stop_source waiting;                    ///< wakes them for one more attempt
+    };
+
     World::Now now() const { return {clock_.monotonic(), clock_.now(), requests_.today().turns}; }
     Permit enterOrThrow(const std::stop_token& stop);
     void waitOut(const Error& error, Permit permit, const std::stop_token& stop);
     void tell(const std::optional<Waiting>& waiting);
     World::Verdict learn(const std::function<World::Verdict(World&)>& what);
-    void waitFor(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds time,
+    void waitFor(Guarded<State>::Lock& state, std::chrono::milliseconds time,
                  const std::stop_token& stop);
 
     Clock& clock_;
     DailyRequests& requests_;
-    mutable std::mutex mutex_; ///< guards everything below; never held while waiting
     std::condition_variable_any changed_;
-    World world_;
-    bool isProbing_ = false; ///< somebody waits for the next attempt of an outage, or makes it
-    std::vector<std::function<void()>> suspects_; ///< of the present era: what relieves them
-    std::stop_source over_;                       ///< wakes whoever waits when the run is over
-    std::stop_source waiting_;                    ///< wakes them for one more attempt
-    std::mutex telling_;                          ///< taken before `mutex_`
-    Teller teller_;
-    bool hasTold_ = false;
+    Guarded<State> state_; ///< never locked while waiting
+    struct Told {
+        Teller teller = {};
+        bool hasTold = false;
+    };
+    Guarded<Told> told_; ///< locked during a call, and before `state_`
 };
 
 } // namespace quorvane

@@ -11,10 +11,9 @@ namespace quorvane {
 
 namespace {
 
-/// Turns every form of a cancellation into `Cancelled`.
+/// Whatever fails during a stop fails by it, and so does what another program calls cancelled.
 void throwIfCancellation(const std::exception& error, const std::stop_token& stop) {
-    if (stop.stop_requested() || dynamic_cast<const Cancelled*>(&error) != nullptr ||
-        describe(error).contains(u"cancel", Qt::CaseInsensitive))
+    if (stop.stop_requested() || describe(error).contains(u"cancel", Qt::CaseInsensitive))
         throw Cancelled();
 }
 
@@ -25,93 +24,86 @@ bool isItems(const std::optional<Fault>& fault) {
 } // namespace
 
 void BatchCoordinator::enqueue(NewItem item, const SyncRecord& record, std::stop_token stop) {
-    std::unique_lock lock(mutex_);
-    if (!changed_.wait(lock, stop, [this] { return buffer_.size() < batchSize; }))
+    auto state = state_.lock();
+    if (!state.wait(changed_, stop, [&] { return state->buffer.size() < batchSize; }))
         throw Cancelled();
     if (!sender_.joinable()) {
         timer_ = std::jthread([this](const std::stop_token& end) { runTimer(end); });
         sender_ = std::jthread([this](const std::stop_token& end) { runSender(end); });
     }
-    if (buffer_.empty()) {
-        deadline_ = s_.clock.monotonic() + flushInterval;
-        deadlineStop_ = std::stop_source();
+    if (state->buffer.empty()) {
+        state->deadline = s_.clock.monotonic() + flushInterval;
+        state->deadlineStop = std::stop_source();
     }
-    buffer_.push_back({std::move(item), record});
-    unsettled_.insert(record.assetLocalIdentifier);
-    run_ = std::move(stop);
-    if (buffer_.size() == 1 ||
-        buffer_.size() == batchSize) // what the timer and the sender wait for
+    state->buffer.push_back({std::move(item), record});
+    state->unsettled.insert(record.assetLocalIdentifier);
+    state->run = std::move(stop);
+    if (state->buffer.size() == 1 ||
+        state->buffer.size() == batchSize) // what the timer and the sender wait for
         changed_.notify_all();
 }
 
 void BatchCoordinator::handOver() {
-    const std::lock_guard lock(mutex_);
-    isHandedOver_ = !buffer_.empty();
+    const auto state = state_.lock();
+    state->isHandedOver = !state->buffer.empty();
     changed_.notify_all();
 }
 
 void BatchCoordinator::flush() {
-    std::unique_lock lock(mutex_);
-    isHandedOver_ = !buffer_.empty();
+    auto state = state_.lock();
+    state->isHandedOver = !state->buffer.empty();
     changed_.notify_all();
-    changed_.wait(lock, [this] { return buffer_.empty() && !isSending_; });
+    state.wait(changed_, {}, [&] { return state->buffer.empty() && !state->isSending; });
 }
 
 void BatchCoordinator::lookAtUnsettled(const std::function<void(const std::set<QString>&)>& look) {
     const std::lock_guard settling(settling_);
-    std::set<QString> unsettled;
-    {
-        const std::lock_guard lock(mutex_);
-        unsettled = unsettled_;
-    }
+    const std::set<QString> unsettled = state_.lock()->unsettled;
     look(unsettled);
 }
 
 std::optional<QString> BatchCoordinator::takeStoreRefusal() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(storeRefusal_, std::nullopt);
+    return std::exchange(state_.lock()->storeRefusal, std::nullopt);
 }
 
 int BatchCoordinator::takeAlreadyExisting() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(alreadyExisting_, 0);
+    return std::exchange(state_.lock()->alreadyExisting, 0);
 }
 
 void BatchCoordinator::runTimer(const std::stop_token& end) noexcept {
     while (!end.stop_requested()) {
-        std::unique_lock lock(mutex_);
-        if (!changed_.wait(lock, end, [this] { return deadline_.has_value(); }))
+        auto state = state_.lock();
+        if (!state.wait(changed_, end, [&] { return state->deadline.has_value(); }))
             return;
         const auto wait =
-            std::chrono::ceil<std::chrono::milliseconds>(*deadline_ - s_.clock.monotonic());
-        const EitherStop stop(end, deadlineStop_.get_token());
-        lock.unlock();
-        const bool isDue = s_.clock.sleep(wait, stop.token());
-        lock.lock();
+            std::chrono::ceil<std::chrono::milliseconds>(*state->deadline - s_.clock.monotonic());
+        const EitherStop stop(end, state->deadlineStop.get_token());
+        bool isDue = false;
+        state.without([&] { isDue = s_.clock.sleep(wait, stop.token()); });
         if (!isDue || stop.token().stop_requested())
             continue;
-        deadline_.reset();
-        isHandedOver_ = !buffer_.empty();
+        state->deadline.reset();
+        state->isHandedOver = !state->buffer.empty();
         changed_.notify_all();
     }
 }
 
 void BatchCoordinator::runSender(const std::stop_token& end) noexcept {
-    std::unique_lock lock(mutex_);
-    while (
-        changed_.wait(lock, end, [this] { return isHandedOver_ || buffer_.size() >= batchSize; })) {
-        Batch batch = std::exchange(buffer_, {});
-        isHandedOver_ = false;
-        isSending_ = true;
-        deadline_.reset();
-        std::stop_source taken = deadlineStop_;
-        const EitherStop stop(end, run_);
+    auto state = state_.lock();
+    const auto isDue = [&] { return state->isHandedOver || state->buffer.size() >= batchSize; };
+    while (state.wait(changed_, end, isDue)) {
+        Batch batch = std::exchange(state->buffer, {});
+        state->isHandedOver = false;
+        state->isSending = true;
+        state->deadline.reset();
+        std::stop_source taken = state->deadlineStop;
+        const EitherStop stop(end, state->run);
         changed_.notify_all();
-        lock.unlock();
-        taken.request_stop();
-        send(std::move(batch), stop.token());
-        lock.lock();
-        isSending_ = false;
+        state.without([&] {
+            taken.request_stop();
+            send(std::move(batch), stop.token());
+        });
+        state->isSending = false;
         changed_.notify_all();
     }
 }
@@ -283,8 +275,7 @@ void BatchCoordinator::settleArrivals(const std::vector<Arrival>& arrivals) {
                             QStringLiteral(" -> ") +
                             (isNew ? result.remoteID : QStringLiteral("hedefte zaten vardı")));
         onCreated(entry.record);
-        const std::lock_guard lock(mutex_);
-        alreadyExisting_ += isNew ? 0 : 1;
+        state_.lock()->alreadyExisting += isNew ? 0 : 1;
     }
 }
 
@@ -293,13 +284,12 @@ bool BatchCoordinator::mayBeSentAgain(const Entry& entry) {
     try {
         s_.tokens.forget(entry.record);
     } catch (const DBError& refusal) {
-        const std::lock_guard lock(mutex_);
-        storeRefusal_ = refusal.localizedDescription();
+        state_.lock()->storeRefusal = refusal.localizedDescription();
     }
-    const std::lock_guard lock(mutex_);
-    if (sentAgain_.erase(entry.record.assetLocalIdentifier) > 0)
+    const auto state = state_.lock();
+    if (state->sentAgain.erase(entry.record.assetLocalIdentifier) > 0)
         return false;
-    sentAgain_.insert(entry.record.assetLocalIdentifier);
+    state->sentAgain.insert(entry.record.assetLocalIdentifier);
     return true;
 }
 
@@ -339,8 +329,7 @@ bool BatchCoordinator::mark(const Entry& entry, SyncStatus status,
         rawValue(status) + QStringLiteral("): ") + entry.record.assetLocalIdentifier;
     try {
         if (transition()) {
-            const std::lock_guard lock(mutex_);
-            unsettled_.erase(entry.record.assetLocalIdentifier);
+            state_.lock()->unsettled.erase(entry.record.assetLocalIdentifier);
             return true;
         }
         s_.log.log(
@@ -349,17 +338,16 @@ bool BatchCoordinator::mark(const Entry& entry, SyncStatus status,
     } catch (const Error& refusal) {
         s_.log.log(QStringLiteral("[Batch] ❌ Kayıt güncellenemedi (") + outcome +
                    QStringLiteral(" -> ") + refusal.localizedDescription());
-        const std::lock_guard lock(mutex_);
-        storeRefusal_ = refusal.localizedDescription();
+        state_.lock()->storeRefusal = refusal.localizedDescription();
     }
     return false;
 }
 
 /// Whatever of the batch has no result by now stays STAGED.
 void BatchCoordinator::leave(const Batch& batch) {
-    const std::lock_guard lock(mutex_);
+    const auto state = state_.lock();
     for (const Entry& entry : batch)
-        unsettled_.erase(entry.record.assetLocalIdentifier);
+        state->unsettled.erase(entry.record.assetLocalIdentifier);
 }
 
 void BatchCoordinator::logFlushError(const std::exception& error) {

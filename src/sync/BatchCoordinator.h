@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Console.h"
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
 #include "foundation/Publisher.h"
@@ -9,7 +10,6 @@
 #include "sync/Attempts.h"
 #include "sync/Destination.h"
 
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <set>
@@ -105,6 +105,19 @@ class BatchCoordinator {
         std::chrono::milliseconds wait{0}; ///< before that
     };
 
+    struct State {
+        Batch buffer;
+        std::stop_token run;
+        std::optional<Clock::Monotonic> deadline; ///< of the oldest buffered entry
+        std::stop_source deadlineStop;            ///< the buffer was taken before
+        bool isHandedOver = false;
+        bool isSending = false;
+        std::set<QString> unsettled;
+        std::set<QString> sentAgain; ///< their first token was refused
+        std::optional<QString> storeRefusal;
+        int alreadyExisting = 0;
+    };
+
     void runSender(const std::stop_token& end) noexcept;
     void runTimer(const std::stop_token& end) noexcept;
     void send(Batch batch, const std::stop_token& stop);
@@ -126,20 +139,10 @@ class BatchCoordinator {
 
     const Services s_;
 
-    std::mutex settling_; ///< held while a record's result is written down; taken before `mutex_`
+    std::mutex settling_; ///< held while a record's result is written down; taken before `state_`
 
-    std::mutex mutex_; ///< guards the fields below; never held on the network
     std::condition_variable_any changed_;
-    Batch buffer_;
-    std::stop_token run_;
-    std::optional<Clock::Monotonic> deadline_; ///< of the oldest buffered entry
-    std::stop_source deadlineStop_;            ///< the buffer was taken before
-    bool isHandedOver_ = false;
-    bool isSending_ = false;
-    std::set<QString> unsettled_;
-    std::set<QString> sentAgain_; ///< their first token was refused
-    std::optional<QString> storeRefusal_;
-    int alreadyExisting_ = 0;
+    Guarded<State> state_; ///< never locked on the network
     std::jthread
         timer_; ///< these two are started with the first entry; last, so that they end first
     std::jthread sender_;

@@ -5,8 +5,7 @@
 namespace quorvane {
 
 void PendingQueue::begin() {
-    const std::lock_guard lock(mutex_);
-    unavailable_.clear();
+    unavailable_.lock()->clear();
 }
 
 int PendingQueue::count() {
@@ -18,13 +17,11 @@ int PendingQueue::count() {
 }
 
 void PendingQueue::setUnavailable(const SyncRecord& record) {
-    const std::lock_guard lock(mutex_);
-    unavailable_.insert(record.assetLocalIdentifier);
+    unavailable_.lock()->insert(record.assetLocalIdentifier);
 }
 
 int PendingQueue::unavailable() {
-    const std::lock_guard lock(mutex_);
-    return static_cast<int>(unavailable_.size());
+    return static_cast<int>(unavailable_.lock()->size());
 }
 
 /// Those found unavailable stay pending at the head of the queue and are stepped over unread; one
@@ -32,13 +29,13 @@ int PendingQueue::unavailable() {
 std::vector<SyncRecord> PendingQueue::fetch(int most) {
     std::vector<SyncRecord> records;
     batches_.lookAtUnsettled([&](const std::set<QString>& unsettled) {
-        const std::lock_guard lock(mutex_);
-        const int known = static_cast<int>(unavailable_.size());
+        const auto unavailable = unavailable_.lock();
+        const int known = static_cast<int>(unavailable->size());
         const int limit = most + static_cast<int>(unsettled.size());
         const auto take = [&](int count, int skipped) {
             records = db_.fetchPendingRecords(count, skipped);
             std::erase_if(records, [&](const SyncRecord& record) {
-                return unavailable_.contains(record.assetLocalIdentifier) ||
+                return unavailable->contains(record.assetLocalIdentifier) ||
                        unsettled.contains(record.assetLocalIdentifier);
             });
         };

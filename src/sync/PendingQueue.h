@@ -1,9 +1,9 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "sync/BatchCoordinator.h"
 #include "sync/Recognition.h"
 
-#include <mutex>
 #include <set>
 #include <vector>
 
@@ -39,8 +39,7 @@ class PendingQueue {
     DatabaseManager& db_;
     BatchCoordinator& batches_;
     Recognition& recognition_;
-    std::mutex mutex_; ///< guards the set
-    std::set<QString> unavailable_;
+    Guarded<std::set<QString>> unavailable_;
 };
 
 } // namespace quorvane

@@ -3,38 +3,28 @@
 namespace quorvane {
 
 void RunFlags::begin() {
-    const std::lock_guard lock(mutex_);
-    stop_ = std::stop_source();
-    running_ = true;
+    *run_.lock() = {.stop = {}, .isUnderWay = true};
 }
 
 void RunFlags::cancel() {
-    std::stop_source current;
-    {
-        const std::lock_guard lock(mutex_);
-        current = stop_;
-    }
+    std::stop_source current = run_.lock()->stop;
     current.request_stop(); // runs the callbacks of whoever waits, so not under the lock
 }
 
 void RunFlags::end() {
-    const std::lock_guard lock(mutex_);
-    running_ = false;
+    run_.lock()->isUnderWay = false;
 }
 
 bool RunFlags::isRunning() const {
-    const std::lock_guard lock(mutex_);
-    return running_;
+    return run_.lock()->isUnderWay;
 }
 
 bool RunFlags::isCancelled() const {
-    const std::lock_guard lock(mutex_);
-    return stop_.stop_requested();
+    return run_.lock()->stop.stop_requested();
 }
 
 std::stop_token RunFlags::stopToken() const {
-    const std::lock_guard lock(mutex_);
-    return stop_.get_token();
+    return run_.lock()->stop.get_token();
 }
 
 } // namespace quorvane

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <mutex>
+#include "foundation/Guarded.h"
+
 #include <stop_token>
 
 namespace quorvane {
@@ -25,9 +26,11 @@ class RunFlags {
     std::stop_token stopToken() const;
 
   private:
-    mutable std::mutex mutex_;
-    std::stop_source stop_;
-    bool running_ = false;
+    struct Run {
+        std::stop_source stop;
+        bool isUnderWay = false;
+    };
+    Guarded<Run> run_;
 };
 
 } // namespace quorvane

@@ -15,26 +15,25 @@ StageAhead::Key StageAhead::keyOf(const SyncRecord& record) {
 }
 
 void StageAhead::expect(const std::vector<SyncRecord>& records) {
-    const std::lock_guard lock(mutex_);
-    queue_.clear();
+    const auto work = work_.lock();
+    work->queue.clear();
     std::map<Key, Staged> stillExpected;
-    stagedBytes_ = 0;
+    work->stagedBytes = 0;
     for (const SyncRecord& record : records) {
         // What could not be staged then may be now.
-        if (auto known = staged_.extract(keyOf(record)); known && !known.mapped().error) {
-            stagedBytes_ += known.mapped().bytes;
+        if (auto known = work->staged.extract(keyOf(record)); known && !known.mapped().error) {
+            work->stagedBytes += known.mapped().bytes;
             stillExpected.insert(std::move(known));
-        } else if (keyOf(record) != inHand_) {
-            queue_.push_back(record);
+        } else if (keyOf(record) != work->inHand) {
+            work->queue.push_back(record);
         }
     }
-    staged_ = std::move(stillExpected);
+    work->staged = std::move(stillExpected);
     changed_.notify_all();
 }
 
 void StageAhead::expectAgain(const SyncRecord& record) {
-    const std::lock_guard lock(mutex_);
-    queue_.push_back(record);
+    work_.lock()->queue.push_back(record);
     changed_.notify_all();
 }
 
@@ -42,16 +41,16 @@ std::optional<StagedFile> StageAhead::take(const SyncRecord& record, const std::
     const Key key = keyOf(record);
     Staged staged;
     {
-        std::unique_lock lock(mutex_);
-        if (!staged_.contains(key))
-            awaited_.insert(key);
+        auto work = work_.lock();
+        if (!work->staged.contains(key))
+            work->awaited.insert(key);
         changed_.notify_all();
-        if (!changed_.wait(lock, stop, [&] { return staged_.contains(key); })) {
-            awaited_.erase(key);
+        if (!work.wait(changed_, stop, [&] { return work->staged.contains(key); })) {
+            work->awaited.erase(key);
             throw Cancelled();
         }
-        staged = std::move(staged_.extract(key).mapped());
-        stagedBytes_ -= staged.bytes;
+        staged = std::move(work->staged.extract(key).mapped());
+        work->stagedBytes -= staged.bytes;
         changed_.notify_all();
     }
     if (staged.error)
@@ -63,25 +62,24 @@ void StageAhead::run(const std::stop_token& stop) noexcept {
     while (const auto record = next(stop)) {
         Staged staged = stage(*record, stop);
         const bool diskIsLow = isDiskLow();
-        const std::lock_guard lock(mutex_);
-        inHand_.reset();
-        diskIsLow_ = diskIsLow;
-        stagedBytes_ += staged.bytes;
-        awaited_.erase(keyOf(*record));
-        staged_.insert_or_assign(keyOf(*record), std::move(staged));
+        const auto work = work_.lock();
+        work->inHand.reset();
+        work->diskIsLow = diskIsLow;
+        work->stagedBytes += staged.bytes;
+        work->awaited.erase(keyOf(*record));
+        work->staged.insert_or_assign(keyOf(*record), std::move(staged));
         changed_.notify_all();
     }
 }
 
 /// None when stopped.
 std::optional<SyncRecord> StageAhead::next(const std::stop_token& stop) {
-    std::unique_lock lock(mutex_);
-    const auto isDue = [this] { return !queue_.empty() && (!awaited_.empty() || hasRoom()); };
-    if (!changed_.wait(lock, stop, isDue) || stop.stop_requested())
+    auto work = work_.lock();
+    if (!work.wait(changed_, stop, [&] { return work->isDue(limits_); }) || stop.stop_requested())
         return std::nullopt;
-    SyncRecord record = std::move(queue_.front());
-    queue_.pop_front();
-    inHand_ = keyOf(record);
+    SyncRecord record = std::move(work->queue.front());
+    work->queue.pop_front();
+    work->inHand = keyOf(record);
     return record;
 }
 
@@ -98,9 +96,9 @@ StageAhead::Staged StageAhead::stage(const SyncRecord& record,
     return staged;
 }
 
-/// Called with `mutex_` held.
-bool StageAhead::hasRoom() const {
-    return staged_.size() < limits_.records && stagedBytes_ < limits_.bytes && !diskIsLow_;
+bool StageAhead::Work::isDue(const Limits& limits) const {
+    const bool hasRoom = staged.size() < limits.records && stagedBytes < limits.bytes && !diskIsLow;
+    return !queue.empty() && (!awaited.empty() || hasRoom);
 }
 
 /// A disk that cannot be asked is low: what is waited for is staged all the same.

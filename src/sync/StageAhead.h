@@ -1,13 +1,12 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "library/AssetStagingService.h"
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <exception>
 #include <map>
-#include <mutex>
 #include <set>
 #include <thread>
 #include <tuple>
@@ -50,24 +49,28 @@ class StageAhead {
         std::exception_ptr error; ///< why it is not known whether there is a file
     };
 
+    struct Work {
+        std::deque<SyncRecord> queue;
+        std::optional<Key> inHand;
+        std::map<Key, Staged> staged; ///< not taken yet
+        std::int64_t stagedBytes = 0;
+        bool diskIsLow = false;
+        std::set<Key> awaited; ///< not staged yet, and an upload waits for it
+
+        bool isDue(const Limits& limits) const;
+    };
+
     static Key keyOf(const SyncRecord& record);
     void run(const std::stop_token& stop) noexcept;
     std::optional<SyncRecord> next(const std::stop_token& stop);
     Staged stage(const SyncRecord& record, const std::stop_token& stop) noexcept;
-    bool hasRoom() const;
     bool isDiskLow() const;
 
     AssetStagingService& staging_;
     const Limits limits_;
 
-    std::mutex mutex_; ///< guards the fields below; never held over the disk
+    Guarded<Work> work_; ///< never locked over the disk
     std::condition_variable_any changed_;
-    std::deque<SyncRecord> queue_;
-    std::optional<Key> inHand_;
-    std::map<Key, Staged> staged_; ///< not taken yet
-    std::int64_t stagedBytes_ = 0;
-    bool diskIsLow_ = false;
-    std::set<Key> awaited_; ///< not staged yet, and an upload waits for it
 
     std::jthread thread_;
     /// Stops the thread with the run. After it, so that it goes first.

@@ -23,24 +23,19 @@ SyncCoordinator::Summary SyncCoordinator::drainPendingQueue(bool deletionEnabled
                                                             ProgressHandler progressHandler) {
     queue_.begin();
     const int total = pendingOrZero();
-    {
-        const std::lock_guard lock(mutex_);
-        summary_ = Summary();
-        summary_.total = total;
-        currentProgressHandler_ = std::move(progressHandler);
-    }
+    *course_.lock() = {.progress = std::move(progressHandler), .summary = {.total = total}};
     if (!s_.flags.isCancelled())
         drain();
     DeletionSummary deletion;
     if (!s_.flags.isCancelled() && !s_.attempts.ending())
         deletion = s_.deletion.performDeletion(deletionEnabled, s_.flags.stopToken());
 
-    const std::lock_guard lock(mutex_);
-    summary_.deletion = std::move(deletion);
-    currentProgressHandler_ = nullptr;
-    summary_.cancelled = s_.flags.isCancelled();
-    summary_.unavailable = queue_.unavailable();
-    return summary_;
+    const auto course = course_.lock();
+    course->progress = nullptr;
+    course->summary.deletion = std::move(deletion);
+    course->summary.cancelled = s_.flags.isCancelled();
+    course->summary.unavailable = queue_.unavailable();
+    return course->summary;
 }
 
 void SyncCoordinator::drain() {
@@ -61,8 +56,7 @@ void SyncCoordinator::drain() {
 bool SyncCoordinator::isOver() {
     if (s_.flags.isCancelled() || s_.attempts.ending())
         return true;
-    const std::lock_guard lock(mutex_);
-    return summary_.failure.has_value();
+    return course_.lock()->summary.failure.has_value();
 }
 
 int SyncCoordinator::pendingOrZero() {
@@ -107,10 +101,7 @@ void SyncCoordinator::runPasses() {
         endIfStoreRefused();
         if (onPassEnded)
             onPassEnded();
-        {
-            const std::lock_guard lock(mutex_);
-            summary_.passes = pass;
-        }
+        course_.lock()->summary.passes = pass;
         if (isOver())
             break;
         if (!triedAny) {
@@ -167,25 +158,30 @@ bool SyncCoordinator::runSyncLoop() {
 }
 
 void SyncCoordinator::processAll(std::vector<SyncRecord> records) {
-    Pass pass{{std::make_move_iterator(records.begin()), std::make_move_iterator(records.end())}};
+    {
+        const auto course = course_.lock();
+        course->queue = {std::make_move_iterator(records.begin()),
+                         std::make_move_iterator(records.end())};
+        course->isStopLogged = false;
+    }
     std::vector<std::jthread> workers;
     for (int i = 0; i < maxConcurrent; ++i)
-        workers.emplace_back([this, &pass] { work(pass); });
+        workers.emplace_back([this] { work(); });
 }
 
 /// One worker is one record in flight; records start in the fetched order.
-void SyncCoordinator::work(Pass& pass) {
+void SyncCoordinator::work() {
     while (true) {
         try {
             auto permit = s_.attempts.enter(s_.flags.stopToken());
             if (!permit)
                 return;
-            const auto record = nextIn(pass);
+            const auto record = nextInPass();
             if (!record)
                 return;
-            processRecord(pass, *record, std::move(*permit));
+            processRecord(*record, std::move(*permit));
         } catch (const Cancelled&) {
-            if (!isStopLogged(pass))
+            if (!isStopLogged())
                 s_.log.log(QStringLiteral("[Sync] İptal bayrağı algılandı, batch sonlandırılıyor"));
             return;
         }
@@ -193,40 +189,39 @@ void SyncCoordinator::work(Pass& pass) {
 }
 
 /// None when the pass has nothing more to start.
-std::optional<SyncRecord> SyncCoordinator::nextIn(Pass& pass) {
-    const std::lock_guard lock(mutex_);
-    if (pass.queue.empty() || summary_.failure)
+std::optional<SyncRecord> SyncCoordinator::nextInPass() {
+    const auto course = course_.lock();
+    if (course->queue.empty() || course->summary.failure)
         return std::nullopt;
-    SyncRecord record = std::move(pass.queue.front());
-    pass.queue.pop_front();
+    SyncRecord record = std::move(course->queue.front());
+    course->queue.pop_front();
     return record;
 }
 
 /// Also when there is nothing that the stop kept from being started.
-bool SyncCoordinator::isStopLogged(Pass& pass) {
-    const std::lock_guard lock(mutex_);
-    return pass.queue.empty() || std::exchange(pass.stopLogged, true);
+bool SyncCoordinator::isStopLogged() {
+    const auto course = course_.lock();
+    return course->queue.empty() || std::exchange(course->isStopLogged, true);
 }
 
 /// Every error of a record ends here: in its status, or, when it is this computer's fault, in the
 /// end of the run.
-void SyncCoordinator::processRecord(Pass& pass, const SyncRecord& record,
-                                    Attempts::Permit given) noexcept {
+void SyncCoordinator::processRecord(const SyncRecord& record, Attempts::Permit given) noexcept {
     std::optional<Attempts::Permit> permit(std::move(given));
     try {
         try {
             bring(record, permit);
+        } catch (const Cancelled&) {
+            leaveStopped(record);
         } catch (const DBError&) {
             throw;
         } catch (const Error& error) {
-            if (error.fault() && error.fault()->code == FaultCode::diskFull) {
-                const std::lock_guard lock(mutex_);
-                diskFull_ = error;
-            } else {
-                handleFailure(pass, record, error, permit);
-            }
+            if (error.fault() && error.fault()->code == FaultCode::diskFull)
+                course_.lock()->diskFull = error;
+            else
+                handleFailure(record, error, permit);
         } catch (const std::exception& error) {
-            handleFailure(pass, record, error, permit);
+            handleFailure(record, error, permit);
         }
     } catch (const std::exception& error) {
         s_.console.notice(QStringLiteral("[Sync] DB yazma hatasi: ") + describe(error));
@@ -248,18 +243,18 @@ void SyncCoordinator::bring(const SyncRecord& record, std::optional<Attempts::Pe
     }
 }
 
-void SyncCoordinator::handleFailure(Pass& pass, const SyncRecord& record,
-                                    const std::exception& error,
+void SyncCoordinator::leaveStopped(const SyncRecord& record) {
+    s_.console.print(QStringLiteral("[Sync] İptal bayrağı/cancellation algılandı, dosya FAILED "
+                                    "yapılmıyor: ") +
+                     record.assetLocalIdentifier);
+    s_.life.requeued(record);
+}
+
+void SyncCoordinator::handleFailure(const SyncRecord& record, const std::exception& error,
                                     std::optional<Attempts::Permit>& permit) {
     const QString description = describe(error);
-    if (s_.flags.isCancelled() || dynamic_cast<const Cancelled*>(&error) != nullptr ||
-        description.toLower().contains(u"cancel")) {
-        s_.console.print(QStringLiteral("[Sync] İptal bayrağı/cancellation algılandı, dosya FAILED "
-                                        "yapılmıyor: ") +
-                         record.assetLocalIdentifier);
-        s_.life.requeued(record);
-        return;
-    }
+    if (s_.flags.isCancelled() || description.toLower().contains(u"cancel"))
+        return leaveStopped(record);
     const World::Verdict verdict = judge(record, error, permit);
     if (verdict.isItsOwn) {
         s_.console.notice(
@@ -274,8 +269,7 @@ void SyncCoordinator::handleFailure(Pass& pass, const SyncRecord& record,
     s_.log.logAbout(record.assetLocalIdentifier,
                     QStringLiteral("[Sync] ⏸ Dosya sırada kaldı: ") + description);
     stageAhead_->expectAgain(record);
-    const std::lock_guard lock(mutex_);
-    pass.queue.push_back(record); // the next attempt is another one's
+    course_.lock()->queue.push_back(record); // the next attempt is another one's
 }
 
 /// Whose fault it was, with what follows for this record.
@@ -303,18 +297,15 @@ void SyncCoordinator::relieve(const SyncRecord& record) noexcept {
 }
 
 std::optional<Error> SyncCoordinator::takeDiskFull() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(diskFull_, std::nullopt);
+    return std::exchange(course_.lock()->diskFull, std::nullopt);
 }
 
 int SyncCoordinator::completed() {
-    const std::lock_guard lock(mutex_);
-    return summary_.completed;
+    return course_.lock()->summary.completed;
 }
 
 void SyncCoordinator::endBecauseOf(const Error& failure) {
-    const std::lock_guard lock(mutex_);
-    summary_.failure = failure;
+    course_.lock()->summary.failure = failure;
 }
 
 /// Else the same bytes again in every pass.
@@ -325,18 +316,18 @@ void SyncCoordinator::endIfStoreRefused() {
 
 void SyncCoordinator::finishRecognised(int count) {
     {
-        const std::lock_guard lock(mutex_);
-        summary_.completed += count;
-        summary_.recognised += count;
+        const auto course = course_.lock();
+        course->summary.completed += count;
+        course->summary.recognised += count;
     }
     reportProgress();
 }
 
 void SyncCoordinator::finishRecord(std::int64_t bytes) {
     {
-        const std::lock_guard lock(mutex_);
-        ++summary_.completed;
-        summary_.uploadedBytes += bytes;
+        const auto course = course_.lock();
+        ++course->summary.completed;
+        course->summary.uploadedBytes += bytes;
     }
     reportProgress();
 }
@@ -344,20 +335,22 @@ void SyncCoordinator::finishRecord(std::int64_t bytes) {
 /// Counts what left the queue in another way (failed, held back), never running backwards.
 void SyncCoordinator::catchUpProgress(int pending) {
     {
-        const std::lock_guard lock(mutex_);
-        summary_.completed = std::max(summary_.completed, summary_.total - pending);
+        const auto course = course_.lock();
+        Summary& summary = course->summary;
+        summary.completed = std::max(summary.completed, summary.total - pending);
     }
     reportProgress();
 }
 
 void SyncCoordinator::reportProgress() {
-    const std::lock_guard lock(mutex_);
-    if (!currentProgressHandler_)
+    const auto course = course_.lock();
+    if (!course->progress)
         return;
     // Queued under the lock, so that the main thread sees the counts in their order.
-    onMainThread([handler = currentProgressHandler_,
-                  completed = std::min(summary_.total, summary_.completed),
-                  total = summary_.total] { handler(completed, total); });
+    const Summary& summary = course->summary;
+    onMainThread([handler = course->progress,
+                  completed = std::min(summary.total, summary.completed),
+                  total = summary.total] { handler(completed, total); });
 }
 
 } // namespace quorvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "library/SafeDeletionService.h"
 #include "store/RecordLife.h"
 #include "store/UploadSessions.h"
@@ -11,7 +12,6 @@
 
 #include <deque>
 #include <functional>
-#include <mutex>
 
 namespace quorvane {
 
@@ -54,8 +54,9 @@ class SyncCoordinator {
         int recognised = 0;  ///< became VERIFIED unsent: the same bytes were there already
         std::int64_t uploadedBytes = 0;
         bool cancelled = false;
-        std::optional<Error> failure; ///< why this computer could not go on; nothing FAILED by it
-        DeletionSummary deletion;
+        std::optional<Error> failure =
+            {}; ///< why this computer could not go on; nothing FAILED by it
+        DeletionSummary deletion = {};
     };
 
     explicit SyncCoordinator(Services services, StageAhead::Limits stagingLimits = {});
@@ -72,10 +73,13 @@ class SyncCoordinator {
     static constexpr int maximumSyncPasses = 1000;
 
   private:
-    /// The records of one pass that are still to be started.
-    struct Pass {
-        std::deque<SyncRecord> queue;
-        bool stopLogged = false;
+    /// What the workers of a run write down together.
+    struct Course {
+        ProgressHandler progress = {};
+        Summary summary = {};
+        std::optional<Error> diskFull = {}; ///< a record of this pass found no room to be staged
+        std::deque<SyncRecord> queue = {};  ///< of the pass: still to be started
+        bool isStopLogged = false;          ///< in the pass
     };
 
     bool isOver();
@@ -86,13 +90,14 @@ class SyncCoordinator {
     void runPasses();
     bool runSyncLoop();
     void processAll(std::vector<SyncRecord> records);
-    void work(Pass& pass);
-    std::optional<SyncRecord> nextIn(Pass& pass);
-    bool isStopLogged(Pass& pass);
+    void work();
+    std::optional<SyncRecord> nextInPass();
+    bool isStopLogged();
 
-    void processRecord(Pass& pass, const SyncRecord& record, Attempts::Permit permit) noexcept;
+    void processRecord(const SyncRecord& record, Attempts::Permit permit) noexcept;
     void bring(const SyncRecord& record, std::optional<Attempts::Permit>& permit);
-    void handleFailure(Pass& pass, const SyncRecord& record, const std::exception& error,
+    void leaveStopped(const SyncRecord& record);
+    void handleFailure(const SyncRecord& record, const std::exception& error,
                        std::optional<Attempts::Permit>& permit);
     World::Verdict judge(const SyncRecord& record, const std::exception& error,
                          std::optional<Attempts::Permit>& permit);
@@ -111,13 +116,10 @@ class SyncCoordinator {
     StageAhead::Limits stagingLimits_;
     PendingQueue queue_;
 
-    std::mutex mutex_; ///< guards everything below; never held over network or disk
-    ProgressHandler currentProgressHandler_;
-    Summary summary_;
-    std::optional<Error> diskFull_; ///< a record of this pass found no room to be staged
+    Guarded<Course> course_; ///< never locked over network or disk
 
     std::optional<StageAhead> stageAhead_;   ///< this and the next: while the passes of a run
-    std::optional<RecordTransfer> transfer_; ///< last; not guarded
+    std::optional<RecordTransfer> transfer_; ///< last
 };
 
 } // namespace quorvane

@@ -63,7 +63,7 @@ TEST_F(Uploading, WhatIsNoTokenIsAnUploadError) {
         try {
             upload();
             ADD_FAILURE() << status << body.constData();
-        } catch (const UploadError& error) {
+        } catch (const GoogleError& error) {
             EXPECT_EQ(error.localizedDescription(), text);
         }
     }

@@ -174,8 +174,6 @@ std::optional<Date> readMovie(const std::filesystem::path& path, const MovieLimi
         MovieBoxes boxes(file, limits);
         const auto moov = boxes.find(boxes.file(), boxType("moov"));
         return moov ? read(boxes, *moov) : std::nullopt;
-    } catch (const Cancelled&) {
-        throw;
     } catch (const std::exception& error) {
         if (isSystems(error))
             throw;

@@ -8,8 +8,6 @@ MetadataResult enrichVideoMetadata(const std::filesystem::path& file, Date targe
         const MovieLimits limits{.stop = std::move(stop)};
         return MetadataResult::success(targetDate,
                                        patchMP4CreationDate(file, targetDate, limits, effect));
-    } catch (const Cancelled&) {
-        throw;
     } catch (const std::exception& error) {
         if (isSystems(error))
             throw;

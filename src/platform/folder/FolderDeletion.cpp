@@ -125,8 +125,6 @@ void FolderDeletion::remove(const File& file) {
                        : QStringLiteral("silinmek üzereyken değişti; Çöp Kutusu'nda duruyor: %1")
                              .arg(pathText(file.trash->place() / "files" / name)));
         }
-    } catch (const Cancelled&) {
-        throw;
     } catch (const std::exception& error) {
         return leaveOut(file.candidate, file.path, reasonOf(error));
     }
