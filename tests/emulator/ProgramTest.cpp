@@ -1,12 +1,20 @@
-#include "EmulatorWorld.h"
-
 #include "support/TemporaryFolder.h"
 
+#include <QJsonObject>
 #include <QProcess>
+
+#include <gtest/gtest.h>
+#include <httplib.h>
 
 namespace quorvane::test {
 
 namespace {
+
+using namespace Qt::StringLiterals;
+
+QJsonObject objectIn(const QByteArray& json) {
+    return QJsonDocument::fromJson(json).object();
+}
 
 const QString program = pathText(programFolder() / "quorvane-emulator");
 
@@ -23,12 +31,13 @@ TEST(ProgramTest, servesUntilItIsToldToEndAndReports) {
     EXPECT_EQ(readFile(folder / "port").trimmed().toInt(), port);
 
     httplib::Client client("127.0.0.1", port);
-    EXPECT_EQ(statusOf(client.Get("/v1/albums")), 503);
-    const QJsonObject running = json(client.Get("/_quorvane/report"));
+    EXPECT_EQ(client.Get("/v1/albums")->status, 503);
+    const QJsonObject running =
+        objectIn(QByteArray::fromStdString(client.Get("/_quorvane/report")->body));
     process.terminate();
     ASSERT_TRUE(process.waitForFinished(10'000));
     EXPECT_EQ(process.exitCode(), 0);
-    const QJsonObject report = QJsonDocument::fromJson(readFile(folder / "report.json")).object();
+    const QJsonObject report = objectIn(readFile(folder / "report.json"));
     EXPECT_EQ(report[u"requests"_s][u"albumsList"_s].toInt(), 1);
     EXPECT_EQ(report[u"albums"_s][0][u"title"_s].toString(), u"A:B"_s);
     EXPECT_EQ(report[u"albums"_s][0][u"itemCount"_s].toInt(), 12);

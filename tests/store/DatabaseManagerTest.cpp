@@ -48,18 +48,6 @@ class DatabaseManagerTest : public testing::Test {
     DatabaseManager db{file, console};
 };
 
-TEST_F(DatabaseManagerTest, rediscoveryNeverResetsProgress) {
-    db.insertIfNotExists(recordOf(QStringLiteral("a")));
-    setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("r"));
-    db.insertIfNotExists(recordOf(QStringLiteral("a")));
-    db.insertDiscoveredBatch(
-        test::batchOf({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b"))}));
-    db.insertStagedBatch(test::batchOf({recordOf(QStringLiteral("a"))}));
-    EXPECT_EQ(value("SELECT count(*) FROM sync_records"), QStringLiteral("2"));
-    EXPECT_EQ(db.countPendingRecords(), 1);
-    EXPECT_EQ(value("PRAGMA journal_mode"), QStringLiteral("wal"));
-}
-
 TEST_F(DatabaseManagerTest, aBatchIsAllOrNothing) {
     execute("CREATE TRIGGER refuse BEFORE INSERT ON sync_records WHEN NEW.asset_local_identifier "
             "= 'fifth' BEGIN SELECT RAISE(FAIL, 'refused'); END");
@@ -104,19 +92,6 @@ TEST_F(DatabaseManagerTest, readsLeniently) {
     EXPECT_EQ(records[0].fileSizeBytes, 5'000'000'000);
     EXPECT_EQ(records[0].sha256Hash, std::nullopt);
     EXPECT_GT(records[0].createdAt, Date(std::chrono::seconds(1'700'000'000)));
-}
-
-TEST_F(DatabaseManagerTest, onlyVerifiedRecordsWithARemoteIdAreOfferedForDeletion) {
-    db.insertDiscoveredBatch(
-        test::batchOf({recordOf(QStringLiteral("a")), recordOf(QStringLiteral("b")),
-                       recordOf(QStringLiteral("c")), recordOf(QStringLiteral("d"))}));
-    setStatus(QStringLiteral("a"), SyncStatus::verified, {}, QStringLiteral("r"));
-    setStatus(QStringLiteral("b"), SyncStatus::verified, {}, QString(QLatin1String("")));
-    setStatus(QStringLiteral("c"), SyncStatus::verified);
-    setStatus(QStringLiteral("d"), SyncStatus::staged, {}, QStringLiteral("r"));
-    const auto offered = db.fetchVerifiedForDeletion();
-    ASSERT_EQ(offered.size(), 1U);
-    EXPECT_EQ(offered[0].assetLocalIdentifier, QStringLiteral("a"));
 }
 
 TEST_F(DatabaseManagerTest, countsWhatDidNotGoWellAndResetsItsTriesOnlyWhenAsked) {

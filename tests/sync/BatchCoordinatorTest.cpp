@@ -101,17 +101,6 @@ struct Batches : testing::Test {
 
 } // namespace
 
-TEST_F(Batches, The25thEntrySendsThemAll) {
-    coordinator->flush(); // nothing yet
-    enqueue(0, 24);
-    EXPECT_TRUE(destination.batches.empty());
-    enqueue(24, 25);
-    ASSERT_TRUE(test::waitOnMainThread([&] { return verified() == 25; }));
-    EXPECT_EQ(destination.batches.size(), 1U);
-    EXPECT_EQ(state(7), u"VERIFIED m-t7"_s);
-    EXPECT_EQ(database.fetchVerifiedForDeletion().at(0).uploadToken, u"t0"_s);
-}
-
 TEST_F(Batches, TheOldestEntryWaitsThirtySeconds) {
     enqueue(0, 1);
     waitForTimer(1);

@@ -234,19 +234,6 @@ TEST_F(SyncRun, AServiceThatIsDownCostsNoPictureAndEndsTheRunWhenPatienceDoes) {
     expectAllStoredOnce(world, program, 70);
 }
 
-TEST_F(SyncRun, ABatchIsRepeatedWithItsTokens) {
-    world.addPictures(60);
-    Disturbance busy = faultOf(RequestKind::batchCreate, 2, 5);
-    busy.status = 503;
-    world.google.addDisturbance(busy);
-    TestProgram program(world);
-    program.discover();
-    program.clock.skipSleeps(true);
-    program.run();
-    expectAllStoredOnce(world, program, 60);
-    EXPECT_EQ(world.google.requestCount(RequestKind::upload), 60);
-}
-
 TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {
     world.addPictures(4);
     TestProgram program(world);
