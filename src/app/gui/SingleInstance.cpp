@@ -18,13 +18,21 @@ QString prepared(const std::filesystem::path& folder) {
     return pathText(folder / "window");
 }
 
-/// A message is the URLs, one per line.
-std::vector<QUrl> urlsIn(const QByteArray& message) {
-    std::vector<QUrl> urls;
-    for (const QByteArray& line : message.split('\n'))
+/// A message is the activation token, percent-encoded, and the URLs, one per line.
+QByteArray messageOf(const Start& start) {
+    QByteArray message = QUrl::toPercentEncoding(start.activationToken) + '\n';
+    for (const QUrl& url : start.urls)
+        message += url.toEncoded() + '\n';
+    return message;
+}
+
+Start startIn(const QByteArray& message) {
+    QList<QByteArray> lines = message.split('\n');
+    Start start{{}, QUrl::fromPercentEncoding(lines.takeFirst())};
+    for (const QByteArray& line : lines)
         if (!line.isEmpty())
-            urls.push_back(QUrl::fromEncoded(line));
-    return urls;
+            start.urls.push_back(QUrl::fromEncoded(line));
+    return start;
 }
 
 } // namespace
@@ -36,10 +44,10 @@ SingleInstance::SingleInstance(const std::filesystem::path& folder)
     server_.setSocketOptions(QLocalServer::UserAccessOption);
 }
 
-bool SingleInstance::claim(const std::vector<QUrl>& urls) {
+bool SingleInstance::claim(const Start& start) {
     if (!lock_.tryLock()) {
         if (lock_.error() == QLockFile::LockFailedError)
-            return !tell(urls);
+            return !tell(start);
         return true; // no place for a lock: better twice than not at all
     }
     listen();
@@ -54,19 +62,18 @@ void SingleInstance::listen() {
         QObject::connect(visitor, &QLocalSocket::disconnected, &server_, [this, visitor] {
             visitor->deleteLater();
             if (onLaterStart)
-                onLaterStart(urlsIn(visitor->readAll()));
+                onLaterStart(startIn(visitor->readAll()));
         });
     });
     server_.listen(address_);
 }
 
-bool SingleInstance::tell(const std::vector<QUrl>& urls) const {
+bool SingleInstance::tell(const Start& start) const {
     QLocalSocket socket;
     socket.connectToServer(address_);
     if (!socket.waitForConnected(patience))
         return false;
-    for (const QUrl& url : urls)
-        socket.write(url.toEncoded() + '\n');
+    socket.write(messageOf(start));
     socket.flush();
     socket.disconnectFromServer();
     return socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(patience);

@@ -10,22 +10,28 @@
 
 namespace quorvane {
 
-/// One window per user: a later start hands its URLs to the first and ends. The two speak over a
-/// local socket that only the same user may open. Main thread.
+/// What a start brings along.
+struct Start {
+    std::vector<QUrl> urls;
+    QString activationToken; ///< the desktop's leave to come to the front; empty for none
+};
+
+/// One window per user: a later start hands over what it brought to the first and ends. The two
+/// speak over a local socket that only the same user may open. Main thread.
 class SingleInstance {
   public:
     /// `folder` is the user's own; it is made when missing.
     explicit SingleInstance(const std::filesystem::path& folder);
 
     /// True for the first start. Else the first was told, and the caller ends.
-    bool claim(const std::vector<QUrl>& urls);
+    bool claim(const Start& start);
 
-    /// A later start came, with or without URLs.
-    std::function<void(const std::vector<QUrl>&)> onLaterStart;
+    /// A later start came.
+    std::function<void(const Start&)> onLaterStart;
 
   private:
     void listen();
-    bool tell(const std::vector<QUrl>& urls) const;
+    bool tell(const Start& start) const;
 
     const QString address_;
     QLockFile lock_;

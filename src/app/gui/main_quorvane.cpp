@@ -51,6 +51,7 @@ int main(int argc, char** argv) {
                                        "Ekransız kullanım için: quorvane-cli --help"));
         return 1;
     }
+    const QString activationToken = GuiPlatform::givenActivationToken();
     const QApplication application(argc, argv);
     const std::stop_callback quitting(signals.token(), [] {
         QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
@@ -68,15 +69,16 @@ int main(int argc, char** argv) {
     try {
         const UserFolders folders = UserFolders::ofCurrentUser();
         SingleInstance instance(GuiPlatform::runtimeFolder(folders));
-        if (!instance.claim(urls))
+        if (!instance.claim({urls, activationToken}))
             return 0;
         QuorvaneApp app(folders);
         UrlEvents urlEvents([&app](const QUrl& url) { app.appDelegate.applicationOpen({url}); });
         qApp->installEventFilter(&urlEvents);
-        instance.onLaterStart = [&app](const std::vector<QUrl>& later) {
-            if (later.empty())
+        instance.onLaterStart = [&app](const Start& later) {
+            GuiPlatform::useActivationToken(later.activationToken);
+            if (later.urls.empty())
                 app.bringToFront();
-            app.appDelegate.applicationOpen(later);
+            app.appDelegate.applicationOpen(later.urls);
         };
         app.appDelegate.applicationDidFinishLaunching();
         app.appDelegate.applicationOpen(urls);

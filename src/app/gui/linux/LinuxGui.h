@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/desktop/ActivationToken.h"
 #include "platform/linux/desktop/DesktopLook.h"
 #include "platform/linux/desktop/LinuxDesktop.h"
 #include "platform/linux/desktop/LinuxStatusHost.h"
@@ -23,6 +24,8 @@ class LinuxGui {
     static std::filesystem::path runtimeFolder(const UserFolders& folders) {
         return DesktopEnvironment::ofProcess(folders).runtimeFolder;
     }
+    static QString givenActivationToken() { return quorvane::givenActivationToken(); }
+    static void useActivationToken(const QString& token) { quorvane::useActivationToken(token); }
     static void becomeAccessory() {}
     static bool openPrivacySettings() { return false; } ///< none: choosing a library is what counts
 

@@ -21,6 +21,8 @@ class MacGui {
     static std::filesystem::path runtimeFolder(const UserFolders& folders) {
         return folders.applicationSupport();
     }
+    static QString givenActivationToken() { return {}; } ///< a Mac needs none
+    static void useActivationToken(const QString&) {}
     static void becomeAccessory() { MacDesktop::becomeAccessory(); }
     bool openPrivacySettings() {
         desktop.openPrivacySettings();
