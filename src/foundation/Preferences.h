@@ -70,6 +70,10 @@ inline const QString appTheme = QStringLiteral("Quorvane.appTheme");
 inline const QString notificationsMuted = QStringLiteral("Quorvane.notificationsMuted");
 /// Milliseconds since 1970.
 inline const QString lastSyncTime = QStringLiteral("com.quorvane.last_sync_time");
+inline const QString autoSync = QStringLiteral("com.quorvane.auto_sync");
+inline const QString waitsOnMetered = QStringLiteral("com.quorvane.waits_on_metered");
+/// Milliseconds since 1970; absent while nothing is paused.
+inline const QString pausedUntil = QStringLiteral("com.quorvane.paused_until");
 inline const QString libraryPath = QStringLiteral("com.quorvane.library_path");
 /// What tells that library from every other, for when it is away.
 inline const QString libraryIdentity = QStringLiteral("com.quorvane.library_identity");

@@ -8,9 +8,6 @@ namespace quorvane {
 
 namespace {
 
-const QString autoSyncKey = QStringLiteral("com.quorvane.auto_sync");
-const QString waitsOnMeteredKey = QStringLiteral("com.quorvane.waits_on_metered");
-const QString pausedUntilKey = QStringLiteral("com.quorvane.paused_until"); // as milliseconds
 constexpr std::chrono::minutes pauseLook{1}; // a computer that slept did not count the time
 constexpr std::int64_t megabyte = 1'000'000;
 
@@ -29,11 +26,11 @@ AutoSync::AutoSync(MenuBarViewModel& model, const Services& services)
 }
 
 bool AutoSync::isOn() const {
-    return s_.preferences.boolean(autoSyncKey);
+    return s_.preferences.boolean(preferenceKeys::autoSync);
 }
 
 void AutoSync::setOn(bool on) {
-    model_.store([&] { s_.preferences.setBoolean(autoSyncKey, on); });
+    model_.settings().store([&] { s_.preferences.setBoolean(preferenceKeys::autoSync, on); });
     knownPending_ = 0;
     if (on)
         countsChanged();
@@ -43,11 +40,12 @@ void AutoSync::setOn(bool on) {
 }
 
 bool AutoSync::waitsOnMetered() const {
-    return s_.preferences.boolean(waitsOnMeteredKey);
+    return s_.preferences.boolean(preferenceKeys::waitsOnMetered);
 }
 
 void AutoSync::setWaitsOnMetered(bool waits) {
-    model_.store([&] { s_.preferences.setBoolean(waitsOnMeteredKey, waits); });
+    model_.settings().store(
+        [&] { s_.preferences.setBoolean(preferenceKeys::waitsOnMetered, waits); });
     networkChanged();
     Q_EMIT changed();
 }
@@ -62,7 +60,7 @@ QString AutoSync::limitText(std::int64_t bytesPerSecond) {
 }
 
 void AutoSync::setUploadLimit(std::int64_t bytesPerSecond) {
-    model_.store([&] {
+    model_.settings().store([&] {
         s_.preferences.setString(preferenceKeys::uploadLimit, QString::number(bytesPerSecond));
     });
     Q_EMIT changed();
@@ -117,11 +115,11 @@ void AutoSync::networkChanged() {
 // The pause.
 
 bool AutoSync::isPaused() const {
-    return s_.preferences.string(pausedUntilKey).has_value();
+    return s_.preferences.string(preferenceKeys::pausedUntil).has_value();
 }
 
 QString AutoSync::pauseText() const {
-    const auto until = s_.preferences.string(pausedUntilKey);
+    const auto until = s_.preferences.string(preferenceKeys::pausedUntil);
     return until ? spokenTime(Date(std::chrono::milliseconds(until->toLongLong())), TimeCase::until,
                               s_.clock.now()) +
                        QStringLiteral(" kadar duraklatıldı")
@@ -139,8 +137,9 @@ void AutoSync::pauseUntilTomorrow() {
 }
 
 void AutoSync::pauseUntil(Date time) {
-    model_.store([&] {
-        s_.preferences.setString(pausedUntilKey, QString::number(time.time_since_epoch().count()));
+    model_.settings().store([&] {
+        s_.preferences.setString(preferenceKeys::pausedUntil,
+                                 QString::number(time.time_since_epoch().count()));
     });
     if (model_.isSyncing()) {
         model_.stopSync();
@@ -151,7 +150,7 @@ void AutoSync::pauseUntil(Date time) {
 }
 
 void AutoSync::resume() {
-    model_.store([&] { s_.preferences.remove(pausedUntilKey); });
+    model_.settings().store([&] { s_.preferences.remove(preferenceKeys::pausedUntil); });
     pause_.stop();
     if (isDue_)
         start();
@@ -159,7 +158,7 @@ void AutoSync::resume() {
 }
 
 void AutoSync::watchPause() {
-    const auto until = s_.preferences.string(pausedUntilKey);
+    const auto until = s_.preferences.string(preferenceKeys::pausedUntil);
     if (!until)
         return;
     if (Date(std::chrono::milliseconds(until->toLongLong())) <= s_.clock.now())

@@ -18,7 +18,12 @@ QString partOf(const QString& nextPartTitle) {
 } // namespace
 
 Dashboard::Dashboard(MenuBarViewModel& model, AutoSync& automatic)
-    : model_(model), automatic_(automatic), librarySettings_(model), review_(model), lives_(model) {
+    : model_(model),
+      automatic_(automatic),
+      librarySettings_(model),
+      review_(model),
+      lives_(model),
+      runReport_(model) {
     connect(&automatic_, &AutoSync::changed, this, &Dashboard::settingsChanged);
     using Model = MenuBarViewModel;
     using Self = Dashboard;
@@ -50,6 +55,8 @@ Dashboard::Dashboard(MenuBarViewModel& model, AutoSync& automatic)
             Q_EMIT sheetsChanged();
     });
     connect(&librarySettings_, &LibrarySettings::changed, this, &Self::menusChanged);
+    connect(&automatic_, &AutoSync::changed, this, &Self::menusChanged);
+    connect(this, &Self::menusChanged, this, &Self::updateMenus);
     connect(&model_, &Model::transfersChanged, this, &Self::updateTransfers);
 }
 
@@ -86,8 +93,9 @@ void Dashboard::updateTransfers() {
 }
 
 AccountView Dashboard::account() const {
-    return {model_.isSignedIn(), model_.isSessionLapsed(), model_.isSigningIn(),
-            model_.signInAddress(), model_.userEmail()};
+    const AccountModel& account = model_.account();
+    return {model_.isSignedIn(), account.account().isLapsed, account.isSigningIn(),
+            account.signInAddress(), model_.userEmail()};
 }
 
 RouteView Dashboard::route() const {
@@ -95,7 +103,7 @@ RouteView Dashboard::route() const {
     const bool isWholeLibrary = model_.selectedSourceAlbumID().isEmpty();
     view.source = (isWholeLibrary ? QStringLiteral("Fotoğraf & Video Arşivi")
                                   : model_.selectedSourceAlbumTitle()) +
-                  QStringLiteral(" (%1)").arg(groupedCount(model_.selectedSourceCount()));
+                  QStringLiteral(" (%1)").arg(groupedCount(model_.route().sourceCount()));
     if (!model_.hasLibrary())
         view.source = QStringLiteral("Fotoğraf Kitaplığını Seç...");
     const bool isStream = model_.selectedTargetAlbumID().isEmpty();
@@ -107,14 +115,14 @@ RouteView Dashboard::route() const {
     view.isLoadingAlbums = model_.isLoadingGoogleAlbums();
     if (!model_.isSignedIn())
         return view;
-    view.targetCount = model_.selectedTargetAlbumCountString();
-    view.isTargetFull = model_.isSelectedTargetAlbumFull();
+    view.targetCount = model_.route().targetCountText();
+    view.isTargetFull = model_.route().isTargetFull();
     if (view.isTargetFull) {
         view.limitTitle = QStringLiteral("Google Photos Albüm Sınırı Doldu (20.000 / 20.000)");
         view.limitText = QStringLiteral(
             "Google Photos bir albümde en fazla 20.000 medyaya izin verir. Bu albüme yeni fotoğraf "
             "aktarılamaz. Lütfen başka bir albüm seçin veya yeni bir albüm oluşturun.");
-    } else if (model_.isSelectedTargetAlbumNearLimit()) {
+    } else if (model_.route().isTargetNearLimit()) {
         view.limitTitle = QStringLiteral("Albüm Sınırına Yaklaşıldı (%1)").arg(view.targetCount);
         view.limitText =
             QStringLiteral("Google Photos albüm sınırı 20.000 medyadır. Kalan kapasite dolmadan "
@@ -128,10 +136,10 @@ HeroView Dashboard::hero() const {
                    .completed = model_.syncCompletedCount(),
                    .total = model_.syncTotalCount(),
                    .speed = model_.currentUploadSpeedString(),
-                   .timeLeft = model_.timeLeft(),
+                   .timeLeft = model_.run().timeLeft(),
                    .lastSync = model_.lastSyncTime(),
-                   .waitingSince = model_.waitingSince(),
-                   .now = model_.now(),
+                   .waitingSince = model_.run().waitingSince(),
+                   .now = model_.services().clock.now(),
                    .isRetryOffered = model_.isRetryOffered()});
 }
 
@@ -156,8 +164,8 @@ LibraryView Dashboard::library() const {
     LibraryView library =
         view(away->root, away->isBundle, std::max(model_.totalPhotoCount(), known));
     library.isAway = true;
-    library.since =
-        spokenTime(away->since, TimeCase::from, model_.now()) + QStringLiteral(" beri.");
+    library.since = spokenTime(away->since, TimeCase::from, model_.services().clock.now()) +
+                    QStringLiteral(" beri.");
     if (model_.pendingCount() > 0)
         library.since +=
             QStringLiteral(" %1 öğe sırada bekliyor.").arg(groupedCount(model_.pendingCount()));
@@ -192,7 +200,7 @@ AlertView Dashboard::alert() const {
                 QStringLiteral("Google Photos Albüm Sınırı (20.000) Doldu!"),
                 model_.albumLimitAlertMessage(),
                 QStringLiteral("danger"),
-                {partOf(model_.nextPartTitle(model_.selectedTargetAlbumTitle())) +
+                {partOf(GoogleAlbumManager::nextPartTitle(model_.selectedTargetAlbumTitle())) +
                      QStringLiteral(" Oluştur ve Devam Et"),
                  laterTitle}};
     return ownQuestion();
@@ -265,6 +273,13 @@ void Dashboard::signOut() {
         ask(Question::signOut);
     else
         model_.signOut();
+}
+
+void Dashboard::open(Notice::About about) {
+    if (about == Notice::About::review && model_.failedCount() + model_.dateUnresolvedCount() > 0)
+        showReview();
+    else if (about == Notice::About::trash)
+        showTrashQuestion();
 }
 
 void Dashboard::showTrashQuestion() {

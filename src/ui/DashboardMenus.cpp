@@ -9,24 +9,6 @@ namespace quorvane {
 
 namespace {
 
-/// A row of a menu, begun as a plain entry.
-QVariantMap entry(const QString& title, const QString& symbol, const QString& command,
-                  const QString& value = {}, bool isChecked = false, bool isEnabled = true) {
-    return {{QStringLiteral("kind"), QStringLiteral("entry")},
-            {QStringLiteral("title"), title},
-            {QStringLiteral("symbol"), symbol},
-            {QStringLiteral("command"), command},
-            {QStringLiteral("value"), value},
-            {QStringLiteral("isChecked"), isChecked},
-            {QStringLiteral("isEnabled"), isEnabled}};
-}
-
-QVariantMap special(const QString& kind, const QString& title = {}) {
-    QVariantMap row = entry(title, {}, {}, {}, false, false);
-    row[QStringLiteral("kind")] = kind;
-    return row;
-}
-
 QString titleOf(const LocalAlbumItem& album) {
     return album.title;
 }
@@ -47,106 +29,121 @@ std::vector<Album> sortedByTitle(std::vector<Album> albums) {
     return albums;
 }
 
-const QString line = QStringLiteral("line");
-const QString header = QStringLiteral("header");
-const QString chooseLibraryTitle = QStringLiteral("Fotoğraf Kitaplığını Seç...");
+MenuRow line() {
+    return {.kind = MenuRow::Kind::line};
+}
+
+MenuRow header(const QString& title) {
+    return {.kind = MenuRow::Kind::header, .title = title};
+}
 
 } // namespace
 
-QVariantList Dashboard::sourceMenu() const {
-    if (!model_.hasLibrary())
-        return {entry(chooseLibraryTitle, QStringLiteral("photo.stack.fill"),
-                      QStringLiteral("chooseLibrary"))};
+void Dashboard::updateMenus() {
+    if (!isLive_)
+        return;
+    sourceMenu_.setRows(sourceRows());
+    targetMenu_.setRows(targetRows());
+    themeMenu_.setRows(themeRows());
+    uploadLimitMenu_.setRows(uploadLimitRows());
+}
+
+std::vector<MenuRow> Dashboard::sourceRows() {
     const QString symbol = QStringLiteral("photo.stack.fill");
-    const QString source = QStringLiteral("source");
-    const QString& selected = model_.selectedSourceAlbumID();
-    const bool canChange = !model_.isSyncing();
-    const auto counted = [](const QString& title, int count) {
-        return title + QStringLiteral(" (%1)").arg(QLocale().toString(count));
+    if (!model_.hasLibrary())
+        return {{.title = QStringLiteral("Fotoğraf Kitaplığını Seç..."),
+                 .symbol = symbol,
+                 .choose = [this] { chooseLibrary(); }}};
+    const auto entry = [&](const QString& title, int count, const QString& id) {
+        return MenuRow{.title = title + QStringLiteral(" (%1)").arg(groupedCount(count)),
+                       .symbol = symbol,
+                       .id = id,
+                       .isChecked = id == model_.selectedSourceAlbumID(),
+                       .isEnabled = !model_.isSyncing(),
+                       .choose = [this, id] { model_.selectSourceAlbum(id); }};
     };
-    QVariantList rows{
-        entry(counted(QStringLiteral("Fotoğraf & Video Arşivi"), model_.totalPhotoCount()), symbol,
-              source, {}, selected.isEmpty(), canChange)};
+    std::vector<MenuRow> rows{
+        entry(QStringLiteral("Fotoğraf & Video Arşivi"), model_.totalPhotoCount(), {})};
+    const std::vector<LocalAlbumItem> albums = sortedByTitle(model_.localAlbums());
     for (const bool isSmart : {false, true}) {
-        QVariantList group;
-        for (const LocalAlbumItem& album : sortedByTitle(model_.localAlbums()))
-            if (album.isSmart == isSmart)
-                group.append(entry(counted(album.title, album.count), symbol, source, album.id,
-                                   album.id == selected, canChange));
-        if (group.isEmpty())
+        if (std::ranges::find(albums, isSmart, &LocalAlbumItem::isSmart) == albums.end())
             continue;
-        rows << special(line)
-             << special(header, isSmart ? QStringLiteral("Akıllı Albümler")
-                                        : QStringLiteral("Özel Albümlerim"))
-             << group;
+        rows.push_back(line());
+        rows.push_back(header(isSmart ? QStringLiteral("Akıllı Albümler")
+                                      : QStringLiteral("Özel Albümlerim")));
+        for (const LocalAlbumItem& album : albums)
+            if (album.isSmart == isSmart)
+                rows.push_back(entry(album.title, album.count, album.id));
     }
     return rows;
 }
 
-QVariantList Dashboard::targetMenu() const {
-    const QString target = QStringLiteral("target");
-    const QString& selected = model_.selectedTargetAlbumID();
+std::vector<MenuRow> Dashboard::targetRows() {
     const bool canChange = !model_.isSyncing();
     const bool isMirrored = librarySettings_.mirrorsAlbums();
     const bool canTarget = canChange && !isMirrored;
-    QVariantList rows{entry(QStringLiteral("Google Fotoğraflar (Ana Akış / Kitaplık)"),
-                            QStringLiteral("icloud.and.arrow.up.fill"), target, {},
-                            selected.isEmpty(), canChange),
-                      special(line)};
-    rows << special(header, QStringLiteral("Google Albümlerim (%1)")
-                                .arg(QLocale().toString(qint64(model_.googleAlbums().size()))));
-    if (isMirrored)
-        rows << special(header, QStringLiteral("Albümler yansıtılırken hedef ana akıştır"));
-    for (const GoogleAlbum& album : sortedByTitle(model_.googleAlbums()))
-        rows << entry(album.menuDisplayTitle(), QStringLiteral("photo.on.rectangle.angled"), target,
-                      album.id, album.id == selected, canTarget);
-    rows << special(line)
-         << entry(QStringLiteral("Özel Albüm Yarat..."), QStringLiteral("folder.badge.plus"),
-                  QStringLiteral("createAlbum"), {}, false, canTarget)
-         << entry(QStringLiteral("Google Albümlerini Yenile"),
-                  QStringLiteral("arrow.clockwise.circle.fill"), QStringLiteral("loadAlbums"), {},
-                  false, !model_.isLoadingGoogleAlbums());
-    return rows;
-}
-
-QVariantList Dashboard::themeMenu() const {
-    QVariantList rows;
-    const auto add = [&](AppTheme theme, const QString& title, const QString& symbol) {
-        rows << entry(title, symbol, QStringLiteral("theme"), rawValue(theme),
-                      theme == model_.appTheme());
+    const auto entry = [&](const QString& title, const QString& symbol, const QString& id,
+                           bool isEnabled) {
+        return MenuRow{.title = title,
+                       .symbol = symbol,
+                       .id = id,
+                       .isChecked = id == model_.selectedTargetAlbumID(),
+                       .isEnabled = isEnabled,
+                       .choose = [this, id] { model_.selectTargetAlbum(id); }};
     };
-    add(AppTheme::system, QStringLiteral("Sistem"), QStringLiteral("circle.lefthalf.filled"));
-    add(AppTheme::light, QStringLiteral("Açık"), QStringLiteral("sun.max.fill"));
-    add(AppTheme::dark, QStringLiteral("Koyu"), QStringLiteral("moon.fill"));
+    std::vector<MenuRow> rows{entry(QStringLiteral("Google Fotoğraflar (Ana Akış / Kitaplık)"),
+                                    QStringLiteral("icloud.and.arrow.up.fill"), {}, canChange),
+                              line(),
+                              header(QStringLiteral("Google Albümlerim (%1)")
+                                         .arg(groupedCount(std::ssize(model_.googleAlbums()))))};
+    if (isMirrored)
+        rows.push_back(header(QStringLiteral("Albümler yansıtılırken hedef ana akıştır")));
+    for (const GoogleAlbum& album : sortedByTitle(model_.googleAlbums()))
+        rows.push_back(entry(album.menuDisplayTitle(), QStringLiteral("photo.on.rectangle.angled"),
+                             album.id, canTarget));
+    rows.push_back(line());
+    rows.push_back({.title = QStringLiteral("Özel Albüm Yarat..."),
+                    .symbol = QStringLiteral("folder.badge.plus"),
+                    .isEnabled = canTarget,
+                    .choose = [this] { Q_EMIT createAlbumRequested(); }});
+    rows.push_back({.title = QStringLiteral("Google Albümlerini Yenile"),
+                    .symbol = QStringLiteral("arrow.clockwise.circle.fill"),
+                    .isEnabled = !model_.isLoadingGoogleAlbums(),
+                    .choose = [this] { loadAlbums(); }});
     return rows;
 }
 
-QVariantList Dashboard::uploadLimitMenu() const {
-    QVariantList rows;
+std::vector<MenuRow> Dashboard::themeRows() {
+    const auto row = [&](AppTheme theme, const QString& title, const QString& symbol) {
+        return MenuRow{.title = title,
+                       .symbol = symbol,
+                       .isChecked = theme == model_.appTheme(),
+                       .choose = [this, theme] { model_.setAppTheme(theme); }};
+    };
+    return {
+        row(AppTheme::system, QStringLiteral("Sistem"), QStringLiteral("circle.lefthalf.filled")),
+        row(AppTheme::light, QStringLiteral("Açık"), QStringLiteral("sun.max.fill")),
+        row(AppTheme::dark, QStringLiteral("Koyu"), QStringLiteral("moon.fill"))};
+}
+
+std::vector<MenuRow> Dashboard::uploadLimitRows() {
+    std::vector<MenuRow> rows;
     for (const int megabytes : {0, 1, 2, 5, 10}) {
         const std::int64_t limit = megabytes * std::int64_t(1'000'000);
-        rows << entry(AutoSync::limitText(limit), {}, QStringLiteral("uploadLimit"),
-                      QString::number(limit), limit == automatic_.uploadLimit());
+        rows.push_back({.title = AutoSync::limitText(limit),
+                        .isChecked = limit == automatic_.uploadLimit(),
+                        .choose = [this, limit] { automatic_.setUploadLimit(limit); }});
     }
     return rows;
 }
 
-void Dashboard::choose(const QString& command, const QString& value) {
-    const std::map<QString, std::function<void()>> commands{
-        {QStringLiteral("source"), [&] { model_.selectSourceAlbum(value); }},
-        {QStringLiteral("target"), [&] { model_.selectTargetAlbum(value); }},
-        {QStringLiteral("createAlbum"), [&] { Q_EMIT createAlbumRequested(); }},
-        {QStringLiteral("loadAlbums"), [&] { model_.loadGoogleAlbums(); }},
-        {QStringLiteral("theme"), [&] { model_.setAppTheme(appThemeFrom(value)); }},
-        {QStringLiteral("uploadLimit"), [&] { automatic_.setUploadLimit(value.toLongLong()); }},
-        {QStringLiteral("chooseLibrary"), [&] { Q_EMIT chooseLibraryRequested(); }},
-        {QStringLiteral("checkSession"), [&] { sessionCheck()->show(); }},
-        {QStringLiteral("signIn"), [&] { model_.reauthorizeGoogle(); }},
-        {QStringLiteral("signOut"), [&] { signOut(); }},
-        {QStringLiteral("quit"), [&] { quit(); }},
-    };
-    if (const auto found = commands.find(command); found != commands.end())
-        found->second();
+void Dashboard::help(int checkedRow) {
+    const CheckedThing::Remedy remedy = sessionCheck()->remedyOf(checkedRow);
+    sessionCheck()->hide();
+    if (remedy == CheckedThing::Remedy::signIn)
+        renewAccess();
+    else if (remedy == CheckedThing::Remedy::chooseLibrary)
+        chooseLibrary();
 }
 
 void Dashboard::answerAlert(int button) {

@@ -7,14 +7,24 @@
 
 namespace quorvane {
 
+/// A passing notice, and what it speaks of: a click opens that.
+struct Notice {
+    enum class About { window, review, trash };
+
+    QString title;
+    QString text;
+    About about = About::window;
+};
+
 /// What the state model asks of the person's desktop. Called on the main thread; none of it blocks
 /// or throws: a desktop that lacks something leaves it out.
 class Desktop {
   public:
     virtual ~Desktop() = default;
 
-    /// Shows a passing notice.
-    virtual void notify(const QString& title, const QString& text) = 0;
+    virtual void notify(const Notice& notice) = 0;
+    /// A notice was clicked. Set before the first; where nobody can tell, it is never called.
+    std::function<void(Notice::About)> onNoticeOpened;
 
     /// Opens the file with the program that the person uses for its kind.
     virtual void open(const std::filesystem::path& file) = 0;

@@ -116,9 +116,9 @@ QString InspectorModel::stateText() const {
             QString::number(model_.undatableCount()))};
     for (const FailedCategorySummary& failure : model_.failedCategorySummaries())
         lines += u"  %1: %2"_s.arg(failure.categoryName, QString::number(failure.count));
-    lines +=
-        u"Son durum: "_s +
-        QString::fromUtf8(QJsonDocument(model_.runState().json()).toJson(QJsonDocument::Compact));
+    lines += u"Son durum: "_s +
+             QString::fromUtf8(
+                 QJsonDocument(model_.run().state().json()).toJson(QJsonDocument::Compact));
     lines += u"\nCanlı akış"_s;
     for (const LogEntry& entry : model_.recentLogs()->entries())
         lines += timeText(entry.timestamp) + u' ' + entry.message;

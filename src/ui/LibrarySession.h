@@ -28,4 +28,12 @@ struct LibrarySession {
     std::function<void(const LibraryChoices&)> choose = [](const LibraryChoices&) {};
 };
 
+/// A run that came to its end.
+struct FinishedRun {
+    std::shared_ptr<const LibrarySession> session = {};
+    SyncRunOutcome outcome = {};
+    Date end{};
+    double seconds = 0;
+};
+
 } // namespace quorvane

@@ -1,8 +1,5 @@
 #include "ui/MenuBarViewModel.h"
 
-#include "ui/AlbumLimit.h"
-
-#include <QDateTime>
 #include <QLocale>
 
 #include <algorithm>
@@ -11,12 +8,8 @@ namespace quorvane {
 
 namespace {
 
-constexpr int transferInterval = 250; // milliseconds between two looks at the transfers
-constexpr int samplesToACount = 8;    // the records are counted anew every two seconds of a run
-
-QString storedOr(const Preferences& preferences, const QString& key, const QString& fallback) {
-    const QString value = preferences.string(key).value_or(QString());
-    return value.isEmpty() ? fallback : value;
+QDateTime timeOf(Date date) {
+    return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count());
 }
 
 } // namespace
@@ -24,43 +17,61 @@ QString storedOr(const Preferences& preferences, const QString& key, const QStri
 MenuBarViewModel::MenuBarViewModel(const Services& services,
                                    const std::vector<LogEntry>& earlierLog)
     : s_(services),
-      isAutoDeleteEnabled_(services.preferences.boolean(preferenceKeys::isAutoDeleteEnabled)),
-      appTheme_(
-          appThemeFrom(services.preferences.string(preferenceKeys::appTheme).value_or(QString()))),
-      transfers_(services.tracker.getSnapshot()),
+      settings_({services.preferences, services.log, services.desktop}),
+      account_({services.oauth, services.preferences, services.log, services.handOverURL}),
+      route_({services.albums, services.preferences, services.log, settings_}),
+      run_({services.tracker, services.clock, services.acquireRunLock}),
       recentLogs_(earlierLog, services.logPublisher),
       sessionCheck_(services.checkSession, services.clock) {
-    for (const Signal source :
-         {&MenuBarViewModel::routeChanged, &MenuBarViewModel::googleAlbumsChanged})
-        connect(this, source, this, &MenuBarViewModel::targetChanged);
-    connect(&s_.trash, &TrashQuestion::asked, this, &MenuBarViewModel::askAboutTrash);
-    connect(this, &MenuBarViewModel::routeChanged, this, &MenuBarViewModel::localAlbumsChanged);
+    connectModels();
     if (const auto last = services.preferences.number(preferenceKeys::lastSyncTime); last > 0)
         lastSyncTime_ = Date(std::chrono::milliseconds(last));
-    transferTimer_.setInterval(transferInterval);
-    connect(&transferTimer_, &QTimer::timeout, this, &MenuBarViewModel::sampleTransfers);
     refreshState();
 }
+
+void MenuBarViewModel::connectModels() {
+    using Self = MenuBarViewModel;
+    connect(&settings_, &SettingsModel::changed, this, &Self::settingsChanged);
+    connect(&settings_, &SettingsModel::failed, this, &Self::showError);
+    connect(&account_, &AccountModel::changed, this, &Self::accountChanged);
+    connect(&account_, &AccountModel::failed, this, &Self::showError);
+    connect(&account_, &AccountModel::signedIn, this, &Self::signedIn);
+    connect(&account_, &AccountModel::signedOut, this, &Self::signedOut);
+    connect(&route_, &RouteModel::changed, this, &Self::routeChanged);
+    connect(&route_, &RouteModel::changed, this, &Self::localAlbumsChanged);
+    connect(&route_, &RouteModel::localAlbumsChanged, this, &Self::localAlbumsChanged);
+    connect(&route_, &RouteModel::googleAlbumsChanged, this, &Self::googleAlbumsChanged);
+    connect(&run_, &RunModel::changed, this, &Self::runChanged);
+    connect(&run_, &RunModel::progressChanged, this, &Self::progressChanged);
+    connect(&run_, &RunModel::transfersChanged, this, &Self::transfersChanged);
+    connect(&run_, &RunModel::countsChanged, this, &Self::refreshState);
+    connect(&run_, &RunModel::finished, this, &Self::runFinished);
+    connect(&s_.trash, &TrashQuestion::asked, this, &Self::askAboutTrash);
+}
+
+bool MenuBarViewModel::isWorking() {
+    return !stateTasks_.isIdle() || account_.isWorking() || route_.isWorking() || run_.isWorking();
+}
+
+// The library.
 
 void MenuBarViewModel::setLibrary(std::shared_ptr<const LibrarySession> session) {
     const bool isSame = session_ && session && session_->root == session->root;
     const bool wasSyncing = isSyncing();
     if (wasSyncing)
-        endRun({.phase = RunState::Phase::ended, .end = RunState::End::stopped});
+        run_.end({.phase = RunState::Phase::ended, .end = RunState::End::stopped});
     session_ = std::move(session);
     away_.reset();
     albumLimit_ = !session_ ? Subscription()
                             : session_->run.batches.googlePhotosAlbumLimitReached.subscribe(
-                                  [this](const AlbumLimitReached&) { handleAlbumLimitReached(); });
-    isLibraryStale_ = true;
-    publish(localAlbums_, {}, &MenuBarViewModel::localAlbumsChanged);
-    Q_EMIT routeChanged();
+                                  [this](const AlbumLimitReached&) { albumLimitReached(); });
+    route_.setLibrary(session_);
     if (!wasSyncing)
         showLastRun();
     const bool goesOn = (wasSyncing && isSame) ||
-                        (runState_.fault && runState_.fault->code == FaultCode::libraryAway);
-    refreshThen([this, goesOn, session = session_] {
-        if (goesOn && session == session_ && account_.isSignedIn)
+                        (run_.state().fault && run_.state().fault->code == FaultCode::libraryAway);
+    refreshThen([this, goesOn, opened = session_] {
+        if (goesOn && opened == session_ && isSignedIn())
             executeSyncLoop();
     });
 }
@@ -73,11 +84,16 @@ void MenuBarViewModel::setLibraryAway(const AwayLibrary& library) {
     Q_EMIT routeChanged();
 }
 
+void MenuBarViewModel::libraryDidChange() {
+    route_.libraryDidChange();
+    refreshState();
+}
+
 // The state. Whatever it follows from changes here or is published, and it follows.
 
 ProductFacts MenuBarViewModel::facts() const {
     using Library = ProductFacts::Library;
-    return {.isSignedIn = account_.isSignedIn || account_.isLapsed,
+    return {.isSignedIn = isSignedIn() || account_.account().isLapsed,
             .library = away_      ? Library::away
                        : session_ ? Library::open
                                   : Library::none,
@@ -85,7 +101,7 @@ ProductFacts MenuBarViewModel::facts() const {
             .verified = counts_.records.verified,
             .failed = counts_.records.failed,
             .undated = counts_.records.undated,
-            .run = runState_};
+            .run = run_.state()};
 }
 
 void MenuBarViewModel::updateState() {
@@ -93,36 +109,12 @@ void MenuBarViewModel::updateState() {
     Q_EMIT stateChanged();
 }
 
-void MenuBarViewModel::setRun(const RunState& state) {
-    if (state.phase == RunState::Phase::waiting && runState_.phase != RunState::Phase::waiting)
-        waitingSince_ = s_.clock.now();
-    if (state.phase != runState_.phase)
-        paceSince_.reset();
-    runState_ = state;
-    hasSessionEnded_ = runState_.needsSignIn();
-    if (hasSessionEnded_)
-        publish(account_, {false, true, account_.userEmail}, &MenuBarViewModel::accountChanged);
-    updateState();
-    Q_EMIT syncChanged();
+void MenuBarViewModel::say(const QString& statusMessage) {
+    publish(statusMessage_, statusMessage, &MenuBarViewModel::statusMessageChanged);
 }
 
-/// What kept the latest run from its work, in whatever process, stands until another one has run.
-void MenuBarViewModel::showLastRun() {
-    const RunState last = session_ ? session_->run.stateFile.last() : RunState();
-    const bool wasKept =
-        last.phase == RunState::Phase::ended && (last.fault || !last.error.isEmpty());
-    setRun(wasKept ? last : RunState());
-}
-
-bool MenuBarViewModel::isWorking() {
-    return !(stateTasks_.isIdle() && libraryTasks_.isIdle() && googleTasks_.isIdle() &&
-             runTasks_.isIdle());
-}
-
-void MenuBarViewModel::libraryDidChange() {
-    isLibraryStale_ = true;
-    hasLibraryChanged_ = true;
-    refreshState();
+void MenuBarViewModel::showError(const QString& message) {
+    publish(errorMessage_, message, &MenuBarViewModel::errorMessageChanged);
 }
 
 // Refreshing. One thread reads, in the order of asking, so no reading is published after a later
@@ -133,14 +125,13 @@ void MenuBarViewModel::refreshState() {
 }
 
 void MenuBarViewModel::refreshThen(std::function<void()> then) {
-    publishRoute();
-    countLibrary();
+    route_.refresh();
     if (!isRefreshWaiting_.exchange(true)) {
         stateTasks_.post(
             [this, session = session_, number = ++refreshNumber_](const std::stop_token&) {
                 isRefreshWaiting_ = false;
-                const Account account = readAccount();
-                const Counts counts = session ? readCounts(session->run.db) : Counts();
+                const AccountModel::Account account = account_.read();
+                const RecordCounts counts = session ? readCounts(session->run.db) : RecordCounts();
                 post([this, number, account, counts, session] {
                     if (session == session_)
                         publishState(number, account, counts);
@@ -153,16 +144,8 @@ void MenuBarViewModel::refreshThen(std::function<void()> then) {
         afterRefresh_.emplace_back(refreshNumber_, std::move(then));
 }
 
-MenuBarViewModel::Account MenuBarViewModel::readAccount() {
-    const bool hasEnded = hasSessionEnded_;
-    Account account{s_.oauth.isSignedIn() && !hasEnded, hasEnded, {}};
-    if (account.isSignedIn || hasEnded)
-        account.userEmail = s_.oauth.email().value_or(QString());
-    return account;
-}
-
-MenuBarViewModel::Counts MenuBarViewModel::readCounts(DatabaseManager& db) {
-    Counts counts;
+RecordCounts MenuBarViewModel::readCounts(DatabaseManager& db) {
+    RecordCounts counts;
     try {
         counts.records = StoreCounts::of(db);
         counts.categories = db.fetchFailedCategorySummaries();
@@ -172,36 +155,19 @@ MenuBarViewModel::Counts MenuBarViewModel::readCounts(DatabaseManager& db) {
     return counts;
 }
 
-void MenuBarViewModel::publishRoute() {
-    const auto text = [&](const QString& key, const QString& fallback) {
-        return storedOr(s_.preferences, key, fallback);
-    };
-    const Route none;
-    const bool isForeign = session_ && !session_->albums.ownsSelectedSource();
-    publish(route_,
-            Route{isForeign ? none.sourceID : text(preferenceKeys::sourceAlbumID, {}),
-                  isForeign ? none.sourceTitle
-                            : text(preferenceKeys::sourceAlbumTitle, none.sourceTitle),
-                  text(preferenceKeys::targetAlbumID, {}),
-                  text(preferenceKeys::targetAlbumTitle, none.targetTitle)},
-            &MenuBarViewModel::routeChanged);
-}
-
-void MenuBarViewModel::publishState(int refresh, Account account, Counts counts) {
+void MenuBarViewModel::publishState(int refresh, const AccountModel::Account& account,
+                                    RecordCounts counts) {
     if (away_ && !session_)
         counts.records = away_->counts;
-    if (ended(RunState::End::complete) && counts.records.pending > 0)
-        setRun({}); // something new is there
-    publish(account_, std::move(account), &MenuBarViewModel::accountChanged);
+    if (run_.ended(RunState::End::complete) && counts.records.pending > 0)
+        run_.set({}); // something new is there
+    account_.publish(account);
     publish(counts_, std::move(counts), &MenuBarViewModel::countsChanged);
     updateState();
-    publish(statusMessage_,
-            runState_.phase == RunState::Phase::waiting ? runState_.text()
-                                                        : pendingText(counts_.records.pending),
-            &MenuBarViewModel::statusMessageChanged);
-    if (account_.isSignedIn && googleAlbums_.empty() && !isLoadingGoogleAlbums_ &&
-        !knowsGoogleAlbums_)
-        loadGoogleAlbums();
+    say(run_.state().phase == RunState::Phase::waiting ? run_.state().text()
+                                                       : pendingText(pendingCount()));
+    if (isSignedIn())
+        route_.loadAlbumsOnce();
 
     std::vector<std::function<void()>> due;
     std::erase_if(afterRefresh_, [&](auto& waiting) {
@@ -214,170 +180,40 @@ void MenuBarViewModel::publishState(int refresh, Account account, Counts counts)
         then();
 }
 
-/// Albums and the total are read when the library is opened and when it changed: on a large library
-/// that takes seconds.
-void MenuBarViewModel::countLibrary() {
-    if (!session_ || !isLibraryStale_)
-        return;
-    isLibraryStale_ = false;
-    libraryTasks_.post([this, session = session_,
-                        isAnew = std::exchange(hasLibraryChanged_, false)](const std::stop_token&) {
-        try {
-            std::vector<LocalAlbumItem> albums = session->albums.cachedAlbums();
-            if (albums.empty() || isAnew)
-                albums = session->albums.performFetchLocalAlbums();
-            post([this, session, albums = std::move(albums)] {
-                if (session == session_)
-                    publish(localAlbums_, albums, &MenuBarViewModel::localAlbumsChanged);
-            });
-            const AuthorizationStatus status = session->run.library.authorizationStatus();
-            if (status != AuthorizationStatus::authorized && status != AuthorizationStatus::limited)
-                return;
-            const int total = static_cast<int>(session->run.library.fetchAssets()->size());
-            post([this, session, total] {
-                if (session == session_)
-                    publish(totalPhotoCount_, total, &MenuBarViewModel::localAlbumsChanged);
-            });
-        } catch (const Error& error) {
-            s_.log.log(QStringLiteral("[MenuBarViewModel] Kitaplık okunamadı: ") +
-                       error.localizedDescription());
-        }
-    });
+// What is derived.
+
+QDateTime MenuBarViewModel::lastSyncDateTime() const {
+    return lastSyncTime_ ? timeOf(*lastSyncTime_) : QDateTime();
 }
 
-// Derived values.
-
 QString MenuBarViewModel::lastSyncTimeString() const {
-    if (!lastSyncTime_)
-        return QStringLiteral("Henüz yok");
-    const auto time = QDateTime::fromMSecsSinceEpoch(lastSyncTime_->time_since_epoch().count());
-    return QLocale().toString(time.time(), QLocale::ShortFormat);
+    return lastSyncTime_ ? QLocale().toString(timeOf(*lastSyncTime_).time(), QLocale::ShortFormat)
+                         : QStringLiteral("Henüz yok");
 }
 
 double MenuBarViewModel::syncProgressFraction() const {
-    return syncTotalCount_ < 1 ? 0 : std::min(1.0, double(syncCompletedCount_) / syncTotalCount_);
+    return std::min(1.0, syncProgressPercentage() / 100);
 }
 
 double MenuBarViewModel::syncProgressPercentage() const {
-    return syncTotalCount_ < 1 ? 0 : double(syncCompletedCount_) / syncTotalCount_ * 100;
-}
-
-int MenuBarViewModel::selectedSourceCount() const {
-    const auto selected = std::ranges::find(localAlbums_, route_.sourceID, &LocalAlbumItem::id);
-    return selected == localAlbums_.end() ? totalPhotoCount_ : selected->count;
-}
-
-const GoogleAlbum* MenuBarViewModel::selectedTargetAlbum() const {
-    if (route_.targetID.isEmpty())
-        return nullptr;
-    const auto selected = std::ranges::find(googleAlbums_, route_.targetID, &GoogleAlbum::id);
-    return selected == googleAlbums_.end() ? nullptr : &*selected;
-}
-
-bool MenuBarViewModel::isSelectedTargetAlbumFull() const {
-    const GoogleAlbum* album = selectedTargetAlbum();
-    return album != nullptr && albumLimit::isFull(album->itemCount());
-}
-
-bool MenuBarViewModel::isSelectedTargetAlbumNearLimit() const {
-    const GoogleAlbum* album = selectedTargetAlbum();
-    return album != nullptr && albumLimit::isNear(album->itemCount());
-}
-
-QString MenuBarViewModel::selectedTargetAlbumCountString() const {
-    const GoogleAlbum* album = selectedTargetAlbum();
-    return album == nullptr ? QString()
-                            : album->formattedCountString() + QStringLiteral(" / 20.000");
-}
-
-// Settings.
-
-void MenuBarViewModel::store(const std::function<void()>& write) {
-    try {
-        write();
-    } catch (const Error& error) {
-        publish(errorMessage_,
-                QStringLiteral("Ayar kaydedilemedi: ") + error.localizedDescription(),
-                &MenuBarViewModel::errorMessageChanged);
-    }
-}
-
-void MenuBarViewModel::setAutoDeleteEnabled(bool enabled) {
-    if (enabled == isAutoDeleteEnabled_)
-        return;
-    store([&] { s_.preferences.setBoolean(preferenceKeys::isAutoDeleteEnabled, enabled); });
-    s_.log.log(
-        QStringLiteral("[MenuBarViewModel] 🗑️ Otomatik temizlik tercihi güncellendi: ") +
-        (enabled ? QStringLiteral("true") : QStringLiteral("false")));
-    if (!enabled)
-        s_.trash.forget();
-    publish(isAutoDeleteEnabled_, enabled, &MenuBarViewModel::settingsChanged);
-}
-
-void MenuBarViewModel::setAppTheme(AppTheme theme) {
-    if (theme == appTheme_)
-        return;
-    store([&] { s_.preferences.setString(preferenceKeys::appTheme, rawValue(theme)); });
-    s_.log.log(QStringLiteral("[MenuBarViewModel] 🎨 Tema tercihi güncellendi: ") + rawValue(theme));
-    publish(appTheme_, theme, &MenuBarViewModel::settingsChanged);
-}
-
-bool MenuBarViewModel::areNotificationsEnabled() const {
-    return !s_.preferences.boolean(preferenceKeys::notificationsMuted);
-}
-
-void MenuBarViewModel::setNotificationsEnabled(bool enabled) {
-    store([&] { s_.preferences.setBoolean(preferenceKeys::notificationsMuted, !enabled); });
-    Q_EMIT settingsChanged();
-}
-
-bool MenuBarViewModel::startsAtLogin() const {
-    return s_.desktop.startsAtLogin();
-}
-
-void MenuBarViewModel::setStartsAtLogin(bool starts) {
-    s_.desktop.setStartsAtLogin(starts);
-    Q_EMIT settingsChanged();
-}
-
-QString MenuBarViewModel::dateFallbackMode() const {
-    const auto stored = s_.preferences.string(preferenceKeys::dateFallbackMode);
-    return rawValue(
-        dateFallbackModeFrom(stored.value_or(QString())).value_or(DateFallbackMode::strictNone));
-}
-
-void MenuBarViewModel::notifyPerson(const QString& title, const QString& text) {
-    if (areNotificationsEnabled())
-        s_.desktop.notify(title, text);
-}
-
-// The inspector. It is looked after only while something moves.
-
-void MenuBarViewModel::sampleTransfers() {
-    TransferSnapshot now = s_.tracker.getSnapshot();
-    const bool isIdle = !isSyncing() && now.items.empty();
-    const double before = speed_.current();
-    if (isIdle)
-        speed_.rest();
-    else
-        speed_.sample(now.sentBytes, s_.clock.monotonic());
-    const bool hasChanged = now.items != transfers_.items || before != speed_.current() ||
-                            now.latencyMilliseconds != transfers_.latencyMilliseconds;
-    transfers_ = std::move(now);
-    if (hasChanged)
-        Q_EMIT transfersChanged();
-    if (isIdle)
-        transferTimer_.stop();
-    else if (++samples_ % samplesToACount == 0)
-        refreshState();
+    return run_.total() < 1 ? 0 : double(run_.completed()) / run_.total() * 100;
 }
 
 QString MenuBarViewModel::currentUploadSpeedString() const {
-    return TransferActivityTracker::formatSpeed(speed_.current());
+    return TransferActivityTracker::formatSpeed(run_.speed().current());
 }
 
 QString MenuBarViewModel::peakUploadSpeedString() const {
-    return TransferActivityTracker::formatSpeed(speed_.peak());
+    return TransferActivityTracker::formatSpeed(run_.speed().peak());
+}
+
+// What the person switches.
+
+/// Who wants nothing deleted is not asked about it any more.
+void MenuBarViewModel::setAutoDeleteEnabled(bool enabled) {
+    settings_.setAutoDeleteEnabled(enabled);
+    if (!enabled)
+        s_.trash.forget();
 }
 
 void MenuBarViewModel::toggleInspector() {
@@ -387,14 +223,6 @@ void MenuBarViewModel::toggleInspector() {
 
 void MenuBarViewModel::setShowQuarantineSheet(bool show) {
     publish(showQuarantineSheet_, show, &MenuBarViewModel::sheetsChanged);
-}
-
-void MenuBarViewModel::openLogFile() {
-    s_.desktop.open(s_.logFile);
-}
-
-void MenuBarViewModel::dismissError() {
-    publish(errorMessage_, {}, &MenuBarViewModel::errorMessageChanged);
 }
 
 } // namespace quorvane

@@ -1,34 +1,17 @@
 #include "ui/AlbumLimit.h"
 #include "ui/MenuBarViewModel.h"
 
-#include <algorithm>
-
-/// Where pictures come from and where they go, the album limit, and the quarantine.
+/// The album limit, which source and target are chosen, and the quarantine.
 namespace quorvane {
-
-namespace {
-
-QString boolText(bool value) {
-    return value ? QStringLiteral("true") : QStringLiteral("false");
-}
-
-} // namespace
 
 // Source and target.
 
 void MenuBarViewModel::selectSourceAlbum(const QString& id) {
-    const auto album = std::ranges::find(localAlbums_, id, &LocalAlbumItem::id);
-    if (isSyncing() || !session_ || (!id.isEmpty() && album == localAlbums_.end()))
+    if (isSyncing() || !route_.selectSource(id))
         return;
-    const QString title = id.isEmpty() ? Route().sourceTitle : album->title;
-    store([&] {
-        session_->albums.setSelectedSourceAlbumID(id.isEmpty() ? std::nullopt : std::optional(id));
-        s_.preferences.setString(preferenceKeys::sourceAlbumTitle, title);
-    });
-    publishRoute();
     s_.console.print(QStringLiteral("[PhotoKit] Kaynak albüm değişti, yeniden taranıyor..."));
     // In the runs' order: a run that begins after the choice sees nothing of the earlier source.
-    runTasks_.post([this, session = session_](const std::stop_token& end) {
+    run_.post([this, session = session_](const std::stop_token& end) {
         try {
             session->life.cleared();
             session->run.observer.initialScan(end);
@@ -41,79 +24,22 @@ void MenuBarViewModel::selectSourceAlbum(const QString& id) {
 }
 
 void MenuBarViewModel::selectTargetAlbum(const QString& id) {
-    const auto album = std::ranges::find(googleAlbums_, id, &GoogleAlbum::id);
-    if (isSyncing() || (!id.isEmpty() && album == googleAlbums_.end()))
-        return;
-    store(
-        [&] { s_.albums.selectTargetAlbum(id.isEmpty() ? std::nullopt : std::optional(*album)); });
-    publishRoute();
-}
-
-void MenuBarViewModel::loadGoogleAlbums() {
-    if (isLoadingGoogleAlbums_)
-        return;
-    publish(isLoadingGoogleAlbums_, true, &MenuBarViewModel::googleAlbumsChanged);
-    googleTasks_.post([this](const std::stop_token& end) {
-        std::optional<std::vector<GoogleAlbum>> albums;
-        try {
-            albums = s_.albums.listAlbums(end);
-        } catch (const Error& error) {
-            s_.log.log(QStringLiteral("[MenuBarViewModel] Google albümleri alınamadı: ") +
-                       error.localizedDescription());
-        }
-        const bool lacksScopes = s_.albums.lacksReadPermission();
-        post([this, albums, lacksScopes] {
-            isLoadingGoogleAlbums_ = false;
-            knowsGoogleAlbums_ = true; // also after a failure: the person asks again
-            if (albums) {
-                googleAlbums_ = *albums;
-                hasInsufficientAlbumScopes_ = lacksScopes;
-                s_.log.log(QStringLiteral("[MenuBarViewModel] %1 Google albümü yüklendi "
-                                          "(scopeEksik: %2)")
-                               .arg(albums->size())
-                               .arg(boolText(lacksScopes)));
-            }
-            Q_EMIT googleAlbumsChanged();
-        });
-    });
-}
-
-QString MenuBarViewModel::nextPartTitle(const QString& title) const {
-    return GoogleAlbumManager::nextPartTitle(title);
+    if (!isSyncing())
+        route_.selectTarget(id);
 }
 
 QString MenuBarViewModel::suggestNewAlbumTitle() const {
-    return route_.targetID.isEmpty() ? QString() : nextPartTitle(route_.targetTitle);
-}
-
-/// Makes the album in the background; `created` and `failed` are called on the main thread.
-void MenuBarViewModel::createAlbum(const QString& title,
-                                   std::function<void(const GoogleAlbum&)> created,
-                                   std::function<void(const QString&)> failed) {
-    dismissError();
-    googleTasks_.post([this, title, created = std::move(created),
-                       failed = std::move(failed)](const std::stop_token& end) {
-        try {
-            const GoogleAlbum album = s_.albums.createAlbum(title, end);
-            post([this, album, created] {
-                std::erase_if(googleAlbums_,
-                              [&](const GoogleAlbum& known) { return known.id == album.id; });
-                googleAlbums_.push_back(album);
-                Q_EMIT googleAlbumsChanged();
-                publishRoute();
-                created(album);
-            });
-        } catch (const Error& error) {
-            post([failed, text = error.localizedDescription()] { failed(text); });
-        }
-    });
+    return selectedTargetAlbumID().isEmpty()
+               ? QString()
+               : GoogleAlbumManager::nextPartTitle(selectedTargetAlbumTitle());
 }
 
 void MenuBarViewModel::createGoogleAlbum(const QString& title) {
     const QString trimmed = title.trimmed();
     if (trimmed.isEmpty())
         return;
-    createAlbum(
+    dismissError();
+    route_.createAlbum(
         trimmed,
         [this](const GoogleAlbum& album) {
             s_.log.log(QStringLiteral("[MenuBarViewModel] Yeni albüm oluşturuldu ve seçildi: ") +
@@ -121,12 +47,38 @@ void MenuBarViewModel::createGoogleAlbum(const QString& title) {
         },
         [this](const QString& error) {
             s_.log.log(QStringLiteral("[MenuBarViewModel] Albüm oluşturma hatası: ") + error);
-            publish(errorMessage_, QStringLiteral("Albüm oluşturulamadı: ") + error,
-                    &MenuBarViewModel::errorMessageChanged);
+            showError(QStringLiteral("Albüm oluşturulamadı: ") + error);
         });
 }
 
 // The album limit.
+
+void MenuBarViewModel::triggerSync() {
+    if (isSyncing())
+        return;
+    const GoogleAlbum* album = route_.targetAlbum();
+    const QString title = album == nullptr ? QString() : album->title.value_or(QString());
+    if (album != nullptr && albumLimit::wouldOverflow(album->itemCount(), pendingCount())) {
+        publish(preSync_,
+                PreSync{true, title, GoogleAlbumManager::nextPartTitle(title), album->itemCount(),
+                        pendingCount()},
+                &MenuBarViewModel::sheetsChanged);
+        return;
+    }
+    if (!route_.isTargetFull())
+        return executeSyncLoop();
+    run_.set({.phase = RunState::Phase::ended, .end = RunState::End::albumFull});
+    showAlbumLimit(QStringLiteral("Seçili Google Photos albümü (") + title +
+                   QStringLiteral(") 20.000 medya sınırına ulaştı (%1/20.000)! Lütfen yeni bir "
+                                  "albüm oluşturun veya başka bir albüm seçin.")
+                       .arg(groupedCount(album->itemCount())));
+}
+
+void MenuBarViewModel::showAlbumLimit(const QString& message) {
+    albumLimitAlertMessage_ = message;
+    showAlbumLimitAlert_ = true;
+    Q_EMIT sheetsChanged();
+}
 
 void MenuBarViewModel::dismissPreSync20kAlert() {
     publish(preSync_, PreSync(), &MenuBarViewModel::sheetsChanged);
@@ -136,17 +88,9 @@ void MenuBarViewModel::dismissAlbumLimitAlert() {
     publish(showAlbumLimitAlert_, false, &MenuBarViewModel::sheetsChanged);
 }
 
-void MenuBarViewModel::confirmPreSyncAutoRollover() {
-    confirmPreSync(true);
-}
-
-void MenuBarViewModel::confirmPreSyncStopAtLimit() {
-    confirmPreSync(false);
-}
-
 void MenuBarViewModel::confirmPreSync(bool rollsOver) {
     dismissPreSync20kAlert();
-    store([&] {
+    settings_.store([&] {
         s_.preferences.setBoolean(preferenceKeys::autoRolloverOnLimit, rollsOver);
         s_.preferences.setBoolean(preferenceKeys::stopAtLimit, !rollsOver);
     });
@@ -154,23 +98,22 @@ void MenuBarViewModel::confirmPreSync(bool rollsOver) {
         executeSyncLoop();
 }
 
-void MenuBarViewModel::handleAlbumLimitReached() {
-    endRun({.phase = RunState::Phase::ended, .end = RunState::End::albumFull});
-    publish(statusMessage_, albumFullText, &MenuBarViewModel::statusMessageChanged);
-    albumLimitAlertMessage_ =
-        QStringLiteral("Hedef albümünüz (") + route_.targetTitle +
-        QStringLiteral(") maksimum 20.000 medya kapasitesine ulaştı. '") +
-        nextPartTitle(route_.targetTitle) +
-        QStringLiteral("' oluşturup aktarıma kesintisiz devam etmek ister misiniz?");
-    showAlbumLimitAlert_ = true;
-    Q_EMIT sheetsChanged();
-    notifyPerson(albumFullText, albumLimitAlertMessage_);
+void MenuBarViewModel::albumLimitReached() {
+    run_.end({.phase = RunState::Phase::ended, .end = RunState::End::albumFull});
+    say(albumFullText);
+    const QString& title = selectedTargetAlbumTitle();
+    showAlbumLimit(QStringLiteral("Hedef albümünüz (") + title +
+                   QStringLiteral(") maksimum 20.000 medya kapasitesine ulaştı. '") +
+                   GoogleAlbumManager::nextPartTitle(title) +
+                   QStringLiteral("' oluşturup aktarıma kesintisiz devam etmek ister misiniz?"));
+    settings_.notify({albumFullText, albumLimitAlertMessage_});
 }
 
 void MenuBarViewModel::createNextPartAlbumAndResume() {
     dismissAlbumLimitAlert();
-    createAlbum(
-        nextPartTitle(route_.targetTitle),
+    dismissError();
+    route_.createAlbum(
+        GoogleAlbumManager::nextPartTitle(selectedTargetAlbumTitle()),
         [this](const GoogleAlbum& album) {
             s_.log.log(
                 QStringLiteral("[MenuBarViewModel] 🎯 Parça albümü oluşturuldu ve seçildi: ") +
@@ -182,8 +125,7 @@ void MenuBarViewModel::createNextPartAlbumAndResume() {
             s_.log.log(
                 QStringLiteral("[MenuBarViewModel] ⚠️ Parça albümü oluşturulamadı: ") +
                 error);
-            publish(errorMessage_, QStringLiteral("Yeni albüm oluşturulamadı: ") + error,
-                    &MenuBarViewModel::errorMessageChanged);
+            showError(QStringLiteral("Yeni albüm oluşturulamadı: ") + error);
         });
 }
 
@@ -192,8 +134,7 @@ void MenuBarViewModel::createNextPartAlbumAndResume() {
 void MenuBarViewModel::retryQuarantinedItems(const QString& rawMode, bool sendsUndatable) {
     const DateFallbackMode mode =
         dateFallbackModeFrom(rawMode).value_or(DateFallbackMode::strictNone);
-    store([&] { s_.preferences.setString(preferenceKeys::dateFallbackMode, rawValue(mode)); });
-    Q_EMIT settingsChanged();
+    settings_.setDateFallbackMode(mode);
     if (!session_)
         return;
     stateTasks_.post([this, mode, sendsUndatable, session = session_](const std::stop_token&) {

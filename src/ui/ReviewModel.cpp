@@ -168,7 +168,7 @@ QVariantList ReviewModel::choices() const {
 }
 
 QString ReviewModel::chosen() const {
-    return chosen_.isEmpty() ? model_.dateFallbackMode() : chosen_;
+    return chosen_.isEmpty() ? rawValue(model_.settings().dateFallbackMode()) : chosen_;
 }
 
 QString ReviewModel::undatableTitle() const {

@@ -48,14 +48,25 @@ QString atTime(QTime time) {
     return u"%1'%2"_s.arg(time.toString(u"HH:mm"_s), QStringView(suffix));
 }
 
+QString actionOf(CheckedThing::Remedy remedy) {
+    switch (remedy) {
+    case CheckedThing::Remedy::signIn:
+        return u"Giriş Yap"_s;
+    case CheckedThing::Remedy::chooseLibrary:
+        return u"Seç…"_s;
+    case CheckedThing::Remedy::none:
+        break;
+    }
+    return {};
+}
+
 QVariantMap rowOf(const CheckedThing& thing) {
     const Look* look = lookOf(thing.state);
     return {{u"state"_s, QString::fromUtf16(look->name)},
             {u"symbol"_s, QString::fromUtf16(look->symbol)},
             {u"title"_s, thing.title},
             {u"text"_s, thing.text},
-            {u"action"_s, thing.action},
-            {u"command"_s, thing.command},
+            {u"action"_s, actionOf(thing.remedy)},
             {u"name"_s,
              QString::fromUtf16(look->spoken) + u": "_s + thing.title + u". "_s + thing.text}};
 }
@@ -88,6 +99,11 @@ void SessionCheckModel::look() {
     });
 }
 
+CheckedThing::Remedy SessionCheckModel::remedyOf(int row) const {
+    return row >= 0 && row < std::ssize(things_) ? things_[static_cast<std::size_t>(row)].remedy
+                                                 : CheckedThing::Remedy::none;
+}
+
 void SessionCheckModel::publish(std::vector<CheckedThing> things) {
     isRunning_ = false;
     std::ranges::stable_sort(
@@ -107,6 +123,7 @@ void SessionCheckModel::publish(std::vector<CheckedThing> things) {
     const auto since1970 = clock_.now().time_since_epoch();
     const auto now = QDateTime::fromMSecsSinceEpoch(
         std::chrono::duration_cast<std::chrono::milliseconds>(since1970).count());
+    things_ = std::move(things);
     summary_ = atTime(now.time()) + u" denetlendi · "_s + counts.join(u", "_s);
     Q_EMIT changed();
 }

@@ -15,12 +15,12 @@ namespace quorvane {
 /// helps, if one does.
 struct CheckedThing {
     enum class State { fine, warning, faulty, unknown };
+    enum class Remedy { none, signIn, chooseLibrary };
 
     State state = State::fine;
     QString title;
     QString text;
-    QString action = {};  ///< the button's words; empty for none
-    QString command = {}; ///< what the button does, in the words of the menus
+    Remedy remedy = Remedy::none;
 };
 
 /// The check of everything that can stand between a person and their backup, as the window shows
@@ -42,9 +42,11 @@ class SessionCheckModel final : public QObject {
     bool isRunning() const { return isRunning_; }
     /// "14:32'de denetlendi · 1 sorun, 2 uyarı, 4 madde yolunda"
     const QString& summary() const { return summary_; }
-    /// {state, symbol, title, text, action, command, name}: faults first, then warnings, then what
-    /// is fine, then what could not be looked at.
+    /// {state, symbol, title, text, action, name}, the action empty where no press helps: faults
+    /// first, then warnings, then what is fine, then what could not be looked at.
     const QVariantList& rows() const { return rows_; }
+
+    CheckedThing::Remedy remedyOf(int row) const;
 
     /// Shows itself, and looks.
     Q_INVOKABLE void show();
@@ -62,6 +64,7 @@ class SessionCheckModel final : public QObject {
     bool isShown_ = false;
     bool isRunning_ = false;
     QString summary_;
+    std::vector<CheckedThing> things_; ///< in the order of the rows
     QVariantList rows_;
     TaskRunner tasks_; ///< last, so that it ends first
 };

@@ -3,6 +3,7 @@
 #include "google/GoogleAlbum.h"
 #include "google/TransferActivityTracker.h"
 #include "library/PhotoAlbumService.h"
+#include "store/StoreCounts.h"
 #include "store/SyncRecord.h"
 #include "sync/ProductState.h"
 
@@ -31,6 +32,23 @@ inline constexpr std::array allAppThemes{AppTheme::system, AppTheme::light, AppT
 QString rawValue(AppTheme theme);
 /// An unknown text is `system`.
 AppTheme appThemeFrom(const QString& rawValue);
+
+/// What there is of each kind of record.
+struct RecordCounts {
+    StoreCounts records;
+    std::vector<FailedCategorySummary> categories;
+    bool operator==(const RecordCounts&) const = default;
+};
+
+/// The question before a run that would overflow the target album.
+struct PreSync {
+    bool show = false;
+    QString targetAlbumName;
+    QString nextPartName;
+    std::int64_t currentCount = 0;
+    std::int64_t pendingCount = 0;
+    bool operator==(const PreSync&) const = default;
+};
 
 /// {id, title, count, isSmart}
 QVariantMap toVariant(const LocalAlbumItem& album);

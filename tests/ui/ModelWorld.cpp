@@ -22,11 +22,12 @@ QJsonObject stateOf(const MenuBarViewModel& model) {
                                       QStringLiteral("peakUploadSpeedString"),
                                       QStringLiteral("selectedTargetAlbumID"),
                                       QStringLiteral("selectedSourceAlbumID"),
+                                      QStringLiteral("lastSyncTime"),
                                       QStringLiteral("lastSyncTimeString"),
                                       QStringLiteral("syncCompletedCount"),
                                       QStringLiteral("syncProgressFraction"),
                                       QStringLiteral("syncProgressPercentage")};
-    QJsonObject state;
+    QJsonObject state{{QStringLiteral("state"), rawValue(model.state())}};
     const QMetaObject& type = *model.metaObject();
     for (int i = 0; i < type.propertyCount(); ++i) {
         const QMetaProperty property = type.property(i);
@@ -85,7 +86,10 @@ void ModelWorld::restart() {
         [file = house.core.folders.runLock()] { return std::make_shared<RunLock>(file); },
         house.core.logger.logFile(), [this] { host.accountDidChange(); },
         [this](const QString& url) { return handOverURL(url); }, [this] { host.look(); },
-        [this](const std::stop_token&) { return checkedThings; }});
+        [this](const std::stop_token&) { return checkedThings; },
+        [](const FinishedRun& run) {
+            return QByteArray::number(run.outcome.verified) + " doğrulandı";
+        }});
 }
 
 ModelWorld::~ModelWorld() {

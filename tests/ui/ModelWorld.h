@@ -11,8 +11,9 @@ namespace quorvane::test {
 /// A desktop that keeps what it was asked.
 class FakeDesktop final : public Desktop {
   public:
-    void notify(const QString& title, const QString& text) override {
-        notices += title + QStringLiteral(": ") + text;
+    void notify(const Notice& notice) override {
+        notices += notice.title + QStringLiteral(": ") + notice.text;
+        latest = notice.about;
     }
     void open(const std::filesystem::path& file) override { opened = file; }
     void reveal(const std::filesystem::path& file) override { revealed = file; }
@@ -25,6 +26,7 @@ class FakeDesktop final : public Desktop {
     bool isMetered = false;
     std::function<void()> networkChanged;
     QStringList notices;
+    Notice::About latest = Notice::About::window;
     std::filesystem::path opened, revealed;
     bool isAutostarted = false;
 };

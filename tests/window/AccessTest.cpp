@@ -107,6 +107,7 @@ TEST_F(KeyboardTest, tabReachesEveryControlInOrderAndEachHasItsName) {
         {u"dismissError"_s, u"Kapat"_s, Button},
         {u"renewAccess"_s, u"İzni Yenile (Giriş Yap)"_s, Button},
         {u"reloadAlbums"_s, u"Google Albümlerini Yenile"_s, Button},
+        {u"runReport"_s, u"Son eşitlemenin raporu"_s, Button},
         {u"quarantineLink"_s, u"1 öğe inceleme bekliyor"_s, Button},
         {u"start"_s, u"Tekrar Dene"_s, Button},
         {u"deletion"_s, u"Yedeklenenleri Mac'ten Temizle"_s, CheckBox},
@@ -159,7 +160,18 @@ TEST_F(KeyboardTest, theKeyboardDoesWhatThePointerDoes) {
     key(Qt::Key_Tab);
     shot(u"focus-theme-light"_s);
     key(Qt::Key_Space);
-    key(Qt::Key_End);
+    QAccessibleInterface* row = QAccessible::queryAccessibleInterface(find(u"menuRow0"_s));
+    EXPECT_EQ(row->role(), QAccessible::MenuItem);
+    EXPECT_TRUE(row->state().checkable && row->state().checked);
+    QAccessibleInterface* ring = QAccessible::queryAccessibleInterface(find(u"ringValue"_s));
+    EXPECT_EQ(ring->role(), QAccessible::ProgressBar);
+    ASSERT_NE(ring->valueInterface(), nullptr);
+    EXPECT_EQ(ring->valueInterface()->currentValue(), 0);
+    EXPECT_EQ(ring->text(QAccessible::Name), window.dashboard().hero().ringName);
+    ASSERT_NE(ring->parent(), nullptr);
+    EXPECT_NE(ring->parent()->indexOfChild(ring), -1);
+    type(u"k"_s);
+    EXPECT_EQ(focus(), u"menuRow2"_s) << "a typed letter finds its row";
     key(Qt::Key_Return);
     EXPECT_EQ(model->appTheme(), AppTheme::dark);
     EXPECT_EQ(focus(), u"theme"_s) << "the focus returns to what opened the menu";
@@ -188,6 +200,44 @@ TEST_F(KeyboardTest, theKeyboardDoesWhatThePointerDoes) {
     key(Qt::Key_End);
     addLine();
     EXPECT_TRUE(lines->property("atYEnd").toBool());
+}
+
+TEST_F(KeyboardTest, onAShortScreenNothingLiesBelow) {
+    for (int i = 0; i < 30; ++i)
+        world.google.addAlbum(u"Albüm %1"_s.arg(i), i);
+    openLibrary();
+    signIn();
+    window.showWindowAndCenter();
+    QQuickView& view = *window.window();
+    const QSize size(440, 496); // 1920 by 1080 at 200 %, with a title bar
+    view.setMinimumSize(size);
+    view.setMaximumSize(size);
+    view.resize(size);
+    const auto expectInside = [&](const QStringList& names) {
+        for (const QString& name : names) {
+            QQuickItem* item = find(name);
+            ASSERT_NE(item, nullptr) << name.toStdString();
+            const QRectF place = item->mapRectToScene(QRectF(QPointF(), item->size()));
+            EXPECT_TRUE(QRectF(QPointF(), size).contains(place)) << name.toStdString();
+        }
+    };
+    struct Row {
+        QString opener;
+        QStringList shown;
+    };
+    for (const Row& row :
+         {Row{u"settings"_s, {u"settingsClose"_s, u"checkSession"_s}},
+          Row{u"target"_s, {u"menuRow0"_s, u"quit"_s}}, Row{u"theme"_s, {u"menuRow2"_s}}}) {
+        click(row.opener);
+        expectInside(row.shown);
+        key(Qt::Key_End);
+        expectInside({focus()});
+        key(Qt::Key_Escape);
+    }
+    find(u"deletion"_s)->forceActiveFocus(Qt::TabFocusReason);
+    settleView();
+    expectInside({u"deletion"_s});
+    shot(u"short-screen-light"_s);
 }
 
 } // namespace

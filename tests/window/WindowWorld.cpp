@@ -60,7 +60,7 @@ void WindowWorld::choose(const QString& opener, const QString& title) {
     QString row;
     forEachVisible(window.window()->contentItem(), [&](QQuickItem* item) {
         if (item->objectName().startsWith(QStringLiteral("menuRow")) &&
-            item->property("modelData").toMap().value(QStringLiteral("title")) == title)
+            item->property("title") == title)
             row = item->objectName();
     });
     ASSERT_FALSE(row.isEmpty()) << title.toStdString();
@@ -90,7 +90,7 @@ bool WindowWorld::awaitView(const std::function<bool()>& condition) {
 }
 
 void WindowWorld::settleView() {
-    const bool isAtConsentPage = model->isSigningIn() && browser.answer;
+    const bool isAtConsentPage = model->account().isSigningIn() && browser.answer;
     ASSERT_TRUE(model->isSyncing() || isAtConsentPage || settle());
     // What is drawn may ask for more, which is drawn then.
     for (int frame = 0; frame < 3; ++frame) {

@@ -1,6 +1,7 @@
 #include "app/gui/QuorvaneApp.h"
 
 #include "app/RunLock.h"
+#include "app/RunReport.h"
 #include "app/SessionCheck.h"
 #include "foundation/File.h"
 
@@ -32,13 +33,10 @@ CheckedThing shown(const Finding& finding) {
         thing.title += QStringLiteral(": ") + finding.what;
         thing.text = finding.advice;
     }
-    if (finding.remedy == Finding::Remedy::signIn) {
-        thing.action = QStringLiteral("Giriş Yap");
-        thing.command = QStringLiteral("signIn");
-    } else if (finding.remedy == Finding::Remedy::chooseLibrary) {
-        thing.action = QStringLiteral("Seç…");
-        thing.command = QStringLiteral("chooseLibrary");
-    }
+    if (finding.remedy == Finding::Remedy::signIn)
+        thing.remedy = CheckedThing::Remedy::signIn;
+    else if (finding.remedy == Finding::Remedy::chooseLibrary)
+        thing.remedy = CheckedThing::Remedy::chooseLibrary;
     return thing;
 }
 
@@ -55,10 +53,26 @@ QuorvaneApp::QuorvaneApp(const UserFolders& folders)
         chooseLibrary([this](AuthorizationStatus) { library_.startObserver(); });
     });
     QObject::connect(&window_, &MainWindowController::reportRequested, &model_, [this] {
-        dialogs_.chooseReport(pathFrom(QDir::homePath()), [this](auto file, bool keepsNames) {
-            window_.dashboard().lives()->saveReport(file, keepsNames ? Names::kept : Names::hidden);
-        });
+        const QStringList kinds{QStringLiteral("Rapor, dosya adları gizli (*.txt)"),
+                                QStringLiteral("Rapor, dosya adlarıyla (*.txt)")};
+        dialogs_.chooseFile(QStringLiteral("Raporu Kaydet"),
+                            pathFrom(QDir::home().filePath(QStringLiteral("quorvane-rapor.txt"))),
+                            kinds, [this](const auto& file, qsizetype kind) {
+                                window_.dashboard().lives()->saveReport(
+                                    file, kind == 1 ? Names::kept : Names::hidden);
+                            });
     });
+    QObject::connect(&window_, &MainWindowController::runReportRequested, &model_, [this] {
+        dialogs_.chooseFile(
+            QStringLiteral("Eşitleme Raporunu Kaydet"),
+            pathFrom(QDir::home().filePath(QStringLiteral("quorvane-esitleme.html"))),
+            {QStringLiteral("Eşitleme raporu (*.html)")},
+            [this](const auto& file, qsizetype) { window_.dashboard().runReport()->save(file); });
+    });
+    platform_.desktop.onNoticeOpened = [this](Notice::About about) {
+        window_.showWindowAndCenter();
+        window_.dashboard().open(about);
+    };
     QObject::connect(&window_, &MainWindowController::quitRequested, qApp, &QApplication::quit);
     platform_.follow(model_, window_);
 }
@@ -83,7 +97,17 @@ MenuBarViewModel::Services QuorvaneApp::modelServices() {
             [this] { library_.accountDidChange(); },
             [this](const QString& url) { return PlatformPorts::handOver(core_.folders, url); },
             [this] { library_.look(); },
-            [this](const std::stop_token& stop) { return checkedThings(stop); }};
+            [this](const std::stop_token& stop) { return checkedThings(stop); },
+            [this](const FinishedRun& run) { return reportPage(run); }};
+}
+
+QByteArray QuorvaneApp::reportPage(const FinishedRun& run) {
+    RunReport report = RunReport::of(run.session->run, run.outcome, RunReport::Extent::page);
+    report.library = pathText(run.session->root);
+    report.account = google_.account().email;
+    report.end = run.end;
+    report.seconds = run.seconds;
+    return report.html().toUtf8();
 }
 
 std::vector<CheckedThing> QuorvaneApp::checkedThings(const std::stop_token& stop) {

@@ -20,6 +20,7 @@ class QuorvaneApp {
 
   private:
     MenuBarViewModel::Services modelServices();
+    QByteArray reportPage(const FinishedRun& run);
     std::vector<CheckedThing> checkedThings(const std::stop_token& stop);
     AppDelegate::Platform launchPlatform();
     void chooseLibrary(const LibraryHost::Answer& answer);

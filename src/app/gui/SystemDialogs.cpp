@@ -58,21 +58,22 @@ void SystemDialogs::chooseLibrary(
     dialog->setWindowTitle(QStringLiteral("Fotoğraf Kitaplığını Seç"));
 }
 
-void SystemDialogs::chooseReport(
-    const std::filesystem::path& folder,
-    std::function<void(std::filesystem::path, bool keepsNames)> answer) {
-    const QString kept = QStringLiteral("Rapor, dosya adlarıyla (*.txt)");
-    auto* dialog = new QFileDialog(nullptr, QString(), pathText(folder));
+void SystemDialogs::chooseFile(const QString& title, const std::filesystem::path& suggested,
+                               const QStringList& kinds,
+                               std::function<void(std::filesystem::path, qsizetype kind)> answer) {
+    auto* dialog = new QFileDialog(nullptr, QString(), pathText(suggested.parent_path()));
     dialog->setAcceptMode(QFileDialog::AcceptSave);
-    dialog->setNameFilters({QStringLiteral("Rapor, dosya adları gizli (*.txt)"), kept});
-    dialog->setDefaultSuffix(QStringLiteral("txt"));
-    dialog->selectFile(QStringLiteral("quorvane-rapor.txt"));
+    dialog->setNameFilters(kinds);
+    dialog->setDefaultSuffix(pathText(suggested.extension()).mid(1));
+    dialog->selectFile(pathText(suggested.filename()));
     QObject::connect(dialog, &QFileDialog::fileSelected, dialog,
-                     [dialog, kept, answer = std::move(answer)](const QString& file) {
-                         answer(pathFrom(file), dialog->selectedNameFilter() == kept);
+                     [dialog, kinds, answer = std::move(answer)](const QString& file) {
+                         answer(
+                             pathFrom(file),
+                             std::max<qsizetype>(0, kinds.indexOf(dialog->selectedNameFilter())));
                      });
     show(dialog);
-    dialog->setWindowTitle(QStringLiteral("Raporu Kaydet"));
+    dialog->setWindowTitle(title);
 }
 
 } // namespace quorvane

@@ -23,10 +23,11 @@ class SystemDialogs {
     void chooseLibrary(const std::filesystem::path& startAt,
                        std::function<void(std::optional<std::filesystem::path>)> answer);
 
-    /// Where a report is to be written, and whether with the names of files. Nothing is answered
-    /// when the person chose nothing.
-    void chooseReport(const std::filesystem::path& folder,
-                      std::function<void(std::filesystem::path, bool keepsNames)> answer);
+    /// Where a file is to be written, and as which of the kinds, by its place among them ("Rapor
+    /// (*.txt)", the first is offered). Nothing is answered when the person chose nothing.
+    void chooseFile(const QString& title, const std::filesystem::path& suggested,
+                    const QStringList& kinds,
+                    std::function<void(std::filesystem::path, qsizetype kind)> answer);
 
   private:
     void show(QWidget* dialog);

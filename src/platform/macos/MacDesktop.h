@@ -12,8 +12,9 @@ class MacDesktop final : public Desktop {
   public:
     MacDesktop(std::filesystem::path home, Log& log) : home_(std::move(home)), log_(log) {}
 
-    /// The first notice has the system ask the person whether there may be any.
-    void notify(const QString& title, const QString& text) override;
+    /// The first notice has the system ask the person whether there may be any. A click on one
+    /// brings the program to the front, as the system does by itself, and opens nothing.
+    void notify(const Notice& notice) override;
     void open(const std::filesystem::path& file) override;
     void reveal(const std::filesystem::path& file) override;
     bool startsAtLogin() const override;

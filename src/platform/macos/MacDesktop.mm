@@ -8,13 +8,13 @@
 
 namespace quorvane {
 
-void MacDesktop::notify(const QString& title, const QString& text) {
+void MacDesktop::notify(const Notice& notice) {
     @autoreleasepool {
         if (![[NSBundle mainBundle] bundleIdentifier])
             return; // the centre knows bundles only
         auto* content = [[[UNMutableNotificationContent alloc] init] autorelease];
-        [content setTitle:stringOf(title)];
-        [content setBody:stringOf(text)];
+        [content setTitle:stringOf(notice.title)];
+        [content setBody:stringOf(notice.text)];
         UNNotificationRequest* request =
             [UNNotificationRequest requestWithIdentifier:[[NSUUID UUID] UUIDString]
                                                  content:content

@@ -9,7 +9,7 @@ Sheet {
     readonly property bool canCreate: field.text.trim().length > 0
 
     function begin() {
-        field.text = dashboard.model.suggestNewAlbumTitle();
+        field.text = dashboard.suggestNewAlbumTitle();
         field.selectAll();
         shown = true;
     }
@@ -17,7 +17,7 @@ Sheet {
         if (!canCreate)
             return;
         shown = false;
-        dashboard.model.createGoogleAlbum(field.text);
+        dashboard.createAlbum(field.text);
     }
 
     width: 360

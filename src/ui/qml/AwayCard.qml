@@ -114,12 +114,12 @@ Card {
             kind: "filled"
             symbol: "arrow.triangle.2.circlepath"
             text: "Yeniden Bak"
-            onClicked: card.dashboard.model.lookForLibrary()
+            onClicked: card.dashboard.lookForLibrary()
         }
         second: ActionButton {
             objectName: "otherLibrary"
             text: "Başka Kitaplık…"
-            onClicked: card.dashboard.choose("chooseLibrary")
+            onClicked: card.dashboard.chooseLibrary()
         }
     }
 }

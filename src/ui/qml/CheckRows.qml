@@ -7,7 +7,7 @@ Rectangle {
     id: table
 
     property var rows: []
-    signal chosen(string command)
+    signal chosen(int row)
 
     height: rows.length > 0 ? column.height + 2 : 0
     visible: rows.length > 0
@@ -79,12 +79,12 @@ Rectangle {
                 }
                 ActionButton {
                     id: action
-                    objectName: "check-" + thing.modelData.command
+                    objectName: "checkHelp" + thing.index
                     x: parent.width - width - 13
                     small: true
                     visible: text.length > 0
                     text: thing.modelData.action
-                    onClicked: table.chosen(thing.modelData.command)
+                    onClicked: table.chosen(thing.index)
                     anchors.verticalCenter: parent.verticalCenter
                 }
                 Rectangle {

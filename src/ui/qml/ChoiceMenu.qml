@@ -3,39 +3,36 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Quorvane
 
-/// A menu of rows (see Dashboard) under the control that opens it, or above where there is no room.
+/// A menu under the control that opens it, or above where there is more room. What does not fit
+/// scrolls, and typed letters find a row.
 Popup {
     id: menu
 
-    property var rows: []
+    required property MenuModel rows
     property string name
     /// Below the opener; above it, the distance is always 4.
     property real gap: 4
     readonly property real longest: 326
-    signal chosen(string command, string value)
-
     readonly property real wanted:
-        Math.min(longest, rows.reduce((sum, row) => sum + heightOf(row), 0)) + 10
+        Math.min(longest, rows.entryCount * 32 + rows.headerCount * 26 + rows.lineCount * 9) + 10
+    /// In the window, where the menu is.
+    property real room: wanted
 
-    function heightOf(row: var): real {
-        return row.kind === "entry" ? 32 : row.kind === "header" ? 26 : 9;
-    }
     function openByKeyboard(byKeyboard: bool) {
-        const below = parent.mapToItem(null, 0, parent.height).y + gap;
-        const above = parent.mapToItem(null, 0, 0).y - 4;
-        y = below + wanted <= parent.Window.height - 4 || below > above && wanted > above
-            ? parent.height + gap : -4 - wanted;
+        const below = parent.Window.height - 4 - gap - parent.mapToItem(null, 0, parent.height).y;
+        const above = parent.mapToItem(null, 0, 0).y - 8;
+        room = wanted <= below ? below : Math.max(below, above);
+        y = Qt.binding(() => room === below ? parent.height + gap : -4 - height);
         open();
-        list.currentIndex = Math.max(0, rows.findIndex(row => row.isChecked && row.isEnabled));
-        list.positionViewAtIndex(list.currentIndex, ListView.Contain);
-        list.focusCurrent(byKeyboard);
+        list.typed = "";
+        list.go(rows.chosenRow(), byKeyboard);
     }
 
     onAboutToHide: parent.forceActiveFocus(list.usedByKeyboard ? Qt.TabFocusReason : Qt.PopupFocusReason)
 
     padding: 5
     focus: true
-    height: wanted
+    height: Math.min(wanted, room)
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
     enter: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.fadeTime } }
     exit: Transition { NumberAnimation { property: "opacity"; to: 0; duration: Theme.fadeTime } }
@@ -50,25 +47,25 @@ Popup {
         id: list
 
         property bool usedByKeyboard: false
+        property string typed
 
-        function focusCurrent(byKeyboard: bool) {
+        function go(row: int, byKeyboard: bool) {
+            if (row < 0)
+                return;
             usedByKeyboard = byKeyboard;
+            currentIndex = row;
+            positionViewAtIndex(row, ListView.Contain);
             if (currentItem)
                 currentItem.forceActiveFocus(byKeyboard ? Qt.TabFocusReason : Qt.PopupFocusReason);
         }
-        function move(step: int) {
-            let next = currentIndex + step;
-            while (next >= 0 && next < count && !menu.rows[next].isEnabled)
-                next += Math.sign(step);
-            if (next < 0 || next >= count)
-                return;
-            currentIndex = next;
-            focusCurrent(true);
+        function type(letters: string) {
+            typed += letters;
+            forgetting.restart();
+            go(menu.rows.rowTyped(typed, currentIndex), true);
         }
-        function pick(index: int) {
-            const row = menu.rows[index];
+        function pick(row: int) {
             menu.close();
-            menu.chosen(row.command, row.value);
+            menu.rows.choose(row);
         }
 
         width: menu.availableWidth
@@ -76,31 +73,41 @@ Popup {
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         highlightMoveDuration: 0
-        model: menu.opened || menu.visible ? menu.rows : []
+        model: menu.opened || menu.visible ? menu.rows : null
         keyNavigationEnabled: false
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.name
-        Keys.onUpPressed: move(-1)
-        Keys.onDownPressed: move(1)
+        Keys.onUpPressed: go(menu.rows.rowFrom(currentIndex, -1), true)
+        Keys.onDownPressed: go(menu.rows.rowFrom(currentIndex, 1), true)
         Keys.onPressed: event => {
             const far = { [Qt.Key_Home]: -currentIndex, [Qt.Key_End]: count - 1 - currentIndex,
                           [Qt.Key_PageUp]: -Math.min(7, currentIndex),
                           [Qt.Key_PageDown]: Math.min(7, count - 1 - currentIndex) }[event.key];
-            if (far === undefined)
-                return;
-            event.accepted = true;
-            if (far !== 0)
-                move(far);
+            const isText = /^[^\x00-\x20\x7f]/.test(event.text)
+                && !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier));
+            event.accepted = far !== undefined || isText;
+            if (far)
+                go(menu.rows.rowFrom(currentIndex, far), true);
+            else if (far === undefined && isText)
+                type(event.text);
         }
+        Timer { id: forgetting; interval: 1000; onTriggered: list.typed = "" }
         delegate: MenuRow {
             required property int index
 
             width: ListView.view.width
-            height: menu.heightOf(modelData)
+            height: isEntry ? 32 : isLine ? 9 : 26
             objectName: "menuRow" + index
+            showsFocus: list.usedByKeyboard
             onClicked: list.pick(index)
             Keys.onReturnPressed: list.pick(index)
             Keys.onEnterPressed: list.pick(index)
+            Keys.onSpacePressed: {
+                if (list.typed.length > 0)
+                    list.type(" ");
+                else
+                    list.pick(index);
+            }
         }
         ScrollBar.vertical: ScrollThumb { }
     }

@@ -50,7 +50,7 @@ Card {
         Accessible.name: title.text
         Accessible.description: subtitle.text
         onToggled: {
-            card.dashboard.model.isAutoDeleteEnabled = checked;
+            card.dashboard.isAutoDeleteEnabled = checked;
             checked = Qt.binding(() => enabled && card.dashboard.isAutoDeleteEnabled);
         }
     }

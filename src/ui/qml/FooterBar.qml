@@ -24,7 +24,7 @@ Item {
         height: 36
         focusPolicy: Qt.StrongFocus
         hoverEnabled: true
-        onClicked: footer.dashboard.model.openLogFile()
+        onClicked: footer.dashboard.openLogFile()
         Accessible.role: Accessible.Button
         Accessible.name: label.text
         Keys.onReturnPressed: logFile.clicked()
@@ -72,7 +72,6 @@ Item {
                 width: 148
                 name: theme.name
                 rows: footer.dashboard.themeMenu
-                onChosen: (command, value) => footer.dashboard.choose(command, value)
             }
         }
         IconButton {
@@ -80,7 +79,7 @@ Item {
             symbol: "sidebar.right"
             name: "Ağ Denetçisi"
             active: footer.dashboard.isInspectorOpen
-            onClicked: footer.dashboard.model.toggleInspector()
+            onClicked: footer.dashboard.toggleInspector()
         }
         IconButton {
             objectName: "settings"
@@ -92,7 +91,7 @@ Item {
             objectName: "quit"
             symbol: "power"
             name: "Çıkış"
-            onClicked: footer.dashboard.choose("quit")
+            onClicked: footer.dashboard.quit()
         }
     }
 }

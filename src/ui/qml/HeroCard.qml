@@ -54,6 +54,17 @@ Card {
             wrapMode: Text.Wrap
             visible: !card.hero.canStop
         }
+        ActionButton {
+            objectName: "runReport"
+            x: -leftPadding
+            height: 24
+            small: true
+            kind: "link"
+            text: "Rapor…"
+            Accessible.name: "Son eşitlemenin raporu"
+            visible: !card.hero.canStop && card.dashboard.runReport.isOffered
+            onClicked: card.dashboard.runReport.request()
+        }
         Row {
             spacing: 8
             visible: card.hero.canStop
@@ -98,7 +109,7 @@ Card {
         width: parent.width - 34
         text: card.hero.quarantine
         visible: text.length > 0
-        onClicked: card.dashboard.model.showQuarantineSheet = true
+        onClicked: card.dashboard.showReview()
     }
     ButtonPair {
         id: pair
@@ -111,13 +122,13 @@ Card {
             kind: "filled"
             symbol: "arrow.triangle.2.circlepath"
             text: "Şimdi Dene"
-            onClicked: card.dashboard.model.tryNow()
+            onClicked: card.dashboard.tryNow()
         }
         second: ActionButton {
             objectName: pair.visible ? "stop" : ""
             symbol: "stop.fill"
             text: "Eşitlemeyi Durdur"
-            onClicked: card.dashboard.model.stopSync()
+            onClicked: card.dashboard.stopSync()
         }
     }
     ActionButton {
@@ -129,6 +140,6 @@ Card {
         kind: card.hero.canStop ? "outline" : "filled"
         symbol: card.hero.canStop ? "stop.fill" : "arrow.triangle.2.circlepath"
         text: card.hero.canStop ? "Eşitlemeyi Durdur" : card.hero.startTitle
-        onClicked: card.hero.canStop ? card.dashboard.model.stopSync() : card.dashboard.model.triggerSync()
+        onClicked: card.hero.canStop ? card.dashboard.stopSync() : card.dashboard.startSync()
     }
 }

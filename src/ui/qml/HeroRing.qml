@@ -25,10 +25,14 @@ Ring {
     track: tone.track
     arc: tone.ink
     fraction: hero.fraction
-    Accessible.role: Accessible.ProgressBar
-    Accessible.name: hero.ringName
-    Accessible.description: hero.percent
 
+    Progress {
+        objectName: "ringValue"
+        anchors.fill: parent
+        value: ring.hero.fraction * 100
+        Accessible.role: Accessible.ProgressBar
+        Accessible.name: ring.hero.ringName
+    }
     Behavior on fraction {
         enabled: ring.isSyncing && ring.hero.fraction > ring.fraction
         NumberAnimation { duration: Theme.progressTime }

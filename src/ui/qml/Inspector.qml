@@ -46,7 +46,7 @@ Rectangle {
         y: 6
         symbol: "xmark"
         name: "Kapat"
-        onClicked: panel.dashboard.model.toggleInspector()
+        onClicked: panel.dashboard.toggleInspector()
     }
 
     Flickable {

@@ -66,6 +66,6 @@ Card {
         kind: card.isBusy ? "outline" : "filled"
         symbol: card.isBusy ? "xmark" : "person.crop.circle.badge.plus"
         text: card.isBusy ? "Vazgeç" : "Yeniden Giriş Yap"
-        onClicked: card.isBusy ? card.dashboard.model.cancelSignIn() : card.dashboard.model.signIn()
+        onClicked: card.isBusy ? card.dashboard.cancelSignIn() : card.dashboard.signIn()
     }
 }

@@ -86,7 +86,7 @@ Item {
                 text: column.dashboard.errorMessage
                 visible: text.length > 0
                 dismissible: true
-                onDismissed: column.dashboard.model.dismissError()
+                onDismissed: column.dashboard.dismissError()
                 Layout.row: 1
                 Layout.fillWidth: true
                 Layout.margins: 16

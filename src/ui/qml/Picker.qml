@@ -12,9 +12,8 @@ AbstractButton {
     property string detail
     /// Shown while the pointer rests on the row.
     property string tip
-    property alias rows: menu.rows
+    required property MenuModel rows
     property alias menuGap: menu.gap
-    signal chosen(string command, string value)
 
     implicitHeight: 52
     focusPolicy: Qt.StrongFocus
@@ -90,6 +89,6 @@ AbstractButton {
         x: -1
         width: control.width + 2
         name: control.caption
-        onChosen: (command, value) => control.chosen(command, value)
+        rows: control.rows
     }
 }

@@ -34,7 +34,6 @@ Column {
             tip: column.dashboard.library.kind + "\n" + column.dashboard.library.path
             value: column.route.source
             rows: column.dashboard.sourceMenu
-            onChosen: (command, value) => column.dashboard.choose(command, value)
         }
         Rectangle {
             x: 61
@@ -65,7 +64,6 @@ Column {
             detail: column.route.targetCount
             rows: column.dashboard.targetMenu
             menuGap: 8
-            onChosen: (command, value) => column.dashboard.choose(command, value)
         }
         LimitBanner {
             id: banner

@@ -46,8 +46,8 @@ Card {
             accentSymbol: true
             symbol: "lock.shield.fill"
             text: card.dashboard.account.isSigningIn ? "Vazgeç" : "İzni Yenile (Giriş Yap)"
-            onClicked: card.dashboard.account.isSigningIn ? card.dashboard.model.cancelSignIn()
-                                                          : card.dashboard.model.reauthorizeGoogle()
+            onClicked: card.dashboard.account.isSigningIn ? card.dashboard.cancelSignIn()
+                                                          : card.dashboard.renewAccess()
         }
         ActionButton {
             objectName: "reloadAlbums"
@@ -56,7 +56,7 @@ Card {
             symbol: "arrow.clockwise.circle.fill"
             text: "Google Albümlerini Yenile"
             enabled: !card.dashboard.route.isLoadingAlbums
-            onClicked: card.dashboard.model.loadGoogleAlbums()
+            onClicked: card.dashboard.loadAlbums()
         }
     }
     SignInHelp {

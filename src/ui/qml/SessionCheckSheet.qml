@@ -52,10 +52,7 @@ Sheet {
                 id: table
                 width: middle.width
                 rows: sheet.check.rows
-                onChosen: command => {
-                    sheet.check.hide();
-                    sheet.dashboard.choose(command);
-                }
+                onChosen: row => sheet.dashboard.help(row)
             }
         }
         ActionButton {

@@ -10,7 +10,6 @@ Sheet {
 
     required property Dashboard dashboard
     readonly property LibrarySettings library: dashboard.librarySettings
-    readonly property MenuBarViewModel model: dashboard.model
     readonly property AutoSync automatic: dashboard.automatic
 
     shown: library.isShown
@@ -78,7 +77,7 @@ Sheet {
                             text: "Değiştir…"
                             onClicked: {
                                 sheet.library.hide();
-                                sheet.dashboard.choose("chooseLibrary");
+                                sheet.dashboard.chooseLibrary();
                             }
                         }
                     }
@@ -149,7 +148,6 @@ Sheet {
                                 width: 160
                                 name: "Yükleme sınırı"
                                 rows: sheet.dashboard.uploadLimitMenu
-                                onChosen: (command, value) => sheet.dashboard.choose(command, value)
                             }
                         }
                     }
@@ -203,15 +201,15 @@ Sheet {
                         controlName: "notifications"
                         title: "Bildirimler"
                         note: "Biten eşitleme ve sizden beklenen işler"
-                        isOn: sheet.model.areNotificationsEnabled
-                        onChosen: isOn => sheet.model.areNotificationsEnabled = isOn
+                        isOn: sheet.dashboard.areNotificationsEnabled
+                        onChosen: isOn => sheet.dashboard.areNotificationsEnabled = isOn
                     }
                     SettingSwitch {
                         controlName: "startAtLogin"
                         isLast: true
                         title: "Oturum açılınca başlat"
-                        isOn: sheet.model.startsAtLogin
-                        onChosen: isOn => sheet.model.startsAtLogin = isOn
+                        isOn: sheet.dashboard.startsAtLogin
+                        onChosen: isOn => sheet.dashboard.startsAtLogin = isOn
                     }
                 }
             }
@@ -226,7 +224,7 @@ Sheet {
                 text: "Oturum Denetimi…"
                 onClicked: {
                     sheet.library.hide();
-                    sheet.dashboard.choose("checkSession");
+                    sheet.dashboard.sessionCheck.show();
                 }
             }
             ActionButton {
@@ -237,7 +235,7 @@ Sheet {
                 text: "Oturumu Kapat"
                 onClicked: {
                     sheet.library.hide();
-                    sheet.dashboard.choose("signOut");
+                    sheet.dashboard.signOut();
                 }
             }
         }

@@ -34,7 +34,7 @@ Loader {
             width: parent.width
             placeholderText: "Tarayıcı dönmezse vardığı adresi yapıştırıp Enter'a basın"
             onAccepted: {
-                help.dashboard.model.pasteCallback(text);
+                help.dashboard.pasteCallback(text);
                 clear();
             }
         }

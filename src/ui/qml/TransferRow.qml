@@ -2,7 +2,7 @@ import QtQuick
 import Quorvane
 
 /// One upload: its name, how far it is, and a bar that glides.
-Item {
+Progress {
     id: row
 
     required property int index
@@ -14,6 +14,7 @@ Item {
     property bool isLast: false
 
     height: 48
+    value: progress * 100
     Accessible.role: Accessible.ProgressBar
     Accessible.name: fileName + ", " + progressName
 

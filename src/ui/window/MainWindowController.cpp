@@ -1,7 +1,9 @@
 #include "ui/window/MainWindowController.h"
 
+#include "ui/window/Progress.h"
 #include "ui/window/Thumbnails.h"
 
+#include <QAccessible>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
@@ -25,6 +27,15 @@ constexpr int resizeTime = 220; // milliseconds
 constexpr int saveDelay = 1000; // milliseconds after the last move
 const QString frameKey = QStringLiteral("QuorvaneMainWindow");
 
+/// Has a screen reader say it. Before 6.8 the toolkit has no way to, and only the changed names of
+/// the ring and the title tell.
+void announce([[maybe_unused]] QQuickItem* about, [[maybe_unused]] const QString& text) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    QAccessibleAnnouncementEvent event(about, text);
+    QAccessible::updateAccessibility(&event);
+#endif
+}
+
 void useWindowFont() {
     const QString family = QStringLiteral("Inter");
     if (!QFontDatabase::hasFamily(family))
@@ -46,6 +57,8 @@ MainWindowController::MainWindowController(MenuBarViewModel& model, AutoSync& au
             &MainWindowController::chooseLibraryRequested);
     connect(dashboard_.lives(), &InspectorModel::reportRequested, this,
             &MainWindowController::reportRequested);
+    connect(dashboard_.runReport(), &RunReportModel::requested, this,
+            &MainWindowController::runReportRequested);
     connect(&dashboard_, &Dashboard::quitRequested, this, &MainWindowController::quitRequested);
     connect(&model_, &MenuBarViewModel::inspectorToggled, this,
             [this] { setInspectorExpanded(model_.isInspectorOpen(), true); });
@@ -68,6 +81,7 @@ void MainWindowController::prepare() {
     if (view_)
         return;
     registerQml();
+    Progress::makeAccessible();
     useWindowFont();
     view_ = std::make_unique<QQuickView>();
     view_->engine()->addImportPath(QStringLiteral(":/"));
@@ -82,6 +96,11 @@ void MainWindowController::prepare() {
     view_->setSource(QUrl(QStringLiteral("qrc:/Quorvane/Main.qml")));
     connect(view_.get(), &QWindow::visibilityChanged, this, [this](QWindow::Visibility visibility) {
         dashboard_.setLive(visibility != QWindow::Hidden && visibility != QWindow::Minimized);
+    });
+    connect(&model_, &MenuBarViewModel::stateChanged, this, [this] {
+        const QString title = titleOf(model_.state(), model_.facts());
+        if (dashboard_.isLive() && std::exchange(announced_, title) != title)
+            announce(view_->rootObject(), title);
     });
     saving_.setSingleShot(true);
     saving_.setInterval(saveDelay);
@@ -110,10 +129,17 @@ QRect MainWindowController::availableGeometry() const {
     return screen == nullptr ? QRect(0, 0, wideWidth, height) : screen->availableGeometry();
 }
 
+/// Of the title bar and the borders; before the window was ever shown nobody can tell.
+QMargins MainWindowController::frameMargins() const {
+    constexpr QMargins usual(0, 40, 0, 4);
+    const QMargins told = view_->frameMargins();
+    return told.isNull() ? usual : told;
+}
+
 void MainWindowController::showWindowAndCenter() {
     prepare();
     resizing_.stop();
-    const QRect available = availableGeometry();
+    const QRect available = availableGeometry().marginsRemoved(frameMargins());
     QRect frame(0, 0, wantedWidth(), std::min(height, available.height()));
     frame.moveCenter(available.center());
     resizeTo(frame);

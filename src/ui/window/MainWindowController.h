@@ -46,6 +46,7 @@ class MainWindowController final : public QObject {
   Q_SIGNALS:
     void chooseLibraryRequested();
     void reportRequested();
+    void runReportRequested();
     void quitRequested();
 
   protected:
@@ -55,6 +56,7 @@ class MainWindowController final : public QObject {
     bool isDark() const;
     int wantedWidth() const;
     QRect availableGeometry() const;
+    QMargins frameMargins() const;
     void resizeTo(QRect frame);
     void saveFrame();
     void updateLook();
@@ -65,6 +67,7 @@ class MainWindowController final : public QObject {
     AppTheme theme_;
     bool reducesMotion_ = false;
     std::optional<bool> systemIsDark_;
+    QString announced_; ///< the latest title of the state
     QVariantAnimation resizing_;
     QTimer saving_; ///< of the frame, once it rests
     std::unique_ptr<QQuickView> view_;

@@ -7,13 +7,6 @@
 /// Makes the types below the window known to QML, which cannot name them itself.
 namespace quorvane {
 
-struct MenuBarViewModelForQml {
-    Q_GADGET
-    QML_FOREIGN(quorvane::MenuBarViewModel)
-    QML_NAMED_ELEMENT(MenuBarViewModel)
-    QML_UNCREATABLE("made by the program")
-};
-
 struct DashboardForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::Dashboard)
@@ -67,6 +60,20 @@ struct InspectorModelForQml {
     Q_GADGET
     QML_FOREIGN(quorvane::InspectorModel)
     QML_NAMED_ELEMENT(InspectorModel)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct RunReportModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::RunReportModel)
+    QML_NAMED_ELEMENT(RunReportModel)
+    QML_UNCREATABLE("made by the program")
+};
+
+struct MenuModelForQml {
+    Q_GADGET
+    QML_FOREIGN(quorvane::MenuModel)
+    QML_NAMED_ELEMENT(MenuModel)
     QML_UNCREATABLE("made by the program")
 };
 

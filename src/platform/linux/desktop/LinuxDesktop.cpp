@@ -8,7 +8,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QFile>
 #include <QUrl>
-#include <QVariantMap>
 
 namespace quorvane {
 
@@ -26,22 +25,11 @@ QByteArray autostartText(const std::filesystem::path& program) {
 } // namespace
 
 LinuxDesktop::LinuxDesktop(DesktopEnvironment environment, Log& log)
-    : environment_(std::move(environment)), log_(log) {}
-
-void LinuxDesktop::notify(const QString& title, const QString& text) {
-    if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
-        return; // no session: asking for its bus would start one
-    auto call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.Notifications"),
-                                               QStringLiteral("/org/freedesktop/Notifications"),
-                                               QStringLiteral("org.freedesktop.Notifications"),
-                                               QStringLiteral("Notify"));
-    const uint replacesNone = 0;
-    const int serversOwnTime = -1;
-    call.setArguments({QStringLiteral("Quorvane"), replacesNone, QStringLiteral("quorvane"), title,
-                       text.toHtmlEscaped(), QStringList(),
-                       QVariantMap{{QStringLiteral("desktop-entry"), QStringLiteral("quorvane")}},
-                       serversOwnTime});
-    QDBusConnection::sessionBus().send(call);
+    : environment_(std::move(environment)), log_(log) {
+    notifications_.onOpened = [this](Notice::About about) {
+        if (onNoticeOpened)
+            onNoticeOpened(about);
+    };
 }
 
 void LinuxDesktop::open(const std::filesystem::path& file) {

@@ -4,6 +4,7 @@
 #include "platform/linux/BrowserProcess.h"
 #include "platform/linux/DesktopEnvironment.h"
 #include "platform/linux/desktop/NetworkMeter.h"
+#include "platform/linux/desktop/Notifications.h"
 #include "ui/Desktop.h"
 
 #include <QObject>
@@ -16,8 +17,7 @@ class LinuxDesktop final : public Desktop {
   public:
     LinuxDesktop(DesktopEnvironment environment, Log& log);
 
-    /// Nothing is waited for: a session without a notification service shows nothing.
-    void notify(const QString& title, const QString& text) override;
+    void notify(const Notice& notice) override { notifications_.show(notice); }
     void open(const std::filesystem::path& file) override;
     void reveal(const std::filesystem::path& file) override;
     bool startsAtLogin() const override;
@@ -32,6 +32,7 @@ class LinuxDesktop final : public Desktop {
     Log& log_;
     BrowserProcess opener_;
     QObject calls_; ///< what waits for an answer ends with it
+    Notifications notifications_;
     NetworkMeter meter_;
 };
 
