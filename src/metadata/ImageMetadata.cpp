@@ -64,10 +64,11 @@ QByteArray stampedBlock(ByteView block, const exif::Stamp& stamp) {
 
 Rewrite stampedAll(ByteView image, ImageFormat format, const exif::Stamp& stamp,
                    const std::stop_token& stop) {
-    if (format == ImageFormat::tiff)
-        return exif::stamp(image, stamp);
-    const QByteArray block = exifOf(image, format, stop).value_or(QByteArray());
-    const QByteArray exif = stampedBlock(viewOf(block), stamp);
+    QByteArray exif;
+    if (format != ImageFormat::tiff) {
+        const QByteArray block = exifOf(image, format, stop).value_or(QByteArray());
+        exif = stampedBlock(viewOf(block), stamp);
+    }
     switch (format) {
     case ImageFormat::jpeg:
         return jpeg::replaceExif(image, viewOf(exif), {.stop = stop});
@@ -75,9 +76,12 @@ Rewrite stampedAll(ByteView image, ImageFormat format, const exif::Stamp& stamp,
         return png::replaceExif(image, viewOf(exif), {.stop = stop});
     case ImageFormat::webp:
         return webp::replaceExif(image, viewOf(exif), {.stop = stop});
-    default:
+    case ImageFormat::heif:
         return heif::replaceExif(image, viewOf(exif), {.stop = stop});
+    case ImageFormat::tiff:
+        break;
     }
+    return exif::stamp(image, stamp);
 }
 
 /// Where there is no room for all of it, without the place, and then only in the date fields that
