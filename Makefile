@@ -1,5 +1,5 @@
 # The front door: every target works from a clean clone on Debian 12.
-.PHONY: help build demo demo-ui run packaged install deb app dmg test bench soak sweep fuzz format lint setup clean
+.PHONY: help build demo demo-ui run packaged install deb app dmg test check bench soak sweep fuzz format lint setup clean
 
 PREFIX ?= /usr/local
 
@@ -10,6 +10,7 @@ help:
 	@echo 'make install into PREFIX=/usr/local, below DESTDIR if given; make deb: a Debian package'
 	@echo 'make app     on a Mac: build/Quorvane.app; make dmg: a disk image of it'
 	@echo 'make test    build and run every test (development, address and thread sanitizer)'
+	@echo 'make check   test, the format and deb, as continuous integration does'
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure beside other programs, into build/bench.json (PARTS="store upload": these)'
 	@echo 'make soak    kill the program at random instants for 20 minutes (MINUTES=n: for n)'
@@ -57,6 +58,11 @@ dmg: app
 test:
 	@scripts/setup.sh build test run
 	@scripts/test.sh
+
+check: test
+	@scripts/setup.sh lint package
+	@scripts/lint.sh --format
+	@$(MAKE) deb
 
 bench: build
 	@scripts/setup.sh bench || echo 'Some peers could not be installed: their rows are left out.' >&2

@@ -42,8 +42,8 @@ SignInOutcome GoogleOAuthManager::signIn(const std::stop_token& stop,
     request.isAddressShown = showAddress != nullptr;
     request.page = [&](const QString& uri) {
         redirectURI = uri;
-        const QUrl url = oauth::authorizationURL(with_.endpoints.authorization, clientID, uri,
-                                                 pkce.challenge, request.state);
+        QUrl url = oauth::authorizationURL(with_.endpoints.authorization, clientID, uri,
+                                           pkce.challenge, request.state);
         if (showAddress)
             showAddress(url);
         return url;
@@ -237,7 +237,7 @@ std::optional<QString> GoogleOAuthManager::renewedAccessToken(const QString& ref
                                                               std::stop_token stop) {
     auto refresh = refresh_.lock();
     if (!refresh->task) {
-        const auto accessToken = with_.tokens.readToken(tokenKeys::accessToken);
+        auto accessToken = with_.tokens.readToken(tokenKeys::accessToken);
         if (accessToken && *accessToken != refused)
             return accessToken; // another caller was refused it first
         if (!with_.tokens.readToken(tokenKeys::refreshToken))

@@ -94,8 +94,8 @@ TEST_F(CliTest, aLibraryIsBackedUpAndWhatIsHeldBackIsNamed) {
     EXPECT_EQ(counts[SyncStatus::dateUnresolved], forecast[0][u"undated"_s].toInt() + 1);
     const QString page = QString::fromUtf8(readFile(folder / "rapor.html"));
     EXPECT_TRUE(page.contains(u"&lt;i&gt;tarihsiz &amp; 1.jpg"_s)) << page.toStdString();
-    EXPECT_TRUE(page.contains(
-        u"<td>Doğrulanan (toplam)</td><td class=\"count\">%1<"_s.arg(counts[SyncStatus::verified])));
+    EXPECT_TRUE(page.contains(u"<td>Doğrulanan (toplam)</td><td class=\"count\">%1<"_s.arg(
+        counts[SyncStatus::verified])));
     for (const QString& outside : {u"<script"_s, u"http"_s, u"src="_s, u"<i>tarih"_s})
         EXPECT_FALSE(page.contains(outside)) << outside.toStdString();
     EXPECT_GT(counts[SyncStatus::dateUnresolved], 0);

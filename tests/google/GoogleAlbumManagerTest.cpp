@@ -1,6 +1,5 @@
 #include "google/GoogleAlbumManager.h"
 
-
 #include "google/ScriptedHttp.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
