@@ -15,10 +15,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             database.assetsOf(album);
         for (const SmartAlbum& album : smartAlbums())
             database.counts({album.condition});
-        for (const auto& [uuid, original] : database.originals()) {
-            database.filesOf(uuid);
-            database.captionOf(uuid);
-        }
+        std::int64_t after = 0;
+        for (auto some = database.originals(after); !some.empty(); some = database.originals(after))
+            for (const PhotosAssetFiles& original : some) {
+                database.filesOf(original.uuid);
+                database.captionOf(original.uuid);
+            }
     } catch (const Error&) {
         return 0; // refused
     }

@@ -24,12 +24,21 @@ bool isPlain(const path& name) {
            std::ranges::none_of(name, [](const path& part) { return part == ".."; });
 }
 
-/// Where the original of an asset may lie inside the bundle, its proper place first.
-std::vector<path> places(const PhotosAssetFiles& asset) {
+/// Whether the row names what a library of Photos names: nothing else is looked for in the bundle.
+bool isInBundle(const PhotosAssetFiles& asset) {
+    const path directory = pathFrom(asset.directory);
+    return isPlain(pathFrom(asset.filename)) && (directory.empty() || isPlain(directory));
+}
+
+path properPlace(const PhotosAssetFiles& asset) {
+    return path("originals") / pathFrom(asset.directory) / pathFrom(asset.filename);
+}
+
+/// Where the original of an asset may lie instead.
+std::vector<path> furtherPlaces(const PhotosAssetFiles& asset) {
     const path directory = pathFrom(asset.directory), file = pathFrom(asset.filename);
     const path letter = pathFrom(asset.uuid.left(1));
-    std::vector<path> places{path("originals") / directory / file,
-                             path("scopes/momentshared/originals") / letter / file,
+    std::vector<path> places{path("scopes/momentshared/originals") / letter / file,
                              path("scopes/syndication/originals") / letter / file};
     std::vector<path> shared{file};
     if (asset.mediaType == AssetMediaType::video) {
@@ -177,31 +186,35 @@ std::vector<PhotoAssetResource> BundleLayout::resources(const PhotosAssetFiles& 
     return resources;
 }
 
-std::optional<AbsentOriginal> BundleLayout::absence(const PhotosAssetFiles& asset) const {
-    return originalOf(asset).absence;
+std::optional<AbsentOriginal> BundleLayout::absence(const PhotosAssetFiles& asset,
+                                                    FoldersBeneath& bundle) const {
+    if (pathFrom(asset.directory).is_absolute())
+        return originalOf(asset).absence;
+    const auto isMissing = [&bundle](const path& place) { return bundle.isMissing(place); };
+    if (!isInBundle(asset) || !isMissing(properPlace(asset)) ||
+        !std::ranges::all_of(furtherPlaces(asset), isMissing))
+        return std::nullopt;
+    return AbsentOriginal{
+        AbsentOriginal::Why::onlyInCloud,
+        QStringLiteral("%1 yalnızca iCloud'da, özgün dosyası bu bilgisayarda değil")
+            .arg(nameOf(asset))};
 }
 
 /// A row that names what no library of Photos names gets no location: whoever asks for its bytes is
 /// refused.
 BundleLayout::Original BundleLayout::originalOf(const PhotosAssetFiles& asset) const {
-    const path directory = pathFrom(asset.directory);
-    if (!isPlain(pathFrom(asset.filename)))
-        return {};
-    if (directory.is_absolute())
+    if (isPlain(pathFrom(asset.filename)) && pathFrom(asset.directory).is_absolute())
         return asset.isReferenced ? referenced(asset) : Original();
-    if (!directory.empty() && !isPlain(directory))
+    if (!isInBundle(asset))
         return {};
-    const std::vector<path> all = places(asset);
-    for (const path& place : all)
+    const path proper = properPlace(asset);
+    if (const auto size = sizeOf(proper))
+        return {proper, size, {}};
+    for (const path& place : furtherPlaces(asset))
         if (const auto size = sizeOf(place))
             return {place, size, {}};
-    Original absent{all.front(), {}, {}};
-    if (std::ranges::all_of(all, [this](const path& place) { return isMissing(place); }))
-        absent.absence = AbsentOriginal{
-            AbsentOriginal::Why::onlyInCloud,
-            QStringLiteral("%1 yalnızca iCloud'da, özgün dosyası bu bilgisayarda değil")
-                .arg(nameOf(asset))};
-    return absent;
+    FoldersBeneath bundle(bundle_);
+    return {proper, {}, absence(asset, bundle)};
 }
 
 BundleLayout::Original BundleLayout::referenced(const PhotosAssetFiles& asset) const {
@@ -237,15 +250,6 @@ std::optional<std::int64_t> BundleLayout::sizeOf(const path& location) const {
                                                  : std::nullopt;
     } catch (const FileError&) {
         return std::nullopt;
-    }
-}
-
-bool BundleLayout::isMissing(const path& location) const {
-    try {
-        open(location);
-        return false;
-    } catch (const FileError& error) {
-        return error.errorNumber() == ENOENT;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "foundation/File.h"
 #include "library/LibraryChoices.h"
+#include "platform/bundle/FoldersBeneath.h"
 #include "platform/bundle/PhotosDatabase.h"
 
 namespace quorvane {
@@ -33,8 +34,10 @@ class BundleLayout {
     /// movie of that very version joins it where Motion Photos were chosen.
     std::vector<PhotoAssetResource> resources(const PhotosAssetFiles& asset) const;
 
-    /// Why the original is not on this machine; none when it is, or when nobody can tell.
-    std::optional<AbsentOriginal> absence(const PhotosAssetFiles& asset) const;
+    /// Why the original is not on this machine; none when it is, or when nobody can tell. `bundle`
+    /// serves the calls for many assets.
+    std::optional<AbsentOriginal> absence(const PhotosAssetFiles& asset,
+                                          FoldersBeneath& bundle) const;
 
     /// Throws `FileError`.
     FileDescriptor open(const std::filesystem::path& location) const;
@@ -52,7 +55,6 @@ class BundleLayout {
     };
     Original originalOf(const PhotosAssetFiles& asset) const;
     Original referenced(const PhotosAssetFiles& asset) const;
-    bool isMissing(const std::filesystem::path& location) const;
 
     const std::filesystem::path bundle_;
     const LibraryChoices choices_;

@@ -247,19 +247,26 @@ std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoA
 
 std::map<QString, AbsentOriginal>
 PhotosBundleLibrary::absentOriginals(const std::vector<PhotoAsset>& assets, std::stop_token stop) {
-    const auto originals = query(
-        Freshness::asLastRead, [](Opened& opened) { return opened.database.originals(); }, stop);
+    std::vector<QStringView> asked;
+    for (const PhotoAsset& asset : assets)
+        asked.push_back(asset.localIdentifier);
+    std::ranges::sort(asked);
     const auto layout = this->layout();
+    FoldersBeneath folders(bundle_);
     std::map<QString, AbsentOriginal> absent;
-    for (const PhotoAsset& asset : assets) {
-        if (stop.stop_requested())
-            throw Cancelled();
-        const auto original = originals.find(uuidOf(asset.localIdentifier, assetTail));
-        if (original == originals.end())
-            continue;
-        if (auto absence = layout->absence(original->second))
-            absent.emplace(asset.localIdentifier, std::move(*absence));
-    }
+    std::int64_t after = 0;
+    const auto next = [&after](Opened& opened) { return opened.database.originals(after); };
+    for (auto some = query(Freshness::asLastRead, next, stop); !some.empty();
+         some = query(Freshness::asLastRead, next, stop))
+        for (const PhotosAssetFiles& asset : some) {
+            if (stop.stop_requested())
+                throw Cancelled();
+            const QString identifier = asset.uuid + assetTail;
+            if (!std::ranges::binary_search(asked, QStringView(identifier)))
+                continue;
+            if (auto absence = layout->absence(asset, folders))
+                absent.emplace(identifier, std::move(*absence));
+        }
     return absent;
 }
 

@@ -261,12 +261,18 @@ std::optional<PhotosAssetFiles> PhotosDatabase::filesOf(const QString& uuid) {
     return asset;
 }
 
-std::map<QString, PhotosAssetFiles> PhotosDatabase::originals() {
-    Statement rows = prepare(QStringLiteral("SELECT {originalColumns}"));
-    std::map<QString, PhotosAssetFiles> originals;
+std::vector<PhotosAssetFiles> PhotosDatabase::originals(std::int64_t& after) {
+    constexpr int atOnce = 5'000; // about two megabytes
+    // A key that is no number is greater than every number: it would come again and again.
+    Statement rows = prepare(
+        QStringLiteral("SELECT {originalColumns} WHERE a.Z_PK > ?1 AND typeof(a.Z_PK) = 'integer' "
+                       "ORDER BY a.Z_PK LIMIT ?2"));
+    rows.bind(1, after);
+    rows.bind(2, atOnce);
+    std::vector<PhotosAssetFiles> originals;
     while (rows.step()) {
-        PhotosAssetFiles asset = filesFrom(rows);
-        originals.insert_or_assign(asset.uuid, std::move(asset));
+        after = rows.integer(0);
+        originals.push_back(filesFrom(rows));
     }
     return originals;
 }

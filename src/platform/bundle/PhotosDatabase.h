@@ -88,8 +88,9 @@ class PhotosDatabase {
     QString captionOf(const QString& uuid);
 
     std::optional<PhotosAssetFiles> filesOf(const QString& uuid);
-    /// Of every asset, by UUID, without `files`: where its original is.
-    std::map<QString, PhotosAssetFiles> originals();
+    /// Where the originals of the next assets are, without `files`; empty at the end. `after` is 0
+    /// at first and moved on.
+    std::vector<PhotosAssetFiles> originals(std::int64_t& after);
 
   private:
     sqlite::Statement prepare(const QString& sql);
