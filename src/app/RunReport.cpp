@@ -20,10 +20,8 @@ QString reasonOf(const SyncRecord& record, RecordFaults& faults) {
 /// The name a person knows the asset by: the library's, else that of the staged copy.
 QString nameOf(const SyncRecord& record, const SyncRunServices& services) {
     const QString& identifier = record.assetLocalIdentifier;
-    const auto assets = services.library.fetchAssets(QStringList{identifier});
-    if (!assets->empty())
-        if (const auto resource = resourceToStage(services.library.assetResources(assets->front())))
-            return resource->originalFilename;
+    if (auto name = quorvane::nameOf(services.library, identifier))
+        return *std::move(name);
     const auto file = services.staging.findStagingFile(identifier);
     return file ? uploadName(record, *file) : identifier;
 }

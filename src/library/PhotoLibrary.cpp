@@ -16,6 +16,14 @@ resourceToStage(const std::vector<PhotoAssetResource>& resources) {
     return std::nullopt;
 }
 
+std::optional<QString> nameOf(PhotoLibrary& library, const QString& identifier) {
+    const auto assets = library.fetchAssets(QStringList{identifier});
+    if (assets->empty())
+        return std::nullopt;
+    const auto resource = resourceToStage(library.assetResources(assets->front()));
+    return resource ? std::optional(resource->originalFilename) : std::nullopt;
+}
+
 std::optional<PhotoAssetResource> movieToJoin(const std::vector<PhotoAssetResource>& resources) {
     const auto movie = std::ranges::find(resources, true, &PhotoAssetResource::joinsStill);
     return movie == resources.end() ? std::nullopt : std::optional(*movie);

@@ -85,6 +85,12 @@ struct PhotoAssetResource {
 /// video or a full-size photo.
 std::optional<PhotoAssetResource> resourceToStage(const std::vector<PhotoAssetResource>& resources);
 
+class PhotoLibrary;
+
+/// The name a person knows an asset by; none when the library does not have it. Throws
+/// `PhotoLibraryError`.
+std::optional<QString> nameOf(PhotoLibrary& library, const QString& identifier);
+
 /// The movie that is to be sent inside it, if any.
 std::optional<PhotoAssetResource> movieToJoin(const std::vector<PhotoAssetResource>& resources);
 

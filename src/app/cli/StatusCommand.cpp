@@ -109,22 +109,46 @@ QString dateText(Date date) {
                   QStringLiteral("d MMMM yyyy HH:mm"));
 }
 
-void listMisdated(StateServices& state, Console& console, bool asJson) {
+/// The library that the state belongs to; none where it is not to be read now.
+std::unique_ptr<SourceServices> libraryOf(CoreServices& core, const AccountIdentity& account,
+                                          const std::optional<StatePlace>& place) {
+    try {
+        if (const auto path = rememberedLibrary(core))
+            return std::make_unique<SourceServices>(core, account, LibraryAt(core, *path), place,
+                                                    SourceServices::Use::look);
+    } catch (const Error&) { // identifiers name the items then
+    }
+    return nullptr;
+}
+
+QString nameIn(SourceServices* source, const QString& identifier) {
+    try {
+        return (source ? nameOf(*source->library, identifier) : std::nullopt).value_or(identifier);
+    } catch (const PhotoLibraryError&) {
+        return identifier;
+    }
+}
+
+void listMisdated(CoreServices& core, const AccountIdentity& account, StateServices& state,
+                  bool asJson) {
     const std::vector<Misdating> items = RecordDates(state.db).misdated();
+    const auto source = items.empty() ? nullptr : libraryOf(core, account, state.place);
     QJsonArray array;
     QString text;
     for (const Misdating& item : items) {
-        array += QJsonObject{{QStringLiteral("name"), item.identifier},
+        const QString name = nameIn(source.get(), item.identifier);
+        array += QJsonObject{{QStringLiteral("name"), name},
+                             {QStringLiteral("identifier"), item.identifier},
                              {QStringLiteral("ours"), describe(item.ours)},
                              {QStringLiteral("google"), describe(item.theirs)}};
         text += QStringLiteral("%1: bizde %2, Google'da %3\n")
-                    .arg(item.identifier, dateText(item.ours), dateText(item.theirs));
+                    .arg(name, dateText(item.ours), dateText(item.theirs));
     }
     if (asJson)
-        printJson(console, {{QStringLiteral("misdated"), array}});
+        printJson(core.console, {{QStringLiteral("misdated"), array}});
     else
-        console.result(items.empty() ? QStringLiteral("Google'da başka tarihte duran öğe yok")
-                                     : text.chopped(1));
+        core.console.result(items.empty() ? QStringLiteral("Google'da başka tarihte duran öğe yok")
+                                          : text.chopped(1));
 }
 
 int status(Invocation& invocation) {
@@ -135,7 +159,7 @@ int status(Invocation& invocation) {
     const AccountIdentity account = google.account();
     StateServices state(core, rememberedState(core, account), account);
     if (invocation.arguments.has(QStringLiteral("misdated"))) {
-        listMisdated(state, core.console, invocation.arguments.has(QStringLiteral("json")));
+        listMisdated(core, account, state, invocation.arguments.has(QStringLiteral("json")));
         return done;
     }
     const StatePlace place = state.place.value_or(core.states.first());
