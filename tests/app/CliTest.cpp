@@ -66,6 +66,7 @@ TEST_F(CliTest, withoutASignInNothingIsUploaded) {
     std::filesystem::remove_all(folders.database().parent_path());
     std::filesystem::remove_all(folders.permanentStaging());
     EXPECT_EQ(run(sync({u"--dry-run"_s})).code, 0);
+    EXPECT_EQ(run(sync({u"--dry-run"_s, u"--captions"_s})).code, 2) << "a folder has none";
     EXPECT_EQ(run({u"staging"_s}).code, 0);
     EXPECT_FALSE(std::filesystem::exists(folders.permanentStaging())) << "a trial leaves no trace";
     EXPECT_FALSE(std::filesystem::exists(folders.database()));

@@ -65,7 +65,14 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named, const C
                                "klasörü verin"));
 }
 
-void applyChoices(const Arguments& arguments, LibraryChoices& choices) {
+void applyChoices(const Arguments& arguments, LibraryAt& library) {
+    for (const auto& name : {QStringLiteral("originals"), QStringLiteral("versions"),
+                             QStringLiteral("live"), QStringLiteral("captions")})
+        if (arguments.has(name) && !library.isBundle())
+            throw UsageError(
+                QStringLiteral("--%1 yalnızca bir Fotoğraflar arşivinde geçerlidir: %2")
+                    .arg(name, pathText(library.path())));
+    LibraryChoices& choices = library.choices;
     if (const auto mapping = arguments.value(QStringLiteral("originals")))
         choices.add(OriginalsMapping::parse(*mapping));
     if (arguments.has(QStringLiteral("mirror-albums")))

@@ -12,8 +12,9 @@ namespace quorvane::cli {
 /// the Pictures folder. Throws `Error` when there is none or it is gone.
 std::filesystem::path chooseLibrary(const std::optional<QString>& named, const CoreServices& core);
 
-/// What this call chooses for the library, on top of what is remembered for it. Throws `Error`.
-void applyChoices(const Arguments& arguments, LibraryChoices& choices);
+/// What this call chooses for the library, on top of what is remembered for it. Throws `Error`, and
+/// `UsageError` for what its kind of library does not know.
+void applyChoices(const Arguments& arguments, LibraryAt& library);
 /// New items go into one target album, or the library's albums are mirrored. Throws `Error`.
 void requireOneUseOfAlbums(const LibraryChoices& choices, const GoogleAlbumManager& albums);
 /// The options that say so.

@@ -100,7 +100,7 @@ int dryRun(Invocation& invocation, CoreServices& core, GoogleServices& google,
            const std::filesystem::path& path) {
     const AccountIdentity account = google.account();
     LibraryAt at(core, path);
-    applyChoices(invocation.arguments, at.choices);
+    applyChoices(invocation.arguments, at);
     const auto place = core.states.find(at.identity(), account);
     SourceServices source(core, account, std::move(at), place, SourceServices::Use::look);
     choose(invocation, core, google, source);
@@ -137,7 +137,7 @@ int sync(Invocation& invocation) {
         return dryRun(invocation, core, program.google, path);
 
     LibraryAt at(core, path);
-    applyChoices(arguments, at.choices);
+    applyChoices(arguments, at);
     LibraryServices library(core, program.google, std::move(at));
     choose(invocation, core, program.google, library);
     library.mirror.remakesGone = arguments.has(QStringLiteral("remake-albums"));

@@ -104,7 +104,7 @@ int watch(Invocation& invocation) {
     core.console.setCalm(!invocation.arguments.has(QStringLiteral("verbose")));
     const auto path = chooseLibrary(invocation.arguments.value(QStringLiteral("library")), core);
     LibraryAt at(core, path);
-    applyChoices(invocation.arguments, at.choices);
+    applyChoices(invocation.arguments, at);
     requireOneUseOfAlbums(at.choices, program.google.albums);
     LibraryServices library(core, program.google, std::move(at));
     requireReadable(*library.library, path);
