@@ -4,6 +4,8 @@
 #include "platform/folder/FolderIdentity.h"
 #include "platform/folder/FolderLibrary.h"
 
+#include <algorithm>
+
 namespace quorvane {
 
 namespace {
@@ -13,6 +15,22 @@ std::vector<std::filesystem::path> otherStates(const CoreServices& core,
                                                const AccountIdentity& account) {
     return account.isKnown() ? core.states.othersOf(account, own.value_or(StatePlace()))
                              : std::vector<std::filesystem::path>();
+}
+
+/// False only where the Photos application shows a library without any of those recorded assets
+/// that are looked for: it is another one. Deleted ones are not missed.
+bool mayHold(PhotoLibrary& photos, DatabaseManager& recorded) {
+    constexpr std::size_t most = 256;
+    if (photos.authorizationStatus() != AuthorizationStatus::authorized)
+        return true;
+    auto statuses = recorded.fetchStatuses();
+    std::erase_if(statuses,
+                  [](const auto& record) { return record.second == SyncStatus::deletedLocally; });
+    QStringList some;
+    const std::size_t step = std::max<std::size_t>(1, statuses.size() / most);
+    for (std::size_t i = 0; i < statuses.size(); i += step)
+        some += statuses[i].first;
+    return some.isEmpty() || !photos.fetchAssets(some)->empty();
 }
 
 } // namespace
@@ -65,7 +83,10 @@ LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
     if (path_ == PhotosApp::libraryPath) {
         if (!core.ports.photos)
             throw Error(QStringLiteral("Bu bilgisayarda Fotoğraflar uygulaması yok"));
-        identity_ = pathText(path_);
+        const auto photos = core.ports.photos->open(core.ports.confirmation, core.logger);
+        identity_ = core_.states.identityAt(pathText(path_), [&photos](DatabaseManager& recorded) {
+            return mayHold(*photos, recorded);
+        });
     } else if (PhotosBundleLibrary::looksLikeBundle(path_)) {
         isBundle_ = true;
         bundle_ = std::make_unique<PhotosBundleLibrary>(path_, core.folders.applicationSupport(),
@@ -79,7 +100,9 @@ LibraryAt::LibraryAt(CoreServices& core, std::filesystem::path path)
         const auto canonical = std::filesystem::canonical(path_, unreachable);
         identity_ = core_.states.identityAt(
             QStringLiteral("path:") + pathText(unreachable ? path_ : canonical),
-            [this](const std::vector<LibraryFile>& files) { return holdsFiles(path_, files); });
+            [this](DatabaseManager& recorded) {
+                return holdsFiles(path_, LibraryFiles(recorded).all());
+            });
     }
     choices = LibraryChoices::of(identity_, core_.preferences);
 }

@@ -104,15 +104,15 @@ StatePlace StateCatalogue::open(const QString& library, const AccountIdentity& a
     return *place;
 }
 
-QString StateCatalogue::identityAt(
-    const QString& place, const std::function<bool(const std::vector<LibraryFile>&)>& holds) const {
+QString StateCatalogue::identityAt(const QString& place,
+                                   const std::function<bool(DatabaseManager&)>& holds) const {
     bool isTaken = false;
     Console silent(Console::Channel::silent);
     for (const State& state : states()) {
         if (state.library != place && !state.library.startsWith(place + u'#'))
             continue;
         DatabaseManager database(state.place.database, silent);
-        if (holds(LibraryFiles(database).all()))
+        if (holds(database))
             return state.library;
         isTaken = true;
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "foundation/UserFolders.h"
-#include "store/LibraryFiles.h"
 #include "store/RecordLife.h"
 
 #include <functional>
@@ -35,11 +34,11 @@ class StateCatalogue {
     /// the only one of the library.
     std::optional<StatePlace> find(const QString& library, const AccountIdentity& account) const;
 
-    /// What tells a library from every other where only its place and its files can: the identity
-    /// of the state, among those of libraries that were ever at `place`, whose files `holds` finds
-    /// there; else a new one.
+    /// What tells a library from every other where only its place and its content can: the identity
+    /// of the state, among those of libraries that were ever at `place`, of which `holds` finds
+    /// there what was recorded; else a new one.
     QString identityAt(const QString& place,
-                       const std::function<bool(const std::vector<LibraryFile>&)>& holds) const;
+                       const std::function<bool(DatabaseManager&)>& holds) const;
 
     /// The databases of this account's states but `own`.
     std::vector<std::filesystem::path> othersOf(const AccountIdentity& account,
