@@ -122,13 +122,17 @@ void showProgress(HeroView& view, const HeroFacts& facts) {
 
 void showWait(HeroView& view, ProductState state, const HeroFacts& facts) {
     const int percent = static_cast<int>(std::floor(view.fraction * 100));
+    const bool isCounted = facts.total > 0; // else nothing was sent before the wait began
+    if (!isCounted && facts.product.pending > 0)
+        view.note = pendingText(facts.product.pending);
     view.canTryNow = true;
     view.aside = QStringLiteral("duraklatıldı");
     view.timeLeft.clear();
     view.ringName = QStringLiteral("Eşitleme duraklatıldı, yüzde %1").arg(percent);
     view.safety =
         QStringLiteral("Yüklenen %1 öğe kayıtlı, kalan %2 öğe sırada duruyor. ")
-            .arg(groupedCount(facts.completed), groupedCount(facts.total - facts.completed)) +
+            .arg(groupedCount(facts.completed),
+                 groupedCount(isCounted ? facts.total - facts.completed : facts.product.pending)) +
         (state == ProductState::waitingQuota
              ? QStringLiteral("Hiçbiri yeniden yüklenmez; bilgisayar kapanıp "
                               "açılabilir.")
