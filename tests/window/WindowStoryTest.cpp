@@ -187,9 +187,6 @@ TEST_F(WindowStoryTest, aWaitAnEndedSessionAndALibraryThatIsAway) {
     ASSERT_TRUE(awaitState(ProductState::waitingQuota));
     expectShown({u"Google'ın günlük sınırı doldu"_s, u"duraklatıldı"_s});
     shot(u"state-waiting-quota-light"_s);
-    window.applyTheme(AppTheme::dark);
-    shot(u"state-waiting-quota-dark"_s);
-    window.applyTheme(AppTheme::light);
     world.google.change([](emulator::Behaviour& google) { google.dailyRequests = 0; });
     click(u"tryNow"_s);
     ASSERT_TRUE(awaitState(ProductState::finished));

@@ -1,5 +1,8 @@
 #include "window/WindowWorld.h"
 
+#include "foundation/File.h"
+#include "support/TemporaryFolder.h"
+
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -106,11 +109,23 @@ void WindowWorld::settleView() {
 
 void WindowWorld::shot(const QString& name) {
     settleView();
-    const QString folder = qEnvironmentVariable("QUORVANE_WINDOW_SHOTS");
-    if (folder.isEmpty())
+    const QString asked = qEnvironmentVariable("QUORVANE_WINDOW_SHOTS");
+    const std::filesystem::path folder =
+        asked.isEmpty() ? programFolder().parent_path() / "screenshots" : pathFrom(asked);
+    std::filesystem::create_directories(folder);
+    const auto save = [&](const QString& file) {
+        EXPECT_TRUE(window.window()->grabWindow().save(pathText(folder) + u'/' + file +
+                                                       QStringLiteral(".png")));
+    };
+    save(name);
+    const QString light = QStringLiteral("-light");
+    if (!name.endsWith(light))
         return;
-    std::filesystem::create_directories(folder.toStdString());
-    EXPECT_TRUE(window.window()->grabWindow().save(folder + u'/' + name + QStringLiteral(".png")));
+    window.applyTheme(AppTheme::dark);
+    settleView();
+    save(name.chopped(light.size()) + QStringLiteral("-dark"));
+    window.applyTheme(model->appTheme());
+    settleView();
 }
 
 } // namespace quorvane::test

@@ -33,7 +33,8 @@ class WindowWorld : public ModelWorld {
     /// seconds.
     bool awaitView(const std::function<bool()>& condition);
     void settleView();
-    /// Saves what is seen as NAME.png into $QUORVANE_WINDOW_SHOTS; nothing without it.
+    /// Saves what is seen as NAME.png into $QUORVANE_WINDOW_SHOTS, else into "screenshots" beside
+    /// the programs' folder; of NAME-light the same in the dark theme as well.
     void shot(const QString& name);
 };
 

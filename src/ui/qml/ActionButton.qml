@@ -25,6 +25,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: if (control.enabled) control.clicked()
     Accessible.name: text
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()

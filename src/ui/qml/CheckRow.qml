@@ -13,6 +13,8 @@ CheckBox {
     leftPadding: 28
     Accessible.name: text
     Accessible.description: note
+    Accessible.onPressAction: if (enabled) press()
+    Accessible.onToggleAction: if (enabled) press()
     Keys.onReturnPressed: press()
     Keys.onEnterPressed: press()
 

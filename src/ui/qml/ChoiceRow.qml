@@ -9,6 +9,8 @@ RadioButton {
     padding: 0
     leftPadding: 28
     Accessible.name: text
+    Accessible.onPressAction: if (control.enabled) control.clicked()
+    Accessible.onToggleAction: if (control.enabled) control.clicked()
 
     indicator: Rectangle {
         y: 7

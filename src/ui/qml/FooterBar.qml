@@ -27,6 +27,7 @@ Item {
         onClicked: footer.dashboard.openLogFile()
         Accessible.role: Accessible.Button
         Accessible.name: label.text
+        Accessible.onPressAction: logFile.clicked()
         Keys.onReturnPressed: logFile.clicked()
         Keys.onEnterPressed: logFile.clicked()
         background: Rectangle {

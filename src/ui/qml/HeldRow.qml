@@ -91,6 +91,7 @@ Item {
             focusPolicy: Qt.StrongFocus
             Accessible.role: Accessible.Button
             Accessible.name: row.name
+            Accessible.onPressAction: if (row.enabled) row.acted()
             onClicked: row.acted()
             Keys.onReturnPressed: row.acted()
             Keys.onEnterPressed: row.acted()

@@ -15,6 +15,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: if (control.enabled) control.clicked()
     Accessible.name: name
     Accessible.checkable: checkable
     Accessible.checked: active

@@ -20,6 +20,7 @@ AbstractButton {
     hoverEnabled: true
     onClicked: menu.openByKeyboard(visualFocus)
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: if (control.enabled) control.clicked()
     Accessible.name: caption + ": " + value + (detail ? ", " + detail : "")
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()

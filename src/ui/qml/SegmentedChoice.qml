@@ -44,6 +44,8 @@ Rectangle {
                 checked: index === choice.current
                 focusPolicy: checked ? Qt.StrongFocus : Qt.ClickFocus
                 Accessible.name: modelData
+                Accessible.onPressAction: choose(index)
+                Accessible.onToggleAction: choose(index)
                 onClicked: choose(index)
                 Keys.onLeftPressed: choose(Math.max(0, index - 1))
                 Keys.onRightPressed: choose(Math.min(choice.answers.length - 1, index + 1))

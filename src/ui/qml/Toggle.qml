@@ -8,6 +8,8 @@ Switch {
     implicitWidth: 44
     implicitHeight: 36
     padding: 0
+    Accessible.onPressAction: if (enabled) press()
+    Accessible.onToggleAction: if (enabled) press()
     Keys.onReturnPressed: press()
     Keys.onEnterPressed: press()
 

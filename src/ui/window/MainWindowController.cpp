@@ -25,6 +25,9 @@ namespace {
 
 constexpr int resizeTime = 220; // milliseconds
 constexpr int saveDelay = 1000; // milliseconds after the last move
+/// Of the desktop, above or below the windows, where the screen tells of none: under Wayland no
+/// screen does.
+constexpr int panel = 32;
 const QString frameKey = QStringLiteral("QuorvaneMainWindow");
 
 /// Has a screen reader say it. Before 6.8 the toolkit has no way to, and only the changed names of
@@ -126,7 +129,10 @@ QRect MainWindowController::availableGeometry() const {
                 .center());
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
-    return screen == nullptr ? QRect(0, 0, wideWidth, height) : screen->availableGeometry();
+    if (screen == nullptr)
+        return {0, 0, wideWidth, height};
+    const QRect available = screen->availableGeometry();
+    return available == screen->geometry() ? available.adjusted(0, panel, 0, -panel) : available;
 }
 
 /// Of the title bar and the borders; before the window was ever shown nobody can tell.
