@@ -1,7 +1,6 @@
 #include "foundation/CommandLine.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace quorvane::cli {
 
@@ -22,10 +21,9 @@ const OptionSpec& find(const CommandSpec& command, const QString& name) {
 } // namespace
 
 std::optional<QString> Arguments::value(const QString& option) const {
-    for (const auto& [name, value] : std::views::reverse(given_))
-        if (name == option)
-            return value;
-    return std::nullopt;
+    const auto last = std::find_if(given_.rbegin(), given_.rend(),
+                                   [&option](const auto& given) { return given.first == option; });
+    return last == given_.rend() ? std::nullopt : std::optional(last->second);
 }
 
 Arguments parse(const CommandSpec& command, const QStringList& words) {
