@@ -15,10 +15,10 @@ std::optional<Date> secondsAt(const sqlite::Statement& row, int column) {
 
 std::optional<RecordHistory> RecordHistory::of(DatabaseManager& db, const QString& identifier) {
     return db.onConnection([&](sqlite::Connection& database) -> std::optional<RecordHistory> {
-        auto record = db.fetchRecord(identifier);
-        if (!record)
+        auto known = db.fetchRecord(identifier);
+        if (!known)
             return std::nullopt;
-        RecordHistory history{std::move(*record), {}, {}, {}, {}};
+        RecordHistory history{std::move(*known), {}, {}, {}, {}};
         if (history.record.syncStatus == SyncStatus::failed)
             history.fault = RecordFaults(db).of(history.record);
         history.date = RecordDates(db).dateFor(identifier);
