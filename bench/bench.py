@@ -344,22 +344,23 @@ def stops(table, folder, count=40):
 
 
 PARTS = [store, hashing, staging, dates, movies, upload, whole, latency, memory, window, status, stops]
+RESULTS = ROOT / 'build/bench.json'
 
 
 def main():
     names = sys.argv[1:]
     if names == ['--document']:
-        return document(ROOT / 'build/bench.json', ROOT / 'docs/PERFORMANCE.md')
+        return document(RESULTS, ROOT / 'docs/PERFORMANCE.md')
     parts = [part for part in PARTS if not names or part.__name__ in names]
     if not parts or len(parts) < len(names):
         fail('bench.py [' + '|'.join(part.__name__ for part in PARTS) + ']...')
-    table = Table()
+    table = Table(RESULTS, goes_on=bool(names))
     print(f'{"":<62} {"value":>9} {"reference":>9} {"ratio":>8}  goal')
     with tempfile.TemporaryDirectory(prefix='quorvane-bench-') as temporary:
         for part in parts:
             part(table, emptied(Path(temporary) / part.__name__))
             shutil.rmtree(Path(temporary) / part.__name__)
-        table.write(ROOT / 'build/bench.json', temporary)
+            table.write(temporary)
 
 
 if __name__ == '__main__':

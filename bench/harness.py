@@ -77,6 +77,7 @@ class World:
                                         env=self.env, stdout=subprocess.DEVNULL)
         while not port.exists() or not port.read_text().strip():
             time.sleep(0.02)
+        self.env['GOOGLE_DAILY_REQUESTS'] = '1000000'
         self.url = self.env['QUORVANE_GOOGLE_BASE_URL'] = f'http://127.0.0.1:{port.read_text().strip()}'
         subprocess.run(['bash', '-c', shell + 'sign_in', str(folder)], cwd=ROOT, check=True, env=self.env)
 
@@ -123,8 +124,11 @@ def number(x):
 
 
 class Table:
-    def __init__(self):
-        self.rows = []
+    def __init__(self, file, goes_on):
+        """`goes_on`: the rows that `file` has stay until they are measured again."""
+        self.file = file
+        earlier = json.loads(file.read_text())['rows'] if goes_on and file.exists() else []
+        self.rows = {row['what']: Row(**row) for row in earlier}
 
     def add(self, what, value, goal, reference=None):
         """`goal` is '>= NUMBER', '<= NUMBER' or '< NUMBER'."""
@@ -139,15 +143,16 @@ class Table:
         self.show(Row(what, None, None, None, goal, None), why)
 
     def show(self, row, why=''):
-        self.rows.append(row)
+        self.rows[row.what] = row
         verdict = f'LEFT OUT: {why}' if row.met is None else 'met' if row.met else 'MISSED'
         print(f'{row.what:<62} {number(row.value):>9} {number(row.reference):>9} '
               f'{number(row.ratio):>8}  {row.goal:<8} {verdict}', flush=True)
 
-    def write(self, file, folder):
-        file.parent.mkdir(parents=True, exist_ok=True)
-        file.write_text(json.dumps({'date': date.today().isoformat(), 'machine': machine(folder),
-                                    'rows': [asdict(row) for row in self.rows]}, indent=1) + '\n')
+    def write(self, folder):
+        self.file.parent.mkdir(parents=True, exist_ok=True)
+        rows = [asdict(row) for row in self.rows.values()]
+        self.file.write_text(json.dumps({'date': date.today().isoformat(), 'machine': machine(folder),
+                                         'rows': rows}, indent=1) + '\n')
 
 
 def document(results, page):
