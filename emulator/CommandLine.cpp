@@ -121,7 +121,7 @@ const std::vector<Option>& allOptions() {
          }},
         {{u"daily-requests"_s, u"N"_s, u"bir günde (Pasifik saati) kabul edilen kitaplık isteği"_s},
          [](L& l, const QString& v) { l.options.behaviour.dailyRequests = number(v, 1, largest); }},
-        {{u"upload-token-lifetime"_s, u"SANİYE"_s, u"yükleme belirtecinin ömrü"_s},
+        {{u"upload-token-lifetime"_s, u"N"_s, u"yükleme belirtecinin ömrü (saniye)"_s},
          [](L& l, const QString& v) {
              l.options.behaviour.uploadTokenLifetime = std::chrono::seconds(number(v, 0, largest));
          }},
