@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
+#include <thread>
+
 namespace quorvane::test {
 
 using namespace Qt::StringLiterals;
@@ -16,13 +19,28 @@ TEST(SingleInstanceTest, aLaterStartHandsOverWhatItBrought) {
     ASSERT_TRUE(first.claim({}));
     for (const Start& start :
          {Start{{QUrl(u"com.x:/cb?code=4%2F0"_s)}, u"token\nof two lines"_s}, Start{}}) {
-        SingleInstance second(folder.path());
-        EXPECT_FALSE(second.claim(start));
+        auto second = std::async(std::launch::async,
+                                       [&] { return SingleInstance(folder.path()).claim(start); });
         ASSERT_TRUE(waitOnMainThread([&] { return !later.empty(); }));
+        EXPECT_FALSE(second.get());
         EXPECT_EQ(later[0].urls, start.urls);
         EXPECT_EQ(later[0].activationToken, start.activationToken);
         later.clear();
     }
+}
+
+TEST(SingleInstanceTest, aStartTakesThePlaceOfOneThatDiesWithoutAnAnswer) {
+    const TemporaryFolder folder;
+    auto dying = std::make_unique<SingleInstance>(folder.path());
+    ASSERT_TRUE(dying->claim({}));
+    // Its main thread hears no more; the kernel still takes what is said to it.
+    auto later = std::async(std::launch::async, [&] {
+        SingleInstance second(folder.path());
+        return second.claim({});
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    dying.reset();
+    EXPECT_TRUE(later.get());
 }
 
 } // namespace quorvane::test

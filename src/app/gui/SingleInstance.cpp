@@ -4,11 +4,18 @@
 
 #include <QLocalSocket>
 
+#include <chrono>
+#include <thread>
+
 namespace quorvane {
+
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int patience = 2000;               // milliseconds for the other process
+constexpr std::chrono::duration<int, std::milli> patience{2000}; // for the other process
+constexpr auto step = 50ms;
+constexpr char end = '\0';                   // of a message, and the answer to it
 constexpr qint64 largestMessage = 256 << 10; // bytes
 
 QString prepared(const std::filesystem::path& folder) {
@@ -18,7 +25,7 @@ QString prepared(const std::filesystem::path& folder) {
     return pathText(folder / "window");
 }
 
-/// A message is the activation token, percent-encoded, and the URLs, one per line.
+/// A message is the activation token, percent-encoded, and the URLs, one per line; a zero ends it.
 QByteArray messageOf(const Start& start) {
     QByteArray message = QUrl::toPercentEncoding(start.activationToken) + '\n';
     for (const QUrl& url : start.urls)
@@ -38,20 +45,33 @@ Start startIn(const QByteArray& message) {
 } // namespace
 
 SingleInstance::SingleInstance(const std::filesystem::path& folder)
-    : address_(prepared(folder) + QStringLiteral(".socket")),
-      lock_(pathText(folder / "window.lock")) {
-    lock_.setStaleLockTime(0); // the holder's process decides, not the time
+    : lockFile_(folder / "window.lock"), address_(prepared(folder) + QStringLiteral(".socket")) {
     server_.setSocketOptions(QLocalServer::UserAccessOption);
 }
 
+/// Who holds the lock may be about to end: what was said to it is nobody's until it answers.
 bool SingleInstance::claim(const Start& start) {
-    if (!lock_.tryLock()) {
-        if (lock_.error() == QLockFile::LockFailedError)
-            return !tell(start);
-        return true; // no place for a lock: better twice than not at all
+    if (isFirst())
+        return true;
+    if (tell(start))
+        return false;
+    for (auto waited = 0ms; waited < patience; waited += step) {
+        if (isFirst())
+            return true;
+        std::this_thread::sleep_for(step);
     }
-    listen();
-    return true;
+    return true; // better twice than not at all
+}
+
+bool SingleInstance::isFirst() {
+    try {
+        lock_ = FileLock::tryLock(lockFile_);
+        if (lock_)
+            listen();
+        return lock_.has_value();
+    } catch (const FileError&) { // no place for a lock: better twice than not at all
+        return true;
+    }
 }
 
 void SingleInstance::listen() {
@@ -59,24 +79,32 @@ void SingleInstance::listen() {
     QObject::connect(&server_, &QLocalServer::newConnection, &server_, [this] {
         QLocalSocket* visitor = server_.nextPendingConnection();
         visitor->setReadBufferSize(largestMessage);
-        QObject::connect(visitor, &QLocalSocket::disconnected, &server_, [this, visitor] {
-            visitor->deleteLater();
-            if (onLaterStart)
-                onLaterStart(startIn(visitor->readAll()));
-        });
+        QObject::connect(visitor, &QLocalSocket::disconnected, visitor, &QObject::deleteLater);
+        QObject::connect(visitor, &QLocalSocket::readyRead, &server_,
+                         [this, visitor] { hear(*visitor); });
     });
     server_.listen(address_);
 }
 
+void SingleInstance::hear(QLocalSocket& visitor) {
+    if (!visitor.peek(largestMessage).endsWith(end))
+        return;
+    const QByteArray message = visitor.readAll().chopped(1);
+    visitor.write(&end, 1);
+    visitor.disconnectFromServer();
+    if (onLaterStart)
+        onLaterStart(startIn(message));
+}
+
+/// False when nobody is there to hear it any more. Who is busy will.
 bool SingleInstance::tell(const Start& start) const {
     QLocalSocket socket;
     socket.connectToServer(address_);
-    if (!socket.waitForConnected(patience))
+    if (!socket.waitForConnected(patience.count()))
         return false;
-    socket.write(messageOf(start));
-    socket.flush();
-    socket.disconnectFromServer();
-    return socket.state() == QLocalSocket::UnconnectedState || socket.waitForDisconnected(patience);
+    socket.write(messageOf(start) + end);
+    return socket.waitForReadyRead(patience.count()) ||
+           socket.state() == QLocalSocket::ConnectedState;
 }
 
 } // namespace quorvane

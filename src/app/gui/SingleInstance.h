@@ -1,7 +1,8 @@
 #pragma once
 
+#include "foundation/FileLock.h"
+
 #include <QLocalServer>
-#include <QLockFile>
 #include <QUrl>
 
 #include <filesystem>
@@ -30,11 +31,14 @@ class SingleInstance {
     std::function<void(const Start&)> onLaterStart;
 
   private:
+    bool isFirst();
     void listen();
+    void hear(QLocalSocket& visitor);
     bool tell(const Start& start) const;
 
+    const std::filesystem::path lockFile_;
     const QString address_;
-    QLockFile lock_;
+    std::optional<FileLock> lock_;
     QLocalServer server_;
 };
 
