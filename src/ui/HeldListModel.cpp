@@ -77,7 +77,7 @@ QVariant HeldListModel::data(const QModelIndex& index, int role) const {
     case Row::Kind::group:
         return groupData(group, role);
     case Row::Kind::item:
-        return itemData(group, row.place, role);
+        return dataOfItem(group, row.place, role);
     case Row::Kind::link:
         break;
     }
@@ -119,7 +119,7 @@ QVariant HeldListModel::groupData(const HeldGroup& group, int role) const {
     }
 }
 
-QVariant HeldListModel::itemData(const HeldGroup& group, std::int64_t place, int role) const {
+QVariant HeldListModel::dataOfItem(const HeldGroup& group, std::int64_t place, int role) const {
     const HeldItem* item = items_.object(place);
     if (role == kindRole)
         return u"item"_s;

@@ -87,7 +87,7 @@ class HeldListModel : public QAbstractListModel {
     };
 
     QVariant groupData(const HeldGroup& group, int role) const;
-    QVariant itemData(const HeldGroup& group, std::int64_t place, int role) const;
+    QVariant dataOfItem(const HeldGroup& group, std::int64_t place, int role) const;
     QString evidenceText(const HeldItem& item) const;
     QString linkTitle(const Row& row) const;
     const HeldGroup& groupOf(const Row& row) const;
