@@ -1,4 +1,5 @@
 #include "MadeBundle.h"
+#include "platform/bundle/FoldersBeneath.h"
 #include "store/RecordRemainders.h"
 
 #include <gmock/gmock.h>
@@ -230,6 +231,13 @@ TEST_F(MadeBundle, FindsRawTwinsAndVideoEdits) {
     EXPECT_EQ(resourceToStage(library.assetResources(asset(2)))->location.parent_path(),
               "resources/renders/0");
     EXPECT_EQ(remainderOf(library.assetResources(asset(2))), Remainders::original);
+}
+
+/// An unplugged disk must not turn its pictures into ones that are only in iCloud.
+TEST(FoldersBeneath, TellNothingOfARootThatIsAway) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(FoldersBeneath(folder.path()).isMissing("originals/0/a.jpg"));
+    EXPECT_FALSE(FoldersBeneath(folder.path() / "away").isMissing("originals/0/a.jpg"));
 }
 
 TEST(PhotosBundleLibrary, RefusesWhatItCannotReadWithAReason) {

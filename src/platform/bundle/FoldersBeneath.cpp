@@ -34,7 +34,10 @@ const FoldersBeneath::Folder& FoldersBeneath::folder(const std::filesystem::path
     try {
         folder.file = openFolderOf(root_, relative / "any");
     } catch (const FileError& error) {
-        folder.isMissing = error.errorNumber() == ENOENT;
+        // Without the root, an unplugged disk's, nothing is known of what was below it.
+        std::error_code away;
+        folder.isMissing =
+            error.errorNumber() == ENOENT && std::filesystem::is_directory(root_, away);
     }
     return folders_.emplace(relative, std::move(folder)).first->second;
 }
