@@ -96,10 +96,11 @@ std::optional<StagedFile> RecordStaging::stageAsset(const SyncRecord& record, co
                                                     const std::stop_token& stop) {
     const QString& identifier = record.assetLocalIdentifier;
     try {
-        if (isMadeOf(identifier, source.resource, source.resources))
+        const auto known = s_.life.sourceOf(identifier);
+        if (known && isMadeOf(*known, source.resource, source.resources))
             if (const auto file = provenCopy(record, stop)) // its run was stopped while sending
-                return recordCopy(record, *file, s_.life.sourceOf(identifier));
-        return exportAndRecord(record, source, stop);
+                return recordCopy(record, *file, known);
+        return exportAndRecord(record, source, known, stop);
     } catch (const Error& error) {
         if (isMachines(error))
             throw;
@@ -170,22 +171,29 @@ std::optional<StagedFile> RecordStaging::recordCopy(const SyncRecord& record,
 
 std::optional<StagedFile> RecordStaging::exportAndRecord(const SyncRecord& record,
                                                          const Source& source,
+                                                         const std::optional<RecordSource>& known,
                                                          const std::stop_token& stop) {
     StagingFolder& folder = copies_.folderForStaging();
     const std::filesystem::path name =
         stagedFileName(record.assetLocalIdentifier, source.resource.originalFilename);
     const std::filesystem::path file = folder.path() / name;
-    auto aside = makeWay(source, file);
+    auto aside = makeWay(source, known, file);
     const StagingFolder::OwnChange change(folder, name);
     try {
         if (const auto room = roomFor(source); room && !copies_.makeRoom(*room))
             throw FileError(QStringLiteral("Dosya kopyalanamadı"), file, ENOSPC);
-        const auto [copy, original] = exportDated(record, source, file, stop);
-        s_.life.leavesBehind(record, remainderOf(source.resources, original.movie.has_value()));
+        auto exported = exportDated(record, source, file, stop);
+        StagedFile& copy = exported.first;
+        const RecordSource& original = exported.second;
+        copy.isFirst = !known;
         if (aside)
             settleAside(*aside, original, copy, stop);
         aside.reset();
-        auto staged = recordCopy(record, copy, original);
+        std::optional<StagedFile> staged;
+        s_.life.together([&] {
+            s_.life.leavesBehind(record, remainderOf(source.resources, original.movie.has_value()));
+            staged = recordCopy(record, copy, original);
+        });
         if (!staged) // recovery would bring it back to the queue
             ::unlink(file.c_str());
         return staged;
@@ -205,17 +213,18 @@ std::optional<StagedFile> RecordStaging::exportAndRecord(const SyncRecord& recor
 
 /// What is in the place of the copy to come has bytes that nobody knows. It may be the last of an
 /// original that has changed since; then its new place is returned.
-std::optional<std::filesystem::path> RecordStaging::makeWay(const Source& source,
-                                                            const std::filesystem::path& file) {
+std::optional<std::filesystem::path>
+RecordStaging::makeWay(const Source& source, const std::optional<RecordSource>& known,
+                       const std::filesystem::path& file) {
     const QString& identifier = source.asset.localIdentifier;
     std::optional<std::filesystem::path> old;
     if (isStaged(file))
         old = file;
-    else if (s_.life.sourceOf(identifier)) // else nothing was ever staged of it, by any name
+    else if (known) // else nothing was ever staged of it, by any name
         old = copies_.find(identifier);
     if (!old)
         return std::nullopt;
-    if (!isUnchanged(identifier, source.resources))
+    if (!known || !isUnchanged(*known, source.resources))
         return copies_.setAside(*old);
     copies_.removeAll(identifier);
     return std::nullopt;
@@ -256,21 +265,20 @@ void RecordStaging::settleAside(const std::filesystem::path& aside, const Record
 }
 
 /// True when the copy was made of any of the asset's files that is there as it was.
-bool RecordStaging::isUnchanged(const QString& identifier,
+bool RecordStaging::isUnchanged(const RecordSource& known,
                                 const std::vector<PhotoAssetResource>& resources) {
-    return std::ranges::any_of(
-        resources, [&](const auto& each) { return isMadeOf(identifier, each, resources); });
+    return std::ranges::any_of(resources,
+                               [&](const auto& each) { return isMadeOf(known, each, resources); });
 }
 
 /// True when the file is, as far as its file system tells, what was staged of the asset last; with
 /// the movie that was joined to it.
-bool RecordStaging::isMadeOf(const QString& identifier, const PhotoAssetResource& resource,
+bool RecordStaging::isMadeOf(const RecordSource& known, const PhotoAssetResource& resource,
                              const std::vector<PhotoAssetResource>& resources) {
-    const auto source = s_.life.sourceOf(identifier);
-    if (!source || s_.library.versionOf(resource) != source->version)
+    if (s_.library.versionOf(resource) != known.version)
         return false;
-    return !source->movie || std::ranges::any_of(resources, [&](const auto& each) {
-        return s_.library.versionOf(each) == source->movie->version;
+    return !known.movie || std::ranges::any_of(resources, [&](const auto& each) {
+        return s_.library.versionOf(each) == known.movie->version;
     });
 }
 
@@ -346,8 +354,9 @@ void RecordStaging::discard(const QString& identifier) {
     if (!file)
         return;
     const AssetFetchResult assets = s_.library.fetchAssets(QStringList{identifier});
-    if (assets && !assets->empty() &&
-        isUnchanged(identifier, s_.library.assetResources(assets->front())))
+    const auto known = s_.life.sourceOf(identifier);
+    if (known && assets && !assets->empty() &&
+        isUnchanged(*known, s_.library.assetResources(assets->front())))
         copies_.removeAll(identifier);
     else
         tellAside(copies_.setAside(*file));

@@ -19,6 +19,7 @@ struct StagedFile {
     FileVersion version;                 ///< as it was when the content was made sure of
     std::optional<RecordDate> date = {}; ///< that it was given, when that was now
     QString caption = {};                ///< `PhotoLibrary::captionOf`
+    bool isFirst = false;                ///< never staged before, so that it was never sent
 };
 
 struct StagingServices {
@@ -72,11 +73,13 @@ class RecordStaging {
     std::optional<StagedFile> recordCopy(const SyncRecord& record, const StagedFile& copy,
                                          const std::optional<RecordSource>& source);
     std::optional<StagedFile> exportAndRecord(const SyncRecord& record, const Source& source,
+                                              const std::optional<RecordSource>& known,
                                               const std::stop_token& stop);
     std::pair<StagedFile, RecordSource> exportDated(const SyncRecord& record, const Source& source,
                                                     const std::filesystem::path& file,
                                                     const std::stop_token& stop);
     std::optional<std::filesystem::path> makeWay(const Source& source,
+                                                 const std::optional<RecordSource>& known,
                                                  const std::filesystem::path& file);
     void settleAside(const std::filesystem::path& aside, const RecordSource& original,
                      const StagedFile& copy, const std::stop_token& stop);
@@ -87,9 +90,9 @@ class RecordStaging {
     void joinLate(const SyncRecord& record, const std::filesystem::path& still,
                   const std::optional<Date>& date, const std::stop_token& stop);
     std::optional<AssetFacts> chosenFacts(const QString& identifier);
-    bool isMadeOf(const QString& identifier, const PhotoAssetResource& resource,
+    bool isMadeOf(const RecordSource& known, const PhotoAssetResource& resource,
                   const std::vector<PhotoAssetResource>& resources);
-    bool isUnchanged(const QString& identifier, const std::vector<PhotoAssetResource>& resources);
+    bool isUnchanged(const RecordSource& known, const std::vector<PhotoAssetResource>& resources);
     void missing(const QString& what, const QString& identifier);
     void tellAlone(const Source& source, const Error& error);
     void tellAside(const std::filesystem::path& aside);

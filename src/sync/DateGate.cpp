@@ -12,14 +12,13 @@ const QString undatableText =
 } // namespace
 
 bool DateGate::passes(const SyncRecord& record, StagedFile& file, const std::stop_token& stop) {
-    MetadataResult result = MetadataResult::failed({});
-    if (!s_.metadata.hasEmbeddedDate(file.path, file.originalName, stop)) {
-        const auto mode =
-            dateFallbackModeFrom(
-                s_.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString()))
-                .value_or(DateFallbackMode::strictNone);
-        result = s_.staging.ensureMetadata(file, record, mode, stop);
-    }
+    if (s_.metadata.hasEmbeddedDate(file.path, file.originalName, stop))
+        return true;
+    const auto mode =
+        dateFallbackModeFrom(
+            s_.preferences.string(preferenceKeys::dateFallbackMode).value_or(QString()))
+            .value_or(DateFallbackMode::strictNone);
+    const MetadataResult result = s_.staging.ensureMetadata(file, record, mode, stop);
     const bool isUnresolved = result.which == MetadataResult::Case::unresolvedDate;
     if (!isUnresolved && s_.metadata.carriesDate(file.path, result, file.originalName, stop))
         return true;

@@ -41,8 +41,9 @@ RecordTransfer::Result RecordTransfer::bring(const SyncRecord& record,
     if (!dateGate_.passes(record, *file, stop))
         return {};
     const QString name = uploadName(record, file->path);
-    if (const auto token = s_.tokens.find(record, file->content.sha256))
-        return {Outcome::sent, *token, name, file->caption};
+    const auto kept = file->isFirst ? std::nullopt : s_.tokens.find(record, file->content.sha256);
+    if (kept)
+        return {Outcome::sent, *kept, name, file->caption};
     const auto token = upload(record, *file, name, stop);
     if (!token)
         return {};
