@@ -1,5 +1,6 @@
 """Runs programs and measures them; a home of its own for those of the product; the table."""
 import json
+import math
 import os
 import shutil
 import signal
@@ -20,7 +21,7 @@ QUICK = 5  # seconds: what takes less is measured five times
 
 @dataclass
 class Run:
-    """One run of a program: seconds, seconds, MiB at most."""
+    """One run of a program: seconds, seconds, MiB at most (not a number where nothing tells)."""
     wall: float
     cpu: float
     memory: float
@@ -28,10 +29,13 @@ class Run:
 
 
 def run(*command, env=None, stdin=None, ends=(0,)):
-    """Runs a command to its end. What it prints is kept; it may end with these codes."""
-    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors:
+    """Runs a command to its end. What it prints is kept; it may end with these codes. Its memory is
+    asked of time(1): what the kernel tells of a child begins with the memory of its parent."""
+    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as errors, \
+            tempfile.NamedTemporaryFile('r') as memory:
+        timed = ['time', '-f', '%M', '-o', memory.name] if shutil.which('time') else []
         begun = time.monotonic()
-        process = subprocess.Popen([str(word) for word in command], env=env, stdin=stdin,
+        process = subprocess.Popen(timed + [str(word) for word in command], env=env, stdin=stdin,
                                    stdout=output, stderr=errors)
         _, status, usage = os.wait4(process.pid, 0)
         wall = time.monotonic() - begun
@@ -41,7 +45,8 @@ def run(*command, env=None, stdin=None, ends=(0,)):
             raise RuntimeError(f'{command[0]} ended with {process.returncode}: '
                                f'{errors.read().decode(errors="replace")[-500:]}')
         output.seek(0)
-        return Run(wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024, output.read())
+        peak = int(memory.read().split()[-1]) / 1024 if timed else math.nan
+        return Run(wall, usage.ru_utime + usage.ru_stime, peak, output.read())
 
 
 def in_turn(*works):
@@ -132,6 +137,8 @@ class Table:
 
     def add(self, what, value, goal, reference=None):
         """`goal` is '>= NUMBER', '<= NUMBER' or '< NUMBER'."""
+        if math.isnan(value):
+            return self.left_out(what, goal, 'nothing measures it here')
         sign, limit = goal.split()
         ratio = None if reference is None else value / reference
         judged = value if ratio is None else ratio

@@ -14,7 +14,7 @@ declare -A groups=(
     qml6-module-qtqml qml6-module-qtqml-workerscript libqt6svg6 fonts-inter fonts-dejavu-core
     fonts-noto-color-emoji xdg-utils"
   [demo]="curl"
-  [bench]="python3 curl openssl sqlite3 libimage-exiftool-perl exiv2 ffmpeg libheif-examples xvfb openbox trayer"
+  [bench]="python3 time curl openssl sqlite3 libimage-exiftool-perl exiv2 ffmpeg libheif-examples xvfb openbox trayer"
   [fuzz]="clang libclang-rt-14-dev"
   [lint]="clang-format clang-tidy qt6-declarative-dev-tools"
   [package]="librsvg2-bin desktop-file-utils appstream man-db"
