@@ -92,6 +92,11 @@ int FileDescriptor::release() noexcept {
     return std::exchange(fd_, -1);
 }
 
+bool isRegularFile(const std::filesystem::directory_entry& entry) {
+    std::error_code vanished;
+    return !entry.is_symlink(vanished) && entry.is_regular_file(vanished);
+}
+
 FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mode) {
     int fd = -1;
     do {

@@ -50,6 +50,10 @@ class FileDescriptor {
     int fd_ = -1;
 };
 
+/// Of a listed name: a file itself, not a link to one. Asks the disk only where the list did not
+/// tell. False when it vanished.
+bool isRegularFile(const std::filesystem::directory_entry& entry);
+
 /// Opens with O_CLOEXEC added. Throws `FileError`.
 FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mode = 0600);
 

@@ -80,8 +80,7 @@ class StagedFiles {
             const std::filesystem::directory_entry file = *entry_;
             entry_.increment(error_);
             requireReadable();
-            std::error_code vanished;
-            if (file.symlink_status(vanished).type() != std::filesystem::file_type::regular)
+            if (!isRegularFile(file))
                 continue;
             if (auto record = recordOf(file))
                 return record;

@@ -16,7 +16,7 @@ namespace {
 /// changes within a few milliseconds apart.
 constexpr size_t smallFolder = 64;
 
-bool isRegularFile(const std::filesystem::path& file) {
+bool isFileItself(const std::filesystem::path& file) {
     struct stat info {};
     return ::lstat(file.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
@@ -32,8 +32,7 @@ void forEachFile(const std::filesystem::path& folder, Visit visit) {
     std::error_code error;
     std::filesystem::directory_iterator entry(folder, error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        std::error_code vanished;
-        if (entry->symlink_status(vanished).type() == std::filesystem::file_type::regular)
+        if (isRegularFile(*entry))
             visit(entry->path().filename());
     }
 }
@@ -77,7 +76,7 @@ void StagingFolder::refresh() {
 
 std::set<std::string>::iterator StagingFolder::firstWith(const std::string& prefix) {
     auto name = names_.lower_bound(prefix);
-    while (name != names_.end() && name->starts_with(prefix) && !isRegularFile(path_ / *name))
+    while (name != names_.end() && name->starts_with(prefix) && !isFileItself(path_ / *name))
         name = names_.erase(name);
     return name != names_.end() && name->starts_with(prefix) ? name : names_.end();
 }
@@ -124,7 +123,7 @@ void StagingFolder::removeLeftovers(const std::stop_token& stop) {
 }
 
 void StagingFolder::settle(const std::string& name, bool wasCurrent) {
-    if (isRegularFile(path_ / name))
+    if (isFileItself(path_ / name))
         names_.insert(name);
     else
         names_.erase(name);

@@ -20,7 +20,7 @@ TEST(SingleInstanceTest, aLaterStartHandsOverWhatItBrought) {
     for (const Start& start :
          {Start{{QUrl(u"com.x:/cb?code=4%2F0"_s)}, u"token\nof two lines"_s}, Start{}}) {
         auto second = std::async(std::launch::async,
-                                       [&] { return SingleInstance(folder.path()).claim(start); });
+                                 [&] { return SingleInstance(folder.path()).claim(start); });
         ASSERT_TRUE(waitOnMainThread([&] { return !later.empty(); }));
         EXPECT_FALSE(second.get());
         EXPECT_EQ(later[0].urls, start.urls);

@@ -29,9 +29,9 @@ StagingContents contentsOf(const std::filesystem::path& folder, const StatusesOf
     contents.folder = folder;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        std::error_code vanished;
-        if (entry.symlink_status(vanished).type() != std::filesystem::file_type::regular)
+        if (!isRegularFile(entry))
             continue;
+        std::error_code vanished;
         const auto size = static_cast<std::int64_t>(entry.file_size(vanished));
         if (vanished)
             continue;
