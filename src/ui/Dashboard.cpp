@@ -140,7 +140,9 @@ HeroView Dashboard::hero() const {
                    .lastSync = model_.lastSyncTime(),
                    .waitingSince = model_.run().waitingSince(),
                    .now = model_.services().clock.now(),
-                   .isRetryOffered = model_.isRetryOffered()});
+                   .isRetryOffered = model_.isRetryOffered(),
+                   .onlyInCloud = model_.records().onlyInCloud,
+                   .elsewhere = model_.records().elsewhere});
 }
 
 LibraryView Dashboard::library() const {

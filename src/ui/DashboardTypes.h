@@ -60,6 +60,7 @@ struct HeroView {
     Q_PROPERTY(QString percent MEMBER percent)
     Q_PROPERTY(QString ringName MEMBER ringName)
     Q_PROPERTY(QString safety MEMBER safety)
+    Q_PROPERTY(QString leftOut MEMBER leftOut)
     Q_PROPERTY(QString startTitle MEMBER startTitle)
     Q_PROPERTY(bool canStop MEMBER canStop)
     Q_PROPERTY(bool canTryNow MEMBER canTryNow)
@@ -77,6 +78,7 @@ struct HeroView {
     QString percent;     ///< "%5"
     QString ringName;    ///< what a screen reader says of the ring
     QString safety;      ///< what became of the items, while a run waits
+    QString leftOut;     ///< what of the library no run can send, while none waits
     QString startTitle;  ///< empty: there is nothing to start
     bool canStop = false;
     bool canTryNow = false;

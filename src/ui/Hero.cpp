@@ -73,7 +73,9 @@ Look lookOf(ProductState state, const HeroFacts& facts) {
                 QStringLiteral("Bazı öğeler yüklenemedi veya tarih bekliyor")};
     case ProductState::finished:
         return {QStringLiteral("done"), QStringLiteral("checkmark.circle.fill"),
-                QStringLiteral("Tüm anılarınız bulutta güncel")};
+                facts.onlyInCloud + facts.elsewhere == 0
+                    ? QStringLiteral("Tüm anılarınız bulutta güncel")
+                    : readyText};
     case ProductState::upToDate:
         return {QStringLiteral("good"), QStringLiteral("checkmark.shield.fill"), readyText};
     case ProductState::signedOut:
@@ -102,6 +104,19 @@ QString noteOf(ProductState state, const HeroFacts& facts) {
     if (state == ProductState::heldBack && facts.product.failed > 0)
         return untransferredText(facts.product.failed);
     return lastSyncText(facts);
+}
+
+/// What no run can send does not make a backup unfinished, but nobody is to take it for safe.
+QString leftOutText(const HeroFacts& facts) {
+    QStringList parts;
+    if (facts.onlyInCloud > 0)
+        parts += groupedCount(facts.onlyInCloud) +
+                 QStringLiteral(" öğe yalnızca iCloud'da, yedeklenmedi: özgünleri bu Mac'e indikçe "
+                                "sıraya alınır.");
+    if (facts.elsewhere > 0)
+        parts += groupedCount(facts.elsewhere) +
+                 QStringLiteral(" öğenin arşiv dışındaki özgünü bulunamadı, yedeklenmedi.");
+    return parts.join(u'\n');
 }
 
 void showProgress(HeroView& view, const HeroFacts& facts) {
@@ -159,6 +174,8 @@ HeroView heroOf(const HeroFacts& facts) {
         view.note = noteOf(state, facts);
     if (state == ProductState::waiting || state == ProductState::waitingQuota)
         showWait(view, state, facts);
+    else
+        view.leftOut = leftOutText(facts);
     if (state == ProductState::finished)
         view.fraction = 1;
     if (!view.canStop && state != ProductState::sessionLapsed)

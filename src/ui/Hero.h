@@ -16,6 +16,8 @@ struct HeroFacts {
     Date waitingSince{}; ///< while the run waits
     Date now{};
     bool isRetryOffered = false;
+    int onlyInCloud = 0; ///< left out until Photos downloads them
+    int elsewhere = 0;   ///< left out: their originals are outside the library, and not found
 };
 
 /// Pure: the same facts are always drawn alike.

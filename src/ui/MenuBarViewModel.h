@@ -107,6 +107,7 @@ class MenuBarViewModel final : public QObject {
     /// Shown until it is dismissed, or the next thing is tried.
     void showError(const QString& message);
     void dismissError() { showError({}); }
+    const StoreCounts& records() const { return counts_.records; }
     int pendingCount() const { return counts_.records.pending; }
     int verifiedCount() const { return counts_.records.verified; }
     int failedCount() const { return counts_.records.failed; }

@@ -98,7 +98,8 @@ Card {
         x: 17
         y: card.buttonTop - height - 12 - (quarantine.visible ? 48 : 0)
         width: parent.width - 34
-        text: card.hero.safety
+        symbol: card.hero.safety.length > 0 ? "shield.checkmark.fill" : "exclamationmark.circle.fill"
+        text: card.hero.safety.length > 0 ? card.hero.safety : card.hero.leftOut
         visible: text.length > 0
     }
     QuarantineLink {

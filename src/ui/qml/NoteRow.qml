@@ -1,13 +1,15 @@
 import QtQuick
 import Quorvane
 
-/// A quiet assurance below what a card says.
+/// A quiet note below what a card says.
 Item {
     property alias text: words.text
+    property alias symbol: icon.name
 
     implicitHeight: words.implicitHeight
 
     Symbol {
+        id: icon
         x: 8
         size: 16
         name: "shield.checkmark.fill"
