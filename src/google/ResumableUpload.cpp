@@ -119,6 +119,7 @@ HttpResponse ResumableUpload::sendPiece() {
     const std::int64_t piece = pieceSize();
     const bool isLast = offset_ + piece == job_.size;
     HttpRequest request;
+    request.isCreation = true; // sent again, it would begin where the upload is past
     request.headers = {{"X-Goog-Upload-Offset", QByteArray::number(qint64(offset_))}};
     request.bodyFile = job_.source.file;
     request.bodyRange = {offset_, piece};
