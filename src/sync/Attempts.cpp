@@ -58,20 +58,25 @@ void Attempts::begin(World::Patience patience, Teller teller) {
 World::Verdict Attempts::learn(const std::function<World::Verdict(World&)>& what) {
     World::Verdict verdict;
     std::stop_source over(std::nostopstate);
+    std::stop_source waiting(std::nostopstate);
     bool isClear = false;
     std::vector<std::function<void()>> relieved;
     {
         const auto state = state_.lock();
         const int era = state->world.era();
+        const bool wasClear = !state->world.obstacle();
         verdict = what(state->world);
         if (verdict.beganOutage || state->world.era() != era)
             relieved = std::exchange(state->suspects, {});
         if (state->world.ending())
             over = state->over;
         isClear = !state->world.obstacle();
+        if (isClear && !wasClear) // nobody waits for what has passed
+            waiting = std::exchange(state->waiting, std::stop_source());
         changed_.notify_all();
     }
-    over.request_stop(); // runs the callbacks of whoever waits, so not under the lock
+    over.request_stop(); // these run the callbacks of whoever waits, so not under the lock
+    waiting.request_stop();
     if (verdict.beganOutage)
         for (const auto& relieve : relieved)
             relieve();
@@ -125,7 +130,7 @@ void Attempts::tryNow() {
         state->world.tryNow();
         waiting = std::exchange(state->waiting, std::stop_source());
     }
-    waiting.request_stop(); // as in `learn`
+    waiting.request_stop(); // not under the lock, as in `learn`
 }
 
 std::optional<Fault> Attempts::ending() const {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
+
 namespace quorvane {
 
 namespace {
@@ -132,6 +134,23 @@ TEST(Attempts, AreNotMadeOnceTheDaysRequestsAreUsedUp) {
     permit->passed();
     EXPECT_FALSE(told);
     EXPECT_EQ(requests.daysFor(requests.limit()), 1);
+}
+
+TEST(Attempts, GoOnAtOnceWhenOneThatWasUnderWayPasses) {
+    test::FakeClock clock; // stands still: only being woken ends a wait
+    DailyRequests requests({}, clock);
+    Attempts attempts(clock, requests);
+    attempts.begin(World::endless);
+    auto slow = attempts.enter({});
+    attempts.enter({})->failed(Fault{dailyQuota});
+    std::stop_source end;
+    auto next =
+        std::async(std::launch::async, [&] { return attempts.enter(end.get_token()).has_value(); });
+    while (clock.sleeps().empty())
+        std::this_thread::yield();
+    slow->passed();
+    EXPECT_EQ(next.wait_for(10s), std::future_status::ready);
+    end.request_stop();
 }
 
 } // namespace quorvane
