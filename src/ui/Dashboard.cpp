@@ -263,6 +263,13 @@ void Dashboard::ask(Question question) {
     Q_EMIT sheetsChanged();
 }
 
+void Dashboard::startSync() {
+    if (model_.state() == ProductState::noLibrary)
+        chooseLibrary();
+    else
+        model_.triggerSync();
+}
+
 void Dashboard::quit() {
     if (model_.isSyncing())
         ask(Question::quit);

@@ -105,7 +105,8 @@ class Dashboard final : public QObject {
     Q_INVOKABLE void loadAlbums() { model_.loadGoogleAlbums(); }
     Q_INVOKABLE QString suggestNewAlbumTitle() const { return model_.suggestNewAlbumTitle(); }
     Q_INVOKABLE void createAlbum(const QString& title) { model_.createGoogleAlbum(title); }
-    Q_INVOKABLE void startSync() { model_.triggerSync(); }
+    /// Asks for a library while there is none.
+    Q_INVOKABLE void startSync();
     Q_INVOKABLE void stopSync() { model_.stopSync(); }
     Q_INVOKABLE void tryNow() { model_.tryNow(); }
     Q_INVOKABLE void showReview() { model_.setShowQuarantineSheet(true); }

@@ -62,6 +62,7 @@ struct HeroView {
     Q_PROPERTY(QString safety MEMBER safety)
     Q_PROPERTY(QString leftOut MEMBER leftOut)
     Q_PROPERTY(QString startTitle MEMBER startTitle)
+    Q_PROPERTY(QString startSymbol MEMBER startSymbol)
     Q_PROPERTY(bool canStop MEMBER canStop)
     Q_PROPERTY(bool canTryNow MEMBER canTryNow)
     Q_PROPERTY(QString quarantine MEMBER quarantine)
@@ -80,6 +81,7 @@ struct HeroView {
     QString safety;      ///< what became of the items, while a run waits
     QString leftOut;     ///< what of the library no run can send, while none waits
     QString startTitle;  ///< empty: there is nothing to start
+    QString startSymbol;
     bool canStop = false;
     bool canTryNow = false;
     QString quarantine; ///< empty when nothing waits for a review

@@ -78,9 +78,11 @@ Look lookOf(ProductState state, const HeroFacts& facts) {
                     : readyText};
     case ProductState::upToDate:
         return {QStringLiteral("good"), QStringLiteral("checkmark.shield.fill"), readyText};
+    case ProductState::noLibrary:
+        return {QStringLiteral("neutral"), QStringLiteral("photo.stack.fill"),
+                QStringLiteral("Yedeklenecek kitaplığı seçin")};
     case ProductState::signedOut:
     case ProductState::libraryAway:
-    case ProductState::noLibrary:
     case ProductState::stopped:
     case ProductState::neverBackedUp:
     case ProductState::itemsWaiting:
@@ -178,9 +180,14 @@ HeroView heroOf(const HeroFacts& facts) {
         view.leftOut = leftOutText(facts);
     if (state == ProductState::finished)
         view.fraction = 1;
-    if (!view.canStop && state != ProductState::sessionLapsed)
+    if (state == ProductState::noLibrary) {
+        view.startTitle = QStringLiteral("Fotoğraf Kitaplığını Seç...");
+        view.startSymbol = QStringLiteral("photo.stack.fill");
+    } else if (!view.canStop && state != ProductState::sessionLapsed) {
         view.startTitle =
             facts.isRetryOffered ? QStringLiteral("Tekrar Dene") : QStringLiteral("Şimdi Eşitle");
+        view.startSymbol = QStringLiteral("arrow.triangle.2.circlepath");
+    }
     if (facts.product.held() > 0)
         view.quarantine = reviewText(facts.product.held());
     return view;

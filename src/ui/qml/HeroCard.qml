@@ -139,7 +139,7 @@ Card {
         width: parent.width - 34
         visible: card.hasButton && !card.hero.canTryNow
         kind: card.hero.canStop ? "outline" : "filled"
-        symbol: card.hero.canStop ? "stop.fill" : "arrow.triangle.2.circlepath"
+        symbol: card.hero.canStop ? "stop.fill" : card.hero.startSymbol
         text: card.hero.canStop ? "Eşitlemeyi Durdur" : card.hero.startTitle
         onClicked: card.hero.canStop ? card.dashboard.stopSync() : card.dashboard.startSync()
     }

@@ -46,6 +46,7 @@ Item {
             rowSpacing: 0
 
             SignInCard {
+                objectName: "signInCard"
                 dashboard: column.dashboard
                 visible: !column.dashboard.account.isSignedIn && !column.dashboard.account.isLapsed
                 Layout.row: 2
