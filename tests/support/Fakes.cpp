@@ -24,7 +24,7 @@ FakeClock::FakeClock(Date start) : start_(start) {}
 
 Date FakeClock::now() const {
     const std::lock_guard lock(mutex_);
-    return start_ + elapsed_;
+    return followsSystem_ ? SystemClock().now() : start_ + elapsed_;
 }
 
 Clock::Monotonic FakeClock::monotonic() const {
@@ -54,6 +54,11 @@ void FakeClock::advance(std::chrono::milliseconds duration) {
 void FakeClock::skipSleeps(bool on) {
     const std::lock_guard lock(mutex_);
     skipSleeps_ = on;
+}
+
+void FakeClock::followSystem() {
+    const std::lock_guard lock(mutex_);
+    followsSystem_ = true;
 }
 
 std::vector<std::chrono::milliseconds> FakeClock::sleeps() const {

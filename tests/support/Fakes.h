@@ -36,6 +36,8 @@ class FakeClock final : public Clock {
 
     void advance(std::chrono::milliseconds duration);
     void skipSleeps(bool on);
+    /// The dates are the system's from now on, as those that the store makes; the rest stays.
+    void followSystem();
 
     /// The durations slept so far, in order of their start.
     std::vector<std::chrono::milliseconds> sleeps() const;
@@ -46,6 +48,7 @@ class FakeClock final : public Clock {
     Date start_;
     std::chrono::milliseconds elapsed_{0};
     bool skipSleeps_ = false;
+    bool followsSystem_ = false;
     std::vector<std::chrono::milliseconds> sleeps_;
 };
 

@@ -52,6 +52,19 @@ TEST_F(SheetStoryTest, warningsAndTheQuarantine) {
     EXPECT_EQ(model->pendingCount(), 2);
 }
 
+TEST_F(SheetStoryTest, theTrashQuestionComesWhenItIsOpened) {
+    openSignedIn();
+    trash.confirmDeletion({412, 3'800'000'000, u"/home/ayse/.local/share/Trash"_s, {}});
+    ASSERT_TRUE(awaitView([&] { return trash.open().has_value(); }));
+    expectHidden({u"Sakla"_s}); // never by itself
+    window.dashboard().open(Notice::About::trash);
+    expectShown({u"412 Öğe Çöp'e Taşınsın mı?"_s, u"Çöp'e Taşı"_s});
+    EXPECT_EQ(focus(), u"alertButton0"_s);
+    shot(u"trash-question-light"_s);
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(trash.open());
+}
+
 TEST_F(SheetStoryTest, theSessionIsChecked) {
     openSignedIn();
     using State = CheckedThing::State;
@@ -145,6 +158,7 @@ TEST_F(SheetStoryTest, whatHasNoDateIsReviewed) {
 }
 
 TEST_F(SheetStoryTest, aLineOfTheLogTellsTheLifeOfItsRecord) {
+    clock.followSystem(); // the steps come from the store and from the run
     world.addPicture(u"Gizli tatil.jpg"_s);
     world.addPicture(u"tarihsiz.jpg"_s, std::nullopt);
     openSignedIn();
@@ -163,8 +177,12 @@ TEST_F(SheetStoryTest, aLineOfTheLogTellsTheLifeOfItsRecord) {
     EXPECT_TRUE(awaitView([&] { return lineOf(u"[Sync] 🛑 Tarih tespit edilemedi"_s) >= 0; }))
         << "what only the console was told";
     click(u"open%1"_s.arg(lineOf(u"[Batch] VERIFIED: Gizli tatil.jpg"_s)));
-    expectShown({u"keşfedildi"_s, u"hazırlandı"_s, u"tarih: dosyanın içi"_s, u"5 Mart 2021 18:22"_s,
-                 u"yüklendi"_s, u"oluşturuldu"_s});
+    const QStringList steps{u"keşfedildi"_s, u"hazırlandı"_s, u"tarih: dosyanın içi"_s,
+                            u"yüklendi"_s, u"oluşturuldu"_s};
+    expectShown(steps + QStringList{u"5 Mart 2021 18:22"_s});
+    const QStringList seen = texts();
+    EXPECT_TRUE(
+        std::ranges::is_sorted(steps, {}, [&](const QString& step) { return seen.indexOf(step); }));
     shot(u"inspector-timeline-light"_s);
     find(u"console"_s)->forceActiveFocus(Qt::TabFocusReason);
     key(Qt::Key_Escape);

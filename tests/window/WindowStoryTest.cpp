@@ -174,48 +174,6 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     shot(u"main-done-dark"_s);
 }
 
-TEST_F(WindowStoryTest, aWaitAnEndedSessionAndALibraryThatIsAway) {
-    const auto awaitState = [&](ProductState state) {
-        return awaitView([&, state] { return model->state() == state; });
-    };
-    world.addPictures(3);
-    openSignedIn();
-    shot(u"state-never-backed-up-light"_s);
-    clock.skipSleeps(false);
-    world.google.change([](emulator::Behaviour& google) { google.dailyRequests = 1; });
-    click(u"start"_s);
-    ASSERT_TRUE(awaitState(ProductState::waitingQuota));
-    expectShown({u"Google'ın günlük sınırı doldu"_s, u"duraklatıldı"_s});
-    shot(u"state-waiting-quota-light"_s);
-    world.google.change([](emulator::Behaviour& google) { google.dailyRequests = 0; });
-    click(u"tryNow"_s);
-    ASSERT_TRUE(awaitState(ProductState::finished));
-    expectShown({u"Eşitleme Tamamlandı"_s});
-
-    world.addPicture(u"yeni.jpg"_s);
-    scan();
-    expectShown({u"1 yeni öğe eşitlenmeyi bekliyor"_s});
-    world.google.revokeTokens();
-    click(u"start"_s);
-    ASSERT_TRUE(awaitState(ProductState::sessionLapsed));
-    expectShown({u"Oturumun süresi doldu"_s, u"1 öğe giriş bekliyor"_s});
-    expectHidden({u"Google ile Giriş Yap"_s, u"Şimdi Eşitle"_s});
-    shot(u"state-session-lapsed-light"_s);
-    click(u"signInAgain"_s);
-    ASSERT_TRUE(awaitState(ProductState::finished)) << "what the session ended goes on";
-
-    const std::filesystem::path elsewhere = world.folder / "elsewhere";
-    std::filesystem::rename(world.pictures, elsewhere);
-    model->lookForLibrary();
-    ASSERT_TRUE(awaitState(ProductState::libraryAway));
-    expectShown({u"Arşiv bağlı değil"_s, u"Resim klasörü · 4 öğe"_s, u"Başka Kitaplık…"_s});
-    expectHidden({u"Şimdi Eşitle"_s});
-    shot(u"state-library-away-light"_s);
-    std::filesystem::rename(elsewhere, world.pictures);
-    click(u"lookAgain"_s);
-    ASSERT_TRUE(awaitState(ProductState::upToDate));
-}
-
 TEST_F(WindowStoryTest, theAlbumLimit) {
     world.addPictures(30);
     world.google.addAlbum(u"Aile Arşivi"_s, 19'980);

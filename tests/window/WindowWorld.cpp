@@ -108,24 +108,26 @@ void WindowWorld::settleView() {
 }
 
 void WindowWorld::shot(const QString& name) {
+    QTest::mouseMove(window.window(), QPoint(1, 1)); // nothing is hovered
     settleView();
-    const QString asked = qEnvironmentVariable("QUORVANE_WINDOW_SHOTS");
-    const std::filesystem::path folder =
-        asked.isEmpty() ? programFolder().parent_path() / "screenshots" : pathFrom(asked);
-    std::filesystem::create_directories(folder);
-    const auto save = [&](const QString& file) {
-        EXPECT_TRUE(window.window()->grabWindow().save(pathText(folder) + u'/' + file +
-                                                       QStringLiteral(".png")));
-    };
-    save(name);
+    savePicture(window.window()->grabWindow(), name);
     const QString light = QStringLiteral("-light");
     if (!name.endsWith(light))
         return;
     window.applyTheme(AppTheme::dark);
     settleView();
-    save(name.chopped(light.size()) + QStringLiteral("-dark"));
+    savePicture(window.window()->grabWindow(),
+                name.chopped(light.size()) + QStringLiteral("-dark"));
     window.applyTheme(model->appTheme());
     settleView();
+}
+
+void savePicture(const QImage& picture, const QString& name) {
+    const QString asked = qEnvironmentVariable("QUORVANE_WINDOW_SHOTS");
+    const std::filesystem::path folder =
+        asked.isEmpty() ? sourceFolder() / "build" / "screenshots" : pathFrom(asked);
+    std::filesystem::create_directories(folder);
+    EXPECT_TRUE(picture.save(pathText(folder / pathFrom(name)) + QStringLiteral(".png")));
 }
 
 } // namespace quorvane::test

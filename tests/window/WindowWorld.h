@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/ModelWorld.h"
+#include "ui/StatusHost.h"
 #include "ui/window/MainWindowController.h"
 
 #include <QQuickItem>
@@ -33,9 +34,21 @@ class WindowWorld : public ModelWorld {
     /// seconds.
     bool awaitView(const std::function<bool()>& condition);
     void settleView();
-    /// Saves what is seen as NAME.png into $QUORVANE_WINDOW_SHOTS, else into "screenshots" beside
-    /// the programs' folder; of NAME-light the same in the dark theme as well.
+    /// Saves what is seen; of NAME-light the same in the dark theme as well.
     void shot(const QString& name);
+};
+
+/// As NAME.png into $QUORVANE_WINDOW_SHOTS, else into build/screenshots.
+void savePicture(const QImage& picture, const QString& name);
+
+/// Says that there is a place for a status item, or that there never will be.
+struct FixedHost final : StatusHost {
+    explicit FixedHost(bool there) : isThere(there) {}
+    void await(std::function<void()> appeared) override {
+        if (isThere)
+            appeared();
+    }
+    const bool isThere;
 };
 
 /// Calls `visit` with every visible item under `item`, parents first.
