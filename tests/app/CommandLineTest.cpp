@@ -1,6 +1,7 @@
 #include "foundation/CommandLine.h"
 
 #include "app/cli/Progress.h"
+#include "support/Failures.h"
 
 #include <gtest/gtest.h>
 
@@ -57,14 +58,8 @@ TEST(CommandLineTest, wordsThatDoNotFitAreNamed) {
         {{u"--mode"_s, u"slow"_s},
          u"copy: --mode için geçersiz değer: slow (geçerli: fast, safe)"_s},
     };
-    for (const auto& each : cases) {
-        try {
-            parse(copy, each.words);
-            ADD_FAILURE() << each.words.join(u' ').toStdString() << " was taken";
-        } catch (const UsageError& error) {
-            EXPECT_EQ(error.localizedDescription(), each.text);
-        }
-    }
+    for (const auto& each : cases)
+        EXPECT_EQ(messageOf([&] { parse(copy, each.words); }), each.text);
 }
 
 TEST(ProgressTest, theLineTellsCountPaceAndNames) {

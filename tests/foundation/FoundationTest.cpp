@@ -5,6 +5,7 @@
 #include "foundation/Date.h"
 #include "foundation/File.h"
 #include "foundation/Publisher.h"
+#include "support/Failures.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -74,14 +75,8 @@ TEST(File, replacingIsWholeAndLeavesNoTemporary) {
 }
 
 TEST(File, errorsNameThePathAndTheReason) {
-    try {
-        openFile("/nowhere/x", O_RDONLY);
-        FAIL();
-    } catch (const FileError& error) {
-        EXPECT_EQ(error.errorNumber(), ENOENT);
-        EXPECT_EQ(error.localizedDescription(),
-                  QStringLiteral("Dosya açılamadı: /nowhere/x (bulunamadı)"));
-    }
+    EXPECT_EQ(test::messageOf([] { openFile("/nowhere/x", O_RDONLY); }),
+              u"Dosya açılamadı: /nowhere/x (bulunamadı)");
 }
 
 TEST(Console, aCalmTerminalShowsWhatNeedsAPersonAndNoMoreThanOneReads) {
