@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 namespace quorvane {
 
 namespace {
@@ -59,15 +57,6 @@ TEST_F(Tracking, SpeedIsSampledEveryQuarterSecondAndNeverNegative) {
     tracker.remove(u"a"_s);
     clock.advance(100ms);
     EXPECT_DOUBLE_EQ(tracker.getSnapshot().currentSpeed, 1024);
-}
-
-TEST(FormatSpeed, DecimalThresholdBinaryUnits) {
-    for (const auto& [speed, text] : {std::pair{0.0, "0.0 KB/s"},
-                                      {1024.0, "1.0 KB/s"},
-                                      {999'999.0, "976.6 KB/s"},
-                                      {1'000'000.0, "1.0 MB/s"},
-                                      {52'428'800.0, "50.0 MB/s"}})
-        EXPECT_EQ(TransferActivityTracker::formatSpeed(speed), QLatin1String(text));
 }
 
 } // namespace quorvane

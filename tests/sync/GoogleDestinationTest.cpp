@@ -3,6 +3,7 @@
 #include "emulator/GoogleEmulator.h"
 #include "google/CurlHttpClient.h"
 #include "google/ScriptedHttp.h"
+#include "support/Failures.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -69,15 +70,6 @@ QStringList textsOf(const std::vector<NewItemResult>& results) {
     return texts;
 }
 
-QString failureOf(const std::function<void()>& request) {
-    try {
-        request();
-    } catch (const Error& error) {
-        return error.localizedDescription();
-    }
-    return {};
-}
-
 } // namespace
 
 TEST_F(Destinations, AnItemsResultIsReadAsWhatBecameOfIt) {
@@ -130,9 +122,17 @@ TEST_F(Destinations, AnItemsResultIsReadAsWhatBecameOfIt) {
 TEST_F(Destinations, AnAnswerThatIsNoneFailsTheWholeRequest) {
     const auto expectFailures = [&](int status, const QByteArray& body, const QString& text) {
         answer(RequestKind::batchCreate, status, body);
-        EXPECT_EQ(failureOf([&] { destination->create({{u"t"_s, {}}}, {}); }), text) << status;
+        EXPECT_EQ(test::messageOf([&] {
+                      destination->create({{u"t"_s, {}}}, {});
+                  }),
+                  text)
+            << status;
         answer(RequestKind::batchGet, status, body);
-        EXPECT_EQ(failureOf([&] { destination->existing({u"a"_s, u"b"_s}, {}); }), text) << status;
+        EXPECT_EQ(test::messageOf([&] {
+                      destination->existing({u"a"_s, u"b"_s}, {});
+                  }),
+                  text)
+            << status;
     };
     for (const int status : {201, 302, 401, 404, 408, 413, 429, 500, 503})
         expectFailures(status, "{}", u"[Batch] HTTP %1"_s.arg(status));
@@ -155,7 +155,7 @@ TEST_F(Destinations, ItemsGoToTheTargetAlbumUntilItIsFullAndThenToItsNextPart) {
     google.change([](Behaviour& behaviour) { behaviour.albumCapacity = 1; });
     albums->createAlbum(u"Aile"_s, {});
     EXPECT_EQ(send(u"a.png"_s).outcome, Outcome::created);
-    const QString name = u"Çiçek 100% 📷 \";\".png"_s;
+    const QString name = u"Çiçek 100% 📷 \";\"\r\nX: y.png"_s;
     EXPECT_EQ(send(name).outcome, Outcome::heldBack);
     emulator::Disturbance lost{.kind = emulator::RequestKind::albumsCreate};
     lost.dropAnswerAfter = 0;

@@ -9,6 +9,7 @@ namespace {
 using Phase = RunState::Phase;
 using End = RunState::End;
 using Library = ProductFacts::Library;
+using enum FaultCode;
 
 RunState waitingFor(FaultCode code) {
     return {.phase = Phase::waiting, .fault = Fault{.code = code}};
@@ -27,7 +28,7 @@ TEST(ProductStateTest, followsFromTheFacts) {
         const char* state;
     };
     const Library open = Library::open;
-    const RunState lapsed = ended(End::world, FaultCode::sessionEnded);
+    const RunState lapsed = ended(End::world, sessionEnded);
     const RunState running{.phase = Phase::running};
     const std::vector<Row> table{
         {"Giriş yapılmadı", {false, Library::away, 5, 5, 5, 5, running}, "signed-out"},
@@ -36,16 +37,12 @@ TEST(ProductStateTest, followsFromTheFacts) {
         {"Giriş bekleniyor", {true, open, 0, 0, 0, 0, lapsed}, "session-lapsed"},
         {"Arşiv seçilmedi", {true, Library::none, 0, 0, 0, 0}, "no-library"},
         {"Eşitleme Devam Ediyor", {true, open, 5, 0, 3, 2, running}, "running"},
-        {"Ağ bekleniyor", {true, open, 5, 9, 0, 0, waitingFor(FaultCode::unreachable)}, "waiting"},
-        {"Google bekleniyor",
-         {true, open, 5, 9, 0, 0, waitingFor(FaultCode::rateLimited)},
-         "waiting"},
+        {"Ağ bekleniyor", {true, open, 5, 9, 0, 0, waitingFor(unreachable)}, "waiting"},
+        {"Google bekleniyor", {true, open, 5, 9, 0, 0, waitingFor(rateLimited)}, "waiting"},
         {"Google'ın günlük sınırı doldu",
-         {true, open, 5, 9, 0, 0, waitingFor(FaultCode::dailyQuota)},
+         {true, open, 5, 9, 0, 0, waitingFor(dailyQuota)},
          "waiting-quota"},
-        {"Eşitleme Uyarısı",
-         {true, open, 0, 9, 0, 0, ended(End::world, FaultCode::storageFull)},
-         "failed"},
+        {"Eşitleme Uyarısı", {true, open, 0, 9, 0, 0, ended(End::world, storageFull)}, "failed"},
         {"Eşitleme Uyarısı", {true, open, 5, 9, 0, 0, ended(End::machine)}, "failed"},
         {"Eşitleme Uyarısı", {true, open, 5, 9, 0, 0, ended(End::albumFull)}, "failed"},
         {"5 yeni öğe eşitlenmeyi bekliyor",

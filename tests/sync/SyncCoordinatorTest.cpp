@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quorvane {
+namespace quorvane::test {
 
 namespace {
 
@@ -17,19 +17,13 @@ using namespace Qt::StringLiterals;
 using emulator::Disturbance;
 using emulator::RequestKind;
 using std::chrono::milliseconds;
-using test::Counts;
-using test::expectAllStoredOnce;
-using test::faultOf;
-using test::refusal;
-using test::SyncWorld;
-using test::TestProgram;
 
 struct SyncRun : testing::Test {
     SyncWorld world;
 };
 
 int sizeOf(const emulator::RecordedRequest& batch) {
-    return static_cast<int>(test::jsonOf(batch.body)[u"newMediaItems"_s].toArray().size());
+    return static_cast<int>(jsonOf(batch.body)[u"newMediaItems"_s].toArray().size());
 }
 
 } // namespace
@@ -170,6 +164,7 @@ TEST_F(SyncRun, EachFailureInARowWaitsTwiceAsLong) {
     }
 
     program.life.retriedFailed(true);
+    EXPECT_EQ(program.database.fetchPendingRecords(1).at(0).retryCount, 0);
     program.run();
     expectAllStoredOnce(world, program, 6);
 }
@@ -208,7 +203,7 @@ TEST_F(SyncRun, StagesTheNextRecordsWhileTheFirstOnesUpload) {
         TestProgram program(world, limits);
         program.discover();
         program.start();
-        EXPECT_TRUE(test::waitOnMainThread(
+        EXPECT_TRUE(waitOnMainThread(
             [&, all = inFlight + ahead] { return program.counts()[SyncStatus::staged] >= all; }));
         program.stop();
         program.finish();
@@ -234,18 +229,4 @@ TEST_F(SyncRun, AServiceThatIsDownCostsNoPictureAndEndsTheRunWhenPatienceDoes) {
     expectAllStoredOnce(world, program, 70);
 }
 
-TEST_F(SyncRun, APictureThatCannotBeStagedFailsAlone) {
-    world.addPictures(4);
-    TestProgram program(world);
-    program.discover();
-    std::filesystem::create_directories(program.stagedPath(u"001.jpg"_s));
-    const auto summary = program.run();
-    EXPECT_EQ(program.counts(), (Counts{{SyncStatus::verified, 3}, {SyncStatus::failed, 1}}));
-    EXPECT_TRUE(program.record(u"001.jpg"_s)
-                    .lastError.value_or(QString())
-                    .startsWith(u"Hazırlık dosyası yerinde başka bir şey var"));
-    EXPECT_EQ(summary.unavailable, 0) << "it failed, it was not out of reach";
-    EXPECT_EQ(summary.completed, 4);
-}
-
-} // namespace quorvane
+} // namespace quorvane::test

@@ -2,27 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
-namespace quorvane {
+namespace quorvane::test {
 
 namespace {
 
 using namespace Qt::StringLiterals;
 using emulator::RequestKind;
 using std::chrono::milliseconds;
-using test::Counts;
-using test::expectAllStoredOnce;
-using test::refusal;
-using test::stall;
-using test::SyncWorld;
-using test::TestProgram;
 
 constexpr milliseconds stopsWithin{500};
 
 struct Interrupted : testing::Test {
     SyncWorld world;
-    std::mt19937 random{std::random_device()()};
 };
 
 } // namespace
@@ -74,7 +65,7 @@ TEST_F(Interrupted, AStopEndsABackOffWait) {
     TestProgram program(world);
     program.discover();
     program.start();
-    ASSERT_TRUE(test::waitOnMainThread([&] { return program.clock.sleeps().size() == 2; }));
+    ASSERT_TRUE(waitOnMainThread([&] { return program.clock.sleeps().size() == 2; }));
     EXPECT_LT(program.stop(), stopsWithin);
     program.finish();
     EXPECT_EQ(program.counts()[SyncStatus::failed], 2);
@@ -178,4 +169,4 @@ INSTANTIATE_TEST_SUITE_P(Blows, SyncInterrupted,
                          testing::Values(Blow::crashBefore, Blow::crashAfter, Blow::stopBefore,
                                          Blow::stopAfter));
 
-} // namespace quorvane
+} // namespace quorvane::test

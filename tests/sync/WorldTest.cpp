@@ -78,7 +78,6 @@ const Story stories[]{
     {"or not", 600s, {{dailyQuota, 0s, false, false, 0s, 3660s}}, dailyQuota},
     {"a session ends the run", World::endless, {{sessionEnded, 0s, false, false}}, sessionEnded},
     {"so does a full account", World::endless, {{storageFull, 0s, false, false}}, storageFull},
-    {"and an album that is gone", World::endless, {{albumGone, 0s, false, false}}, albumGone},
 };
 
 } // namespace
