@@ -292,17 +292,3 @@ TEST_F(ImageMetadata, WhatOthersOpenIsDated) {
         EXPECT_EQ(tags.contains(u"GPS:GPSLatitude"), row.hasRoom);
     }
 }
-
-TEST_F(ImageMetadata, TemporaryFilesOfDeadRunsAreRemoved) {
-    folder_.write(".a.jpg.tmp", "half");
-    folder_.write(".tmp", "not ours");
-    folder_.write("b.tmp", "not ours");
-    const auto file = folder_.write("a.jpg", jpegOf({}));
-    EXPECT_EQ(enrich(file, party).which, Case::success); // is not stopped by the left-over
-    EXPECT_EQ(entriesOf(folder_.path()), 3);
-    folder_.write(".a.jpg.tmp", "half");
-    EXPECT_EQ(removeLeftoverTemporaries(folder_.path()), 1);
-    EXPECT_EQ(removeLeftoverTemporaries(folder_.path()), 0);
-    EXPECT_EQ(removeLeftoverTemporaries(folder_ / "absent"), 0);
-    EXPECT_EQ(entriesOf(folder_.path()), 3);
-}

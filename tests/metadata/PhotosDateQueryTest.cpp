@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 using namespace quorvane;
 using namespace quorvane::test;

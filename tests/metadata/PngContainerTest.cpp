@@ -82,13 +82,6 @@ TEST(PngContainer, ARawProfileIsReadAndNotLeftToContradict) {
     EXPECT_EQ(replaced(bomb), pngOf(now));
 }
 
-TEST(PngContainer, AnUnreadableBlockIsNone) {
-    const QByteArray junk = pngChunk("eXIf", "junk");
-    EXPECT_EQ(png::readExif(viewOf(pngOf(junk))), std::nullopt);
-    EXPECT_EQ(png::readExif(viewOf(pngOf(junk, now))), block);
-    EXPECT_EQ(replaced(pngOf(junk)), pngOf(now));
-}
-
 TEST(PngContainer, ABrokenFileIsRefused) {
     const QByteArray good = pngOf(pngChunk("tIME", QByteArray(7, 1)));
     const qsizetype image = good.indexOf("IDAT") + 4;

@@ -18,10 +18,8 @@ QByteArray packet(const QByteArray& attributes, const QByteArray& elements = {})
            attributes + ">" + elements + "</rdf:Description></rdf:RDF></x:xmpmeta>....";
 }
 
-/// With the zeros that are in it.
-template <std::size_t size>
-QByteArray all(const char (&literal)[size]) {
-    return {literal, size - 1};
+QByteArray dataset(char number, const QByteArray& text) {
+    return QByteArray("\x1C\x02") + number + '\0' + static_cast<char>(text.size()) + text;
 }
 
 QByteArray chunk(const QByteArray& content) {
@@ -36,6 +34,7 @@ TEST(TextDates, AreFoundInWhateverBytes) {
     const auto local = localDate(2019, 5, 3, 14, 22, 10);
     const auto noon = localDate(2019, 5, 3, 12, 0, 0);
     const auto zoned = utcDate(2019, 5, 3, 11, 22, 10);
+    const QByteArray created("tEXtCreation Time\0", 18);
     const struct {
         const char* form;
         QByteArray bytes;
@@ -49,40 +48,14 @@ TEST(TextDates, AreFoundInWhateverBytes) {
         {"XMP", packet("xmp:ModifyDate='2019-05-03'"), {}},
         {"XMP", packet("xmp:CreateDate='2019-05-03'").chopped(20), {}},
         {"XMP", "<x:xmpmeta><a b=></x:xmpmeta>", {}},
-        {"IPTC",
-         all("..\x1C\x02\x37\0\x08"
-             "20190503"
-             "\x1C\x02\x3C\0\x0B"
-             "142210+0300"),
-         zoned},
-        {"IPTC",
-         all("\x1C\x02\x37\0\x08"
-             "20190503"),
-         noon},
-        {"IPTC",
-         all("\x1C\x02\x37\0\x08"
-             "00000000"),
-         {}},
-        {"IPTC",
-         all("\x1C\x02\x37\0\x08"
-             "2019"),
-         {}},
-        {"PNG",
-         chunk(all("tEXtCreation Time\0"
-                   "2019:05:03 14:22:10")),
-         local},
-        {"PNG",
-         chunk(all("tEXtCreation Time\0"
-                   "Fri, 03 May 2019 14:22:10 +0300")),
-         zoned},
-        {"PNG",
-         chunk(all("tEXtCreation Time\0"
-                   "yesterday")),
-         {}},
-        {"PNG",
-         all("tEXtCreation Time\0"
-             "2019-05-03"),
-         {}},
+        {"IPTC", ".." + dataset('\x37', "20190503") + dataset('\x3C', "142210+0300"), zoned},
+        {"IPTC", dataset('\x37', "20190503"), noon},
+        {"IPTC", dataset('\x37', "00000000"), {}},
+        {"IPTC", dataset('\x37', "20190503").chopped(4), {}},
+        {"PNG", chunk(created + "2019:05:03 14:22:10"), local},
+        {"PNG", chunk(created + "Fri, 03 May 2019 14:22:10 +0300"), zoned},
+        {"PNG", chunk(created + "yesterday"), {}},
+        {"PNG", created + "2019-05-03", {}},
         {"-", {}, {}},
     };
     for (const auto& row : rows) {

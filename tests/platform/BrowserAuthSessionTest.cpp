@@ -18,7 +18,6 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 namespace quorvane::test {
 namespace {
@@ -133,21 +132,6 @@ TEST_F(BrowserAuthSessionTest, OpensTheBrowserAndTakesTheCallbackThatIsHandedOve
     const auto called = folder / "bin/xdg-open.called";
     ASSERT_TRUE(waitOnMainThread([&] { return std::filesystem::exists(called); }));
     EXPECT_EQ(readFile(called), "1:" + page.toEncoded() + "\n") << "one argument, no shell";
-}
-
-TEST_F(BrowserAuthSessionTest, TakesAPastedCallback) {
-    environment.hasDisplay = false;
-    int pipe[2];
-    ASSERT_EQ(::pipe(pipe), 0);
-    const FileDescriptor reading(pipe[0]);
-    const FileDescriptor writing(pipe[1]);
-    auto session = start({.input = reading.get()});
-    EXPECT_TRUE(wasShown);
-    const QByteArray typed = "\nhttps://example.com/?code=1\n  " + callback.toUtf8() + "  \r\n";
-    for (const char c : typed)
-        ASSERT_EQ(::write(writing.get(), &c, 1), 1);
-    EXPECT_EQ(session.get(), QUrl(callback));
-    EXPECT_FALSE(std::filesystem::exists(folder / "bin/xdg-open.called"));
 }
 
 TEST_F(BrowserAuthSessionTest, TakesTheCallbackAtItsOwnAddressAndNothingElse) {

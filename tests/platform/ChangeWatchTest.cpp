@@ -13,51 +13,27 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr WatchTimes quick{10ms, 100ms, 20ms, 20ms};
-
-struct ChangeWatchTest : testing::Test {
-    void watchWith(std::function<ChangeWatch::Found()> look, const WatchTimes& times = quick) {
-        watch.emplace(
-            QStringLiteral("[Test]"), FolderNotifier::Events::entries,
-            [look = std::move(look)](bool, const std::stop_token&) { return look(); }, change, log,
-            times);
-    }
-    bool waitForCalls(int count) {
-        return observer.waitFor([&] { return observer.calls() >= count; });
-    }
-
-    TemporaryFolder folder;
-    LiveFetches change;
-    RecordingLog log;
-    ChangeRecorder observer{nullptr};
-    std::optional<ChangeWatch> watch;
-};
-
 } // namespace
 
-TEST_F(ChangeWatchTest, SaysOnceThatTheKernelHasNoRoomAndLooksByItself) {
+TEST(ChangeWatch, SaysOnceThatTheKernelHasNoRoomAndLooksByItself) {
     const std::filesystem::path unwatchable = "/" + std::string(5000, 'x');
-    watchWith([&] { return ChangeWatch::Found{true, false, {unwatchable}}; });
-    watch->observe(observer);
-    EXPECT_TRUE(waitForCalls(4));
-    watch->unobserve(observer);
+    LiveFetches change;
+    RecordingLog log;
+    ChangeRecorder observer(nullptr);
+    ChangeWatch watch(
+        QStringLiteral("[Test]"), FolderNotifier::Events::entries,
+        [&](bool, const std::stop_token&) {
+            return ChangeWatch::Found{true, false, {unwatchable}};
+        },
+        change, log, WatchTimes{10ms, 100ms, 20ms, 20ms});
+    watch.observe(observer);
+    EXPECT_TRUE(observer.waitFor([&] { return observer.calls() >= 4; }));
+    watch.unobserve(observer);
     EXPECT_EQ(
         log.messages()
             .filter(QStringLiteral("[Test] ⚠️ Çekirdek 1 klasörün izlenmesini kabul etmedi"))
             .size(),
         1);
-}
-
-TEST_F(ChangeWatchTest, OutlivesALookThatFails) {
-    watchWith([looks = 0]() mutable {
-        if (++looks < 4)
-            throw PhotoLibraryError(QStringLiteral("Disk takılı değil"));
-        return ChangeWatch::Found{true, false, {}};
-    });
-    watch->observe(observer);
-    EXPECT_TRUE(waitForCalls(1));
-    watch->unobserve(observer);
-    EXPECT_EQ(log.messages().filter(QStringLiteral("Disk takılı değil")).size(), 1);
 }
 
 TEST(FolderNotifier, WatchesTheFoldersItWasToldLast) {
