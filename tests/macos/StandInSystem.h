@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,7 +30,6 @@ struct StandInSystem {
     // The rest.
     std::vector<std::string> logged, opened;
     int activationPolicy = -1;
-    std::string appearance;
     std::string trash; ///< a folder
 
     void tellOfFolders(); ///< every open stream of folder events

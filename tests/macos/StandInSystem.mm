@@ -123,7 +123,6 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 
 @implementation NSAppearance
 + (NSAppearance*)appearanceNamed:(NSAppearanceName)name {
-    mac().appearance = [name UTF8String];
     return [[[self alloc] init] autorelease];
 }
 @end
@@ -141,8 +140,6 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 }
 @dynamic appearance;
 - (void)setAppearance:(NSAppearance*)appearance {
-    if (!appearance)
-        mac().appearance.clear();
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
     mac().activationPolicy = static_cast<int>(policy);
