@@ -40,14 +40,12 @@ TEST_F(CliTest, wrongUsageIsTold) {
     for (const QStringList& words : std::vector<QStringList>{
              {},
              {u"senkron"_s},
-             {u"sync"_s, u"--nothing"_s},
-             {u"sync"_s, u"--library"_s},
              {u"sync"_s, u"--date-fallback"_s, u"yesterday"_s},
-             {u"sync"_s, u"--on-album-limit=both"_s},
              {u"albums"_s},
              {u"albums"_s, u"--local"_s, u"--google"_s},
              {u"retry"_s, u"all"_s},
              {u"handle-url"_s},
+             {u"watch"_s, u"--settle"_s, u"bir"_s},
          }) {
         const Outcome outcome = run(words);
         EXPECT_EQ(outcome.code, 2) << words.join(u' ').toStdString();

@@ -29,10 +29,6 @@ TEST_F(WatchTest, backsUpWhatIsThereAndWhatAppears) {
     EXPECT_EQ(stored(), (Stored{{SyncStatus::verified, 8}}));
 }
 
-TEST_F(WatchTest, refusesATimeThatIsNone) {
-    EXPECT_EQ(run({u"watch"_s, u"--settle"_s, u"bir"_s}).code, 2);
-}
-
 } // namespace
 
 } // namespace quorvane::test

@@ -62,12 +62,7 @@ TEST(AppDelegateTest, launchesInOrder) {
     using enum AuthorizationStatus;
     for (const Row& row : {
              Row{authorized, denied, true, {was + u"3"_s, u"observer"_s, u"refresh"_s}},
-             Row{limited, denied, true, {was + u"4"_s, u"observer"_s, u"refresh"_s}},
              Row{denied, authorized, true, {was + u"2"_s, u"⚠️ Photos yetkisi reddedilmiş"_s}},
-             Row{restricted,
-                 authorized,
-                 true,
-                 {was + u"1"_s, u"⚠️ Photos yetkisi reddedilmiş"_s}},
              Row{notDetermined,
                  limited,
                  false,

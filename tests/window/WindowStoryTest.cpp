@@ -125,6 +125,7 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     tracker.add({u"b"_s, u"IMG_4823.HEIC"_s, false, 100, 0, 0, clock.now()});
     tracker.updateProgress(u"a"_s, 64, 100);
     tracker.updateProgress(u"b"_s, 27, 100);
+    model->triggerSync(); // which does nothing now
     expectShown({u"Eşitleme Devam Ediyor"_s, u"30 / 30"_s, u"%100"_s});
     shot(u"main-syncing-light"_s);
 
@@ -195,6 +196,10 @@ TEST_F(WindowStoryTest, theAlbumLimit) {
     expectHidden({u"Google Photos Albüm Sınırı (20.000) Doldu!"_s});
     expectShown({u"Eşitleme Uyarısı"_s, u"Albüm sınırı (20.000) doldu!"_s, u"Tekrar Dene"_s});
     shot(u"album-full-light"_s);
+    click(u"start"_s);
+    click(u"alertButton0"_s);
+    ASSERT_TRUE(awaitView([&] { return model->state() == ProductState::finished; }));
+    EXPECT_EQ(world.google.albums().at(1).itemCount, 10);
 }
 
 TEST_F(WindowStoryTest, theWindowIsOnlyHidden) {
