@@ -129,6 +129,7 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     expectShown({u"Eşitleme Devam Ediyor"_s, u"30 / 30"_s, u"%100"_s});
     shot(u"main-syncing-light"_s);
 
+    const int before = model->recentLogs()->rowCount();
     const auto line = [&](LogLevel level, const QString& text) {
         logPublisher.send({.id = {}, .timestamp = clock.now(), .message = text, .level = level});
     };
@@ -142,6 +143,10 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     EXPECT_EQ(window.window()->width(), 880);
     ASSERT_TRUE(awaitView([&] { return shows(u"%64"_s); }));
     expectShown({u"CANLI"_s, u"Aktif"_s, u"%27"_s, u"GÜNCEL HIZ"_s, u"30"_s});
+    ASSERT_TRUE(awaitView([&] {
+        return model->recentLogs()->rowCount() >= before + 5 &&
+               find(u"console"_s)->property("atYEnd").toBool();
+    }));
     shot(u"inspector-open-light"_s);
     choose(u"theme"_s, u"Koyu"_s);
     EXPECT_EQ(model->appTheme(), AppTheme::dark);

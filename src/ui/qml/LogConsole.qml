@@ -28,6 +28,14 @@ Rectangle {
             followsTail = atYEnd;
         }
 
+        /// After the layout that moved the tail: in its midst the rows lose their places.
+        function followTail() {
+            if (!followsTail)
+                return;
+            forceLayout();
+            positionViewAtEnd();
+        }
+
         objectName: "console"
         anchors.fill: parent
         anchors.margins: 1
@@ -41,8 +49,9 @@ Rectangle {
         reuseItems: true
         model: frame.log
         onMovementEnded: followsTail = atYEnd
-        onCountChanged: if (followsTail) positionViewAtEnd()
-        onContentHeightChanged: if (followsTail) positionViewAtEnd()
+        onCountChanged: Qt.callLater(followTail)
+        onContentHeightChanged: Qt.callLater(followTail)
+        onHeightChanged: Qt.callLater(followTail)
         onActiveFocusChanged: visualFocus = activeFocus
         Accessible.role: Accessible.List
         Accessible.name: "Canlı Akış Konsolu"
