@@ -195,6 +195,14 @@ TEST_F(MacAdapters, SettingsLogAndShellSpeakToTheSystem) {
     MacDesktop desktop(folder.path(), log);
     MacDesktop::becomeAccessory();
     EXPECT_EQ(mac.activationPolicy, 1);
+    for (const auto& [theme, name] :
+         std::map<AppTheme, std::string>{{AppTheme::light, "NSAppearanceNameAqua"},
+                                         {AppTheme::dark, "NSAppearanceNameDarkAqua"}}) {
+        MacDesktop::useAppearance(theme);
+        EXPECT_EQ(mac.appearance, name);
+    }
+    MacDesktop::useAppearance(AppTheme::system);
+    EXPECT_TRUE(mac.appearance.empty());
     desktop.openPrivacySettings();
     EXPECT_EQ(mac.opened.back(),
               "x-apple.systempreferences:com.apple.preference.security?Privacy_Photos");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,7 @@ struct StandInSystem {
     // The rest.
     std::vector<std::string> logged, opened;
     int activationPolicy = -1;
+    std::string appearance;
     std::string trash; ///< a folder
 
     void tellOfFolders(); ///< every open stream of folder events

@@ -123,6 +123,7 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 
 @implementation NSAppearance
 + (NSAppearance*)appearanceNamed:(NSAppearanceName)name {
+    mac().appearance = [name UTF8String];
     return [[[self alloc] init] autorelease];
 }
 @end
@@ -140,6 +141,8 @@ NSAppearanceName const NSAppearanceNameDarkAqua = @"NSAppearanceNameDarkAqua";
 }
 @dynamic appearance;
 - (void)setAppearance:(NSAppearance*)appearance {
+    if (!appearance)
+        mac().appearance.clear();
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
     mac().activationPolicy = static_cast<int>(policy);

@@ -50,12 +50,12 @@ HttpResponse WatchedHttp::send(const HttpRequest& request, std::stop_token stop)
 }
 
 TestHouse::TestHouse(SyncWorld& world, const std::filesystem::path& home, Console::Channel channel,
-                     DeletionConfirmation* asked, PhotosApp* photos)
+                     DeletionConfirmation* asked)
     : Outside(channel),
       core({home, home / "Pictures", home / "temporary"},
            {console, clock, http, keychain,
             asked != nullptr ? *asked : static_cast<DeletionConfirmation&>(confirmation),
-            batchClock, world.google.baseURL(), photos}),
+            batchClock, world.google.baseURL()}),
       google(core, browser),
       recording(core.logger.logPublisher().subscribe(
           [this](const LogEntry& entry) { log.log(entry.message); })) {}

@@ -79,7 +79,7 @@ struct TestHouse : Outside {
     /// `asked` none: nobody agrees to a deletion.
     TestHouse(SyncWorld& world, const std::filesystem::path& home,
               Console::Channel channel = Console::Channel::standardOutput,
-              DeletionConfirmation* asked = nullptr, PhotosApp* photos = nullptr);
+              DeletionConfirmation* asked = nullptr);
 
     /// Puts the tokens of an earlier sign-in where the program looks for them.
     void haveSignedIn(SyncWorld& world);
