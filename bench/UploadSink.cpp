@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <thread>
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
@@ -76,11 +77,11 @@ bool serve(int peer) {
 
 void runUploadSink() {
     const FileDescriptor listener = listenAnywhere();
-    while (true) {
-        const FileDescriptor peer = system::acceptConnection(listener.get());
-        while (peer.isOpen() && serve(peer.get())) {
-        }
-    }
+    while (true)
+        std::thread([peer = system::acceptConnection(listener.get())] {
+            while (peer.isOpen() && serve(peer.get())) {
+            }
+        }).detach(); // a client keeps one open while it uses another; all end with the program
 }
 
 } // namespace quorvane::bench
