@@ -55,6 +55,7 @@ void RunModel::begin(std::shared_ptr<const LibrarySession> session, const SyncRu
     ++number_;
     set({.phase = RunState::Phase::running});
     setProgress(0, pending);
+    tellProgress();
     stop_ = std::stop_source();
     sampling_.start();
     tasks_.post([this, order, session = std::move(session), callbacks = callbacks(), run = number_,
@@ -92,16 +93,23 @@ SyncRunCallbacks RunModel::callbacks() {
     return callbacks;
 }
 
+/// Told at the next look at the transfers: a run ends more items than anybody can read, and the
+/// window is drawn for each telling.
 void RunModel::setProgress(int completed, int total) {
     if (completed == completed_ && total == total_)
         return;
+    isProgressNew_ = true;
     completed_ = completed;
     total_ = total;
     if (completed > 0 && !paceSince_) {
         paceSince_ = s_.clock.monotonic();
         paceFrom_ = completed;
     }
-    Q_EMIT progressChanged();
+}
+
+void RunModel::tellProgress() {
+    if (std::exchange(isProgressNew_, false))
+        Q_EMIT progressChanged();
 }
 
 std::optional<std::chrono::seconds> RunModel::timeLeft() const {
@@ -119,6 +127,7 @@ std::optional<std::chrono::seconds> RunModel::timeLeft() const {
 
 /// The transfers are looked at only while something moves.
 void RunModel::sampleTransfers() {
+    tellProgress();
     TransferSnapshot now = s_.tracker.getSnapshot();
     const bool isIdle = !isSyncing() && now.items.empty();
     const double before = speed_.current();

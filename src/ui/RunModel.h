@@ -70,12 +70,14 @@ class RunModel final : public QObject {
                              const SyncRunCallbacks& callbacks, const std::stop_token& stop) const;
     SyncRunCallbacks callbacks();
     void setProgress(int completed, int total);
+    void tellProgress();
     void sampleTransfers();
 
     const Services s_;
     const QPointer<RunModel> self_{this}; ///< none once the model is gone
     RunState state_;
     int number_ = 0;
+    bool isProgressNew_ = false;
     int completed_ = 0;
     int total_ = 0;
     Date waitingSince_{};

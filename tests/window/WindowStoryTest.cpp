@@ -126,7 +126,8 @@ TEST_F(WindowStoryTest, aSyncRunsAndIsStopped) {
     tracker.updateProgress(u"a"_s, 64, 100);
     tracker.updateProgress(u"b"_s, 27, 100);
     model->triggerSync(); // which does nothing now
-    expectShown({u"Eşitleme Devam Ediyor"_s, u"30 / 30"_s, u"%100"_s});
+    ASSERT_TRUE(awaitView([&] { return shows(u"30 / 30"_s); }));
+    expectShown({u"Eşitleme Devam Ediyor"_s, u"%100"_s});
     shot(u"main-syncing-light"_s);
 
     const int before = model->recentLogs()->rowCount();

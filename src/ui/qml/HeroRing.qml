@@ -34,7 +34,8 @@ Ring {
         Accessible.name: ring.hero.ringName
     }
     Behavior on fraction {
-        enabled: ring.isSyncing && ring.hero.fraction > ring.fraction
+        // Small steps are not seen to glide, and would have the window drawn without a pause.
+        enabled: ring.isSyncing && ring.hero.fraction > ring.fraction + 0.05
         NumberAnimation { duration: Theme.progressTime }
     }
 
