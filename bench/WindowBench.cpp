@@ -1,13 +1,17 @@
 #include "app/gui/QuorvaneApp.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
+#include <QQuickWindow>
 #include <QTimer>
 
 #include <cstdio>
 
 /// Prints the seconds that a backup of the remembered library takes in the program with a window
-/// (visible, hidden), or the monotonic clock, in seconds, when its launch was done and its icon
-/// stood in the tray (start).
+/// (visible, hidden); or the monotonic clock, in seconds, when its launch was done and its icon
+/// stood in the tray (start); or how long its window took to be drawn for the first time, and the
+/// longest time that it heard nothing after that, while the library was listed and what is held
+/// back was opened (show).
 namespace quorvane::bench {
 
 namespace {
@@ -36,6 +40,48 @@ void backUp(MenuBarViewModel& model, const SystemClock& clock) {
     start();
 }
 
+/// The longest time between two sleeps of this thread's event loop.
+class Pauses {
+  public:
+    explicit Pauses(const SystemClock& clock) : clock_(clock) {
+        auto* dispatcher = QAbstractEventDispatcher::instance();
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, qApp,
+                         [this] { awake_ = clock_.monotonic(); });
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, qApp,
+                         [this] { longest_ = std::max(longest_, clock_.monotonic() - awake_); });
+    }
+    void begin() {
+        awake_ = clock_.monotonic();
+        longest_ = {};
+    }
+    Clock::Monotonic::duration longest() const { return longest_; }
+
+  private:
+    const SystemClock& clock_;
+    Clock::Monotonic awake_ = clock_.monotonic();
+    Clock::Monotonic::duration longest_{};
+};
+
+void show(QuorvaneApp& app, const SystemClock& clock) {
+    const auto pauses = std::make_shared<Pauses>(clock);
+    const Clock::Monotonic asked = clock.monotonic();
+    app.bringToFront();
+    for (QWindow* window : QGuiApplication::topLevelWindows())
+        if (auto* view = qobject_cast<QQuickWindow*>(window))
+            QObject::connect(
+                view, &QQuickWindow::frameSwapped, qApp,
+                [&clock, asked, pauses] {
+                    tell(clock.monotonic() - asked);
+                    pauses->begin();
+                },
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+    QTimer::singleShot(6'000, qApp, [&app] { app.model().setShowQuarantineSheet(true); });
+    QTimer::singleShot(9'000, qApp, [pauses] {
+        tell(pauses->longest());
+        QApplication::quit();
+    });
+}
+
 int run(const QString& word) {
     const SystemClock clock;
     QuorvaneApp app(UserFolders::ofCurrentUser());
@@ -45,6 +91,8 @@ int run(const QString& word) {
             tell(clock.monotonic().time_since_epoch());
             QApplication::quit();
         });
+    else if (word == u"show")
+        show(app, clock);
     else
         backUp(app.model(), clock);
     if (word == u"visible")
@@ -60,7 +108,7 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     const QStringList words = QApplication::arguments();
     if (words.size() != 2) {
-        std::fputs("quorvane-bench-window visible|hidden|start\n", stderr);
+        std::fputs("quorvane-bench-window visible|hidden|start|show\n", stderr);
         return 2;
     }
     return quorvane::bench::run(words[1]);
