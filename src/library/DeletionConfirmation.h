@@ -3,8 +3,27 @@
 #include <QString>
 
 #include <cstdint>
+#include <map>
 
 namespace quorvane {
+
+/// Why an original stays where others of the library go.
+enum class KeptReason {
+    notVerified, ///< the store does not know of a copy
+    edited,      ///< with a rendering that was not sent
+    partlySent,  ///< the movie of a Live Photo, say, was not
+    changed,     ///< its bytes are no longer those that were sent
+    unproven,    ///< nobody knew its bytes when they were sent
+    notHere,     ///< only in the cloud
+    noTrash,     ///< its disk has none
+};
+
+/// A reason in a person's words: a line, and what it means.
+struct KeptText {
+    QString title;
+    QString note;
+};
+KeptText textOf(KeptReason reason);
 
 /// What a person is asked before originals go.
 struct DeletionQuestion {
@@ -12,6 +31,7 @@ struct DeletionQuestion {
     std::int64_t bytes = 0;
     QString place;   ///< where they go, in the product's words: the path of the Trash
     QString warning; ///< what could not be made sure of; empty when everything was
+    std::map<KeptReason, int> kept; ///< how many stay
 };
 
 /// The person's consent before a library removes anything: the desktop's own dialog, in place of

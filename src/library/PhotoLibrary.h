@@ -3,6 +3,7 @@
 #include "foundation/Date.h"
 #include "foundation/Error.h"
 #include "foundation/FileVersion.h"
+#include "library/DeletionConfirmation.h"
 #include "metadata/MetadataTypes.h"
 
 #include <QString>
@@ -271,12 +272,13 @@ class PhotoLibrary : public AssetFactsSource {
     /// there.
     virtual std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) = 0;
 
-    /// Asks the person once, adding `warning` to the question unless it is empty, then removes the
-    /// assets one after another, each only if its bytes are, now, those of its candidate. What
-    /// cannot be removed stays and is told to the guard. Throws `PhotoLibraryError` with the reason
-    /// when the person or the system refused: nothing was removed then. A stop leaves the rest.
+    /// Asks the person once, completing `question` (its warning, and what stays) with what
+    /// goes and where, then removes the assets one after another, each only if its bytes are, now,
+    /// those of its candidate. What cannot be removed stays and is told to the guard. Throws
+    /// `PhotoLibraryError` with the reason when the person or the system refused: nothing was
+    /// removed then. A stop leaves the rest.
     virtual void deleteAssets(const std::vector<DeletionCandidate>& candidates,
-                              const QString& warning, DeletionGuard& guard,
+                              DeletionQuestion question, DeletionGuard& guard,
                               std::stop_token stop) = 0;
 
     /// Of the last listing of the whole library.

@@ -1,5 +1,8 @@
 #include "library/SafeDeletionService.h"
 
+#include "store/RecordAbsences.h"
+#include "store/RecordRemainders.h"
+
 #include <algorithm>
 #include <set>
 
@@ -185,15 +188,14 @@ void SafeDeletionService::deleteFromPhotoLibrary(const QStringList& identifiers,
             s_.log.log(QStringLiteral("[SafeDeletion] PHAsset bulunamadı: ") + listed(identifiers));
             return;
         }
-        std::vector<DeletionCandidate> offered;
-        for (const PhotoAsset& asset : *found)
-            if (auto candidate = candidateFor(asset, summary))
-                offered.push_back(std::move(*candidate));
+        DeletionQuestion question;
+        const std::vector<DeletionCandidate> offered = choose(*found, question, summary, stop);
         if (offered.empty() || stop.stop_requested())
             return;
-        const QString warning = warningFor(offered, recordsOf, stop);
-        Guard guard(*this, recordsOf, summary, !warning.isEmpty(), stop);
-        s_.library.deleteAssets(offered, warning, guard, stop);
+        countKept(question);
+        question.warning = warningFor(offered, recordsOf, stop);
+        Guard guard(*this, recordsOf, summary, !question.warning.isEmpty(), stop);
+        s_.library.deleteAssets(offered, question, guard, stop);
     } catch (const Cancelled&) {
         s_.log.log(QStringLiteral("[SafeDeletion] ℹ️ Silme durduruldu, kalanlar yerinde."));
     } catch (const std::exception& error) {
@@ -204,29 +206,70 @@ void SafeDeletionService::deleteFromPhotoLibrary(const QStringList& identifiers,
     }
 }
 
-/// None for what nobody could prove: an asset of which only a part went up, or whose bytes nobody
-/// knew when they were sent.
-std::optional<DeletionCandidate> SafeDeletionService::candidateFor(const PhotoAsset& asset,
-                                                                   DeletionSummary& summary) {
-    const std::vector<PhotoAssetResource> resources = s_.library.assetResources(asset);
+std::vector<DeletionCandidate> SafeDeletionService::choose(const std::vector<PhotoAsset>& assets,
+                                                           DeletionQuestion& question,
+                                                           DeletionSummary& summary,
+                                                           const std::stop_token& stop) {
+    std::vector<DeletionCandidate> offered;
+    for (const PhotoAsset& asset : assets) {
+        const auto source = s_.life.sourceOf(asset.localIdentifier);
+        if (const auto kept = obstacle(s_.library.assetResources(asset), source, stop)) {
+            ++question.kept[*kept];
+            const KeptText text = textOf(*kept);
+            leaveOut(summary, nameOf(asset), text.title + QStringLiteral(": ") + text.note);
+        } else {
+            offered.push_back({asset, {source->sha256, source->version}});
+        }
+    }
+    return offered;
+}
+
+/// What keeps an asset here whose records are all safe.
+std::optional<KeptReason>
+SafeDeletionService::obstacle(const std::vector<PhotoAssetResource>& resources,
+                              const std::optional<RecordSource>& source,
+                              const std::stop_token& stop) {
     const auto sent = resourceToStage(resources);
-    const auto source = s_.life.sourceOf(asset.localIdentifier);
+    if (!sent)
+        return KeptReason::notHere;
     const auto isUnsent = [&](const PhotoAssetResource& resource) {
         const bool isJoined =
             source && source->movie && resource.type == AssetResourceType::pairedVideo;
         return resource.type != AssetResourceType::adjustmentData && !isJoined;
     };
-    if (!sent || std::ranges::count_if(resources, isUnsent) > 1) {
-        leaveOut(summary, nameOf(asset),
-                 QStringLiteral("yalnızca bir parçası yüklendi (canlı fotoğrafın videosu, "
-                                "düzenlenmiş hali veya RAW eşi yüklenmez)"));
-        return std::nullopt;
+    if (std::ranges::count_if(resources, isUnsent) > 1)
+        return remainderOf(resources, source && source->movie) & RecordRemainders::edit
+                   ? KeptReason::edited
+                   : KeptReason::partlySent;
+    if (!source)
+        return KeptReason::unproven;
+    return isChanged(*sent, *source, stop) ? std::optional(KeptReason::changed) : std::nullopt;
+}
+
+/// Reads only an original of another time: every one is proven before it goes, but the question
+/// must not wait for a whole library.
+bool SafeDeletionService::isChanged(const PhotoAssetResource& sent, const RecordSource& source,
+                                    const std::stop_token& stop) {
+    const auto now = s_.library.versionOf(sent);
+    if (!now || now->size != source.version.size)
+        return now.has_value();
+    try {
+        return now->modified != source.version.modified &&
+               s_.library.readContent(sent, stop).sha256 != source.sha256;
+    } catch (const Error&) { // told by the removal
+        return false;
     }
-    if (!source) {
-        leaveOut(summary, nameOf(asset), QStringLiteral("hangi asıldan yüklendiği kanıtlanamıyor"));
-        return std::nullopt;
-    }
-    return DeletionCandidate{asset, {source->sha256, source->version}};
+}
+
+void SafeDeletionService::countKept(DeletionQuestion& question) {
+    const auto count = [&](KeptReason reason, int number) {
+        if (number > 0)
+            question.kept[reason] += number;
+    };
+    count(KeptReason::notVerified, s_.database.countNotVerified());
+    const std::map<QString, int> absent = RecordAbsences(s_.database).counts();
+    if (const auto inCloud = absent.find(RecordAbsences::onlyInCloud); inCloud != absent.end())
+        count(KeptReason::notHere, inCloud->second);
 }
 
 /// The library proves the still before it goes; the movie that went up inside it is proven here.

@@ -58,8 +58,15 @@ class SafeDeletionService {
                                 const std::vector<SyncRecord>& records, DeletionSummary& summary,
                                 const std::stop_token& stop);
     void requireMovieAsSent(const PhotoAsset& asset);
-    std::optional<DeletionCandidate> candidateFor(const PhotoAsset& asset,
-                                                  DeletionSummary& summary);
+    std::optional<KeptReason> obstacle(const std::vector<PhotoAssetResource>& resources,
+                                       const std::optional<RecordSource>& source,
+                                       const std::stop_token& stop);
+    bool isChanged(const PhotoAssetResource& sent, const RecordSource& source,
+                   const std::stop_token& stop);
+    std::vector<DeletionCandidate> choose(const std::vector<PhotoAsset>& assets,
+                                          DeletionQuestion& question, DeletionSummary& summary,
+                                          const std::stop_token& stop);
+    void countKept(DeletionQuestion& question);
     static QStringList remoteIDsOf(const std::vector<DeletionCandidate>& candidates,
                                    const RecordsOf& records);
     std::optional<std::set<QString>> existing(const QStringList& remoteIDs,

@@ -260,6 +260,10 @@ std::vector<SyncRecord> DatabaseManager::fetchVerifiedForDeletion() {
     });
 }
 
+int DatabaseManager::countNotVerified() {
+    return count(statements::countNotVerified);
+}
+
 std::vector<SyncRecord> DatabaseManager::fetchRecordsOfAsset(const QString& identifier) {
     return fetchRecords(statements::fetchOfAsset,
                         [&](sqlite::Statement& statement) { statement.bind(1, identifier); });

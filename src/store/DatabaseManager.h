@@ -80,6 +80,8 @@ class DatabaseManager {
 
     /// VERIFIED records with a remote id, least recently changed first.
     std::vector<SyncRecord> fetchVerifiedForDeletion();
+    /// The assets that have another record than such, save EXCLUDED ones and those already deleted.
+    int countNotVerified();
 
     /// All records of one asset, whatever their status.
     std::vector<SyncRecord> fetchRecordsOfAsset(const QString& identifier);

@@ -270,6 +270,11 @@ WHERE sync_status = 'VERIFIED'
   AND asset_local_identifier IN temp.asset_limit
 ORDER BY updated_at ASC)sql";
 
+inline constexpr const char* countNotVerified =
+    R"sql(SELECT COUNT(DISTINCT asset_local_identifier) FROM sync_records
+WHERE sync_status NOT IN ('DELETED_LOCALLY', 'EXCLUDED')
+  AND (sync_status != 'VERIFIED' OR COALESCE(remote_media_id, '') = ''))sql";
+
 inline constexpr const char* fetchOfAsset =
     R"sql(SELECT asset_local_identifier, provider_id, account_id, media_type,
        sha256_hash, file_size_bytes, upload_token, remote_media_id,

@@ -15,6 +15,26 @@ QString partOf(const QString& nextPartTitle) {
     return QStringLiteral("Parça ") + nextPartTitle.section(QLatin1Char(' '), -1);
 }
 
+AlertView trashAlert(const DeletionQuestion& question) {
+    AlertView alert{true,
+                    trashTitle(question),
+                    trashText(question),
+                    QStringLiteral("warning"),
+                    {QStringLiteral("Sakla"), QStringLiteral("Çöp'e Taşı")},
+                    QStringLiteral("trash"),
+                    0};
+    int sum = 0;
+    for (const auto& [reason, count] : question.kept) {
+        const KeptText text = textOf(reason);
+        alert.rows.append(
+            QVariant::fromValue(AlertRow{text.title, text.note, groupedCount(count)}));
+        sum += count;
+    }
+    alert.rowsTitle = QStringLiteral("Dışarıda Bırakılanlar");
+    alert.rowsSum = groupedCount(sum);
+    return alert;
+}
+
 } // namespace
 
 Dashboard::Dashboard(MenuBarViewModel& model, AutoSync& automatic)
@@ -214,13 +234,7 @@ AlertView Dashboard::ownQuestion() const {
     const QString warning = QStringLiteral("warning");
     switch (question_) {
     case Question::trash:
-        return {true,
-                trashTitle(*model_.trash().open()),
-                trashText(*model_.trash().open()),
-                warning,
-                {QStringLiteral("Sakla"), QStringLiteral("Çöp'e Taşı")},
-                QStringLiteral("trash"),
-                0};
+        return trashAlert(*model_.trash().open());
     case Question::quit:
         return {true,
                 runs,

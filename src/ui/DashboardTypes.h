@@ -124,6 +124,19 @@ struct InspectorView {
     QString state;
 };
 
+/// A line of the table below a question.
+struct AlertRow {
+    Q_GADGET
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString note MEMBER note)
+    Q_PROPERTY(QString count MEMBER count)
+
+  public:
+    QString title;
+    QString note;
+    QString count;
+};
+
 /// A question over the whole window. The first button is the one that Return presses.
 struct AlertView {
     Q_GADGET
@@ -134,6 +147,9 @@ struct AlertView {
     Q_PROPERTY(QString symbol MEMBER symbol)
     Q_PROPERTY(QStringList buttons MEMBER buttons)
     Q_PROPERTY(int escape MEMBER escape)
+    Q_PROPERTY(QString rowsTitle MEMBER rowsTitle)
+    Q_PROPERTY(QString rowsSum MEMBER rowsSum)
+    Q_PROPERTY(QVariantList rows MEMBER rows)
 
   public:
     bool isShown = false;
@@ -143,6 +159,9 @@ struct AlertView {
     QStringList buttons = {};
     QString symbol = {}; ///< empty: the tone's
     int escape = -1;     ///< the button that Escape presses, from the end when negative
+    QString rowsTitle = {};
+    QString rowsSum = {};
+    QVariantList rows = {}; ///< `AlertRow`; empty: no table
 };
 
 } // namespace quorvane

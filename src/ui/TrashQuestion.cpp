@@ -9,6 +9,7 @@ namespace quorvane {
 
 namespace {
 
+/// Of what goes: that others stay is told, not asked.
 bool isSame(const std::optional<DeletionQuestion>& known, const DeletionQuestion& question) {
     return known && known->count == question.count && known->bytes == question.bytes &&
            known->place == question.place && known->warning == question.warning;
@@ -29,11 +30,11 @@ bool TrashQuestion::confirmDeletion(const DeletionQuestion& question) {
 }
 
 void TrashQuestion::ask(const DeletionQuestion& question) {
-    if (isSame(open_, question))
-        return;
+    const bool isNew = !isSame(open_, question);
     open_ = question;
     Q_EMIT changed();
-    Q_EMIT asked();
+    if (isNew)
+        Q_EMIT asked();
 }
 
 void TrashQuestion::agree() {

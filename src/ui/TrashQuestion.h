@@ -45,7 +45,7 @@ class TrashQuestion final : public QObject, public DeletionConfirmation {
 
 /// "412 Öğe Çöp'e Taşınsın mı?"
 QString trashTitle(const DeletionQuestion& question);
-/// How much goes, and where.
+/// How much goes, and where; not what stays.
 QString trashText(const DeletionQuestion& question);
 
 } // namespace quorvane

@@ -185,9 +185,9 @@ std::optional<FileVersion> FakePhotoLibrary::versionOf(const PhotoAssetResource&
 }
 
 void FakePhotoLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
-                                    const QString& warning, DeletionGuard& guard,
+                                    DeletionQuestion question, DeletionGuard& guard,
                                     std::stop_token stop) {
-    warned = warning;
+    asked = std::move(question);
     if (onDelete)
         onDelete();
     for (auto from = candidates.begin(); from != candidates.end() && !stop.stop_requested();) {

@@ -48,7 +48,7 @@ class FakePhotoLibrary final : public PhotoLibrary {
     std::map<QString, AbsentOriginal> absent; ///< what no resource of the asset says
 
     QStringList exported() const;
-    QString warned; ///< the warning of the last question
+    DeletionQuestion asked; ///< the last one
     bool hasObserver() const { return observer_ != nullptr; }
 
     AuthorizationStatus authorizationStatus() const override { return status; }
@@ -72,7 +72,7 @@ class FakePhotoLibrary final : public PhotoLibrary {
     SourceContent readContent(const PhotoAssetResource& resource, std::stop_token stop) override;
     std::optional<std::int64_t> sampleOf(const PhotoAssetResource& resource) override;
     std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) override;
-    void deleteAssets(const std::vector<DeletionCandidate>& candidates, const QString& warning,
+    void deleteAssets(const std::vector<DeletionCandidate>& candidates, DeletionQuestion question,
                       DeletionGuard& guard, std::stop_token stop) override;
     void registerChangeObserver(LibraryChangeObserver& observer) override;
     void unregisterChangeObserver(LibraryChangeObserver& observer) override;

@@ -27,6 +27,8 @@ struct DeletionWorld : World {
     }
 };
 
+using Kept = std::map<KeptReason, int>;
+
 class SafeDeletionServiceTest : public testing::Test, protected DeletionWorld {};
 
 } // namespace
@@ -45,7 +47,8 @@ TEST_F(SafeDeletionServiceTest, RemovesVerifiedOriginalsAfterConsent) {
                            "sunuluyor..."_s,
                   prefix + u"✅ Güvenle silindi ve staging temizlendi: "_s + assetID(1),
               }));
-    EXPECT_EQ(library.warned, QString());
+    EXPECT_EQ(library.asked.warning, QString());
+    EXPECT_EQ(library.asked.kept, (Kept{{KeptReason::notVerified, 1}}));
     EXPECT_EQ(status(assetID(1)), SyncStatus::deletedLocally);
     EXPECT_EQ(record(assetID(1))->remoteMediaID, u"remote-1"_s);
     EXPECT_FALSE(staging.findStagingFile(assetID(1)));
@@ -61,25 +64,32 @@ TEST(SafeDeletionService, LeavesOutWhatCannotBeProvenAndRemovesTheRest) {
     const auto duringTheQuestion = [](auto change) {
         return [change](DeletionWorld& world) { world.library.onDelete = [&] { change(world); }; };
     };
-    const auto addResource = [](DeletionWorld& world) {
-        FakePhotoLibrary::Entry live;
-        live.asset = world.library.assets().front();
-        live.resources = {{AssetResourceType::photo, u"a.bin"_s, std::nullopt, {}},
-                          {AssetResourceType::pairedVideo, u"a.mov"_s, std::nullopt, {}}};
-        live.bytes = "bytes of a.bin";
-        world.library.remove(assetID(1));
-        world.library.add(live);
+    const auto add = [](AssetResourceType type) {
+        return [type](DeletionWorld& world) {
+            FakePhotoLibrary::Entry entry;
+            entry.asset = world.library.assets().front();
+            entry.resources = {{AssetResourceType::photo, u"a.bin"_s, std::nullopt, {}},
+                               {type, u"a.too"_s, std::nullopt, {}}};
+            entry.bytes = "bytes of a.bin";
+            world.library.remove(assetID(1));
+            world.library.add(entry);
+        };
     };
     const struct {
         std::function<void(DeletionWorld&)> change;
         QString reason;
+        Kept kept = {}; ///< what the question tells
         SyncStatus status = SyncStatus::verified;
     } cases[] = {
-        {[](auto& world) { world.library.replace(assetID(1), "edited since"); }, u"değişmiş"_s},
+        {[](auto& world) { world.library.replace(assetID(1), "edited since"); },
+         u"Eşitlemeden sonra değişti: Yeni hâli yüklenmeyi bekliyor"_s,
+         {{KeptReason::changed, 1}}},
         {duringTheQuestion([](auto& world) { world.library.replace(assetID(1), "edited now"); }),
          u"değişmiş"_s},
         {duringTheQuestion([](auto& world) { world.setStatus(assetID(1), SyncStatus::failed); }),
-         u"kaydı bu arada değişti"_s, SyncStatus::failed},
+         u"kaydı bu arada değişti"_s,
+         {},
+         SyncStatus::failed},
         {[](auto& world) { world.remote.items.erase(u"remote-1"_s); },
          u"Google Photos'ta artık yok"_s},
         {duringTheQuestion([](auto& world) { world.remote.items.erase(u"remote-1"_s); }),
@@ -88,9 +98,14 @@ TEST(SafeDeletionService, LeavesOutWhatCannotBeProvenAndRemovesTheRest) {
              world.execute("DELETE FROM record_sources WHERE asset_local_identifier LIKE '%1-0000-"
                            "4000-8000-000000000000/L0/001'");
          },
-         u"hangi asıldan yüklendiği kanıtlanamıyor"_s},
-        {addResource, u"yalnızca bir parçası yüklendi (canlı fotoğrafın videosu, düzenlenmiş hali "
-                      "veya RAW eşi yüklenmez)"_s},
+         u"Hangi özgünden yüklendiği bilinmiyor: Google kopyasıyla karşılaştırılamıyor"_s,
+         {{KeptReason::unproven, 1}}},
+        {add(AssetResourceType::pairedVideo),
+         u"Yalnızca bir parçası yüklendi: Canlı fotoğrafın filmi veya RAW eşi yüklenmedi"_s,
+         {{KeptReason::partlySent, 1}}},
+        {add(AssetResourceType::fullSizePhoto),
+         u"Düzenlenmiş: Yalnızca özgün sürüm yüklendi"_s,
+         {{KeptReason::edited, 1}}},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason.toStdString());
@@ -103,6 +118,7 @@ TEST(SafeDeletionService, LeavesOutWhatCannotBeProvenAndRemovesTheRest) {
         ASSERT_EQ(summary.leftOut.size(), 1U);
         EXPECT_EQ(summary.leftOut.front().name, u"a.bin"_s);
         EXPECT_EQ(summary.leftOut.front().reason, each.reason);
+        EXPECT_EQ(world.library.asked.kept, each.kept);
         EXPECT_EQ(world.status(assetID(1)), each.status);
         EXPECT_EQ(world.status(assetID(2)), SyncStatus::deletedLocally);
         EXPECT_TRUE(world.staging.findStagingFile(assetID(1)));
@@ -119,7 +135,7 @@ TEST(SafeDeletionService, AMotionPhotoGoesOnlyAsTheWholePairThatWasSent) {
         QString reason;
     } cases[] = {{whole, whole, {}},
                  {whole, whole + '\0', u"videosu yüklendiğinden beri değişti"_s},
-                 {whole.chopped(1), whole.chopped(1), u"yalnızca bir parçası yüklendi"_s}};
+                 {whole.chopped(1), whole.chopped(1), u"Yalnızca bir parçası yüklendi"_s}};
     for (const auto& each : cases) {
         SCOPED_TRACE(each.reason.toStdString());
         DeletionWorld world;

@@ -225,7 +225,8 @@ TEST_F(PhotoKitLibraryTest, LeavesInThePhotosLibraryWhatMayNotGo) {
     add("gone", [](auto&) {});
     photos().removeAsset("gone/L0/001");
     world.confirmation.answer = false;
-    EXPECT_THROW(library.deleteAssets(all, QStringLiteral("dikkat"), guard, {}), PhotoLibraryError);
+    EXPECT_THROW(library.deleteAssets(all, {0, 0, {}, QStringLiteral("dikkat"), {}}, guard, {}),
+                 PhotoLibraryError);
     EXPECT_EQ(world.confirmation.asked.at(0).warning, QStringLiteral("dikkat"));
     EXPECT_TRUE(guard.groups.empty());
     library.deleteAssets(all, {}, guard, {});

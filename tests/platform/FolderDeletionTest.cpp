@@ -72,7 +72,7 @@ TEST_F(FolderDeletionTest, AsksOnceAndMovesToTheTrash) {
     EXPECT_THROW(library.deleteAssets(all, {}, guard, {}), PhotoLibraryError);
     EXPECT_EQ(library.fetchAssets()->size(), 62u);
     confirmation.answer = true;
-    library.deleteAssets(all, QStringLiteral("dikkat"), guard, {});
+    library.deleteAssets(all, {0, 0, {}, QStringLiteral("dikkat"), {}}, guard, {});
     ASSERT_EQ(confirmation.asked.size(), 2u);
     EXPECT_EQ(confirmation.asked[1].count, 62);
     EXPECT_EQ(confirmation.asked[1].bytes, 60 * 100 + 59 * 30 + 14);

@@ -54,11 +54,20 @@ TEST_F(SheetStoryTest, warningsAndTheQuarantine) {
 
 TEST_F(SheetStoryTest, theTrashQuestionComesWhenItIsOpened) {
     openSignedIn();
-    trash.confirmDeletion({412, 3'800'000'000, u"/home/ayse/.local/share/Trash"_s, {}});
+    trash.confirmDeletion({412,
+                           3'800'000'000,
+                           u"/home/ayse/.local/share/Trash"_s,
+                           {},
+                           {{KeptReason::notVerified, 22},
+                            {KeptReason::edited, 9},
+                            {KeptReason::changed, 1'004},
+                            {KeptReason::notHere, 2}}});
     ASSERT_TRUE(awaitView([&] { return trash.open().has_value(); }));
     expectHidden({u"Sakla"_s}); // never by itself
     window.dashboard().open(Notice::About::trash);
-    expectShown({u"412 Öğe Çöp'e Taşınsın mı?"_s, u"Çöp'e Taşı"_s});
+    expectShown({u"412 Öğe Çöp'e Taşınsın mı?"_s, u"Çöp'e Taşı"_s, u"Dışarıda Bırakılanlar"_s,
+                 u"1.037"_s, u"Eşitlemeden sonra değişti"_s, u"Yeni hâli yüklenmeyi bekliyor"_s,
+                 u"1.004"_s});
     EXPECT_EQ(focus(), u"alertButton0"_s);
     shot(u"trash-question-light"_s);
     key(Qt::Key_Escape);

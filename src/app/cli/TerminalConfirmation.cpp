@@ -29,6 +29,18 @@ QString readLine(const std::stop_token& stop) {
     return length > 0 ? QString::fromUtf8(line.data(), length).trimmed() : QString();
 }
 
+/// " Dışarıda bırakılan 37: Bulutta doğrulanmadı (22), Düzenlenmiş (15)."
+QString keptText(const DeletionQuestion& question) {
+    int sum = 0;
+    QStringList parts;
+    for (const auto& [reason, count] : question.kept) {
+        sum += count;
+        parts += QStringLiteral("%1 (%2)").arg(textOf(reason).title, countText(count));
+    }
+    return QStringLiteral(" Dışarıda bırakılan %1: %2.")
+        .arg(countText(sum), parts.join(QStringLiteral(", ")));
+}
+
 } // namespace
 
 bool TerminalConfirmation::confirmDeletion(const DeletionQuestion& question) {
@@ -36,6 +48,8 @@ bool TerminalConfirmation::confirmDeletion(const DeletionQuestion& question) {
         QStringLiteral("Google Photos'ta doğrulanan %1 öğenin aslı (%2) Çöp'e taşınacak: "
                        "%3.")
             .arg(countText(question.count), byteText(question.bytes), question.place);
+    if (!question.kept.empty())
+        text += keptText(question);
     if (!question.warning.isEmpty())
         text += u' ' + question.warning;
     if (confirmedBeforehand_)

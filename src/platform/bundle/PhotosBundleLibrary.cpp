@@ -317,7 +317,7 @@ std::optional<FileVersion> PhotosBundleLibrary::versionOf(const PhotoAssetResour
 }
 
 void PhotosBundleLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
-                                       const QString&, DeletionGuard&, std::stop_token) {
+                                       DeletionQuestion, DeletionGuard&, std::stop_token) {
     if (!candidates.empty())
         throw PhotoLibraryError(
             QStringLiteral("Fotoğraflar arşivine hiçbir zaman yazılmaz; silme işlemi yalnızca "

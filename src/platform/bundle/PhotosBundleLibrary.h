@@ -54,7 +54,7 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     std::optional<std::int64_t> sampleOf(const PhotoAssetResource& resource) override;
     std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) override;
     /// Always refuses.
-    void deleteAssets(const std::vector<DeletionCandidate>& candidates, const QString& warning,
+    void deleteAssets(const std::vector<DeletionCandidate>& candidates, DeletionQuestion question,
                       DeletionGuard& guard, std::stop_token stop) override;
 
     void registerChangeObserver(LibraryChangeObserver& observer) override;

@@ -67,27 +67,27 @@ Trash& FolderDeletion::trashFor(const path& folder) {
     return *trash->second;
 }
 
-DeletionQuestion FolderDeletion::question(const QString& warning) const {
-    DeletionQuestion question{0, 0, {}, warning};
+void FolderDeletion::complete(DeletionQuestion& question) const {
     std::set<QString> places;
     for (const File& file : files_) {
-        if (!file.trash)
+        if (!file.trash) {
+            ++question.kept[KeptReason::noTrash];
             continue;
+        }
         ++question.count;
         question.bytes += file.candidate.source.version.size;
         places.insert(pathText(file.trash->place()));
     }
     question.place = QStringList(places.begin(), places.end()).join(QStringLiteral(", "));
-    return question;
 }
 
-void FolderDeletion::run(DeletionConfirmation& confirmation, const QString& warning) {
+void FolderDeletion::run(DeletionConfirmation& confirmation, DeletionQuestion question) {
     if (files_.empty())
         return;
-    const DeletionQuestion asked = question(warning);
-    if (asked.count == 0)
+    complete(question);
+    if (question.count == 0)
         throw PhotoLibraryError(files_.front().noTrash);
-    if (!confirmation.confirmDeletion(asked))
+    if (!confirmation.confirmDeletion(question))
         throw PhotoLibraryError(QStringLiteral("Silme onayı verilmedi"));
     for (const File& file : files_)
         if (!file.trash)

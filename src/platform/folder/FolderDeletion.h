@@ -20,9 +20,9 @@ class FolderDeletion {
     /// `path`: inside the library; none when the file is not there.
     void add(const DeletionCandidate& candidate, const std::optional<std::filesystem::path>& path);
 
-    /// Asks, and removes. Throws `PhotoLibraryError` when nobody agreed, or when there is no Trash
-    /// for any of them.
-    void run(DeletionConfirmation& confirmation, const QString& warning);
+    /// Completes the question, asks it, and removes. Throws `PhotoLibraryError` when nobody agreed,
+    /// or when there is no Trash for any of them.
+    void run(DeletionConfirmation& confirmation, DeletionQuestion question);
 
   private:
     struct File {
@@ -32,7 +32,7 @@ class FolderDeletion {
         QString noTrash; ///< the reason why there is none
     };
 
-    DeletionQuestion question(const QString& warning) const;
+    void complete(DeletionQuestion& question) const;
     Trash& trashFor(const std::filesystem::path& folder);
     void remove(const File& file);
     /// What the file's name says of it, once its bytes were read and are the candidate's. Throws

@@ -339,7 +339,7 @@ std::optional<FileVersion> FolderLibrary::versionOf(const PhotoAssetResource& re
 }
 
 void FolderLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
-                                 const QString& warning, DeletionGuard& guard,
+                                 DeletionQuestion question, DeletionGuard& guard,
                                  std::stop_token stop) {
     if (candidates.empty())
         return;
@@ -355,7 +355,7 @@ void FolderLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidate
         const auto found = seen && fileVersion(root_ / seen->path) ? *seen : find(identifier);
         deletion.add(candidate, found ? std::optional(found->path) : std::nullopt);
     }
-    deletion.run(confirmation_, warning);
+    deletion.run(confirmation_, std::move(question));
 }
 
 LeftOut FolderLibrary::leftOut() const {

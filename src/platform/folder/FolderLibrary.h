@@ -46,7 +46,7 @@ class FolderLibrary final : public PhotoLibrary {
     SourceContent readContent(const PhotoAssetResource& resource, std::stop_token stop) override;
     std::optional<std::int64_t> sampleOf(const PhotoAssetResource& resource) override;
     std::optional<FileVersion> versionOf(const PhotoAssetResource& resource) override;
-    void deleteAssets(const std::vector<DeletionCandidate>& candidates, const QString& warning,
+    void deleteAssets(const std::vector<DeletionCandidate>& candidates, DeletionQuestion question,
                       DeletionGuard& guard, std::stop_token stop) override;
     LeftOut leftOut() const override;
 

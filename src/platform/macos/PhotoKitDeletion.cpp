@@ -108,15 +108,15 @@ Candidates withoutRepetitions(const Candidates& candidates) {
 } // namespace
 
 void PhotoKitLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidates,
-                                   const QString& warning, DeletionGuard& guard,
+                                   DeletionQuestion question, DeletionGuard& guard,
                                    std::stop_token stop) {
     const Candidates once = withoutRepetitions(candidates);
     if (once.empty())
         return;
     requireReadable();
-    if (!warning.isEmpty() &&
-        !confirmation_.confirmDeletion({static_cast<int>(once.size()), 0,
-                                        QStringLiteral("Fotoğraflar: Son Silinenler"), warning}))
+    question.count = static_cast<int>(once.size());
+    question.place = QStringLiteral("Fotoğraflar: Son Silinenler");
+    if (!question.warning.isEmpty() && !confirmation_.confirmDeletion(question))
         throw PhotoLibraryError(QStringLiteral("Silme onayı verilmedi"));
     PhotoKitDeletion(*this, guard, stop).run(once);
 }

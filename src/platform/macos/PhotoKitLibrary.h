@@ -41,7 +41,7 @@ class PhotoKitLibrary final : public PhotoLibrary {
     /// PhotoKit removes all of them at once, and its own question comes right before: so the bytes
     /// are proven and the guard is asked before the person is. A stop during the question leaves
     /// its outcome to whoever settles interrupted removals.
-    void deleteAssets(const std::vector<DeletionCandidate>& candidates, const QString& warning,
+    void deleteAssets(const std::vector<DeletionCandidate>& candidates, DeletionQuestion question,
                       DeletionGuard& guard, std::stop_token stop) override;
 
     void registerChangeObserver(LibraryChangeObserver& observer) override;
