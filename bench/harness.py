@@ -1,9 +1,11 @@
 """Runs programs and measures them; a home of its own for those of the product; the table."""
+import contextlib
 import json
 import math
 import os
 import shutil
 import signal
+import sqlite3
 import statistics
 import subprocess
 import sys
@@ -99,6 +101,14 @@ class World:
 
     def sync(self, library):
         return self.run('quorvane-cli', 'sync', '--library', library, '--quiet', ends=(0, 4))
+
+    def state(self, statement, *values):
+        """The first value that a statement of the state's database yields; None while there is none."""
+        for database in self.folder.rglob('quorvane.sqlite'):
+            with contextlib.closing(sqlite3.connect(database, timeout=60)) as store, store:
+                with contextlib.suppress(sqlite3.OperationalError):  # it is being made
+                    return (store.execute(statement, values).fetchone() or [None])[0]
+        return None
 
     def requests(self):
         """How many there were, by kind."""
