@@ -10,8 +10,6 @@ namespace quorvane::emulator {
 
 namespace {
 
-constexpr qsizetype largestBatch = 50;
-
 QStringList itemsIn(const QJsonObject& body) {
     requireKnown(body, {}, {u"mediaItemIds"_s});
     QStringList ids;

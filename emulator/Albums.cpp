@@ -15,7 +15,7 @@ constexpr qsizetype longestTitle = 500;
 constexpr int defaultPageSize = 20;
 constexpr int largestPageSize = 50;
 
-QJsonObject describe(const StoredAlbum& album) {
+QJsonObject resourceOf(const StoredAlbum& album) {
     QJsonObject object{
         {u"id"_s, album.id},
         {u"title"_s, album.title},
@@ -78,7 +78,7 @@ Answer Albums::create(const Call& call) {
     if (title.isEmpty() || title.size() > longestTitle)
         throw Refusal(
             invalidArgument(u"Request must have an album title of at most 500 characters."_s));
-    return jsonAnswer(describe(find(add(title, 0, false, true))->stored));
+    return jsonAnswer(resourceOf(find(add(title, 0, false, true))->stored));
 }
 
 Answer Albums::list(const Call& call, bool shared) const {
@@ -92,7 +92,7 @@ Answer Albums::list(const Call& call, bool shared) const {
     const std::size_t end =
         std::min(listed.size(), page.start + static_cast<std::size_t>(page.size));
     for (std::size_t i = page.start; i < end; ++i)
-        array.append(describe(listed[i]->stored));
+        array.append(resourceOf(listed[i]->stored));
     QJsonObject answer;
     if (!array.isEmpty())
         answer.insert(shared ? u"sharedAlbums"_s : u"albums"_s, array);
@@ -105,7 +105,7 @@ Answer Albums::get(const Call& call) const {
     const Album* album = find(QUrl::fromPercentEncoding(call.request.path).section(u'/', -1));
     if (!album)
         throw Refusal(apiError(404, u"Requested entity was not found."_s));
-    return jsonAnswer(describe(album->stored));
+    return jsonAnswer(resourceOf(album->stored));
 }
 
 void Albums::remove(const QString& albumId) {

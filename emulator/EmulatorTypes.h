@@ -33,6 +33,9 @@ enum class RequestKind {
     other,
 };
 
+/// The most items that a request may name.
+inline constexpr qsizetype largestBatch = 50;
+
 inline constexpr std::array allRequestKinds{
     RequestKind::auth,      RequestKind::token,      RequestKind::revoke,
     RequestKind::userinfo,  RequestKind::upload,     RequestKind::batchCreate,

@@ -11,7 +11,6 @@ namespace quorvane::emulator {
 
 namespace {
 
-constexpr qsizetype largestBatch = 50; // also of what is read
 constexpr qsizetype longestFilename = 255;
 constexpr qsizetype longestDescription = 1000;
 
@@ -29,7 +28,7 @@ QJsonObject failure(const QString& uploadToken, int code, const QString& message
     return {{u"uploadToken"_s, uploadToken}, {u"status"_s, statusOf(code, message)}};
 }
 
-QJsonObject describe(const StoredMediaItem& item) {
+QJsonObject resourceOf(const StoredMediaItem& item) {
     const bool isVideo = item.mimeType.startsWith(u"video/"_s);
     QJsonObject object{
         {u"id"_s, item.id},
@@ -149,7 +148,7 @@ QJsonObject MediaItems::create(const NewItem& item, const QString& albumId,
     uploads_.use(item.uploadToken);
     return {{u"uploadToken"_s, item.uploadToken},
             {u"status"_s, QJsonObject{{u"message"_s, u"Success"_s}}},
-            {u"mediaItem"_s, describe(stored)}};
+            {u"mediaItem"_s, resourceOf(stored)}};
 }
 
 const StoredMediaItem& MediaItems::add(const Upload& upload, const NewItem& item,
@@ -181,7 +180,7 @@ Answer MediaItems::batchGet(const Call& call) const {
     for (const QString& id : ids) {
         const auto found = indexOfId_.find(id);
         if (found != indexOfId_.end())
-            results.append(QJsonObject{{u"mediaItem"_s, describe(items_[found->second])}});
+            results.append(QJsonObject{{u"mediaItem"_s, resourceOf(items_[found->second])}});
         else
             results.append(QJsonObject{
                 {u"status"_s, id.isEmpty()

@@ -6,7 +6,7 @@ namespace quorvane::emulator {
 
 namespace {
 
-QJsonObject describe(const StoredMediaItem& item) {
+QJsonObject stored(const StoredMediaItem& item) {
     return {{u"id"_s, item.id},
             {u"filename"_s, item.filename},
             {u"description"_s, item.description},
@@ -16,7 +16,7 @@ QJsonObject describe(const StoredMediaItem& item) {
             {u"albumIds"_s, QJsonArray::fromStringList(item.albumIds)}};
 }
 
-QJsonObject describe(const StoredAlbum& album) {
+QJsonObject stored(const StoredAlbum& album) {
     return {{u"id"_s, album.id},
             {u"title"_s, album.title},
             {u"itemCount"_s, static_cast<qint64>(album.itemCount)},
@@ -27,7 +27,7 @@ template <typename Value>
 QJsonArray describeAll(const std::vector<Value>& values) {
     QJsonArray array;
     for (const Value& value : values)
-        array.append(describe(value));
+        array.append(stored(value));
     return array;
 }
 

@@ -19,6 +19,10 @@ double unixSeconds(Date date) {
     return static_cast<double>(date.time_since_epoch().count()) / 1000.0;
 }
 
+std::int64_t wholeUnixSeconds(Date date) {
+    return std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
+}
+
 QString describe(Date date) {
     return QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), QTimeZone::utc())
         .toString(QStringLiteral("yyyy-MM-dd HH:mm:ss '+0000'"));

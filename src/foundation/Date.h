@@ -18,6 +18,8 @@ std::optional<Date> dateFromUnixSeconds(double seconds);
 
 /// Seconds since 1970-01-01 UTC.
 double unixSeconds(Date date);
+/// The same in whole seconds, rounded down.
+std::int64_t wholeUnixSeconds(Date date);
 
 /// "2021-03-05 23:30:00 +0000": UTC, for log lines.
 QString describe(Date date);

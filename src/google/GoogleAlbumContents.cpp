@@ -11,8 +11,6 @@ namespace quorvane {
 
 namespace {
 
-const QString albumsPath = QStringLiteral("/v1/albums");
-
 QJsonObject objectIn(const HttpResponse& response) {
     const QJsonDocument document = QJsonDocument::fromJson(response.body);
     if (!document.isObject())

@@ -15,7 +15,6 @@ namespace quorvane {
 
 namespace {
 
-const QString albumsPath = QStringLiteral("/v1/albums");
 constexpr int maximumPages = 1000; // of 50 albums: far beyond what an account holds
 constexpr qsizetype loggedBodyLength = 2000;
 

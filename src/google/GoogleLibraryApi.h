@@ -6,6 +6,8 @@
 
 namespace quorvane {
 
+inline const QString albumsPath = QStringLiteral("/v1/albums");
+
 /// The one way to the Photos Library API: every request goes out signed in. Any thread; blocks its
 /// caller.
 class GoogleLibraryApi {

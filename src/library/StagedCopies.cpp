@@ -16,7 +16,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr qsizetype chunkSize = 1 << 20;
+constexpr qsizetype readAtOnce = 1 << 20;
 /// Left free beside what is staged, for the other programs of the computer.
 constexpr std::int64_t reserve = std::int64_t{256} << 20;
 /// Copies whose bytes are only known to be those of an original that is gone.
@@ -175,13 +175,13 @@ void StagedCopies::loadSent() {
 
 HashAndSize computeHashAndSize(const std::filesystem::path& file, const std::stop_token& stop) {
     const FileDescriptor descriptor = openFile(file, O_RDONLY | O_NOFOLLOW);
-    QByteArray chunk(chunkSize, Qt::Uninitialized);
+    QByteArray chunk(readAtOnce, Qt::Uninitialized);
     Sha256 hash;
     HashAndSize result;
     while (true) {
         if (stop.stop_requested())
             throw Cancelled();
-        const ssize_t n = ::read(descriptor.get(), chunk.data(), static_cast<size_t>(chunkSize));
+        const ssize_t n = ::read(descriptor.get(), chunk.data(), static_cast<size_t>(readAtOnce));
         if (n < 0 && errno == EINTR)
             continue;
         if (n < 0)

@@ -11,7 +11,6 @@ namespace quorvane {
 
 namespace {
 
-constexpr int firstYear = 1970;
 constexpr int lastYear = 2050;
 
 // The instants that a bare number may stand for begin with 1995, and end now.
@@ -56,7 +55,7 @@ const std::array<QRegularExpression, 8>& datePatterns() {
 /// The bounds of a plausible date; the calendar refuses impossible days and times of day.
 std::optional<Date> makeDate(QStringView year, QStringView month, QStringView day,
                              const TimeOfDay& time) {
-    if (year.toInt() < firstYear || year.toInt() > lastYear)
+    if (year.toInt() < firstNamedYear || year.toInt() > lastYear)
         return std::nullopt;
     return localDate(year.toInt(), month.toInt(), day.toInt(), time.hour, time.minute, time.second);
 }
@@ -108,7 +107,7 @@ std::optional<Date> pixelDate(const QString& name) {
         QStringLiteral("(?<![A-Za-z])PXL_(\\d{4})(\\d{2})(\\d{2})_(\\d{2})(\\d{2})(\\d{2})"));
     const auto match = pattern.match(name);
     const auto number = [&](int group) { return match.capturedView(group).toInt(); };
-    if (!match.hasMatch() || number(1) < firstYear || number(1) > lastYear)
+    if (!match.hasMatch() || number(1) < firstNamedYear || number(1) > lastYear)
         return std::nullopt;
     return utcDate(number(1), number(2), number(3), number(4), number(5), number(6));
 }

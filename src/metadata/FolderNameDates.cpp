@@ -11,7 +11,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr int firstYear = 1900;
+constexpr int firstFolderYear = 1900;
 
 std::optional<DateSpan> spanOf(const std::optional<Date>& from, const std::optional<Date>& end) {
     if (!from || !end)
@@ -20,13 +20,13 @@ std::optional<DateSpan> spanOf(const std::optional<Date>& from, const std::optio
 }
 
 std::optional<DateSpan> yearSpan(int year) {
-    if (year < firstYear)
+    if (year < firstFolderYear)
         return std::nullopt;
     return spanOf(localDate(year, 1, 1, 0, 0, 0), localDate(year + 1, 1, 1, 0, 0, 0));
 }
 
 std::optional<DateSpan> monthSpan(int year, int month) {
-    if (year < firstYear || month < 1 || month > 12)
+    if (year < firstFolderYear || month < 1 || month > 12)
         return std::nullopt;
     return spanOf(localDate(year, month, 1, 0, 0, 0),
                   localDate(year + month / 12, month % 12 + 1, 1, 0, 0, 0));
@@ -34,7 +34,7 @@ std::optional<DateSpan> monthSpan(int year, int month) {
 
 std::optional<DateSpan> daySpan(int year, int month, int day) {
     const auto noon = localDate(year, month, day, 12, 0, 0);
-    if (year < firstYear || !noon)
+    if (year < firstFolderYear || !noon)
         return std::nullopt;
     return DateSpan{*noon, *noon};
 }

@@ -13,8 +13,6 @@ namespace {
 
 using Match = QRegularExpressionMatch;
 
-constexpr int firstYear = 1970;
-
 bool isPossible(const TimeOfDay& time) {
     return time.hour <= 23 && time.minute <= 59 && time.second <= 59;
 }
@@ -145,7 +143,7 @@ std::optional<Date> dateOf(const QString& name, const Match& match) {
     const Day day = dayOf(match);
     const auto time = timeOfDayAt(name, match.capturedEnd());
     const bool goesOn = match.capturedEnd() < name.size() && name[match.capturedEnd()].isDigit();
-    if (day.year < firstYear || (goesOn && !time))
+    if (day.year < firstNamedYear || (goesOn && !time))
         return std::nullopt;
     const TimeOfDay at = time.value_or(TimeOfDay());
     return localDate(day.year, day.month, day.day, at.hour, at.minute, at.second);

@@ -13,6 +13,9 @@ namespace quorvane {
 /// 0.
 int monthNamed(const QString& name);
 
+/// Earlier numbers in names are taken for something else than years.
+inline constexpr int firstNamedYear = 1970;
+
 struct TimeOfDay {
     int hour = 12;
     int minute = 0;

@@ -2,16 +2,8 @@
 
 namespace quorvane {
 
-namespace {
-
-std::int64_t secondsOf(Date date) {
-    return std::chrono::floor<std::chrono::seconds>(date.time_since_epoch()).count();
-}
-
-} // namespace
-
 std::int64_t UploadSessions::oldest() const {
-    return secondsOf(clock_.now() - lifetime);
+    return wholeUnixSeconds(clock_.now() - lifetime);
 }
 
 void UploadSessions::keep(const SyncRecord& record, const Bytes& bytes, const QString& address) {
@@ -23,7 +15,7 @@ void UploadSessions::keep(const SyncRecord& record, const Bytes& bytes, const QS
         row.bind(3, bytes.size);
         row.bind(4, accountID_);
         row.bind(5, address);
-        row.bind(6, secondsOf(clock_.now()));
+        row.bind(6, wholeUnixSeconds(clock_.now()));
         row.step();
     });
 }

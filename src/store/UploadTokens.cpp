@@ -4,10 +4,6 @@ namespace quorvane {
 
 namespace {
 
-std::int64_t secondsOf(Date date) {
-    return std::chrono::floor<std::chrono::seconds>(date).time_since_epoch().count();
-}
-
 constexpr std::int64_t lifetimeSeconds = std::chrono::seconds(UploadTokens::lifetime).count();
 
 } // namespace
@@ -18,7 +14,7 @@ void UploadTokens::keep(const SyncRecord& record, const QString& sha256, const Q
         row.bind(1, record.assetLocalIdentifier);
         row.bind(2, sha256);
         row.bind(3, token);
-        row.bind(4, secondsOf(clock_.now()));
+        row.bind(4, wholeUnixSeconds(clock_.now()));
         row.step();
     });
 }
@@ -28,7 +24,7 @@ std::optional<QString> UploadTokens::find(const SyncRecord& record, const QStrin
         sqlite::Statement row(database,
                               "SELECT token FROM upload_tokens WHERE asset_local_identifier = ? "
                               "AND sha256 = ? AND made BETWEEN ? AND ?");
-        const std::int64_t now = secondsOf(clock_.now());
+        const std::int64_t now = wholeUnixSeconds(clock_.now());
         row.bind(1, record.assetLocalIdentifier);
         row.bind(2, sha256);
         row.bind(3, now - lifetimeSeconds);
@@ -49,7 +45,7 @@ void UploadTokens::forget(const SyncRecord& record) {
 void UploadTokens::forgetExpired() {
     db_.onConnection([&](sqlite::Connection& database) {
         sqlite::Statement row(database, "DELETE FROM upload_tokens WHERE made < ?");
-        row.bind(1, secondsOf(clock_.now()) - lifetimeSeconds);
+        row.bind(1, wholeUnixSeconds(clock_.now()) - lifetimeSeconds);
         row.step();
     });
 }

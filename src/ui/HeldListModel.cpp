@@ -1,8 +1,7 @@
 #include "ui/HeldListModel.h"
 
 #include "foundation/File.h"
-
-#include <QLocale>
+#include "sync/ProductState.h"
 
 #include <algorithm>
 #include <set>
@@ -16,10 +15,6 @@ namespace {
 using Kind = HeldGroup::Kind;
 
 constexpr std::size_t shownMore = 20;
-
-QString grouped(std::size_t number) {
-    return QLocale().toString(static_cast<qint64>(number));
-}
 
 /// What a person reads of a group.
 FailedCategorySummary wordsOf(const HeldGroup& group) {
@@ -102,14 +97,14 @@ QVariant HeldListModel::groupData(const HeldGroup& group, int role) const {
     case symbolRole:
         return words.systemImage;
     case countRole:
-        return grouped(group.places.size());
+        return groupedCount(std::ssize(group.places));
     case isWarningRole:
         return group.kind != Kind::failed;
     case isOpenRole:
         return unfolded_.value(keyOf(group)).isOpen;
     case nameRole:
         return u"%1, %2 öğe, %3. %4"_s.arg(
-            words.categoryName, grouped(group.places.size()),
+            words.categoryName, groupedCount(std::ssize(group.places)),
             unfolded_.value(keyOf(group)).isOpen ? u"açık"_s : u"kapalı"_s, words.explanation);
     case isDateRole:
     case canRevealRole:
@@ -179,17 +174,16 @@ QString HeldListModel::linkTitle(const Row& row) const {
         group.places.size() - std::min(group.places.size(), unfolded_.value(row.group).shown);
     switch (row.link) {
     case Link::more:
-        return u"%1 öğe daha göster"_s.arg(grouped(std::min(rest, shownMore)));
+        return u"%1 öğe daha göster"_s.arg(groupedCount(std::min(rest, shownMore)));
     case Link::all:
-        return u"Tümünü göster (%1)"_s.arg(grouped(rest));
+        return u"Tümünü göster (%1)"_s.arg(groupedCount(rest));
     case Link::retryGroup:
-        return u"Hepsini tekrar dene (%1)"_s.arg(grouped(group.places.size()));
+        return u"Hepsini tekrar dene (%1)"_s.arg(groupedCount(std::ssize(group.places)));
     case Link::acceptKind:
         break;
     }
-    return u"Hepsini kullan: %1 (%2)"_s.arg(
-        kindText(row.evidence),
-        grouped(static_cast<std::size_t>(evidenceCounts_.at(row.evidence))));
+    return u"Hepsini kullan: %1 (%2)"_s.arg(kindText(row.evidence),
+                                            groupedCount(evidenceCounts_.at(row.evidence)));
 }
 
 // What is known.

@@ -25,10 +25,6 @@ constexpr std::array choiceTable{
     Choice{DateFallbackMode::strictNone, u"Karantinada Bırak (Yükleme)"},
 };
 
-QString grouped(qint64 number) {
-    return QLocale().toString(number);
-}
-
 /// Of each group, what is seen when the sheet opens.
 std::vector<std::int64_t> firstPlaces(const std::vector<HeldGroup>& groups) {
     std::vector<std::int64_t> places;
@@ -173,8 +169,9 @@ QString ReviewModel::chosen() const {
 
 QString ReviewModel::undatableTitle() const {
     const int count = model_.undatableCount();
-    return count == 0 ? QString()
-                      : u"Tarih yazılamayan biçimleri olduğu gibi yükle (%1)"_s.arg(grouped(count));
+    return count == 0
+               ? QString()
+               : u"Tarih yazılamayan biçimleri olduğu gibi yükle (%1)"_s.arg(groupedCount(count));
 }
 
 int ReviewModel::retryCount() const {
@@ -184,7 +181,7 @@ int ReviewModel::retryCount() const {
 }
 
 QString ReviewModel::retryTitle() const {
-    return u"Yeniden Sıraya Ekle (%1)"_s.arg(grouped(retryCount()));
+    return u"Yeniden Sıraya Ekle (%1)"_s.arg(groupedCount(retryCount()));
 }
 
 // What the person does.

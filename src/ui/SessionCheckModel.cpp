@@ -17,7 +17,7 @@ namespace {
 
 using State = CheckedThing::State;
 
-struct Look {
+struct StateLook {
     State state;
     const char16_t* name;
     const char16_t* symbol;
@@ -26,14 +26,14 @@ struct Look {
 
 /// In the order in which they are shown.
 constexpr std::array looks{
-    Look{State::faulty, u"faulty", u"xmark.circle.fill", u"Sorun"},
-    Look{State::warning, u"warning", u"x.exclamationmark.triangle", u"Uyarı"},
-    Look{State::fine, u"fine", u"checkmark.circle.fill", u"Yolunda"},
-    Look{State::unknown, u"unknown", u"questionmark.circle.fill", u"Bilinmiyor"},
+    StateLook{State::faulty, u"faulty", u"xmark.circle.fill", u"Sorun"},
+    StateLook{State::warning, u"warning", u"x.exclamationmark.triangle", u"Uyarı"},
+    StateLook{State::fine, u"fine", u"checkmark.circle.fill", u"Yolunda"},
+    StateLook{State::unknown, u"unknown", u"questionmark.circle.fill", u"Bilinmiyor"},
 };
 
-const Look* lookOf(State state) {
-    return std::ranges::find(looks, state, &Look::state);
+const StateLook* lookOf(State state) {
+    return std::ranges::find(looks, state, &StateLook::state);
 }
 
 /// The suffix of "at" follows the last word of the number as it is spoken.
@@ -61,7 +61,7 @@ QString actionOf(CheckedThing::Remedy remedy) {
 }
 
 QVariantMap rowOf(const CheckedThing& thing) {
-    const Look* look = lookOf(thing.state);
+    const StateLook* look = lookOf(thing.state);
     return {{u"state"_s, QString::fromUtf16(look->name)},
             {u"symbol"_s, QString::fromUtf16(look->symbol)},
             {u"title"_s, thing.title},

@@ -48,7 +48,7 @@ QString textOf(const std::vector<Finding>& findings) {
 }
 
 /// {"fine", "checks": [{"id", "title", "fine" (null: unknown), "what", "advice"}]}
-QJsonObject jsonOf(const std::vector<Finding>& findings) {
+QJsonObject findingsJson(const std::vector<Finding>& findings) {
     QJsonArray checks;
     for (const Finding& finding : findings)
         checks.append(
@@ -72,7 +72,7 @@ int doctor(Invocation& invocation) {
     const std::vector<Finding> findings =
         checkSession(core, program.google, library, invocation.stop);
     if (invocation.arguments.has(u"json"_s))
-        printJson(core.console, jsonOf(findings));
+        printJson(core.console, findingsJson(findings));
     else
         core.console.result(textOf(findings));
     return areFine(findings) ? done : someItemsLeft;

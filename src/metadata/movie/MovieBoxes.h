@@ -14,6 +14,9 @@
 /// from the file header by header: media data is never touched. Offsets and lengths are in bytes.
 namespace quorvane {
 
+/// In bytes: two empty boxes.
+inline constexpr std::uint64_t smallestMovie = 16;
+
 /// What a movie may ask of its reader; beyond it the reader gives up with `ParseError`.
 struct MovieLimits {
     unsigned nesting = 8;

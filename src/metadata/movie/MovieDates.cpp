@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::uint32_t dayType = boxType("\xA9"
                                           "day");
-constexpr std::uint64_t smallestFile = 16;
 constexpr int yearOfMovieEpoch = 1904;
 constexpr int yearOfReencodings = 2026;
 
@@ -169,7 +168,7 @@ std::optional<Date> readMovie(const std::filesystem::path& path, const MovieLimi
                               Read&& read) {
     try {
         const MovieFile file(path, O_RDONLY);
-        if (file.size() < smallestFile)
+        if (file.size() < smallestMovie)
             return std::nullopt;
         MovieBoxes boxes(file, limits);
         const auto moov = boxes.find(boxes.file(), boxType("moov"));

@@ -15,8 +15,6 @@ namespace {
 
 using Code = MovieDateError::Code;
 
-constexpr std::uint64_t smallestFile = 16;
-
 QString nameOf(const MovieFile& file) {
     return pathText(file.path().filename());
 }
@@ -139,7 +137,7 @@ class DatePatch {
 bool patchMP4CreationDate(const std::filesystem::path& path, Date target, const MovieLimits& limits,
                           Effect effect) {
     const MovieFile file(path, effect == Effect::write ? O_RDWR : O_RDONLY);
-    if (file.size() < smallestFile)
+    if (file.size() < smallestMovie)
         throw MovieDateError(Code::invalidFileSize,
                              QStringLiteral("Geçersiz dosya boyutu: %1").arg(file.size()));
     const std::int64_t time =

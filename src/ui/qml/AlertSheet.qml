@@ -35,14 +35,14 @@ Sheet {
     onCancelled: dashboard.answerAlert(alert.escape < 0 ? alert.buttons.length + alert.escape : alert.escape)
     onAboutToShow: settled.restart()
 
-    Timer { id: settled; interval: Qt.styleHints.mouseDoubleClickInterval }
+    Timer { id: settled; interval: Qt.styleHints.mouseDoubleClickInterval } // qmllint disable
 
     Column {
         width: sheet.availableWidth
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.alert.title
         Accessible.description: [sheet.alert.text]
-            .concat(sheet.alert.rows.map(row => row.title + ": " + row.count)).join(" ")
+            .concat(sheet.alert.rows.map(row => row.title + ": " + row.count)).join(" ") // qmllint disable
 
         Column {
             id: question

@@ -21,7 +21,8 @@ Sheet {
 
     shown: review.isShown
     width: 408
-    onOpened: Qt.callLater(takeFocus) // when the choices are there
+    // When the choices are there.
+    onOpened: Qt.callLater(takeFocus) // qmllint disable
     onCancelled: review.close()
 
     Item {

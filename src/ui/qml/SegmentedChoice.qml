@@ -65,7 +65,7 @@ Rectangle {
                     FocusRing { shown: answer.visualFocus; controlRadius: 6 }
                 }
                 indicator: null
-                contentItem: Item {
+                contentItem: Item { // qmllint disable
                     Row {
                         id: inside
                         anchors.centerIn: parent

@@ -83,7 +83,8 @@ MainWindowController::~MainWindowController() {
 void MainWindowController::prepare() {
     if (view_)
         return;
-    // A window this small and still needs no graphics driver, whose start takes longer than its own.
+    // A window this small and still needs no graphics driver, whose start takes longer than its
+    // own.
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
         QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     registerQml();

@@ -9,8 +9,8 @@ namespace quorvane {
 
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString portalService = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 
 const QString appearance = QStringLiteral("org.freedesktop.appearance");
@@ -30,7 +30,7 @@ QVariant unwrapped(QVariant value) {
 void DesktopLook::watch() {
     if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
         return; // no session: asking for its bus would start one
-    QDBusConnection::sessionBus().connect(service, path, interface,
+    QDBusConnection::sessionBus().connect(portalService, portalPath, interface,
                                           QStringLiteral("SettingChanged"), this,
                                           SLOT(settingChanged(QString, QString, QDBusVariant)));
     read(appearance, colorScheme);
@@ -38,7 +38,8 @@ void DesktopLook::watch() {
 }
 
 void DesktopLook::read(const QString& space, const QString& key) {
-    auto call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));
+    auto call = QDBusMessage::createMethodCall(portalService, portalPath, interface,
+                                               QStringLiteral("Read"));
     call.setArguments({space, key});
     auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, space, key] {

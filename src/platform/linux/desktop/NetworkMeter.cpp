@@ -9,8 +9,8 @@ namespace quorvane {
 
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.NetworkManager");
-const QString path = QStringLiteral("/org/freedesktop/NetworkManager");
+const QString managerService = QStringLiteral("org.freedesktop.NetworkManager");
+const QString managerPath = QStringLiteral("/org/freedesktop/NetworkManager");
 const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString metered = QStringLiteral("Metered");
 
@@ -23,10 +23,11 @@ constexpr uint guessedYes = 3;
 void NetworkMeter::watch(std::function<void()> changed) {
     changed_ = std::move(changed);
     QDBusConnection bus = QDBusConnection::systemBus();
-    bus.connect(service, path, properties, QStringLiteral("PropertiesChanged"), this,
+    bus.connect(managerService, managerPath, properties, QStringLiteral("PropertiesChanged"), this,
                 SLOT(propertiesChanged(QString, QVariantMap)));
-    auto call = QDBusMessage::createMethodCall(service, path, properties, QStringLiteral("Get"));
-    call.setArguments({service, metered});
+    auto call = QDBusMessage::createMethodCall(managerService, managerPath, properties,
+                                               QStringLiteral("Get"));
+    call.setArguments({managerService, metered});
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
@@ -37,7 +38,7 @@ void NetworkMeter::watch(std::function<void()> changed) {
 }
 
 void NetworkMeter::propertiesChanged(const QString& interface, const QVariantMap& values) {
-    if (interface == service && values.contains(metered))
+    if (interface == managerService && values.contains(metered))
         learn(values.value(metered).toUInt());
 }
 

@@ -12,8 +12,8 @@ namespace quorvane {
 
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.Notifications");
-const QString path = QStringLiteral("/org/freedesktop/Notifications");
+const QString notifierService = QStringLiteral("org.freedesktop.Notifications");
+const QString notifierPath = QStringLiteral("/org/freedesktop/Notifications");
 constexpr std::size_t mostRemembered = 20; // a panel may keep notices, to be clicked much later
 
 } // namespace
@@ -22,17 +22,18 @@ void Notifications::listen() {
     if (std::exchange(isListening_, true))
         return;
     QDBusConnection bus = QDBusConnection::sessionBus();
-    bus.connect(service, path, service, QStringLiteral("ActivationToken"), this,
-                SLOT(activationToken(uint, QString)));
-    bus.connect(service, path, service, QStringLiteral("ActionInvoked"), this,
-                SLOT(actionInvoked(uint, QString)));
+    bus.connect(notifierService, notifierPath, notifierService, QStringLiteral("ActivationToken"),
+                this, SLOT(activationToken(uint, QString)));
+    bus.connect(notifierService, notifierPath, notifierService, QStringLiteral("ActionInvoked"),
+                this, SLOT(actionInvoked(uint, QString)));
 }
 
 void Notifications::show(const Notice& notice) {
     if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
         return; // no session: asking for its bus would start one
     listen();
-    auto call = QDBusMessage::createMethodCall(service, path, service, QStringLiteral("Notify"));
+    auto call = QDBusMessage::createMethodCall(notifierService, notifierPath, notifierService,
+                                               QStringLiteral("Notify"));
     const uint replacesNone = 0;
     const int serversOwnTime = -1;
     const QStringList actions{QStringLiteral("default"), QStringLiteral("Aç")}; // a click's
