@@ -56,7 +56,7 @@ int main(int argc, char** argv) {
     const std::stop_callback quitting(signals.token(), [] {
         QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
     });
-    QApplication::setApplicationName(QStringLiteral("quorvane"));
+    QApplication::setApplicationName(QStringLiteral("Quorvane"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quorvane"));
     QApplication::setDesktopFileName(QStringLiteral("quorvane"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/quorvane/AppIcon.svg")));
