@@ -235,6 +235,10 @@ TEST_F(WindowStoryTest, theWindowIsOnlyHidden) {
     expectShown({u"ayse.yilmaz@ornek.com"_s});
     view->requestActivate();
     ASSERT_TRUE(awaitView([&] { return view->isActive(); }));
+    view->setWindowStates(Qt::WindowMaximized); // as a Wayland compositor or its title bar does
+    EXPECT_GT(view->maximumWidth(), 880);
+    view->setWindowStates(Qt::WindowNoState);
+    EXPECT_EQ(view->maximumSize(), QSize(880, 650));
     window.toggleWindow();
     EXPECT_FALSE(view->isVisible());
 }

@@ -10,6 +10,7 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QScreen>
+#include <QWidget>
 
 void qml_register_types_Quorvane();
 
@@ -104,6 +105,10 @@ void MainWindowController::prepare() {
     connect(view_.get(), &QWindow::visibilityChanged, this, [this](QWindow::Visibility visibility) {
         dashboard_.setLive(visibility != QWindow::Hidden && visibility != QWindow::Minimized);
     });
+    connect(view_.get(), &QWindow::windowStateChanged, this, [this] {
+        view_->setMaximumSize(fillsScreen() ? QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX)
+                                            : view_->minimumSize());
+    });
     connect(&model_, &MenuBarViewModel::stateChanged, this, [this] {
         const QString title = titleOf(model_.state(), model_.facts());
         if (dashboard_.isLive() && std::exchange(announced_, title) != title)
@@ -185,8 +190,16 @@ void MainWindowController::setInspectorExpanded(bool expanded, bool animate) {
     resizing_.start();
 }
 
+/// A Wayland compositor may have the window fill the screen, and ends the connection of who does
+/// not obey.
+bool MainWindowController::fillsScreen() const {
+    return (view_->windowStates() & (Qt::WindowMaximized | Qt::WindowFullScreen)) != 0;
+}
+
 /// The window has a title and a close button, and only the program changes its size.
 void MainWindowController::resizeTo(QRect frame) {
+    if (fillsScreen())
+        return;
     view_->setMinimumSize(frame.size());
     view_->setMaximumSize(frame.size());
     view_->setGeometry(frame);

@@ -57,6 +57,7 @@ class MainWindowController final : public QObject {
     int wantedWidth() const;
     QRect availableGeometry() const;
     QMargins frameMargins() const;
+    bool fillsScreen() const;
     void resizeTo(QRect frame);
     void saveFrame();
     void updateLook();
