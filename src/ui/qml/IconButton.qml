@@ -9,11 +9,15 @@ AbstractButton {
     property string symbol
     property string name
     property bool active: false
+    /// Since the pointer came: nothing is to be explained any more, and what opened stays free.
+    property bool pressedHere: false
 
     implicitWidth: 36
     implicitHeight: 36
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
+    onHoveredChanged: pressedHere = false
+    onPressed: pressedHere = true
     Accessible.role: Accessible.Button
     Accessible.onPressAction: if (control.enabled) control.clicked()
     Accessible.name: name
@@ -35,5 +39,5 @@ AbstractButton {
             : control.active ? Theme.accentText : Theme.textSecondary
     }
 
-    Tip { text: control.name; shown: control.hovered && !control.down }
+    Tip { text: control.name; shown: control.hovered && !control.pressedHere }
 }
