@@ -6,7 +6,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSysInfo>
 
 using namespace Qt::StringLiterals;
@@ -116,9 +116,15 @@ QString InspectorModel::stateText() const {
             QString::number(model_.undatableCount()))};
     for (const FailedCategorySummary& failure : model_.failedCategorySummaries())
         lines += u"  %1: %2"_s.arg(failure.categoryName, QString::number(failure.count));
-    lines += u"Son durum: "_s +
-             QString::fromUtf8(
-                 QJsonDocument(model_.run().state().json()).toJson(QJsonDocument::Compact));
+    lines += u"Son durum"_s;
+    const QJsonObject state = model_.run().state().json(); // bare: names stand between quotes
+    for (auto field = state.begin(); field != state.end(); ++field)
+        lines += u"  %1: %2"_s.arg(field.key(), field->toString());
+    const SessionCheckModel& check = *model_.sessionCheck();
+    if (!check.rows().isEmpty())
+        lines += u"\nOturum denetimi: "_s + check.summary();
+    for (const QVariant& row : check.rows())
+        lines += u"  "_s + row.toMap()[u"name"_s].toString();
     lines += u"\nCanlı akış"_s;
     for (const LogEntry& entry : model_.recentLogs()->entries())
         lines += timeText(entry.timestamp) + u' ' + entry.message;

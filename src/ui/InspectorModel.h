@@ -27,8 +27,9 @@ class InspectorModel final : public QObject {
     /// Asks where the report is to be written.
     Q_INVOKABLE void requestReport() { Q_EMIT reportRequested(); }
 
-    /// Writes what whoever is to help wants to know: versions, state, counts, and the end of the
-    /// log; no tokens, no e-mail, and names only if they are kept. A failure is shown.
+    /// Writes what whoever is to help wants to know: versions, state, counts, the check of the
+    /// session if there was one, and the end of the log; no tokens, no e-mail, and names only if
+    /// they are kept. A failure is shown.
     void saveReport(const std::filesystem::path& file, Names names);
 
     bool isWorking() { return !tasks_.isIdle(); }

@@ -93,8 +93,14 @@ TEST_F(SheetStoryTest, theSessionIsChecked) {
     int asked = 0;
     QObject::connect(&window, &MainWindowController::chooseLibraryRequested, &window,
                      [&] { ++asked; });
+    QObject::connect(&window, &MainWindowController::reportRequested, &window, [&] { ++asked; });
+    click(u"checkReport"_s);
+    const std::filesystem::path report = world.folder / "rapor.txt";
+    window.dashboard().lives()->saveReport(report, Names::hidden);
+    settleView();
+    EXPECT_TRUE(QString::fromUtf8(readFile(report)).contains(u"Sorun: Arşiv: yok"_s));
     click(u"checkHelp0"_s);
-    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(asked, 2);
     expectHidden({u"Yeniden Denetle"_s});
 }
 

@@ -41,7 +41,7 @@ Sheet {
         Flickable {
             id: middle
             y: summary.y + summary.height + 14
-            width: parent.width
+            width: parent.width + 14 // the thumb is beside the rows
             height: Math.min(table.height, parent.height - y - 54)
             contentHeight: table.height
             boundsBehavior: Flickable.StopAtBounds
@@ -50,21 +50,29 @@ Sheet {
 
             CheckRows {
                 id: table
-                width: middle.width
+                width: sheet.availableWidth
                 rows: sheet.check.rows
                 onChosen: row => sheet.dashboard.help(row)
             }
         }
-        ActionButton {
-            id: again
-            objectName: "checkAgain"
+        ButtonPair {
             y: parent.height - 40
             width: parent.width
-            kind: "filled"
-            symbol: "arrow.triangle.2.circlepath"
-            text: sheet.check.isRunning ? "Denetleniyor…" : "Yeniden Denetle"
-            enabled: !sheet.check.isRunning
-            onClicked: sheet.check.look()
+            height: implicitHeight
+            first: ActionButton {
+                id: again
+                objectName: "checkAgain"
+                kind: "filled"
+                symbol: "arrow.triangle.2.circlepath"
+                text: sheet.check.isRunning ? "Denetleniyor…" : "Yeniden Denetle"
+                enabled: !sheet.check.isRunning
+                onClicked: sheet.check.look()
+            }
+            second: ActionButton {
+                objectName: "checkReport"
+                text: "Raporu Kaydet…"
+                onClicked: sheet.dashboard.lives.requestReport()
+            }
         }
         IconButton {
             objectName: "checkClose"
