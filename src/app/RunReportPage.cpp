@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QLocale>
 
+#include <cmath>
 #include <map>
 
 namespace quorvane {
@@ -162,15 +163,17 @@ QString rows(const std::vector<Figure>& figures) {
 
 QString numbers(const RunReport& report) {
     const SyncRunOutcome& run = report.run;
-    const double megabytes = static_cast<double>(run.uploadedBytes) / 1e6;
     QString text = rows(report.figures());
     text += rows({{u"Çöp'e taşınan"_s, nullptr, run.deletion.deleted}});
-    text += row(u"Aktarılan"_s,
-                turkish.formattedDataSize(run.uploadedBytes, 1, QLocale::DataSizeSIFormat));
+    const auto sized = [](std::int64_t bytes) {
+        return turkish.formattedDataSize(bytes, 1, QLocale::DataSizeSIFormat);
+    };
+    text += row(u"Aktarılan"_s, sized(run.uploadedBytes));
     text += row(u"Süre"_s, turkish.toString(report.seconds, 'f', 1) + u" sn"_s);
     if (report.seconds > 0)
         text += row(u"Ortalama hız"_s,
-                    turkish.toString(megabytes / report.seconds, 'f', 1) + u" MB/sn"_s);
+                    sized(std::llround(static_cast<double>(run.uploadedBytes) / report.seconds)) +
+                        u"/sn"_s);
     return section(u"Sayılar"_s, text);
 }
 
