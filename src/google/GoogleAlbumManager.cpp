@@ -19,7 +19,7 @@ constexpr int maximumPages = 1000; // of 50 albums: far beyond what an account h
 constexpr qsizetype loggedBodyLength = 2000;
 
 QString bodyText(const HttpResponse& response) {
-    return QString::fromUtf8(response.body.left(loggedBodyLength));
+    return QString::fromUtf8(response.body.left(loggedBodyLength)).simplified();
 }
 
 QString flagText(bool flag) {

@@ -18,10 +18,13 @@ constexpr int resourceExhausted = 8;
 constexpr int unauthenticated = 16;
 constexpr int passing[] = {1, 2, 4, 10, 13, 14}; // cancelled to unavailable: may do next time
 
-/// On one line, without what a terminal would obey.
+/// On one line, without what a terminal would obey and without the full stop: it is told inside of
+/// sentences.
 QString reasonFrom(const QString& text) {
     QString plain = text.simplified();
     plain.removeIf([](QChar character) { return !character.isPrint(); });
+    if (plain.endsWith(u'.'))
+        plain.chop(1);
     return plain.left(longestReason);
 }
 

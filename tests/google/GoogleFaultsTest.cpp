@@ -58,7 +58,7 @@ TEST(GoogleFaults, AreToldByStatusAndBody) {
          })
         EXPECT_EQ(rawValue(faultIn({status, body}, intoAlbum).code), rawValue(code))
             << status << body.constData();
-    const Fault fault = faultIn({429, apiError("a\\u001b[1m\\nb"), {}, std::chrono::seconds(7)});
+    const Fault fault = faultIn({429, apiError("a\\u001b[1m\\nb."), {}, std::chrono::seconds(7)});
     EXPECT_EQ(fault.reason, u"a[1m b"_s);
     EXPECT_EQ(fault.retryAfter, std::chrono::seconds(7));
 }
