@@ -9,7 +9,7 @@
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 2 && arguments.size() != 3) {
+    if ((arguments.size() != 2 && arguments.size() != 3) || arguments.at(1).startsWith(u'-')) {
         std::fputs("Kullanım: quorvane-sample-library KLASÖR [JPEG_SAYISI]\n", stderr);
         return 2;
     }
