@@ -12,7 +12,7 @@ declare -A groups=(
   [run]="qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-controls
     qml6-module-qtquick-templates qml6-module-qtquick-layouts qml6-module-qtquick-shapes
     qml6-module-qtqml qml6-module-qtqml-workerscript libqt6svg6 fonts-inter fonts-dejavu-core
-    fonts-noto-color-emoji xdg-utils"
+    fonts-noto-color-emoji qt6-translations-l10n xdg-utils"
   [demo]="curl"
   [bench]="python3 time curl openssl sqlite3 libimage-exiftool-perl exiv2 ffmpeg libheif-examples xvfb openbox trayer"
   [fuzz]="clang libclang-rt-14-dev"
