@@ -8,8 +8,9 @@ Card {
     required property Dashboard dashboard
     readonly property heroView hero: dashboard.hero
     readonly property bool hasButton: hero.canStop || hero.startTitle.length > 0
-    readonly property real buttonTop: height - 17 - (hasButton ? (hero.canTryNow ? pair.implicitHeight : 40) : 0)
-    readonly property real below: (hasButton ? height - buttonTop + 12 : 17) + (quarantine.visible ? 48 : 0)
+    readonly property real buttonHeight: !hasButton ? 0 : hero.canTryNow ? pair.implicitHeight : 40
+    readonly property real buttonTop: height - 17 - buttonHeight
+    readonly property real below: 17 + (hasButton ? buttonHeight + 12 : 0) + (quarantine.visible ? 48 : 0)
                                   + (safety.visible ? safety.height + 12 : 0)
 
     implicitHeight: 17 + Math.max(88, words.implicitHeight) + below
