@@ -119,7 +119,7 @@ QString loggable(const QByteArray& body) {
     // The closing quote is missing from an answer that was cut.
     static const QRegularExpression token(
         QStringLiteral(R"re("((?:access|refresh|id)_token)"\s*:\s*"(?:[^"\\]|\\.)*"?)re"));
-    return text.replace(token, QStringLiteral(R"("\1":"***")"));
+    return text.replace(token, QStringLiteral(R"("\1":"***")")).simplified();
 }
 
 } // namespace quorvane::oauth
