@@ -160,7 +160,7 @@ int unsentBytes(int socket) noexcept {
 
 void prepareProcess() noexcept {
 #ifdef __GLIBC__
-    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_ARENA_MAX, 1); // NOLINT(concurrency-mt-unsafe): nothing runs yet
 #endif
 }
 

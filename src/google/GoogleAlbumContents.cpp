@@ -36,7 +36,7 @@ std::vector<GoogleAlbum> GoogleAlbumContents::ownAlbums(const std::stop_token& s
         if (response.status != 200)
             throw GoogleError::http(GoogleError::Area::album, response);
         const QJsonObject page = objectIn(response);
-        for (const QJsonValue& each : page[QStringLiteral("albums")].toArray())
+        for (const QJsonValue each : page[QStringLiteral("albums")].toArray())
             if (const auto album = GoogleAlbum::fromJson(each.toObject()))
                 albums.push_back(*album);
         const QString next = page[QStringLiteral("nextPageToken")].toString();

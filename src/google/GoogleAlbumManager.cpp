@@ -60,7 +60,7 @@ std::vector<GoogleAlbum> GoogleAlbumManager::listAlbums(std::stop_token stop) {
     *listingFault_.lock() = own.fault;
     const bool scopeIssue = own.insufficientScopes || shared.insufficientScopes;
     own.albums.insert(own.albums.end(), shared.albums.begin(), shared.albums.end());
-    const std::vector<GoogleAlbum> albums = remember(own.albums);
+    std::vector<GoogleAlbum> albums = remember(own.albums);
 
     hasInsufficientScopes_ = scopeIssue;
     if (scopeIssue)
@@ -95,7 +95,7 @@ GoogleAlbumManager::Listing GoogleAlbumManager::fetchEndpointAlbums(const QStrin
         const auto page = fetchPage(endpoint, pageToken, listing, stop);
         if (!page)
             break;
-        for (const QJsonValue& element : page->value(jsonArrayKey).toArray())
+        for (const QJsonValue element : page->value(jsonArrayKey).toArray())
             if (const auto album = GoogleAlbum::fromJson(element.toObject()))
                 listing.albums.push_back(*album);
         pageToken = page->value(QStringLiteral("nextPageToken")).toString();
@@ -268,7 +268,7 @@ std::vector<GoogleAlbum> GoogleAlbumManager::getLocalCreatedAlbums() const {
     const QByteArray stored =
         preferences_.data(preferenceKeys::localCreatedAlbums).value_or(QByteArray());
     std::vector<GoogleAlbum> albums;
-    for (const QJsonValue& element : QJsonDocument::fromJson(stored).array())
+    for (const QJsonValue element : QJsonDocument::fromJson(stored).array())
         if (const auto album = GoogleAlbum::fromJson(element.toObject()))
             albums.push_back(*album);
     return albums;

@@ -50,7 +50,7 @@ QString wordsIn(const QString& text) {
 }
 
 void addTexts(QStringList& words, const QJsonObject& object) {
-    for (const QJsonValue& value : object)
+    for (const QJsonValue value : object)
         if (value.isString())
             words.append(wordsIn(value.toString()));
 }

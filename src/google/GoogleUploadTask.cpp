@@ -26,7 +26,7 @@ bool isNoTokenCharacter(QChar character) {
 
 QString uploadTokenFrom(const QByteArray& body) {
     QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString token = QString(decoder(body)).trimmed();
+    QString token = QString(decoder(body)).trimmed();
     if (decoder.hasError() || token.isEmpty())
         throw GoogleError::emptyToken();
     if (body.size() > largestToken || std::ranges::any_of(token, isNoTokenCharacter))

@@ -226,7 +226,7 @@ SourceContent exportFile(const FileDescriptor& original, const std::filesystem::
         part.leaveIfLarge();
         throw;
     }
-    const SourceContent content = settled(original, originalPath, before, digest);
+    SourceContent content = settled(original, originalPath, before, digest);
     part.setModified(before.modified);
     part.publish(destination, before.size);
     return content;

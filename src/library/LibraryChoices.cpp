@@ -57,7 +57,7 @@ void LibraryChoices::add(const OriginalsMapping& mapping) {
 LibraryChoices LibraryChoices::of(const QString& library, const Preferences& preferences) {
     const QJsonObject object = allChoices(preferences)[library].toObject();
     LibraryChoices choices;
-    for (const QJsonValue& each : object[originalsName].toArray()) {
+    for (const QJsonValue each : object[originalsName].toArray()) {
         const OriginalsMapping mapping{pathFrom(each[0].toString()), pathFrom(each[1].toString())};
         if (mapping.from.is_absolute() && mapping.to.is_absolute())
             choices.originals.push_back(mapping);

@@ -148,7 +148,7 @@ std::vector<LocalAlbumItem> PhotoAlbumService::cachedAlbums() const {
 }
 
 std::optional<QString> PhotoAlbumService::selectedSourceAlbumID() const {
-    const auto albumID = preferences_.string(preferenceKeys::sourceAlbumID);
+    auto albumID = preferences_.string(preferenceKeys::sourceAlbumID);
     if (!albumID || albumID->isEmpty())
         return std::nullopt;
     if (ownsSelectedSource())

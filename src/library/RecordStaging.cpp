@@ -320,7 +320,7 @@ std::optional<AssetFacts> RecordStaging::chosenFacts(const QString& identifier) 
 MetadataResult RecordStaging::redate(StagedFile& file, const SyncRecord& record,
                                      DateFallbackMode fallbackMode, const std::stop_token& stop) {
     const StagingFolder::OwnChange change(copies_.folderOf(file.path), file.path.filename());
-    const MetadataResult result = s_.metadata.ensureMetadata(
+    MetadataResult result = s_.metadata.ensureMetadata(
         file.path, chosenFacts(record.assetLocalIdentifier), record.assetLocalIdentifier,
         fallbackMode, file.originalName, stop);
     if (result.which != MetadataResult::Case::success)

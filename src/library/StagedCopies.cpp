@@ -101,7 +101,7 @@ HashAndSize StagedCopies::hashOf(const std::filesystem::path& file, const std::s
     const auto known = hashes_.find(file.native());
     if (known != hashes_.end() && known->second.version == *before)
         return known->second.content;
-    const HashAndSize content = computeHashAndSize(file, stop);
+    HashAndSize content = computeHashAndSize(file, stop);
     if (fileVersion(file) == before) // else somebody writes it
         hashes_.insert_or_assign(file.native(), Hashed{*before, content});
     return content;

@@ -34,8 +34,8 @@ class Review {
         : s_(services), stop_(stop), filesLeft_(filesRead) {}
 
     std::vector<UndatedItem> run() {
-        for (SyncRecord& record : s_.db.fetchRecords(SyncStatus::dateUnresolved))
-            held_.insert(record.assetLocalIdentifier, std::move(record));
+        for (const SyncRecord& record : s_.db.fetchRecords(SyncStatus::dateUnresolved))
+            held_.insert(record.assetLocalIdentifier, record);
         if (held_.empty())
             return {};
         for (auto& [identifier, date] : RecordDates(s_.db).all())

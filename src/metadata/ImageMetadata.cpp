@@ -52,7 +52,7 @@ std::optional<QByteArray> exifOf(ByteView image, ImageFormat format, const std::
 /// another so that it does not say the same when it is read again, gives way to a new one.
 QByteArray stampedBlock(ByteView block, const exif::Stamp& stamp) {
     try {
-        const QByteArray once = exif::stamp(block, stamp).apply(block);
+        QByteArray once = exif::stamp(block, stamp).apply(block);
         if (exif::stamp(viewOf(once), stamp).isIdentity(viewOf(once)))
             return once;
     } catch (const Error&) {

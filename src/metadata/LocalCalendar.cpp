@@ -44,8 +44,7 @@ std::optional<SecondDate> wallClock(int year, int month, int day, int hour, int 
                                     int second) {
     if (year < 1 || year > 9999 || month < 1 || month > 12 || day < 1 || day > 31)
         return std::nullopt;
-    const std::chrono::year_month_day date =
-        std::chrono::year(year) / static_cast<unsigned>(month) / static_cast<unsigned>(day);
+    const std::chrono::year_month_day date = std::chrono::year(year) / month / day;
     if (!date.ok() || hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 ||
         second > 59)
         return std::nullopt;

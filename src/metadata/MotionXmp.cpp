@@ -174,7 +174,7 @@ QByteArray withMovie(const QByteArray& packet, const Announcement& movie) {
     const QString replacement = attributesFor(found) + u'>' + directory +
                                 (isEmpty ? QStringLiteral("</rdf:Description>") : QString());
     found.text.replace(tagEnd, found.description - tagEnd, replacement);
-    const QByteArray result = withoutRoom(std::move(found.text)).toUtf8();
+    QByteArray result = withoutRoom(std::move(found.text)).toUtf8();
     if (announcedMovieLength(result) != movie.movieLength)
         throw ContainerError(QStringLiteral("XMP paketi tanınmayan bir biçimde"));
     return result;

@@ -11,7 +11,7 @@ namespace {
 using State = MirrorAlbum::State;
 
 std::optional<FaultCode> codeOf(const Error& error) {
-    const auto fault = error.fault();
+    const auto& fault = error.fault();
     return fault ? std::optional(fault->code) : std::nullopt;
 }
 
@@ -52,7 +52,7 @@ void AlbumMirror::takeStock(const std::stop_token& stop) {
         const auto found = std::ranges::find_if(there, predicate);
         if (found == there.end())
             return QString();
-        const QString id = found->id;
+        QString id = found->id;
         there.erase(found);
         return id;
     };

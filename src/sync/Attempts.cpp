@@ -75,7 +75,8 @@ World::Verdict Attempts::learn(const std::function<World::Verdict(World&)>& what
             waiting = std::exchange(state->waiting, std::stop_source());
         changed_.notify_all();
     }
-    over.request_stop(); // these run the callbacks of whoever waits, so not under the lock
+    // These run the callbacks of whoever waits, so not under the lock.
+    over.request_stop(); // NOLINT(clang-analyzer-cplusplus.Move): what was moved away is old
     waiting.request_stop();
     if (verdict.beganOutage)
         for (const auto& relieve : relieved)

@@ -52,6 +52,7 @@ QString GoogleDestination::upload(const UploadSource& source, UploadMemory& memo
 std::vector<NewItemResult> GoogleDestination::create(const std::vector<NewItem>& items,
                                                      std::stop_token stop) {
     std::vector<NewMediaItem> mediaItems;
+    mediaItems.reserve(items.size());
     for (const NewItem& item : items)
         mediaItems.push_back({item.uploadToken, item.fileName, item.caption});
     const std::optional<QString> albumID = albums_.targetAlbumID();

@@ -12,7 +12,7 @@ namespace quorvane {
 
 namespace {
 
-constexpr std::int64_t largestFile = 64 * 1024;
+constexpr std::int64_t largestFile = std::int64_t{64} * 1024;
 
 QString clockText(Date date) {
     const auto then = QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count());

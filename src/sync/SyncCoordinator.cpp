@@ -165,6 +165,7 @@ void SyncCoordinator::processAll(std::vector<SyncRecord> records) {
         course->isStopLogged = false;
     }
     std::vector<std::jthread> workers;
+    workers.reserve(maxConcurrent);
     for (int i = 0; i < maxConcurrent; ++i)
         workers.emplace_back([this] { work(); });
 }

@@ -64,7 +64,8 @@ std::vector<Field> gpsFields(const GeoLocation& location, Date date, ByteOrder o
     if (std::abs(location.altitude) <= highest) {
         const auto millimetres =
             static_cast<std::uint64_t>(std::llround(std::abs(location.altitude) * 1000.0));
-        fields.push_back({0x0005, tiff::byteType, 1, QByteArray(1, location.altitude < 0)});
+        fields.push_back(
+            {0x0005, tiff::byteType, 1, QByteArray(1, location.altitude < 0 ? '\1' : '\0')});
         fields.push_back(rationals(0x0006, {{millimetres, 1000}}, order));
     }
     fields.push_back(timeOfDay(0x0007, date, order));

@@ -70,7 +70,7 @@ QByteArray chunkBytes(ByteView data, const QByteArray& type) {
     if (data.size() > longestChunk)
         throw ContainerError(QStringLiteral("Exif bloğu bir PNG parçasına sığmıyor"));
     QByteArray bytes;
-    bytes.reserve(static_cast<qsizetype>(data.size() + 12));
+    bytes.reserve(static_cast<qsizetype>(data.size()) + 12);
     tiff::appendNumber(bytes, data.size(), 4, ByteOrder::bigEndian);
     bytes += type;
     bytes.append(reinterpret_cast<const char*>(data.data()), static_cast<qsizetype>(data.size()));

