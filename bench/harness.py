@@ -106,7 +106,7 @@ class World:
         """The first value that a statement of the state's database yields; None while there is none."""
         for database in self.folder.rglob('quorvane.sqlite'):
             with contextlib.closing(sqlite3.connect(database, timeout=60)) as store, store:
-                with contextlib.suppress(sqlite3.OperationalError):  # it is being made
+                if store.execute("SELECT 1 FROM sqlite_schema WHERE name = 'sync_records'").fetchone():
                     return (store.execute(statement, values).fetchone() or [None])[0]
         return None
 
