@@ -32,7 +32,6 @@ int main(int argc, char** argv) {
                         .toLocal8Bit());
     const QTemporaryDir runtimeFolder; // of nobody but us, as Qt wants it
     qputenv("XDG_RUNTIME_DIR", runtimeFolder.path().toLocal8Bit());
-    qputenv("QT_NO_GLIB", "1"); // GLib's event loop does not tell when it sleeps
     qInstallMessageHandler(failOnComplaint);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -209,6 +209,8 @@ TEST_F(WindowStoryTest, theAlbumLimit) {
 }
 
 TEST_F(WindowStoryTest, theWindowIsOnlyHidden) {
+    MainWindowController(*model, automatic, preferences).prepare();
+    EXPECT_FALSE(preferences.string(u"QuorvaneMainWindow"_s)) << "nobody saw where it was";
     EXPECT_EQ(window.window(), nullptr);
     QElapsedTimer timer;
     timer.start();

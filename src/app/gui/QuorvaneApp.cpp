@@ -7,10 +7,14 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QTimer>
 
 namespace quorvane {
 
 namespace {
+
+/// After the launch, which the window has no part in; the first click comes later than that.
+constexpr std::chrono::seconds leisure(1);
 
 CheckedThing::State stateOf(const Finding& finding) {
     switch (finding.state) {
@@ -132,7 +136,10 @@ AppDelegate::Platform QuorvaneApp::launchPlatform() {
         QApplication::setQuitOnLastWindowClosed(
             AppDelegate::applicationShouldTerminateAfterLastWindowClosed());
     };
-    platform.createMenuBarController = [this] { menuBarController_.setupStatusItem(); };
+    platform.createMenuBarController = [this] {
+        menuBarController_.setupStatusItem();
+        QTimer::singleShot(leisure, &window_, &MainWindowController::prepare);
+    };
     platform.authorizationStatus = [this](auto answer) { library_.openRemembered(answer); };
     platform.requestAuthorization = [this](auto answer) {
         if (core_.ports.photos)

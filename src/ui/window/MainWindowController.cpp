@@ -86,7 +86,8 @@ void MainWindowController::prepare() {
         return;
     // A window this small and still needs no graphics driver, whose start takes longer than its
     // own.
-    if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
+    if (QQuickWindow::sceneGraphBackend().isEmpty() &&
+        !qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
         QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     registerQml();
     Progress::makeAccessible();
@@ -118,7 +119,10 @@ void MainWindowController::prepare() {
     saving_.setInterval(saveDelay);
     connect(&saving_, &QTimer::timeout, this, &MainWindowController::saveFrame);
     for (const auto moved : {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged})
-        connect(view_.get(), moved, &saving_, qOverload<>(&QTimer::start));
+        connect(view_.get(), moved, &saving_, [this] {
+            if (view_->isVisible()) // where it was before nobody saw it says nothing
+                saving_.start();
+        });
     updateLook();
     resizeTo(QRect(view_->position(), QSize(wantedWidth(), height)));
 }
@@ -161,6 +165,7 @@ void MainWindowController::showWindowAndCenter() {
     view_->show();
     view_->raise();
     view_->requestActivate();
+    saving_.start();
 }
 
 void MainWindowController::toggleWindow() {

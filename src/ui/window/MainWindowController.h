@@ -11,8 +11,8 @@
 
 namespace quorvane {
 
-/// Owns the one window. It is built when it is first wanted and only hidden from then on. Main
-/// thread; the model and the preferences outlive it.
+/// Owns the one window. It is built at leisure, or when it is first wanted, and only hidden from
+/// then on. Main thread; the model and the preferences outlive it.
 class MainWindowController final : public QObject {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ class MainWindowController final : public QObject {
     void prepare();
 
     Dashboard& dashboard() { return dashboard_; }
-    /// None before the window was wanted.
+    /// None before the window was built.
     QQuickView* window() { return view_.get(); }
 
   Q_SIGNALS:
