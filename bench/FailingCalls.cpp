@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
@@ -26,22 +27,27 @@ constexpr std::array<std::string_view, kindCount> names{"open",   "read", "write
                                                         "rename", "mmap", "statement"};
 std::array<std::atomic<long>, kindCount> calls;
 
+const char* environment(const char* name) {
+    return std::getenv(name); // NOLINT(concurrency-mt-unsafe): the program's own, never changed
+}
+
+std::string_view textOf(const char* text) {
+    return text == nullptr ? "" : text;
+}
+
 struct Order {
     Kind kind = kindCount;
     long number = 0;
     std::string_view below;
 
     Order() {
-        const char* folder = std::getenv("FAILING_BELOW");
-        below = folder == nullptr ? "" : folder;
-        const std::string_view text = std::getenv("FAILING_CALL") == nullptr
-                                          ? std::string_view()
-                                          : std::getenv("FAILING_CALL");
+        below = textOf(environment("FAILING_BELOW"));
+        const std::string_view text = textOf(environment("FAILING_CALL"));
         const auto colon = text.find(':');
         if (colon == std::string_view::npos)
             return;
         kind = Kind(std::ranges::find(names, text.substr(0, colon)) - names.begin());
-        number = std::atol(text.data() + colon + 1);
+        std::from_chars(text.data() + colon + 1, text.data() + text.size(), number);
     }
 };
 
@@ -83,7 +89,7 @@ Function next(const char* name) {
 
 struct AtExit {
     ~AtExit() {
-        const char* file = std::getenv("FAILING_REPORT");
+        const char* file = environment("FAILING_REPORT");
         std::FILE* report = file == nullptr ? nullptr : std::fopen(file, "w");
         if (report == nullptr)
             return;
@@ -110,6 +116,7 @@ QUORVANE_FAILING_OPEN(open)
 QUORVANE_FAILING_OPEN(open64)
 
 // Arguments in brackets: what the function takes, and what is handed on.
+// NOLINTBEGIN(bugprone-macro-parentheses): that is what the brackets are for
 #define QUORVANE_FAILING(result, name, kind, file, error, failure, parameters, arguments)          \
     extern "C" result name parameters {                                                            \
         static const auto real = next<result(*) parameters>(#name);                                \
@@ -117,6 +124,7 @@ QUORVANE_FAILING_OPEN(open64)
             return failure;                                                                        \
         return real arguments;                                                                     \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 QUORVANE_FAILING(ssize_t, read, reading, fd, EIO, -1, (int fd, void* data, size_t size),
                  (fd, data, size))
 QUORVANE_FAILING(ssize_t, pread, reading, fd, EIO, -1,

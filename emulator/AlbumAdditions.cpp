@@ -13,7 +13,7 @@ namespace {
 QStringList itemsIn(const QJsonObject& body) {
     requireKnown(body, {}, {u"mediaItemIds"_s});
     QStringList ids;
-    for (const QJsonValue& value : arrayMember(body, u"mediaItemIds"_s))
+    for (const QJsonValue value : arrayMember(body, u"mediaItemIds"_s))
         ids += value.toString();
     if (ids.isEmpty() || ids.size() > largestBatch)
         throw Refusal(invalidArgument(u"Request must have between 1 and 50 media item IDs."_s));

@@ -58,7 +58,7 @@ Page pageOf(const Call& call) {
 } // namespace
 
 QString Albums::add(const QString& title, std::int64_t count, bool isShared, bool isAppCreated) {
-    const QString id = u"AAlb"_s + opaqueText(48);
+    QString id = u"AAlb"_s + opaqueText(48);
     albums_.push_back({.stored = {.id = id,
                                   .title = title,
                                   .itemCount = count,
@@ -183,7 +183,7 @@ QJsonArray Albums::toJson() const {
 
 Albums Albums::fromJson(const QJsonArray& array) {
     Albums albums;
-    for (const QJsonValue& value : array) {
+    for (const QJsonValue value : array) {
         const QJsonObject object = value.toObject();
         Album album;
         album.stored.id = object[u"id"_s].toString();
@@ -191,7 +191,7 @@ Albums Albums::fromJson(const QJsonArray& array) {
         album.stored.isShared = object[u"isShared"_s].toBool();
         album.stored.isAppCreated = object[u"isAppCreated"_s].toBool();
         album.seeded = object[u"seeded"_s].toInteger();
-        for (const QJsonValue& item : object[u"items"_s].toArray())
+        for (const QJsonValue item : object[u"items"_s].toArray())
             album.items.insert(item.toString());
         album.stored.itemCount = album.seeded + album.items.size();
         albums.albums_.push_back(album);

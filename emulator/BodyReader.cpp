@@ -6,7 +6,7 @@ namespace quorvane::emulator {
 
 namespace {
 
-constexpr std::int64_t largestPlainBody = 16 * 1024 * 1024;
+constexpr std::int64_t largestPlainBody = 16 << 20;
 
 /// Slows the reader down to a number of bytes per second.
 class Throttle {

@@ -13,7 +13,7 @@ namespace quorvane::emulator {
 namespace {
 
 constexpr std::int64_t largest = std::numeric_limits<int>::max();
-constexpr std::int64_t largestBodyFile = 256 * 1024 * 1024;
+constexpr std::int64_t largestBodyFile = 256 << 20;
 
 std::int64_t number(const QString& text, std::int64_t least, std::int64_t most) {
     bool isNumber = false;
@@ -76,7 +76,7 @@ CommandLine::Seed seedFrom(const QString& text) {
 }
 
 Person personFrom(const QString& text) {
-    const Person person{.id = text.section(u':', 0, 0), .email = text.section(u':', 1)};
+    Person person{.id = text.section(u':', 0, 0), .email = text.section(u':', 1)};
     if (person.id.isEmpty() || person.email.isEmpty())
         throw cli::UsageError(u"Geçersiz hesap tanımı: "_s + text);
     return person;

@@ -12,7 +12,7 @@ namespace quorvane::emulator {
 
 namespace {
 
-constexpr qsizetype bufferSize = 64 * 1024;
+constexpr qsizetype bufferSize = 65'536;
 
 /// False when the other side left or the connection was ended; true after `milliseconds`.
 bool stays(int socket, int milliseconds) {

@@ -84,10 +84,10 @@ struct Behaviour {
 struct EmulatorOptions {
     int port = 0; ///< 0: any free one
     Behaviour behaviour = {};
-    std::filesystem::path storeFolder = {};        ///< keeps the uploaded files when not empty
-    std::filesystem::path stateFile = {};          ///< keeps the account's state when not empty
-    std::int64_t recordedBytes = 64 * 1024 * 1024; ///< oldest requests are forgotten; 0: none kept
-    std::int64_t keptUploadBytes = 0;              ///< of each upload's start, in its record
+    std::filesystem::path storeFolder = {}; ///< keeps the uploaded files when not empty
+    std::filesystem::path stateFile = {};   ///< keeps the account's state when not empty
+    std::int64_t recordedBytes = 64 << 20;  ///< oldest requests are forgotten; 0: none kept
+    std::int64_t keptUploadBytes = 0;       ///< of each upload's start, in its record
 };
 
 /// One request and its answer as they went over the wire.

@@ -77,7 +77,7 @@ void GoogleEmulator::clearDisturbances() {
 TokenPair GoogleEmulator::issueTokens(const QString& scopes) {
     const Scopes granted = scopes.isEmpty() ? allScopes() : scopesFrom(scopes);
     const Date now = service_->now();
-    const TokenPair pair = service_->with([&](Service::State& state) {
+    TokenPair pair = service_->with([&](Service::State& state) {
         return state.account.oauth().issue(granted, state.behaviour, now);
     });
     service_->save();
@@ -94,7 +94,7 @@ void GoogleEmulator::revokeTokens() {
 
 QString GoogleEmulator::addAlbum(const QString& title, std::int64_t itemCount, bool isShared,
                                  bool isAppCreated) {
-    const QString id = service_->with([&](Service::State& state) {
+    QString id = service_->with([&](Service::State& state) {
         return state.account.albums().add(title, itemCount, isShared, isAppCreated);
     });
     service_->save();

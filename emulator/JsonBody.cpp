@@ -16,7 +16,7 @@ const QString prefix = u"Invalid JSON payload received. "_s;
 }
 
 QJsonValue member(const QJsonObject& object, const QString& name, QJsonValue::Type type) {
-    const QJsonValue value = object.value(name);
+    QJsonValue value = object.value(name);
     if (!value.isUndefined() && value.type() != type)
         refuse(u"Invalid value at '"_s + name + u"'."_s);
     return value;

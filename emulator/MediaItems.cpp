@@ -93,7 +93,7 @@ std::vector<MediaItems::NewItem> MediaItems::newItems(const QJsonObject& body) {
     if (array.isEmpty() || array.size() > largestBatch)
         throw Refusal(invalidArgument(u"Request must have between 1 and 50 newMediaItems."_s));
     std::vector<NewItem> items;
-    for (const QJsonValue& value : array) {
+    for (const QJsonValue value : array) {
         const QString where = u"new_media_items["_s + QString::number(items.size()) + u']';
         if (!value.isObject())
             throw Refusal(invalidArgument(u"Invalid value at '"_s + where + u"'."_s));
@@ -221,7 +221,7 @@ QJsonArray MediaItems::toJson() const {
 void MediaItems::restore(const QJsonArray& array) {
     items_.clear();
     indexOfId_.clear();
-    for (const QJsonValue& value : array) {
+    for (const QJsonValue value : array) {
         const QJsonObject object = value.toObject();
         indexOfId_.insert_or_assign(object[u"id"_s].toString(), items_.size());
         items_.push_back({.id = object[u"id"_s].toString(),

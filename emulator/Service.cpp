@@ -133,7 +133,7 @@ std::chrono::milliseconds Service::Plan::latency() const {
 }
 
 Service::Plan Service::arrive(RequestKind kind) {
-    const Plan plan = with([&](State& state) {
+    Plan plan = with([&](State& state) {
         state.log.count(kind);
         const Behaviour& behaviour = state.behaviour;
         return Plan{kind, behaviour,
@@ -164,7 +164,7 @@ Answer Service::carryOut(const Call& call, const Plan& plan) {
     if (call.request.kind == RequestKind::report)
         return jsonAnswer(report());
     const Date time = now();
-    const Answer answer =
+    Answer answer =
         with([&](State& state) { return state.account.answer(call, plan.behaviour, time); });
     if (changesAccount(call.request.kind))
         save();

@@ -54,13 +54,13 @@ QString opaqueText(int count) {
 }
 
 QString Tokens::addGrant(const Grant& grant) {
-    const QString token = u"1//0"_s + opaqueText(48);
+    QString token = u"1//0"_s + opaqueText(48);
     grants_.insert_or_assign(token, grant);
     return token;
 }
 
 QString Tokens::addAccess(const Access& access) {
-    const QString token = u"ya29.a0"_s + opaqueText(48);
+    QString token = u"ya29.a0"_s + opaqueText(48);
     access_.insert_or_assign(token, access);
     return token;
 }

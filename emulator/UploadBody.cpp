@@ -52,7 +52,7 @@ std::filesystem::path UploadBody::keep(const Call& call) {
         return {};
     const QString name = call.uploadFilename().replace(u'/', u'_').right(longestKeptName);
     const QString prefix = QString::fromLatin1(call.request.bodySha256.first(16));
-    const std::filesystem::path kept = folder_ / pathFrom(prefix + u'-' + name);
+    std::filesystem::path kept = folder_ / pathFrom(prefix + u'-' + name);
     std::filesystem::rename(file_, kept);
     file_.clear();
     return kept;

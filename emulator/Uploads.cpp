@@ -77,7 +77,7 @@ Answer Uploads::goOn(const Call& call, const Behaviour& behaviour, Date now) {
     if (call.commands("finalize")) {
         if (!session.isComplete())
             return invalidArgument(u"The upload is not complete."_s);
-        const Answer answer = take(session.finish(), behaviour, now);
+        Answer answer = take(session.finish(), behaviour, now);
         sessions_.erase(call.sessionID());
         return answer;
     }

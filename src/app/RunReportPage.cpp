@@ -145,6 +145,7 @@ QString items(const QString& title, const QString& advice, const std::vector<Run
 
 QString leftOutItems(const std::vector<DeletionSummary::LeftOut>& list) {
     std::vector<RunReport::Item> kept;
+    kept.reserve(list.size());
     for (const DeletionSummary::LeftOut& item : list)
         kept.push_back({item.name, SyncStatus::verified, item.reason});
     return items(u"Silinmeyen asıllar"_s,

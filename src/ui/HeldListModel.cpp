@@ -170,11 +170,11 @@ QString HeldListModel::evidenceText(const HeldItem& item) const {
 
 QString HeldListModel::linkTitle(const Row& row) const {
     const HeldGroup& group = groupOf(row);
-    const std::size_t rest =
-        group.places.size() - std::min(group.places.size(), unfolded_.value(row.group).shown);
+    const std::size_t shown = std::min(group.places.size(), unfolded_.value(row.group).shown);
+    const auto rest = static_cast<qint64>(group.places.size() - shown);
     switch (row.link) {
     case Link::more:
-        return u"%1 öğe daha göster"_s.arg(groupedCount(std::min(rest, shownMore)));
+        return u"%1 öğe daha göster"_s.arg(groupedCount(std::min<qint64>(rest, shownMore)));
     case Link::all:
         return u"Tümünü göster (%1)"_s.arg(groupedCount(rest));
     case Link::retryGroup:
@@ -201,9 +201,9 @@ void HeldListModel::setEvidence(std::optional<QHash<QString, UndatedItem>> evide
     layOut();
 }
 
-void HeldListModel::putItems(std::map<std::int64_t, HeldItem> items) {
-    for (auto& [place, item] : items)
-        items_.insert(place, new HeldItem(std::move(item))); // the cache owns it
+void HeldListModel::putItems(const std::map<std::int64_t, HeldItem>& items) {
+    for (const auto& [place, item] : items)
+        items_.insert(place, new HeldItem(item)); // the cache owns it
     if (!rows_.empty())
         Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }

@@ -54,7 +54,7 @@ class HeldListModel : public QAbstractListModel {
     /// What speaks for the undated, by identifier; none before it is known.
     void setEvidence(std::optional<QHash<QString, UndatedItem>> evidence);
     /// What was asked for.
-    void putItems(std::map<std::int64_t, HeldItem> items);
+    void putItems(const std::map<std::int64_t, HeldItem>& items);
     /// The items leave their groups at once; the store is asked later.
     void take(const std::vector<std::int64_t>& places);
     /// As before it was first filled.

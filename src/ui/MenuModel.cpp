@@ -118,12 +118,13 @@ int MenuModel::rowFrom(int row, int by) const {
 
 int MenuModel::rowTyped(const QString& letters, int row) const {
     const QString typed = typedForm(letters);
-    if (typed.isEmpty() || rows_.empty())
+    const int count = rowCount();
+    if (typed.isEmpty() || count == 0)
         return -1;
     const bool isOneLetter = typed.count(typed.front()) == typed.size();
     const QString wanted = isOneLetter ? typed.left(1) : typed;
-    for (int i = isOneLetter ? 1 : 0; i <= rowCount(); ++i) {
-        const int candidate = (std::max(row, 0) + i) % rowCount();
+    for (int i = isOneLetter ? 1 : 0; i <= count; ++i) {
+        const int candidate = (std::max(row, 0) + i) % count;
         if (isAvailable(candidate) &&
             typedForm(rows_[static_cast<std::size_t>(candidate)].title).startsWith(wanted))
             return candidate;

@@ -126,7 +126,7 @@ void ReviewModel::findEvidence() {
                                 session->root, model_.services().clock},
                                stop))
                 if (!item.isUndatable)
-                    evidence.insert(item.record.assetLocalIdentifier, std::move(item));
+                    evidence.emplace(item.record.assetLocalIdentifier, std::move(item));
         } catch (const Error& error) {
             report(error);
         }

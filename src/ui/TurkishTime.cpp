@@ -44,7 +44,7 @@ QString dayOf(const QDate& day, const QDate& today) {
 QString spokenTime(Date time, TimeCase ending, Date now) {
     const auto then = QDateTime::fromMSecsSinceEpoch(time.time_since_epoch().count());
     const auto today = QDateTime::fromMSecsSinceEpoch(now.time_since_epoch().count()).date();
-    const QString clock = dayOf(then.date(), today) + then.toString(QStringLiteral("HH:mm"));
+    QString clock = dayOf(then.date(), today) + then.toString(QStringLiteral("HH:mm"));
     if (ending == TimeCase::plain)
         return clock;
     // On the hour, the hour is the last that is spoken.

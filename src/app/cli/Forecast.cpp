@@ -44,7 +44,7 @@ std::optional<PhotoAssetResource> countFile(Forecast& forecast, SourceServices& 
                                             const PhotoAsset& asset, DateFallbackMode fallbackMode,
                                             const std::stop_token& stop) {
     const auto resources = library.library->assetResources(asset);
-    const auto resource = resourceToStage(resources);
+    auto resource = resourceToStage(resources);
     if (!resource || !resource->fileSize) {
         ++forecast.unavailable;
         return std::nullopt;

@@ -44,7 +44,7 @@ std::filesystem::path chooseLibrary(const std::optional<QString>& named, const C
     if (named == pathText(PhotosApp::libraryPath))
         return PhotosApp::libraryPath;
     if (named) {
-        const std::filesystem::path path = std::filesystem::absolute(pathFrom(*named));
+        std::filesystem::path path = std::filesystem::absolute(pathFrom(*named));
         if (!std::filesystem::is_directory(path))
             throw Error(QStringLiteral("Arşiv bulunamadı: ") + pathText(path));
         if (isStagingFolder(path))

@@ -38,7 +38,7 @@ AbsenceCounts absencesOf(const StoreCounts& counts) {
 
 /// What the latest run does, or how it ended. One that was killed tells neither itself.
 RunState runStateOf(const CoreServices& core) {
-    const RunState state = core.runState.last();
+    RunState state = core.runState.last();
     if (state.phase != RunState::Phase::running && state.phase != RunState::Phase::waiting)
         return state;
     if (!FileLock::tryLock(core.folders.runLock()))

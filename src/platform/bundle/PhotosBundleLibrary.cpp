@@ -248,6 +248,7 @@ std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoA
 std::map<QString, AbsentOriginal>
 PhotosBundleLibrary::absentOriginals(const std::vector<PhotoAsset>& assets, std::stop_token stop) {
     std::vector<QStringView> asked;
+    asked.reserve(assets.size());
     for (const PhotoAsset& asset : assets)
         asked.push_back(asset.localIdentifier);
     std::ranges::sort(asked);

@@ -59,6 +59,7 @@ class Scanner {
 
         std::vector<std::string> subfolders;
         errno = 0;
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): nobody else reads this stream
         while (const dirent* entry = ::readdir(directory.get()))
             visit(directory.get(), *entry, position, subfolders);
         if (errno != 0)

@@ -15,6 +15,7 @@ struct Mount {
 
     /// Throws `FileError`.
     static Mount of(const std::filesystem::path& folder);
+    // NOLINTNEXTLINE(modernize-use-nullptr): the 0 is the compiler's own
     auto operator<=>(const Mount&) const = default;
 };
 

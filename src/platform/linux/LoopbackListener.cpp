@@ -102,7 +102,7 @@ std::optional<QUrl> LoopbackListener::receive() {
             visitors_, [&](const Visitor& each) { return each.connection.get() == ready; });
         if (visitor == visitors_.end())
             continue; // had to make room
-        if (const auto callback = hear(*visitor))
+        if (auto callback = hear(*visitor))
             return callback;
         if (!visitor->connection.isOpen())
             visitors_.erase(visitor);

@@ -6,7 +6,6 @@
 #include <QDateTime>
 
 #include <cerrno>
-#include <cstdlib>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -46,10 +45,8 @@ FileDescriptor openFolder(const path& place, const Mount& mount) {
 }
 
 path dataHome() {
-    const char* said = std::getenv("XDG_DATA_HOME");
-    if (said && path(said).is_absolute())
-        return said;
-    return UserFolders::ofCurrentUser().home / ".local/share";
+    const path said = qgetenv("XDG_DATA_HOME").toStdString();
+    return said.is_absolute() ? said : UserFolders::ofCurrentUser().home / ".local/share";
 }
 
 /// `folder`, or the lowest folder above it that is there.
@@ -172,7 +169,7 @@ std::string FreedesktopTrash::take(const FileDescriptor& folder, const path& fil
         "\nDeletionDate=" +
         QDateTime::currentDateTime().toString(u"yyyy-MM-dd'T'HH:mm:ss").toLatin1() + '\n';
     for (int n = 1;; ++n) {
-        const std::string name = numbered(file.filename(), n);
+        std::string name = numbered(file.filename(), n);
         if (!writeInfo(name, text))
             continue;
         const int error = renameToNew(folder.get(), file.filename(), files_.get(), name);
