@@ -4,7 +4,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <memory>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -92,9 +94,23 @@ int FileDescriptor::release() noexcept {
     return std::exchange(fd_, -1);
 }
 
-bool isRegularFile(const std::filesystem::directory_entry& entry) {
-    std::error_code vanished;
-    return !entry.is_symlink(vanished) && entry.is_regular_file(vanished);
+int visitFiles(const std::filesystem::path& folder,
+               const std::function<void(const std::string& name)>& visit) {
+    const auto close = [](DIR* directory) { ::closedir(directory); };
+    const std::unique_ptr<DIR, decltype(close)> directory(::opendir(folder.c_str()), close);
+    if (!directory)
+        return errno;
+    std::string name;
+    for (errno = 0; const dirent* entry = ::readdir(directory.get()); errno = 0) {
+        name = entry->d_name;
+        struct stat status {};
+        if (entry->d_type == DT_REG || (entry->d_type == DT_UNKNOWN &&
+                                        ::fstatat(::dirfd(directory.get()), entry->d_name, &status,
+                                                  AT_SYMLINK_NOFOLLOW) == 0 &&
+                                        S_ISREG(status.st_mode)))
+            visit(name);
+    }
+    return errno;
 }
 
 FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mode) {

@@ -8,6 +8,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <string>
 
 #include <sys/types.h>
 
@@ -50,9 +52,10 @@ class FileDescriptor {
     int fd_ = -1;
 };
 
-/// Of a listed name: a file itself, not a link to one. Asks the disk only where the list did not
-/// tell. False when it vanished.
-bool isRegularFile(const std::filesystem::directory_entry& entry);
+/// Calls `visit` with the name of every regular file that is directly in the folder, in no order;
+/// links and folders are none. Returns the error number of what ended it early, 0 for nothing.
+int visitFiles(const std::filesystem::path& folder,
+               const std::function<void(const std::string& name)>& visit);
 
 /// Opens with O_CLOEXEC added. Throws `FileError`.
 FileDescriptor openFile(const std::filesystem::path& path, int flags, mode_t mode = 0600);

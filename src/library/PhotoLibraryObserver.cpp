@@ -4,7 +4,10 @@
 #include "foundation/MainThread.h"
 #include "library/Absences.h"
 #include "metadata/FilenameDates.h"
+#include "store/KnownAssets.h"
 #include "store/RecordAbsences.h"
+
+#include <algorithm>
 
 namespace quorvane {
 
@@ -27,7 +30,11 @@ std::optional<MediaType> mediaTypeOf(const PhotoAsset& asset) {
     return std::nullopt;
 }
 
-/// A DISCOVERED record; its time stamps are the store's.
+bool isRecorded(const PhotoAsset& asset) {
+    return mediaTypeOf(asset).has_value();
+}
+
+/// A DISCOVERED record; none where none is kept. Its time stamps are the store's.
 std::optional<SyncRecord> recordOf(const PhotoAsset& asset) {
     const std::optional<MediaType> type = mediaTypeOf(asset);
     if (!type)
@@ -38,24 +45,57 @@ std::optional<SyncRecord> recordOf(const PhotoAsset& asset) {
     return record;
 }
 
-/// A STAGED record of a file in the staging folder; none when its name is not a staged one. Only
-/// the still or the movie survives, so a Live Photo comes back as a photo.
-std::optional<SyncRecord> recordOf(const std::filesystem::directory_entry& file) {
-    const std::optional<QString> identifier =
-        identifierOfStagedName(pathText(file.path().filename()));
-    if (!identifier)
-        return std::nullopt;
+/// A file in the staging folder, and the asset that it is of.
+struct RecoveredFile {
+    std::string name;
+    QString identifier;
+};
+
+/// A STAGED record. Only the still or the movie survives, so a Live Photo comes back as a photo.
+SyncRecord recordOf(const RecoveredFile& file, const std::filesystem::path& folder) {
     SyncRecord record;
-    record.assetLocalIdentifier = *identifier;
-    const QString extension = pathText(file.path().extension()).toLower();
+    record.assetLocalIdentifier = file.identifier;
+    const std::filesystem::path path = folder / file.name;
+    const QString extension = pathText(path.extension()).toLower();
     const bool isVideo = extension == QLatin1String(".mov") || extension == QLatin1String(".mp4");
     record.mediaType = isVideo ? MediaType::video : MediaType::photo;
     record.syncStatus = SyncStatus::staged;
-    std::error_code unreadable;
-    const std::uintmax_t size = file.file_size(unreadable);
-    if (!unreadable)
-        record.fileSizeBytes = static_cast<std::int64_t>(size);
+    if (const auto version = fileVersion(path))
+        record.fileSizeBytes = version->size;
     return record;
+}
+
+/// What a folder holds of staged files. Hidden temporary files have no staged name; folders and
+/// links are not ours. Throws `FileError`.
+std::vector<RecoveredFile> recoveredFilesIn(const std::filesystem::path& folder) {
+    std::vector<RecoveredFile> files;
+    const int error = visitFiles(folder, [&](const std::string& name) {
+        if (auto identifier = identifierOfStagedName(pathText(name)))
+            files.push_back({name, *std::move(identifier)});
+    });
+    if (error != 0)
+        throw FileError(QStringLiteral("Klasör okunamadı"), folder, error);
+    return files;
+}
+
+/// Yields the records, as `recordOf` makes them of the items, of those that have none yet. `items`
+/// must outlive it.
+template <typename Item, typename RecordOf>
+DatabaseManager::RecordSource newRecordsOf(const std::vector<Item>& items,
+                                           const QString Item::*identifier,
+                                           DatabaseManager& database, RecordOf recordOf) {
+    std::vector<const QString*> identifiers;
+    identifiers.reserve(items.size());
+    for (const Item& item : items)
+        identifiers.push_back(&(item.*identifier));
+    return [&items, recordOf, known = areKnown(identifiers, database),
+            next = std::size_t(0)]() mutable {
+        std::optional<SyncRecord> record;
+        for (; !record && next < items.size(); ++next)
+            if (!known[next])
+                record = recordOf(items[next]);
+        return record;
+    };
 }
 
 QStringList identifiersOf(const std::vector<PhotoAsset>& assets) {
@@ -65,39 +105,6 @@ QStringList identifiersOf(const std::vector<PhotoAsset>& assets) {
         identifiers += asset.localIdentifier;
     return identifiers;
 }
-
-/// The records of the staged files in a folder, one by one. Hidden temporary files have no staged
-/// name; folders and links are not ours. Throws `FileError`.
-class StagedFiles {
-  public:
-    explicit StagedFiles(const std::filesystem::path& folder)
-        : folder_(folder), entry_(folder, error_) {
-        requireReadable();
-    }
-
-    std::optional<SyncRecord> next() {
-        while (entry_ != std::filesystem::directory_iterator()) {
-            const std::filesystem::directory_entry file = *entry_;
-            entry_.increment(error_);
-            requireReadable();
-            if (!isRegularFile(file))
-                continue;
-            if (auto record = recordOf(file))
-                return record;
-        }
-        return std::nullopt;
-    }
-
-  private:
-    void requireReadable() const {
-        if (error_)
-            throw FileError(QStringLiteral("Klasör okunamadı"), folder_, error_.value());
-    }
-
-    const std::filesystem::path folder_;
-    std::error_code error_;
-    std::filesystem::directory_iterator entry_;
-};
 
 } // namespace
 
@@ -223,13 +230,16 @@ void PhotoLibraryObserver::reconcilePermanentStagingAssets() {
     if (!std::filesystem::exists(staging_.permanentFolder(), unreachable) && !unreachable)
         return;
     try {
-        StagedFiles files(staging_.permanentFolder());
-        const std::size_t found = database_.insertStagedBatch([&files] { return files.next(); });
-        if (found == 0)
+        const std::filesystem::path& folder = staging_.permanentFolder();
+        const auto files = recoveredFilesIn(folder);
+        if (files.empty())
             return;
+        database_.insertStagedBatch(
+            newRecordsOf(files, &RecoveredFile::identifier, database_,
+                         [&folder](const RecoveredFile& file) { return recordOf(file, folder); }));
         console_.print(QStringLiteral("[PhotoKit] 🔄 Kalıcı staging uzlaştırması: %1 kurtarılmış "
                                       "dosya STAGED olarak korundu")
-                           .arg(found));
+                           .arg(files.size()));
     } catch (const Error& error) {
         console_.notice(
             QStringLiteral("[PhotoKit] ⚠️ Kalıcı staging uzlaştırma hatası: ") +
@@ -242,13 +252,10 @@ void PhotoLibraryObserver::processInitialAssets(const std::vector<PhotoAsset>& a
     std::size_t recorded = 0;
     std::optional<DBError> refusal;
     try {
-        recorded =
-            database_.insertDiscoveredBatch([asset = assets.begin(), end = assets.end()]() mutable {
-                std::optional<SyncRecord> record;
-                while (!record && asset != end)
-                    record = recordOf(*asset++);
-                return record;
-            });
+        database_.insertDiscoveredBatch(
+            newRecordsOf(assets, &PhotoAsset::localIdentifier, database_,
+                         [](const PhotoAsset& asset) { return recordOf(asset); }));
+        recorded = static_cast<std::size_t>(std::ranges::count_if(assets, isRecorded));
         console_.print(
             QStringLiteral("[PhotoKit] %1 medya veritabanına atomik olarak eklendi").arg(recorded));
     } catch (const DBError& error) {

@@ -1,5 +1,6 @@
 #include "library/StagingFolder.h"
 
+#include "foundation/File.h"
 #include "foundation/System.h"
 #include "library/FileExport.h"
 
@@ -21,20 +22,9 @@ bool isFileItself(const std::filesystem::path& file) {
     return ::lstat(file.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
-bool isLeftover(const std::filesystem::path& name) {
-    return name.native().starts_with(".") &&
-           (name.extension() == ".part" || name.extension() == ".tmp");
-}
-
-/// Calls `visit` with the name of every entry that is a regular file itself.
-template <typename Visit>
-void forEachFile(const std::filesystem::path& folder, Visit visit) {
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        if (isRegularFile(*entry))
-            visit(entry->path().filename());
-    }
+bool isLeftover(const std::string& name) {
+    const auto extension = [&name] { return std::filesystem::path(name).extension(); };
+    return name.starts_with('.') && (extension() == ".part" || extension() == ".tmp");
 }
 
 } // namespace
@@ -68,9 +58,9 @@ void StagingFolder::refresh() {
     listedAt_ = now; // taken before the listing: a change during it shows the next time
     if (!now)
         return;
-    forEachFile(path_, [this](const std::filesystem::path& name) {
+    visitFiles(path_, [this](const std::string& name) {
         if (!isLeftover(name))
-            names_.insert(name.native());
+            names_.insert(name);
     });
 }
 
@@ -113,12 +103,12 @@ void StagingFolder::removeAll(const QString& prefix) {
 void StagingFolder::removeLeftovers(const std::stop_token& stop) {
     if (!isUsable())
         return;
-    std::set<std::filesystem::path> leftovers;
-    forEachFile(path_, [&](const std::filesystem::path& name) {
+    std::set<std::string> leftovers;
+    visitFiles(path_, [&](const std::string& name) {
         if (isLeftover(name))
             leftovers.insert(name);
     });
-    for (const std::filesystem::path& name : leftovers)
+    for (const std::string& name : leftovers)
         removeInSteps(path_ / name, stop);
 }
 

@@ -5,6 +5,7 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 
 namespace quorvane {
@@ -22,15 +23,33 @@ struct StagedName {
     QString fileName;
 };
 
+bool isOfUuid(QChar c) {
+    return c == u'-' || (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') ||
+           (c >= u'a' && c <= u'f');
+}
+
+bool isOfTail(QChar c) {
+    return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
+}
+
+/// Where the "_" is that follows a word of the tail; 0 for none.
+qsizetype endOfTailWord(const QString& name, qsizetype begin) {
+    const auto end = std::find_if_not(name.begin() + begin, name.end(), isOfTail);
+    const qsizetype at = end - name.begin();
+    return at > begin && end != name.end() && *end == u'_' ? at : 0;
+}
+
+/// "<UUID>_<word>_<word>_<file name>" or "<UUID>_<file name>". A staging folder may have very many.
 std::optional<StagedName> splitStagedName(const QString& name) {
-    static const QRegularExpression whole(
-        QStringLiteral("^([0-9A-Fa-f\\-]{36}_[A-Za-z0-9]+_[A-Za-z0-9]+)_(.+)$"));
-    static const QRegularExpression bare(QStringLiteral("^([0-9A-Fa-f\\-]{36})_(.+)$"));
-    if (const auto match = whole.match(name); match.hasMatch())
-        return StagedName{match.captured(1).replace(u'_', u'/'), match.captured(2)};
-    if (const auto match = bare.match(name); match.hasMatch())
-        return StagedName{match.captured(1), match.captured(2)};
-    return std::nullopt;
+    constexpr qsizetype uuid = 36;
+    if (name.size() < uuid + 2 || name[uuid] != u'_' ||
+        !std::all_of(name.begin(), name.begin() + uuid, isOfUuid))
+        return std::nullopt;
+    const qsizetype first = endOfTailWord(name, uuid + 1);
+    const qsizetype second = first > 0 ? endOfTailWord(name, first + 1) : 0;
+    if (second > 0 && second + 1 < name.size())
+        return StagedName{name.left(second).replace(u'_', u'/'), name.mid(second + 1)};
+    return StagedName{name.left(uuid), name.mid(uuid + 1)};
 }
 
 const std::array<QRegularExpression, 8>& datePatterns() {

@@ -149,16 +149,16 @@ void DatabaseManager::insertIfNotExists(const SyncRecord& record) {
           [&](sqlite::Statement& statement) { bindKeyAndType(statement, record); });
 }
 
-std::size_t DatabaseManager::insertDiscoveredBatch(const RecordSource& next) {
-    return insertBatch(statements::insertDiscovered, next, bindKeyAndType);
+void DatabaseManager::insertDiscoveredBatch(const RecordSource& next) {
+    insertBatch(statements::insertDiscovered, next, bindKeyAndType);
 }
 
-std::size_t DatabaseManager::insertStagedBatch(const RecordSource& next) {
-    return insertBatch(statements::insertStaged, next,
-                       [](sqlite::Statement& statement, const SyncRecord& record) {
-                           bindKeyAndType(statement, record);
-                           statement.bind(5, record.fileSizeBytes);
-                       });
+void DatabaseManager::insertStagedBatch(const RecordSource& next) {
+    insertBatch(statements::insertStaged, next,
+                [](sqlite::Statement& statement, const SyncRecord& record) {
+                    bindKeyAndType(statement, record);
+                    statement.bind(5, record.fileSizeBytes);
+                });
 }
 
 void DatabaseManager::upsertRecord(const SyncRecord& record) {
@@ -375,18 +375,16 @@ std::vector<SyncRecord> DatabaseManager::fetchRecords(const char* sql, const Bin
     });
 }
 
-std::size_t DatabaseManager::insertBatch(
+void DatabaseManager::insertBatch(
     const char* sql, const RecordSource& next,
     const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind) {
-    return transaction([&](sqlite::Connection& database) {
-        std::size_t count = 0;
+    transaction([&](sqlite::Connection& database) {
         sqlite::Statement statement = prepare(database, sql);
-        for (; const auto record = next(); ++count) {
+        while (const auto record = next()) {
             statement.reset();
             bind(statement, *record);
             step(statement);
         }
-        return count;
     });
 }
 

@@ -47,9 +47,9 @@ class DatabaseManager {
     /// Yields the records of a batch one by one, so that nobody has to hold all; none at the end.
     using RecordSource = std::function<std::optional<SyncRecord>()>;
 
-    /// All or nothing; known assets are left as they are. Returns how many records came.
-    std::size_t insertDiscoveredBatch(const RecordSource& next);
-    std::size_t insertStagedBatch(const RecordSource& next);
+    /// All or nothing; known assets are left as they are.
+    void insertDiscoveredBatch(const RecordSource& next);
+    void insertStagedBatch(const RecordSource& next);
 
     /// Writes every field except the time stamps.
     void upsertRecord(const SyncRecord& record);
@@ -154,8 +154,8 @@ class DatabaseManager {
     std::vector<SyncRecord> fetchRecords(const char* sql, const Bind& bind = {});
     /// `limited` where `limitTo` is in force.
     const char* chosen(const char* sql, const char* limited) const;
-    std::size_t insertBatch(const char* sql, const RecordSource& next,
-                            const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
+    void insertBatch(const char* sql, const RecordSource& next,
+                     const std::function<void(sqlite::Statement&, const SyncRecord&)>& bind);
 
     SerialQueue queue_{QStringLiteral("com.quorvane.db")};
     const std::filesystem::path file_;

@@ -25,7 +25,7 @@ std::map<QString, int> RecordAbsences::counts() const {
 QStringList RecordAbsences::reasons(int limit) const {
     return db_.onConnection([&](sqlite::Connection& database) {
         sqlite::Statement row(database, "SELECT last_error FROM record_absences "
-                                        "JOIN sync_records USING (asset_local_identifier) "
+                                        "CROSS JOIN sync_records USING (asset_local_identifier) "
                                         "ORDER BY code, last_error LIMIT ?");
         row.bind(1, limit);
         QStringList reasons;

@@ -323,29 +323,31 @@ inline constexpr const char* retryDateUnresolved =
 inline constexpr const char* countByStatus =
     R"sql(SELECT sync_status, COUNT(*) FROM sync_records GROUP BY sync_status;)sql";
 
+/// CROSS: SQLite takes a table without statistics for a large one and would ask it about every
+/// record, where what stands beside the records is little.
 inline constexpr const char* heldUndatable =
     R"sql(SELECT asset_local_identifier
-FROM record_undatable JOIN sync_records USING (asset_local_identifier)
+FROM record_undatable CROSS JOIN sync_records USING (asset_local_identifier)
 WHERE sync_status = 'DATE_UNRESOLVED')sql";
 
 inline constexpr const char* countHeldUndatable =
-    R"sql(SELECT COUNT(*) FROM record_undatable JOIN sync_records USING (asset_local_identifier)
+    R"sql(SELECT COUNT(*) FROM record_undatable CROSS JOIN sync_records USING (asset_local_identifier)
 WHERE sync_status = 'DATE_UNRESOLVED')sql";
 
 inline constexpr const char* countDatedByNumber =
-    R"sql(SELECT COUNT(*) FROM record_dates JOIN sync_records USING (asset_local_identifier)
+    R"sql(SELECT COUNT(*) FROM record_dates CROSS JOIN sync_records USING (asset_local_identifier)
 WHERE source = 'numberInName' AND sync_status IN ('VERIFIED', 'DELETED_LOCALLY'))sql";
 
 inline constexpr const char* misdated =
     R"sql(SELECT asset_local_identifier, record_dates.date, record_misdatings.date
 FROM record_misdatings
-JOIN record_dates USING (asset_local_identifier)
-JOIN sync_records USING (asset_local_identifier)
+CROSS JOIN record_dates USING (asset_local_identifier)
+CROSS JOIN sync_records USING (asset_local_identifier)
 WHERE sync_status IN ('VERIFIED', 'DELETED_LOCALLY')
 ORDER BY asset_local_identifier)sql";
 
 inline constexpr const char* countMisdated =
-    R"sql(SELECT COUNT(*) FROM record_misdatings JOIN sync_records USING (asset_local_identifier)
+    R"sql(SELECT COUNT(*) FROM record_misdatings CROSS JOIN sync_records USING (asset_local_identifier)
 WHERE sync_status IN ('VERIFIED', 'DELETED_LOCALLY'))sql";
 
 inline constexpr const char* datesSent =

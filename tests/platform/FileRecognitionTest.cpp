@@ -160,7 +160,7 @@ TEST_F(FileRecognition, NeverTakesAFileThatCannotBeReadForAnotherVersion) {
     known.contents[was.identifier] = bogus;
     std::vector<KnownFile> files{{"a.jpg", {}, {3, 2, 2, 1}}, {"new.jpg", {}, {9, 2, 2, 2}}};
     int reads = 0;
-    const auto found = recogniseFiles(files, {&was}, QUuid::createUuid(), known,
+    const auto found = recogniseFiles(files, KnownByPath({&was}), QUuid::createUuid(), known,
                                       [&](const std::string&) -> std::optional<SourceContent> {
                                           ++reads;
                                           return std::nullopt;

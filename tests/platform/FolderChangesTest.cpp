@@ -79,6 +79,11 @@ TEST_F(FolderChanges, TellsOfAFileWhenItWasWrittenAndClosed) {
     folder.write("library/slow.jpg", "first part");
     FileDescriptor slow = openFile(root / "slow.jpg", O_WRONLY | O_APPEND);
     EXPECT_EQ(library.fetchAssets()->size(), 1u) << "is not whole yet";
+    FileDescriptor old = openFile(root / "old.jpg", O_WRONLY | O_APPEND);
+    EXPECT_EQ(library.fetchAssets()->size(), 1u) << "is what it was, whoever has it open";
+    ASSERT_EQ(::write(old.get(), "more", 4), 4);
+    EXPECT_EQ(library.fetchAssets()->size(), 0u) << "is being changed";
+    old = FileDescriptor();
     observe(library.fetchAssets());
     FileDescriptor other = openFile(root / "other.jpg", O_WRONLY | O_CREAT, 0644);
     std::filesystem::create_hard_link(root / "old.jpg", root / "linked.jpg"); // never closed

@@ -1,6 +1,7 @@
 #include "app/cli/StagingContents.h"
 
 #include "foundation/File.h"
+#include "foundation/FileVersion.h"
 #include "library/StagingFolder.h"
 #include "metadata/FilenameDates.h"
 
@@ -27,27 +28,25 @@ bool isSafe(const SyncRecord& record) {
 StagingContents contentsOf(const std::filesystem::path& folder, const StatusesOfAsset& statuses) {
     StagingContents contents;
     contents.folder = folder;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        if (!isRegularFile(entry))
-            continue;
-        std::error_code vanished;
-        const auto size = static_cast<std::int64_t>(entry.file_size(vanished));
-        if (vanished)
-            continue;
-        const auto identifier = identifierOfStagedName(pathText(entry.path().filename()));
+    visitFiles(folder, [&](const std::string& name) {
+        const std::filesystem::path file = folder / name;
+        const auto version = fileVersion(file);
+        if (!version)
+            return; // it went meanwhile
+        const std::int64_t size = version->size;
+        const auto identifier = identifierOfStagedName(pathText(name));
         const auto found = identifier ? statuses.find(*identifier) : statuses.end();
         if (found == statuses.end()) {
             contents.unknown.add(size);
-            continue;
+            return;
         }
         // Of several records the one that still has work to do counts.
         const std::vector<SyncStatus>& all = found->second;
         const auto undone = std::ranges::find_if_not(all, isDone);
         contents.byStatus[undone == all.end() ? all.front() : *undone].add(size);
         if (undone == all.end())
-            contents.removable.push_back({entry.path(), size, *identifier});
-    }
+            contents.removable.push_back({file, size, *identifier});
+    });
     return contents;
 }
 

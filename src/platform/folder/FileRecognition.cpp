@@ -40,7 +40,7 @@ class Recognition {
     Recognition(const QUuid& library, KnownFiles& memory, const ContentReader& read)
         : library_(library), memory_(memory), read_(read) {}
 
-    FileDifferences run(std::vector<KnownFile>& files, const std::vector<const KnownFile*>& known) {
+    FileDifferences run(std::vector<KnownFile>& files, const KnownByPath& known) {
         compareWithPaths(files, known);
         if (!open_.empty() && !rows_.empty()) {
             takeUntouched();
@@ -48,27 +48,24 @@ class Recognition {
             takeMovedContent();
             takeUnstaged();
         }
-        nameTheRest(known);
+        nameTheRest(known.files());
         return differences();
     }
 
   private:
-    void compareWithPaths(std::vector<KnownFile>& files,
-                          const std::vector<const KnownFile*>& known) {
-        std::unordered_map<std::string_view, std::size_t> byPath(known.size());
-        for (std::size_t i = 0; i < known.size(); ++i)
-            byPath.emplace(known[i]->path, i);
+    void compareWithPaths(std::vector<KnownFile>& files, const KnownByPath& knownByPath) {
+        const std::vector<const KnownFile*>& known = knownByPath.files();
         std::vector<bool> agrees(known.size());
         std::vector<std::pair<std::size_t, std::size_t>> disagreeing; // file in open_, known
         for (KnownFile& file : files) {
-            const auto found = byPath.find(file.path);
-            if (found != byPath.end() && known[found->second]->version == file.version) {
-                file.identifier = known[found->second]->identifier;
-                agrees[found->second] = true;
+            const auto found = knownByPath.find(file.path);
+            if (found && known[*found]->version == file.version) {
+                file.identifier = known[*found]->identifier;
+                agrees[*found] = true;
                 continue;
             }
-            if (found != byPath.end())
-                disagreeing.emplace_back(open_.size(), found->second);
+            if (found)
+                disagreeing.emplace_back(open_.size(), *found);
             open_.push_back({&file, nullptr, std::nullopt, false});
         }
         std::unordered_map<std::size_t, std::size_t> rowOf;
@@ -250,9 +247,25 @@ class Recognition {
 
 } // namespace
 
-FileDifferences recogniseFiles(std::vector<KnownFile>& files,
-                               const std::vector<const KnownFile*>& known, const QUuid& library,
-                               KnownFiles& memory, const ContentReader& read) {
+KnownByPath::KnownByPath(std::vector<const KnownFile*> files)
+    : files_(std::move(files)), byPath_(files_.size()) {
+    for (std::size_t i = 0; i < files_.size(); ++i)
+        byPath_.emplace(files_[i]->path, i);
+}
+
+std::optional<std::size_t> KnownByPath::find(std::string_view path) const {
+    const auto found = byPath_.find(path);
+    return found == byPath_.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool KnownByPath::isKnown(std::string_view path, const FileVersion& version) const {
+    const auto found = find(path);
+    return found && files_[*found]->version == version;
+}
+
+FileDifferences recogniseFiles(std::vector<KnownFile>& files, const KnownByPath& known,
+                               const QUuid& library, KnownFiles& memory,
+                               const ContentReader& read) {
     return Recognition(library, memory, read).run(files, known);
 }
 

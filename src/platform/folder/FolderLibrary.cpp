@@ -2,7 +2,6 @@
 
 #include "library/FileExport.h"
 #include "library/LocalIdentifier.h"
-#include "platform/folder/FileRecognition.h"
 #include "platform/folder/FolderDeletion.h"
 #include "platform/folder/FolderIdentity.h"
 #include "platform/folder/FolderScanner.h"
@@ -134,11 +133,15 @@ FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
     const auto report = [this](const std::string& path, const QString& reason) {
         reportSkip(path, reason);
     };
-    FolderScan found = scanFolder(root_, report, stop);
+    const KnownByPath known = knownByPath();
+    const auto isKnown = [&known](const std::string& path, const FileVersion& version) {
+        return known.isKnown(path, version);
+    };
+    FolderScan found = scanFolder(root_, isKnown, report, stop);
     if (found.files.empty() && !identity_.isEmpty() && folderLibraryIdentity(root_) != identity_)
         throw PhotoLibraryError::away(
             QStringLiteral("Resim klasörünün diski takılı değil: %1").arg(pathText(root_)));
-    absent_ = recognise(found, stop);
+    absent_ = recognise(found, known, stop);
     reportOthers(found);
     const LeftOut leftOut = found.leftOut;
     Index index = std::make_shared<const FolderIndex>(std::move(found));
@@ -149,7 +152,7 @@ FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
     return index_;
 }
 
-std::vector<KnownFile> FolderLibrary::recognise(FolderScan& found, const std::stop_token& stop) {
+KnownByPath FolderLibrary::knownByPath() {
     if (!absent_)
         absent_ = known_.files();
     std::vector<const KnownFile*> known;
@@ -158,6 +161,11 @@ std::vector<KnownFile> FolderLibrary::recognise(FolderScan& found, const std::st
     if (index_) // only a scan changes it
         for (const KnownFile& file : index_->files())
             known.push_back(&file);
+    return KnownByPath(std::move(known));
+}
+
+std::vector<KnownFile> FolderLibrary::recognise(FolderScan& found, const KnownByPath& known,
+                                                const std::stop_token& stop) {
     FileDifferences differences =
         recogniseFiles(found.files, known, folderLibraryIdentifier(root_), known_,
                        [&](const std::string& path) { return read(path, found.leftOut, stop); });
@@ -307,7 +315,7 @@ std::vector<PhotoAssetResource> FolderLibrary::assetResources(const PhotoAsset& 
     if (!file)
         return {};
     const std::filesystem::path path = file->path;
-    const bool isMovie = mediaTypeOfName(path) == AssetMediaType::video;
+    const bool isMovie = mediaTypeOfName(file->path) == AssetMediaType::video;
     const QString name = pathText(path.filename());
     return {{isMovie ? AssetResourceType::video : AssetResourceType::photo,
              resourceFilename(name, name), file->version.size, path}};

@@ -3,6 +3,7 @@
 #include "foundation/Log.h"
 #include "library/DeletionConfirmation.h"
 #include "library/LiveFetches.h"
+#include "platform/folder/FileRecognition.h"
 #include "platform/folder/FolderIndex.h"
 #include "platform/watch/ChangeWatch.h"
 
@@ -61,9 +62,11 @@ class FolderLibrary final : public PhotoLibrary {
 
     /// The index before when nothing changed. One at a time.
     Index scan(const std::stop_token& stop = {});
+    KnownByPath knownByPath();
     /// Gives the files found their identifiers, and remembers what is different. Returns what is
     /// known and not there.
-    std::vector<KnownFile> recognise(FolderScan& found, const std::stop_token& stop);
+    std::vector<KnownFile> recognise(FolderScan& found, const KnownByPath& known,
+                                     const std::stop_token& stop);
     std::optional<SourceContent> read(const std::string& path, LeftOut& leftOut,
                                       const std::stop_token& stop);
     /// The last scan; a new one when there is none.

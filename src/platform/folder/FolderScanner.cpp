@@ -30,9 +30,9 @@ using Directory = std::unique_ptr<DIR, CloseDirectory>;
 
 class Scanner {
   public:
-    Scanner(const std::filesystem::path& root, const SkipHandler& skipped,
-            const std::stop_token& stop)
-        : root_(root), skipped_(skipped), stop_(stop) {}
+    Scanner(const std::filesystem::path& root, const KnownVersion& isKnown,
+            const SkipHandler& skipped, const std::stop_token& stop)
+        : root_(root), isKnown_(isKnown), skipped_(skipped), stop_(stop) {}
 
     FolderScan run() {
         addFolder({});
@@ -149,8 +149,11 @@ class Scanner {
 
     void visitFile(DIR* directory, const std::string& path, const std::string& name,
                    const struct stat& status, std::size_t folder) {
+        const FileVersion version = FileVersion::of(status);
         if (name.starts_with('.'))
             skipHidden(path, QStringLiteral("gizli dosya"));
+        else if (S_ISREG(status.st_mode) && isKnown_(path, version))
+            add(path, version, folder);
         else if (!S_ISREG(status.st_mode))
             skipped_(path, QStringLiteral("sıradan bir dosya değil"));
         else if (::faccessat(::dirfd(directory), name.c_str(), R_OK, 0) != 0)
@@ -159,12 +162,17 @@ class Scanner {
             ++found_.leftOut.inUse;
             skipped_(path, QStringLiteral("henüz yazılıyor"));
         } else {
-            found_.files.push_back({path, {}, FileVersion::of(status)});
-            found_.folderOfFile.push_back(folder);
+            add(path, version, folder);
         }
     }
 
+    void add(const std::string& path, const FileVersion& version, std::size_t folder) {
+        found_.files.push_back({path, {}, version});
+        found_.folderOfFile.push_back(folder);
+    }
+
     const std::filesystem::path& root_;
+    const KnownVersion& isKnown_;
     const SkipHandler& skipped_;
     const std::stop_token& stop_;
     FolderScan found_;
@@ -173,19 +181,20 @@ class Scanner {
 std::unordered_map<std::string, AssetMediaType> typesByExtension() {
     std::unordered_map<std::string, AssetMediaType> types;
     for (const MediaKind& kind : mediaKinds())
-        types.emplace('.' + std::string(kind.extension.data(),
-                                        static_cast<std::size_t>(kind.extension.size())),
-                      kind.mediaClass == MediaClass::movie ? AssetMediaType::video
-                                                           : AssetMediaType::image);
+        types.emplace(
+            std::string(kind.extension.data(), static_cast<std::size_t>(kind.extension.size())),
+            kind.mediaClass == MediaClass::movie ? AssetMediaType::video : AssetMediaType::image);
     return types;
 }
 
 } // namespace
 
-AssetMediaType mediaTypeOfName(const std::filesystem::path& name) {
-    std::string extension = name.extension().native();
-    if (extension.empty() && name.native().starts_with('.'))
-        extension = name.native(); // a hidden file that is all extension
+AssetMediaType mediaTypeOfName(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1); // npos + 1 is 0
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos)
+        return AssetMediaType::unknown;
+    std::string extension(name.substr(dot + 1));
     std::ranges::transform(extension, extension.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
@@ -194,9 +203,9 @@ AssetMediaType mediaTypeOfName(const std::filesystem::path& name) {
     return found == types.end() ? AssetMediaType::unknown : found->second;
 }
 
-FolderScan scanFolder(const std::filesystem::path& root, const SkipHandler& skipped,
-                      const std::stop_token& stop) {
-    return Scanner(root, skipped, stop).run();
+FolderScan scanFolder(const std::filesystem::path& root, const KnownVersion& isKnown,
+                      const SkipHandler& skipped, const std::stop_token& stop) {
+    return Scanner(root, isKnown, skipped, stop).run();
 }
 
 } // namespace quorvane
