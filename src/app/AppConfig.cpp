@@ -60,7 +60,6 @@ AppConfig::standardCandidates(const std::filesystem::path& home) {
 }
 
 void AppConfig::reload() {
-    const std::lock_guard lock(lock_);
     Values values;
     const auto environment = QProcessEnvironment::systemEnvironment();
     for (const QString& key : environment.keys())
@@ -79,7 +78,7 @@ void AppConfig::reload() {
                 values[pair.key()] = pair.value();
         break;
     }
-    envValues_ = values;
+    *envValues_.lock() = values;
 }
 
 QString AppConfig::googleClientID() const {
@@ -109,8 +108,7 @@ QString AppConfig::redirect() const {
 }
 
 std::optional<QString> AppConfig::nonEmpty(const QString& key) const {
-    const std::lock_guard lock(lock_);
-    const QString value = envValues_.value(key);
+    const QString value = envValues_.lock()->value(key);
     return value.isEmpty() ? std::nullopt : std::optional(value);
 }
 

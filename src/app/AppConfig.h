@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "google/GoogleEndpoints.h"
 
@@ -7,7 +8,6 @@
 #include <QString>
 
 #include <filesystem>
-#include <mutex>
 #include <vector>
 
 namespace quorvane {
@@ -49,8 +49,7 @@ class AppConfig final : public OAuthClientIdentity {
 
     std::vector<std::filesystem::path> candidates_;
     Log& log_;
-    mutable std::mutex lock_;
-    Values envValues_;
+    Guarded<Values> envValues_;
 };
 
 } // namespace quorvane

@@ -61,30 +61,27 @@ void AppLogger::log(const QString& text, const QString& about) {
     else
         console_.print(consoleLine);
 
-    {
-        const std::lock_guard lock(mutex_);
-        if (file_.isOpen()) {
-            // One write per line: appends of several processes never interleave within a line.
-            [[maybe_unused]] const auto written =
-                ::write(file_.get(), fileLine.constData(), static_cast<size_t>(fileLine.size()));
-        }
+    if (file_.isOpen()) {
+        // One write per line: appends of several threads and processes never interleave within it.
+        [[maybe_unused]] const auto written =
+            ::write(file_.get(), fileLine.constData(), static_cast<size_t>(fileLine.size()));
     }
     remember(entry);
 }
 
 void AppLogger::remember(const LogEntry& entry) {
     {
-        const std::lock_guard lock(mutex_);
-        memoryBuffer_.push_back(entry);
-        if (memoryBuffer_.size() > memoryBufferSize)
-            memoryBuffer_.pop_front();
+        const auto buffer = memoryBuffer_.lock();
+        buffer->push_back(entry);
+        if (buffer->size() > memoryBufferSize)
+            buffer->pop_front();
     }
     publisher_.send(entry);
 }
 
 std::vector<LogEntry> AppLogger::memoryBuffer() const {
-    const std::lock_guard lock(mutex_);
-    return {memoryBuffer_.begin(), memoryBuffer_.end()};
+    const auto buffer = memoryBuffer_.lock();
+    return {buffer->begin(), buffer->end()};
 }
 
 } // namespace quorvane

@@ -3,6 +3,7 @@
 #include "foundation/Clock.h"
 #include "foundation/Console.h"
 #include "foundation/File.h"
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "foundation/LogEntry.h"
 #include "foundation/Publisher.h"
@@ -10,7 +11,6 @@
 
 #include <deque>
 #include <filesystem>
-#include <mutex>
 
 namespace quorvane {
 
@@ -46,9 +46,8 @@ class AppLogger final : public Log {
     Clock& clock_;
     SystemLog* const systemLog_;
     std::filesystem::path logFile_;
-    mutable std::mutex mutex_; ///< guards the file and the ring
-    FileDescriptor file_;
-    std::deque<LogEntry> memoryBuffer_;
+    FileDescriptor file_; ///< opened once; whole lines are appended
+    Guarded<std::deque<LogEntry>> memoryBuffer_;
     Publisher<LogEntry> publisher_;
     Subscription notices_; ///< last: it uses the rest
 };

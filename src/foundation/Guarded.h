@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -45,6 +46,13 @@ class Guarded<Value>::Access {
     template <typename Ready>
     bool wait(std::condition_variable_any& changed, const std::stop_token& stop, Ready&& isReady) {
         return changed.wait(lock_, stop, std::forward<Ready>(isReady));
+    }
+
+    /// The same, for `time` at most: then it says what `isReady` says.
+    template <typename Ready>
+    bool waitFor(std::condition_variable_any& changed, const std::stop_token& stop,
+                 std::chrono::nanoseconds time, Ready&& isReady) {
+        return changed.wait_for(lock_, stop, time, std::forward<Ready>(isReady));
     }
 
     /// Does `work` without the lock.

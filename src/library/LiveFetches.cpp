@@ -33,9 +33,9 @@ FetchResultChangeDetails differenceOf(const std::vector<PhotoAsset>& before,
 }
 
 AssetFetchResult LiveFetches::remember(AssetFetchResult result, Fetch again) {
-    const std::lock_guard lock(mutex_);
-    std::erase_if(entries_, [](const Entry& entry) { return entry.result.expired(); });
-    entries_.push_back({result, std::move(again)});
+    const auto entries = entries_.lock();
+    std::erase_if(*entries, [](const Entry& entry) { return entry.result.expired(); });
+    entries->push_back({result, std::move(again)});
     return result;
 }
 
@@ -43,10 +43,10 @@ std::optional<FetchResultChangeDetails>
 LiveFetches::changeDetails(const AssetFetchResult& before) const {
     Fetch again;
     {
-        const std::lock_guard lock(mutex_);
+        const auto entries = entries_.lock();
         const auto entry = std::ranges::find_if(
-            entries_, [&](const Entry& e) { return e.result.lock() == before; });
-        if (!before || entry == entries_.end())
+            *entries, [&](const Entry& e) { return e.result.lock() == before; });
+        if (!before || entry == entries->end())
             return std::nullopt;
         again = entry->again;
     }
@@ -57,8 +57,7 @@ LiveFetches::changeDetails(const AssetFetchResult& before) const {
     if (details.insertedObjects.empty() && details.removedObjects.empty() &&
         details.changedObjects.empty())
         return std::nullopt;
-    const std::lock_guard lock(mutex_);
-    entries_.push_back({details.fetchResultAfterChanges, std::move(again)});
+    entries_.lock()->push_back({details.fetchResultAfterChanges, std::move(again)});
     return details;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "library/PhotoLibrary.h"
 
 #include <functional>
-#include <mutex>
 
 namespace quorvane {
 
@@ -34,8 +34,7 @@ class LiveFetches final : public LibraryChange {
         Fetch again;
     };
 
-    mutable std::mutex mutex_; ///< not held while a result is fetched again
-    mutable std::vector<Entry> entries_;
+    mutable Guarded<std::vector<Entry>> entries_; ///< not locked while a result is fetched again
 };
 
 } // namespace quorvane

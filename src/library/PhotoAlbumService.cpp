@@ -96,8 +96,7 @@ std::vector<LocalAlbumItem> PhotoAlbumService::performFetchLocalAlbums() {
                  error.localizedDescription());
         return {};
     }
-    const std::lock_guard lock(cacheLock_);
-    cachedAlbums_ = albums;
+    *cachedAlbums_.lock() = albums;
     return albums;
 }
 
@@ -143,8 +142,7 @@ void PhotoAlbumService::refreshLocalAlbumsAsync(
 }
 
 std::vector<LocalAlbumItem> PhotoAlbumService::cachedAlbums() const {
-    const std::lock_guard lock(cacheLock_);
-    return cachedAlbums_;
+    return *cachedAlbums_.lock();
 }
 
 std::optional<QString> PhotoAlbumService::selectedSourceAlbumID() const {

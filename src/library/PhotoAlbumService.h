@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "foundation/Preferences.h"
 #include "foundation/TaskRunner.h"
@@ -7,7 +8,6 @@
 #include "library/PhotosAppScripts.h"
 
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -76,8 +76,7 @@ class PhotoAlbumService {
     Log& log_;
     const QString libraryIdentity_;
     PhotosAppScripts* photosApp_;
-    mutable std::mutex cacheLock_;
-    std::vector<LocalAlbumItem> cachedAlbums_;
+    Guarded<std::vector<LocalAlbumItem>> cachedAlbums_;
     TaskRunner tasks_; ///< last: its work uses the rest
 };
 

@@ -193,10 +193,7 @@ void PhotoLibraryObserver::initialScan(std::stop_token stop) {
         tellRefusal(error);
         throw;
     }
-    {
-        const std::lock_guard lock(mutex_);
-        fetchResult_ = fetched;
-    }
+    *fetchResult_.lock() = fetched;
     const QString title =
         album ? preferences_.string(preferenceKeys::sourceAlbumTitle).value_or(wholeLibraryTitle)
               : wholeLibraryTitle;
@@ -303,14 +300,14 @@ bool PhotoLibraryObserver::awaitsOriginals() {
 void PhotoLibraryObserver::photoLibraryDidChange(const LibraryChange& change) {
     std::vector<PhotoAsset> inserted;
     {
-        const std::lock_guard lock(mutex_);
-        if (!fetchResult_)
+        const auto fetchResult = fetchResult_.lock();
+        if (!*fetchResult)
             return;
-        auto details = change.changeDetails(fetchResult_);
+        auto details = change.changeDetails(*fetchResult);
         if (!details && !awaitsOriginals())
             return;
         if (details) {
-            fetchResult_ = std::move(details->fetchResultAfterChanges);
+            *fetchResult = std::move(details->fetchResultAfterChanges);
             inserted = std::move(details->insertedObjects);
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Console.h"
+#include "foundation/Guarded.h"
 #include "foundation/Preferences.h"
 #include "foundation/Publisher.h"
 #include "foundation/TaskRunner.h"
@@ -10,7 +11,6 @@
 #include "store/DatabaseManager.h"
 
 #include <memory>
-#include <mutex>
 #include <stop_token>
 #include <vector>
 
@@ -86,9 +86,8 @@ class PhotoLibraryObserver final : public LibraryChangeObserver {
     PhotoAlbumService& albums_;
     const Preferences& preferences_;
     Console& console_;
-    bool isRegistered_ = false; ///< main thread only
-    std::mutex mutex_;
-    AssetFetchResult fetchResult_; ///< of the current source; none before the first scan
+    bool isRegistered_ = false;             ///< main thread only
+    Guarded<AssetFetchResult> fetchResult_; ///< of the current source; none before the first scan
     std::shared_ptr<PhotoLibraryObserver*> alive_;
     TaskRunner tasks_; ///< last: its work uses the rest
 };

@@ -81,9 +81,9 @@ void LogListModel::clear() {
 
 void LogListModel::Inbox::receive(const LogEntry& entry) {
     {
-        const std::lock_guard lock(mutex);
-        entries.push_back(entry);
-        if (entries.size() > 1)
+        const auto waiting = entries.lock();
+        waiting->push_back(entry);
+        if (waiting->size() > 1)
             return; // the take-over that the first one asked for brings this one too
     }
     onMainThread([model = owner] {
@@ -93,11 +93,7 @@ void LogListModel::Inbox::receive(const LogEntry& entry) {
 }
 
 void LogListModel::takeOver() {
-    std::vector<LogEntry> arrived;
-    {
-        const std::lock_guard lock(inbox_->mutex);
-        arrived.swap(inbox_->entries);
-    }
+    auto arrived = std::exchange(*inbox_->entries.lock(), {});
     if (arrived.size() > maxEntries)
         arrived.erase(arrived.begin(), arrived.end() - maxEntries);
     if (arrived.empty())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/LogEntry.h"
 #include "foundation/Publisher.h"
 
@@ -8,7 +9,6 @@
 
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace quorvane {
@@ -46,8 +46,7 @@ class LogListModel final : public QAbstractListModel {
     /// Where entries wait; shared with the senders, which may outlive the model.
     struct Inbox {
         QPointer<LogListModel> owner; ///< none once the model is gone
-        std::mutex mutex;             ///< guards `entries`
-        std::vector<LogEntry> entries;
+        Guarded<std::vector<LogEntry>> entries;
 
         void receive(const LogEntry& entry); ///< any thread
     };

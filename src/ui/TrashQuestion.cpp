@@ -18,10 +18,10 @@ bool isSame(const std::optional<DeletionQuestion>& known, const DeletionQuestion
 } // namespace
 
 bool TrashQuestion::confirmDeletion(const DeletionQuestion& question) {
-    const std::lock_guard lock(mutex_);
-    if (isSame(std::exchange(agreed_, std::nullopt), question))
+    const auto answers = answers_.lock();
+    if (isSame(std::exchange(answers->agreed, std::nullopt), question))
         return true;
-    if (!isSame(kept_, question))
+    if (!isSame(answers->kept, question))
         onMainThread([self = self_, question] {
             if (self)
                 self->ask(question);
@@ -38,24 +38,19 @@ void TrashQuestion::ask(const DeletionQuestion& question) {
 }
 
 void TrashQuestion::agree() {
-    close(open_, std::nullopt);
+    close({.agreed = open_, .kept = {}});
 }
 
 void TrashQuestion::keep() {
-    close(std::nullopt, open_);
+    close({.agreed = {}, .kept = open_});
 }
 
 void TrashQuestion::forget() {
-    close(std::nullopt, std::nullopt);
+    close({});
 }
 
-void TrashQuestion::close(std::optional<DeletionQuestion> agreed,
-                          std::optional<DeletionQuestion> kept) {
-    {
-        const std::lock_guard lock(mutex_);
-        agreed_ = std::move(agreed);
-        kept_ = std::move(kept);
-    }
+void TrashQuestion::close(Answers answers) {
+    *answers_.lock() = std::move(answers);
     open_.reset();
     Q_EMIT changed();
 }

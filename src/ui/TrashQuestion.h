@@ -1,11 +1,11 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "library/DeletionConfirmation.h"
 
 #include <QObject>
 #include <QPointer>
 
-#include <mutex>
 #include <optional>
 
 namespace quorvane {
@@ -33,14 +33,18 @@ class TrashQuestion final : public QObject, public DeletionConfirmation {
     void changed();
 
   private:
+    /// What the person said last, of what they were asked.
+    struct Answers {
+        std::optional<DeletionQuestion> agreed;
+        std::optional<DeletionQuestion> kept;
+    };
+
     void ask(const DeletionQuestion& question);
-    void close(std::optional<DeletionQuestion> agreed, std::optional<DeletionQuestion> kept);
+    void close(Answers answers);
 
     const QPointer<TrashQuestion> self_{this};
     std::optional<DeletionQuestion> open_;
-    std::mutex mutex_; ///< guards the two below
-    std::optional<DeletionQuestion> agreed_;
-    std::optional<DeletionQuestion> kept_;
+    Guarded<Answers> answers_;
 };
 
 /// "412 Öğe Çöp'e Taşınsın mı?"

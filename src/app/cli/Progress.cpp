@@ -77,16 +77,13 @@ Progress::~Progress() {
 }
 
 void Progress::update(int completed, int total) {
-    const std::lock_guard lock(mutex_);
-    completed_ = completed;
-    total_ = total;
+    const auto known = known_.lock();
+    known->completed = completed;
+    known->total = total;
 }
 
 void Progress::update(const RunState& state) {
-    {
-        const std::lock_guard lock(mutex_);
-        state_ = state;
-    }
+    known_.lock()->state = state;
     QJsonObject object = state.json();
     object[QStringLiteral("event")] = QStringLiteral("state");
     if (form_ == Form::json)
@@ -103,15 +100,7 @@ void Progress::show(std::stop_token stop) {
 }
 
 void Progress::showOnce(bool onTerminal) {
-    int completed = 0;
-    int total = 0;
-    RunState state;
-    {
-        const std::lock_guard lock(mutex_);
-        completed = completed_;
-        total = total_;
-        state = state_;
-    }
+    const auto [completed, total, state] = Known(*known_.lock());
     const auto elapsed = duration_cast<seconds>(clock_.monotonic() - started_);
     const TransferSnapshot transfers = tracker_.getSnapshot();
     if (form_ == Form::json) {

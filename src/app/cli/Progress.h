@@ -2,11 +2,11 @@
 
 #include "foundation/Clock.h"
 #include "foundation/Console.h"
+#include "foundation/Guarded.h"
 #include "google/TransferActivityTracker.h"
 #include "sync/SyncRun.h"
 
 #include <memory>
-#include <mutex>
 #include <thread>
 
 namespace quorvane::cli {
@@ -33,6 +33,13 @@ class Progress {
     void update(const RunState& state);
 
   private:
+    /// Of the run, as it was told last.
+    struct Known {
+        int completed = 0;
+        int total = 0;
+        RunState state;
+    };
+
     void show(std::stop_token stop);
     void showOnce(bool onTerminal);
 
@@ -41,10 +48,7 @@ class Progress {
     TransferActivityTracker& tracker_;
     Clock& clock_;
     const Clock::Monotonic started_;
-    std::mutex mutex_; ///< guards the next three
-    int completed_ = 0;
-    int total_ = 0;
-    RunState state_;
+    Guarded<Known> known_;
     int lastShown_ = 0; ///< the showing thread's own
     std::jthread thread_;
 };

@@ -5,10 +5,10 @@
 #include "app/cli/TextTable.h"
 #include "app/cli/UploadLimitOption.h"
 #include "app/cli/Watching.h"
+#include "foundation/Guarded.h"
 #include "sync/Turns.h"
 
 #include <algorithm>
-#include <condition_variable>
 
 namespace quorvane::cli {
 
@@ -20,28 +20,25 @@ constexpr std::chrono::seconds signInCheck{5};
 class Settling {
   public:
     void somethingCame() {
-        {
-            const std::lock_guard lock(mutex_);
-            ++arrivals_;
-        }
+        ++*arrivals_.lock();
         came_.notify_all();
     }
 
     /// Waits for the first arrival, then until there was none for `quiet`; not longer than until
     /// `atLatest`. False when stopped.
     bool wait(std::chrono::seconds quiet, std::chrono::seconds atLatest, std::stop_token stop) {
-        std::unique_lock lock(mutex_);
-        const auto hasCome = [this] { return arrivals_ > 0; };
-        came_.wait_for(lock, stop, std::min<std::chrono::seconds>(atLatest, Turns::never), hasCome);
-        while (std::exchange(arrivals_, 0) > 0)
-            came_.wait_for(lock, stop, quiet, hasCome);
+        auto arrivals = arrivals_.lock();
+        const auto hasCome = [&arrivals] { return *arrivals > 0; };
+        arrivals.waitFor(came_, stop, std::min<std::chrono::seconds>(atLatest, Turns::never),
+                         hasCome);
+        while (std::exchange(*arrivals, 0) > 0)
+            arrivals.waitFor(came_, stop, quiet, hasCome);
         return !stop.stop_requested();
     }
 
   private:
-    std::mutex mutex_;
+    Guarded<int> arrivals_{0};
     std::condition_variable_any came_;
-    int arrivals_ = 0;
 };
 
 std::chrono::seconds settlingTime(const Arguments& arguments) {

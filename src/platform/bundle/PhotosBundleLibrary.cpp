@@ -72,15 +72,12 @@ PhotosBundleLibrary::PhotosBundleLibrary(std::filesystem::path bundle,
           [this](bool, const std::stop_token&) { return look(); }, fetches_, log, times) {}
 
 void PhotosBundleLibrary::use(const LibraryChoices& choices) {
-    auto layout = std::make_shared<const BundleLayout>(bundle_, choices);
-    const std::lock_guard lock(layoutMutex_);
-    layout_ = std::move(layout);
+    *layout_.lock() = std::make_shared<const BundleLayout>(bundle_, choices);
     sendsCaptions_ = choices.captions;
 }
 
 std::shared_ptr<const BundleLayout> PhotosBundleLibrary::layout() const {
-    const std::lock_guard lock(layoutMutex_);
-    return layout_;
+    return *layout_.lock();
 }
 
 bool PhotosBundleLibrary::looksLikeBundle(const std::filesystem::path& path) {

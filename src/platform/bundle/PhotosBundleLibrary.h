@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "library/LiveFetches.h"
 #include "platform/bundle/BundleLayout.h"
 #include "platform/watch/ChangeWatch.h"
@@ -90,8 +91,7 @@ class PhotosBundleLibrary final : public PhotoLibrary {
     ChangeWatch::Found look();
 
     const std::filesystem::path bundle_;
-    mutable std::mutex layoutMutex_;
-    std::shared_ptr<const BundleLayout> layout_; ///< guarded by `layoutMutex_`
+    Guarded<std::shared_ptr<const BundleLayout>> layout_;
     std::atomic<bool> sendsCaptions_ = false;
     /// Held while the database is copied and queried: one connection serves one thread.
     std::mutex mutex_;

@@ -47,10 +47,8 @@ class LibsecretStore::Call {
     ~Call() {
         limit_.request_stop();
         limit_.join();
-        if (g_cancellable_is_cancelled(cancellable())) {
-            const std::lock_guard lock(store_.mutex_);
-            store_.muteUntil_ = Steady::now() + muteTime;
-        }
+        if (g_cancellable_is_cancelled(cancellable()))
+            *store_.muteUntil_.lock() = Steady::now() + muteTime;
         g_clear_error(&error);
     }
 
@@ -121,8 +119,7 @@ void LibsecretStore::remove(const QString& key) {
 }
 
 bool LibsecretStore::isMute() {
-    const std::lock_guard lock(mutex_);
-    return Steady::now() < muteUntil_;
+    return Steady::now() < *muteUntil_.lock();
 }
 
 } // namespace quorvane

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "google/SecretStore.h"
 
 #include <chrono>
-#include <mutex>
 
 namespace quorvane {
 
@@ -25,8 +25,7 @@ class LibsecretStore final : public SecretStore {
     bool isMute();
 
     const std::chrono::milliseconds patience_;
-    std::mutex mutex_;
-    std::chrono::steady_clock::time_point muteUntil_;
+    Guarded<std::chrono::steady_clock::time_point> muteUntil_;
 };
 
 } // namespace quorvane

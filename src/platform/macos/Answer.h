@@ -1,10 +1,8 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
+#include "foundation/Guarded.h"
+
 #include <optional>
-#include <stop_token>
-#include <utility>
 
 namespace quorvane {
 
@@ -16,28 +14,31 @@ class Answer {
     /// The first one counts. False when nobody waits any more: then it falls to the caller to clean
     /// up what the answer stands for.
     bool give(T value) {
-        const std::lock_guard lock(mutex_);
-        if (!isGiven_ && !isAbandoned_) {
-            isGiven_ = true;
-            value_.emplace(std::move(value));
+        const auto state = state_.lock();
+        if (!state->isGiven && !state->isAbandoned) {
+            state->isGiven = true;
+            state->value.emplace(std::move(value));
             given_.notify_all();
         }
-        return !isAbandoned_;
+        return !state->isAbandoned;
     }
 
     /// None when `stop` was requested first; from then on every answer is too late. Call once.
     std::optional<T> wait(const std::stop_token& stop) {
-        std::unique_lock lock(mutex_);
-        isAbandoned_ = !given_.wait(lock, stop, [this] { return isGiven_; });
-        return std::exchange(value_, std::nullopt);
+        auto state = state_.lock();
+        state->isAbandoned = !state.wait(given_, stop, [&state] { return state->isGiven; });
+        return std::exchange(state->value, std::nullopt);
     }
 
   private:
-    std::mutex mutex_;
+    struct State {
+        std::optional<T> value;
+        bool isGiven = false;
+        bool isAbandoned = false; ///< by a wait that was stopped
+    };
+
+    Guarded<State> state_;
     std::condition_variable_any given_;
-    std::optional<T> value_;
-    bool isGiven_ = false;
-    bool isAbandoned_ = false; ///< by a wait that was stopped
 };
 
 } // namespace quorvane

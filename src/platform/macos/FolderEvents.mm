@@ -1,12 +1,10 @@
 #include "platform/macos/FolderEvents.h"
 
 #include "foundation/File.h"
+#include "foundation/Guarded.h"
 #include "platform/macos/CocoaText.h"
 
 #import <CoreServices/CoreServices.h>
-
-#include <condition_variable>
-#include <mutex>
 
 namespace quorvane {
 
@@ -34,15 +32,13 @@ std::set<std::filesystem::path> topmost(const std::vector<std::filesystem::path>
 
 /// Shared with the stream, whose last call may come while it is being closed.
 struct FolderEvents::Happened {
-    std::mutex mutex;
+    Guarded<bool> something{false};
     std::condition_variable_any changed;
-    bool something = false;
 
     static void tell(ConstFSEventStreamRef, void* info, size_t, void*,
                      const FSEventStreamEventFlags*, const FSEventStreamEventId*) {
         Happened& happened = **static_cast<std::shared_ptr<Happened>*>(info);
-        const std::lock_guard lock(happened.mutex);
-        happened.something = true;
+        *happened.something.lock() = true;
         happened.changed.notify_all();
     }
     static void release(const void* info) {
@@ -100,12 +96,12 @@ void FolderEvents::close() {
 
 FolderNotifier::Wake FolderEvents::wait(std::chrono::milliseconds atMost,
                                         const std::stop_token& stop) {
-    std::unique_lock lock(happened_->mutex);
+    auto something = happened_->something.lock();
     const bool told =
-        happened_->changed.wait_for(lock, stop, atMost, [this] { return happened_->something; });
+        something.waitFor(happened_->changed, stop, atMost, [&something] { return *something; });
     if (stop.stop_requested())
         return Wake::stopped;
-    happened_->something = false;
+    *something = false;
     return told ? Wake::changed : Wake::timeout;
 }
 

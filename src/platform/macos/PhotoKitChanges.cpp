@@ -3,11 +3,11 @@
 namespace quorvane {
 
 void PhotoKitChanges::Receiver::receive(const LibraryChange& change) noexcept {
-    const std::lock_guard lock(mutex_);
-    if (!observer_)
+    const auto observer = observer_.lock();
+    if (!*observer)
         return;
     try {
-        observer_->photoLibraryDidChange(change);
+        (*observer)->photoLibraryDidChange(change);
     } catch (const std::exception& error) {
         log_.log(QStringLiteral("[PhotoKit] ⚠️ Değişikliklere bakılamadı: ") +
                  describe(error));
@@ -15,13 +15,11 @@ void PhotoKitChanges::Receiver::receive(const LibraryChange& change) noexcept {
 }
 
 void PhotoKitChanges::Receiver::set(LibraryChangeObserver* observer) {
-    const std::lock_guard lock(mutex_);
-    observer_ = observer;
+    *observer_.lock() = observer;
 }
 
 bool PhotoKitChanges::Receiver::isFor(const LibraryChangeObserver& observer) const {
-    const std::lock_guard lock(mutex_);
-    return observer_ == &observer;
+    return *observer_.lock() == &observer;
 }
 
 } // namespace quorvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "library/PhotoLibrary.h"
 
@@ -36,9 +37,8 @@ class PhotoKitChanges {
         bool isFor(const LibraryChangeObserver& observer) const;
 
       private:
-        Log& log_;                 ///< used only while there is an observer
-        mutable std::mutex mutex_; ///< held during a call
-        LibraryChangeObserver* observer_ = nullptr;
+        Log& log_;                                 ///< used only while there is an observer
+        Guarded<LibraryChangeObserver*> observer_; ///< locked during a call
     };
 
   private:

@@ -40,20 +40,16 @@ struct Reading {
     explicit Reading(const std::function<void(ByteView)>& reader) : take(&reader) {}
 
     void receive(NSData* data) {
-        const std::lock_guard lock(mutex);
-        if (take)
-            (*take)(ByteView(static_cast<const std::uint8_t*>([data bytes]), [data length]));
+        const auto reader = take.lock();
+        if (*reader)
+            (**reader)(ByteView(static_cast<const std::uint8_t*>([data bytes]), [data length]));
     }
-    void close() {
-        const std::lock_guard lock(mutex);
-        take = nullptr;
-    }
+    void close() { *take.lock() = nullptr; }
 
     Answer<Ending> ending;
 
   private:
-    std::mutex mutex; ///< held while the reader takes
-    const std::function<void(ByteView)>* take;
+    Guarded<const std::function<void(ByteView)>*> take; ///< locked while the reader takes
 };
 
 QString nameOf(PHAssetResource* resource) {

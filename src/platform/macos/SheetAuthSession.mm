@@ -85,9 +85,9 @@ struct Sheet {
         [session setPrefersEphemeralWebBrowserSession:NO];
         [session setPresentationContextProvider:anchor];
         const bool didStart = [session start];
-        const std::lock_guard lock(mutex);
-        if (started)
-            (*started)(didStart);
+        const auto teller = started.lock();
+        if (*teller)
+            (**teller)(didStart);
         start.give(didStart);
     }
 
@@ -98,16 +98,12 @@ struct Sheet {
     }
 
     /// Whoever asked has gone.
-    void leave() {
-        const std::lock_guard lock(mutex);
-        started = nullptr;
-    }
+    void leave() { *started.lock() = nullptr; }
 
   private:
     ASWebAuthenticationSession* session = nil;
     QuorvaneSheetAnchor* anchor = nil;
-    std::mutex mutex; ///< held while `started` is told
-    const Started* started;
+    Guarded<const Started*> started; ///< locked while it is told
 };
 
 QUrl callbackOf(Sheet& sheet, const std::stop_token& stop) {

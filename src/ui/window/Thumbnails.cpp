@@ -1,6 +1,7 @@
 #include "ui/window/Thumbnails.h"
 
 #include "foundation/File.h"
+#include "foundation/Guarded.h"
 
 #include <QCache>
 #include <QFileInfo>
@@ -9,7 +10,6 @@
 #include <QPainterPath>
 
 #include <atomic>
-#include <mutex>
 
 namespace quorvane {
 
@@ -59,19 +59,19 @@ QImage readThumbnail(const QString& path) {
 
 class Thumbnails::Cache {
   public:
+    Cache() { images_.lock()->setMaxCost(cacheBytes); }
     QImage find(const QString& id) {
-        const std::lock_guard lock(mutex_);
-        const QImage* known = images_.object(id);
+        const auto images = images_.lock();
+        const QImage* known = images->object(id);
         return known == nullptr ? QImage() : *known;
     }
     void keep(const QString& id, const QImage& image) {
-        const std::lock_guard lock(mutex_);
-        images_.insert(id, new QImage(image), static_cast<int>(image.sizeInBytes())); // it owns it
+        const auto bytes = static_cast<int>(image.sizeInBytes());
+        images_.lock()->insert(id, new QImage(image), bytes); // it owns it
     }
 
   private:
-    std::mutex mutex_;
-    QCache<QString, QImage> images_{cacheBytes};
+    Guarded<QCache<QString, QImage>> images_;
 };
 
 namespace {
@@ -81,16 +81,12 @@ class Response final : public QQuickImageResponse {
   public:
     /// What the work knows of the response.
     struct Wish {
-        std::mutex mutex; ///< guards `response`
-        Response* response;
+        explicit Wish(Response* of) : response(of) {}
+        Guarded<Response*> response; ///< none once it is gone
         std::atomic<bool> isCancelled = false;
     };
 
-    Response() { wish_->response = this; }
-    ~Response() override {
-        const std::lock_guard lock(wish_->mutex);
-        wish_->response = nullptr;
-    }
+    ~Response() override { *wish_->response.lock() = nullptr; }
     QQuickTextureFactory* textureFactory() const override {
         return QQuickTextureFactory::textureFactoryForImage(image_);
     }
@@ -99,16 +95,16 @@ class Response final : public QQuickImageResponse {
     const std::shared_ptr<Wish>& wish() const { return wish_; }
 
     static void grant(Wish& wish, const QImage& image) {
-        const std::lock_guard lock(wish.mutex);
-        if (wish.response == nullptr)
+        const auto response = wish.response.lock();
+        if (*response == nullptr)
             return;
-        wish.response->image_ = image;
-        Q_EMIT wish.response->finished();
+        (*response)->image_ = image;
+        Q_EMIT(*response)->finished();
     }
 
   private:
     QImage image_;
-    const std::shared_ptr<Wish> wish_ = std::make_shared<Wish>();
+    const std::shared_ptr<Wish> wish_ = std::make_shared<Wish>(this);
 };
 
 } // namespace
