@@ -1,5 +1,6 @@
 #include "support/TemporaryFolder.h"
 
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 

@@ -7,7 +7,9 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <functional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -101,7 +103,8 @@ class RawServer {
         // What the script does not read stays with the sender, as on a real network.
         const int room = 64 << 10;
         ::setsockopt(listener_.get(), SOL_SOCKET, SO_RCVBUF, &room, sizeof room);
-        ::bind(listener_.get(), reinterpret_cast<sockaddr*>(&address), size);
+        if (::bind(listener_.get(), reinterpret_cast<sockaddr*>(&address), size) != 0)
+            throw std::system_error(errno, std::generic_category(), "bind");
         ::listen(listener_.get(), 8);
         ::getsockname(listener_.get(), reinterpret_cast<sockaddr*>(&address), &size);
         port_ = ntohs(address.sin_port);

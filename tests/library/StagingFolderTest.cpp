@@ -13,7 +13,7 @@ namespace quorvane::test {
 
 namespace {
 
-QString prefix(int number) {
+QString namePrefix(int number) {
     return u"%1_L0_001"_s.arg(number, 6, 10, QChar(u'0'));
 }
 
@@ -29,10 +29,10 @@ TEST(StagingFolder, NoticesWhatOthersDo) {
         const TemporaryFolder temporary;
         StagingFolder folder(temporary.path(), StagingFolder::Access::any);
         for (int i = 0; i < count; ++i)
-            addFile(temporary.path(), prefix(i) + u"_a.jpg"_s);
+            addFile(temporary.path(), namePrefix(i) + u"_a.jpg"_s);
         // A time stamp well in the past, so that the next change is told apart from it.
         std::filesystem::last_write_time(temporary.path(), {});
-        const QString wanted = prefix(1000);
+        const QString wanted = namePrefix(1000);
         const auto first = temporary / pathFrom(wanted + u"_z.jpg"_s);
         const auto second = temporary / pathFrom(wanted + u"_b.jpg"_s);
         EXPECT_FALSE(folder.find(wanted));

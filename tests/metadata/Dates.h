@@ -7,7 +7,7 @@
 
 namespace quorvane::test {
 
-inline Date utc(int year, unsigned month, unsigned day) {
+inline Date utc(int year, int month, int day) {
     return std::chrono::sys_days(std::chrono::year(year) / month / day);
 }
 

@@ -34,7 +34,7 @@ HeifTestFile pictureWithoutExif() {
     return file;
 }
 
-QByteArray replaced(const QByteArray& file, const QByteArray& block) {
+QByteArray replacedHeif(const QByteArray& file, const QByteArray& block) {
     return heif::replaceExif(viewOf(file), viewOf(block)).apply(viewOf(file));
 }
 
@@ -139,31 +139,32 @@ TEST(HeifContainer, ReplacesOrAddsTheExifOfAnyLayoutAndKeepsEverythingElse) {
         const QByteArray file = shape.build();
         ASSERT_EQ(heif::readExif(viewOf(file)), oldBlock);
 
-        const QByteArray same = replaced(file, tiffBlock(60, 'n'));
+        const QByteArray same = replacedHeif(file, tiffBlock(60, 'n'));
         ASSERT_EQ(same.size(), file.size());
         EXPECT_EQ(differences(file, same), 60 - 14) << "all but the block's header";
         EXPECT_TRUE(heif::replaceExif(viewOf(file), viewOf(oldBlock)).isIdentity(viewOf(file)));
         expectOnlyExifChanged(file, same, tiffBlock(60, 'n'));
 
-        const QByteArray longer = replaced(file, tiffBlock(5'060));
-        const QByteArray shorter = replaced(file, tiffBlock(20));
+        const QByteArray longer = replacedHeif(file, tiffBlock(5'060));
+        const QByteArray shorter = replacedHeif(file, tiffBlock(20));
         expectOnlyExifChanged(file, longer, tiffBlock(5'060));
         expectOnlyExifChanged(file, shorter, tiffBlock(20));
-        EXPECT_EQ(replaced(longer, tiffBlock(5'060)), longer);
-        EXPECT_EQ(replaced(longer, tiffBlock(20)), shorter) << "an earlier block left a trace";
-        EXPECT_EQ(replaced(shorter, tiffBlock(5'060)), longer) << "an earlier block left a trace";
+        EXPECT_EQ(replacedHeif(longer, tiffBlock(5'060)), longer);
+        EXPECT_EQ(replacedHeif(longer, tiffBlock(20)), shorter) << "an earlier block left a trace";
+        EXPECT_EQ(replacedHeif(shorter, tiffBlock(5'060)), longer)
+            << "an earlier block left a trace";
 
         std::erase_if(shape.items, [](const auto& item) { return item.id == 3; });
         std::erase_if(shape.references, [](const auto& reference) { return reference.from == 3; });
         const QByteArray without = shape.build();
         ASSERT_FALSE(heif::readExif(viewOf(without)));
-        const QByteArray added = replaced(without, tiffBlock(100));
+        const QByteArray added = replacedHeif(without, tiffBlock(100));
         expectOnlyExifChanged(without, added, tiffBlock(100));
         const HeifContent content(added);
         EXPECT_EQ(content.items.at(exifItem(content)), countedMarker + tiffBlock(100));
         EXPECT_EQ(content.flags.at(exifItem(content)), 1) << "hidden";
-        EXPECT_EQ(replaced(added, tiffBlock(100)), added);
-        EXPECT_EQ(replaced(replaced(added, tiffBlock(99)), tiffBlock(100)), added);
+        EXPECT_EQ(replacedHeif(added, tiffBlock(100)), added);
+        EXPECT_EQ(replacedHeif(replacedHeif(added, tiffBlock(99)), tiffBlock(100)), added);
     }
 }
 
@@ -173,7 +174,7 @@ TEST(HeifContainer, KeepsTheHeaderThatAPayloadHas) {
         HeifTestFile shape = picture();
         shape.items[2].bytes = header + oldBlock;
         for (const qsizetype length : {60, 61}) {
-            const HeifContent content(replaced(shape.build(), tiffBlock(length)));
+            const HeifContent content(replacedHeif(shape.build(), tiffBlock(length)));
             EXPECT_EQ(content.items.at(3), header + tiffBlock(length));
         }
     }
@@ -183,7 +184,7 @@ TEST(HeifContainer, TakesALoneExifThatDescribesNothingForThePrimaryImages) {
     HeifTestFile shape = picture();
     shape.references = {{"thmb", 2, {1}}};
     EXPECT_EQ(heif::readExif(viewOf(shape.build())), oldBlock);
-    expectOnlyExifChanged(shape.build(), replaced(shape.build(), tiffBlock(61)), tiffBlock(61));
+    expectOnlyExifChanged(shape.build(), replacedHeif(shape.build(), tiffBlock(61)), tiffBlock(61));
 
     shape.references = {{"cdsc", 3, {2}}};
     EXPECT_FALSE(heif::readExif(viewOf(shape.build())));
@@ -202,20 +203,20 @@ TEST(HeifContainer, DoesNotWriteOverBytesThatAnotherItemUses) {
     file.replace(second + 8, 4, file.sliced(third + 8, 4));
     const QByteArray shared = HeifContent(file).items.at(2);
     ASSERT_TRUE(HeifContent(file).items.at(3).startsWith(shared));
-    expectOnlyExifChanged(file, replaced(file, tiffBlock(60, 'n')), tiffBlock(60, 'n'));
+    expectOnlyExifChanged(file, replacedHeif(file, tiffBlock(60, 'n')), tiffBlock(60, 'n'));
 }
 
 TEST(HeifContainer, NumbersANewItemPastEntityGroups) {
     HeifTestFile shape = pictureWithoutExif();
     shape.groups = box("altr", bigEndian(0, 4) + bigEndian(90, 4) + bigEndian(0, 4));
-    EXPECT_EQ(exifItem(HeifContent(replaced(shape.build(), oldBlock))), 91U);
+    EXPECT_EQ(exifItem(HeifContent(replacedHeif(shape.build(), oldBlock))), 91U);
 }
 
 TEST(HeifContainer, WidensOffsetsThatNoLongerFit) {
     // Two items say where they are by a base alone; the new one cannot.
     HeifTestFile shape = pictureWithoutExif();
     shape.sizes = 0x0440;
-    const QByteArray after = replaced(shape.build(), oldBlock);
+    const QByteArray after = replacedHeif(shape.build(), oldBlock);
     expectOnlyExifChanged(shape.build(), after, oldBlock);
     EXPECT_EQ(after[after.indexOf("iloc") + 8], 0x44);
 }
@@ -227,7 +228,7 @@ TEST(HeifContainer, AnUnreadableBlockGivesWay) {
         shape.items[2].bytes = bytes;
         const QByteArray file = shape.build();
         EXPECT_EQ(heif::readExif(viewOf(file)), std::nullopt);
-        EXPECT_EQ(heif::readExif(viewOf(replaced(file, tiffBlock(61)))), tiffBlock(61));
+        EXPECT_EQ(heif::readExif(viewOf(replacedHeif(file, tiffBlock(61)))), tiffBlock(61));
     }
 }
 
@@ -241,9 +242,9 @@ TEST(HeifContainer, ExtentsThatCoverOneAnotherMakeNothingBigger) {
     const qsizetype list = file.indexOf(bigEndian(extents, 2), file.indexOf("iloc")) + 2;
     const QByteArray whole =
         file.sliced(list, 4) + bigEndian(static_cast<quint64>(shape.items[2].bytes.size()), 4);
-    file.replace(list, extents * 8, whole.repeated(extents));
+    file.replace(list, extents * qsizetype{8}, whole.repeated(extents));
     EXPECT_EQ(heif::readExif(viewOf(file)), std::nullopt);
-    const QByteArray result = replaced(file, tiffBlock(61));
+    const QByteArray result = replacedHeif(file, tiffBlock(61));
     EXPECT_EQ(heif::readExif(viewOf(result)), tiffBlock(61));
     EXPECT_LT(result.size(), file.size());
 }
@@ -282,9 +283,9 @@ TEST(HeifContainer, RefusesWhatItCannotRewriteWithCertainty) {
     for (const LayoutCase& layout : refused) {
         HeifTestFile shape = picture();
         layout.shape(shape);
-        EXPECT_THROW(replaced(shape.build(), tiffBlock(61)), Error) << layout.name;
+        EXPECT_THROW(replacedHeif(shape.build(), tiffBlock(61)), Error) << layout.name;
     }
-    EXPECT_THROW(replaced(picture().build(), "not a TIFF block"), ContainerError);
+    EXPECT_THROW(replacedHeif(picture().build(), "not a TIFF block"), ContainerError);
 }
 
 TEST(HeifContainer, RefusesMoreThanItsLimits) {

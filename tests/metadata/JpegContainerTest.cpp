@@ -10,9 +10,9 @@ using namespace quorvane::test;
 
 namespace {
 
-const QByteArray block("MM\0*\0\0\0\x08\0\0\0\0\0\0", 14);
+const QByteArray jpegBlock("MM\0*\0\0\0\x08\0\0\0\0\0\0", 14);
 
-QByteArray replaced(const QByteArray& file, const QByteArray& exif) {
+QByteArray replacedJpeg(const QByteArray& file, const QByteArray& exif) {
     return jpeg::replaceExif(viewOf(file), viewOf(exif)).apply(viewOf(file));
 }
 
@@ -33,7 +33,7 @@ TEST(JpegContainer, TheBlockGoesWhereReadersExpectIt) {
     const QByteArray xmp = jpegSegment(0xe1, QByteArray("http://ns.adobe.com/xap/1.0/\0<x/>", 33));
     const QByteArray old = exifSegment(QByteArray("II*\0\x08\0\0\0\0\0", 10));
     const QByteArray unreadable = exifSegment("????");
-    const QByteArray now = exifSegment(block);
+    const QByteArray now = exifSegment(jpegBlock);
     const struct {
         QByteArray before, after;
     } cases[] = {
@@ -49,21 +49,22 @@ TEST(JpegContainer, TheBlockGoesWhereReadersExpectIt) {
         {jfif + "\xff\xff" + old, jfif + "\xff\xff" + now}, // fill bytes
     };
     for (const auto& row : cases) {
-        const QByteArray result = replaced(jpegOf(row.before), block);
+        const QByteArray result = replacedJpeg(jpegOf(row.before), jpegBlock);
         EXPECT_EQ(result.toHex(), jpegOf(row.after).toHex());
-        EXPECT_EQ(jpeg::readExif(viewOf(result)), block);
-        EXPECT_TRUE(jpeg::replaceExif(viewOf(result), viewOf(block)).isIdentity(viewOf(result)));
+        EXPECT_EQ(jpeg::readExif(viewOf(result)), jpegBlock);
+        EXPECT_TRUE(
+            jpeg::replaceExif(viewOf(result), viewOf(jpegBlock)).isIdentity(viewOf(result)));
     }
 }
 
 TEST(JpegContainer, TheIndexOfAMultiPictureFileMovesAlong) {
     // An index behind the growth moves with what it points at; one before it does not.
-    const auto growth = static_cast<quint32>(exifSegment(block).size());
-    EXPECT_EQ(replaced(jpegOf(multiPictureSegment(1000, 900)), block),
-              jpegOf(exifSegment(block) + multiPictureSegment(1000 + growth, 900)));
+    const auto growth = static_cast<quint32>(exifSegment(jpegBlock).size());
+    EXPECT_EQ(replacedJpeg(jpegOf(multiPictureSegment(1000, 900)), jpegBlock),
+              jpegOf(exifSegment(jpegBlock) + multiPictureSegment(1000 + growth, 900)));
     const QByteArray old = exifSegment("MM");
-    EXPECT_EQ(replaced(jpegOf(multiPictureSegment(1000, 900) + old), block),
-              jpegOf(multiPictureSegment(1012, 912) + exifSegment(block)));
+    EXPECT_EQ(replacedJpeg(jpegOf(multiPictureSegment(1000, 900) + old), jpegBlock),
+              jpegOf(multiPictureSegment(1012, 912) + exifSegment(jpegBlock)));
 }
 
 TEST(JpegContainer, APreviewBehindTheBlockIsStillPointedAt) {
@@ -76,7 +77,8 @@ TEST(JpegContainer, APreviewBehindTheBlockIsStillPointedAt) {
         const quint32 noteAt = 8 + 2 + 12 + 4 + 2 + 12 + 4;
         const auto blockWith = [&](quint32 place, int padding) {
             return QByteArray("MM\0*\0\0\0\x08\0\1", 10) + field(0x8769, 4, 1, 26) + big(0U) +
-                   big(quint16{1}) + field(0x927c, 7, 8 + 36, noteAt) + big(0U) + "OLYMP\0\0\3" +
+                   big(quint16{1}) + field(0x927c, 7, 8 + 36, noteAt) + big(0U) +
+                   QByteArray("OLYMP\0\0\3", 8) +
                    field(0x101, 4, 1, place - (countsFromNote ? noteAt : 0)) +
                    field(0x102, 4, 1, 99) + field(0x103, 4, 2, place) + QByteArray(padding, '.');
         };
@@ -90,21 +92,21 @@ TEST(JpegContainer, APreviewBehindTheBlockIsStillPointedAt) {
         // What is no single number stays.
         const QByteArray other = field(0x103, 4, 2, placeIn(100));
         expected.replace(expected.indexOf(other), 12, field(0x103, 4, 2, placeIn(0)));
-        EXPECT_EQ(replaced(fileWith(placeIn(0), 0), blockWith(placeIn(0), 100)), expected);
+        EXPECT_EQ(replacedJpeg(fileWith(placeIn(0), 0), blockWith(placeIn(0), 100)), expected);
     }
 }
 
 TEST(JpegContainer, WhatCannotBeRewrittenWithCertaintyIsRefused) {
-    const QByteArray full = exifSegment(block + QByteArray(0xfff7 - block.size(), 'x'));
-    EXPECT_THROW(replaced(jpegOf(full + exifSegment("and so on")), block), ContainerError);
-    EXPECT_NO_THROW(replaced(jpegOf({}), QByteArray(0xfff7, 'x')));
-    EXPECT_THROW(replaced(jpegOf({}), QByteArray(0xfff8, 'x')), ContainerError);
+    const QByteArray full = exifSegment(jpegBlock + QByteArray(0xfff7 - jpegBlock.size(), 'x'));
+    EXPECT_THROW(replacedJpeg(jpegOf(full + exifSegment("and so on")), jpegBlock), ContainerError);
+    EXPECT_NO_THROW(replacedJpeg(jpegOf({}), QByteArray(0xfff7, 'x')));
+    EXPECT_THROW(replacedJpeg(jpegOf({}), QByteArray(0xfff8, 'x')), ContainerError);
 
-    const QByteArray good = jpegOf(exifSegment(block));
+    const QByteArray good = jpegOf(exifSegment(jpegBlock));
     for (qsizetype length = 0; length < good.size() - scanOf(good).size(); ++length)
-        EXPECT_THROW(replaced(good.left(length), block), ParseError) << length;
-    const QByteArray sameSize = block + QByteArray(0xfff7 - block.size(), 'y');
-    EXPECT_EQ(replaced(jpegOf(full + exifSegment("and so on")), sameSize),
+        EXPECT_THROW(replacedJpeg(good.left(length), jpegBlock), ParseError) << length;
+    const QByteArray sameSize = jpegBlock + QByteArray(0xfff7 - jpegBlock.size(), 'y');
+    EXPECT_EQ(replacedJpeg(jpegOf(full + exifSegment("and so on")), sameSize),
               jpegOf(exifSegment(sameSize) + exifSegment("and so on")));
     EXPECT_THROW(jpeg::readExif(viewOf(good), {2}), ParseError);
 }

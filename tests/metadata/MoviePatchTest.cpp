@@ -58,7 +58,8 @@ TEST(MoviePatch, WritesTheTimeFieldsAndNothingElse) {
     } rows[] = {
         {"first second", movie(0, 7), movie(0, 0), utc(1904, 1, 1)},
         {"last second of 32 bits", movie(0, 7), movie(0, 0xffffffff), last},
-        {"64 bits", movie(1, 7), movie(1, movieEpoch + unixSeconds(in2050)), in2050},
+        {"64 bits", movie(1, 7), movie(1, movieEpoch + static_cast<quint64>(unixSeconds(in2050))),
+         in2050},
         {"version 0", movie(0, 7), movie(0, targetTime)},
         {"version 1", movie(1, 7), movie(1, targetTime)},
         {"both versions", mixed(1, 2), mixed(targetTime, targetTime)},

@@ -9,10 +9,10 @@ using namespace quorvane::test;
 
 namespace {
 
-const QByteArray block("MM\0*\0\0\0\x08\0\0\0\0\0\0\0", 15);
+const QByteArray webpBlock("MM\0*\0\0\0\x08\0\0\0\0\0\0\0", 15);
 
-QByteArray replaced(const QByteArray& file) {
-    return webp::replaceExif(viewOf(file), viewOf(block)).apply(viewOf(file));
+QByteArray replacedWebp(const QByteArray& file) {
+    return webp::replaceExif(viewOf(file), viewOf(webpBlock)).apply(viewOf(file));
 }
 
 /// Canvas of 300 by 200.
@@ -33,7 +33,7 @@ TEST(WebpContainer, TheChunkIsReplacedOrAddedBehindTheImage) {
     const QByteArray icc = riffChunk("ICCP", "colours");
     const QByteArray xmp = riffChunk("XMP ", "<x/>");
     const QByteArray old = riffChunk("EXIF", QByteArray("Exif\0\0II*\0\x08\0\0\0\0\0", 16));
-    const QByteArray now = riffChunk("EXIF", block);
+    const QByteArray now = riffChunk("EXIF", webpBlock);
     const struct {
         QByteArray before, after;
     } cases[] = {
@@ -48,24 +48,25 @@ TEST(WebpContainer, TheChunkIsReplacedOrAddedBehindTheImage) {
          extended(0x08) + lossy + now + "ZZZZ" + QByteArray(4, 0)},
     };
     for (const auto& row : cases) {
-        const QByteArray result = replaced(webpOf(row.before) + "behind");
+        const QByteArray result = replacedWebp(webpOf(row.before) + "behind");
         EXPECT_EQ(result.toHex(), (webpOf(row.after) + "behind").toHex());
-        EXPECT_EQ(webp::readExif(viewOf(result)), block);
-        EXPECT_TRUE(webp::replaceExif(viewOf(result), viewOf(block)).isIdentity(viewOf(result)));
+        EXPECT_EQ(webp::readExif(viewOf(result)), webpBlock);
+        EXPECT_TRUE(
+            webp::replaceExif(viewOf(result), viewOf(webpBlock)).isIdentity(viewOf(result)));
     }
     EXPECT_EQ(webp::readExif(viewOf(webpOf(extended(8) + lossy + old))),
               QByteArray("II*\0\x08\0\0\0\0\0", 10));
     // The last byte of padding is often forgotten.
-    EXPECT_EQ(replaced(webpOf(lossy).chopped(1)), webpOf(extended(0x08) + lossy + now));
+    EXPECT_EQ(replacedWebp(webpOf(lossy).chopped(1)), webpOf(extended(0x08) + lossy + now));
 }
 
 TEST(WebpContainer, ABrokenFileIsRefused) {
     const QByteArray good = webpOf(losslessChunk(3, 2, false) + riffChunk("XMP ", "<x/>"));
     for (qsizetype length = 0; length < good.size() - 1; ++length)
-        EXPECT_THROW(replaced(good.left(length)), ParseError) << length;
+        EXPECT_THROW(replacedWebp(good.left(length)), ParseError) << length;
     for (const QByteArray& file :
          {webpOf({}), webpOf(extended(0)), webpOf(riffChunk("VP8 ", "not a picture")),
           webpOf(riffChunk("VP8L", "not a picture")), webpOf("VP8 \xff\xff\xff\xff")})
-        EXPECT_THROW(replaced(file), ParseError);
+        EXPECT_THROW(replacedWebp(file), ParseError);
     EXPECT_THROW(webp::readExif(viewOf(good), {1}), ParseError);
 }

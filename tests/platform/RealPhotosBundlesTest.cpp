@@ -41,13 +41,13 @@ std::map<std::filesystem::path, QByteArray> digestsOf(const std::filesystem::pat
     return digests;
 }
 
-std::string titleOf(const Collection& collection) {
+std::string narrowTitleOf(const Collection& collection) {
     return std::visit([](const auto& c) { return c.title.toStdString(); }, collection);
 }
 
 std::vector<std::string> titlesOf(const std::vector<Collection>& collections) {
     std::vector<std::string> titles;
-    std::ranges::transform(collections, std::back_inserter(titles), titleOf);
+    std::ranges::transform(collections, std::back_inserter(titles), narrowTitleOf);
     return titles;
 }
 

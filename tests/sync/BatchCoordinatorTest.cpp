@@ -159,7 +159,7 @@ TEST_F(Batches, AFailedRequestFailsItsRecordsAndAStopLeavesThemStaged) {
         {[] {}, u"STAGED"_s, kept}, // stopped before it began
     };
     for (const auto& [fault, expected, message] : rows) {
-        destination.answer = [&](const NewItem& item, const std::stop_token&) {
+        destination.answer = [&, &fault = fault](const NewItem& item, const std::stop_token&) {
             fault();
             return made(item);
         };
@@ -190,7 +190,7 @@ TEST_F(Batches, TheWorldsFaultsCostNoRecordAndARefusedTokenOnce) {
     for (const auto& [answers, expected] : rows) {
         attempts.begin(World::endless);
         std::size_t next = 0;
-        destination.answer = [&](const NewItem& item, const std::stop_token&) {
+        destination.answer = [&, &answers = answers](const NewItem& item, const std::stop_token&) {
             return next < answers.size() ? answers[next++]() : made(item);
         };
         enqueue(0, 1);
