@@ -30,6 +30,15 @@ std::optional<Fault> faultOf(int errorNumber) {
     }
 }
 
+/// So that a rename in it survives a power cut, as far as the system lets us.
+void flushFolder(const std::filesystem::path& folder) noexcept {
+    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return;
+    ::fsync(fd);
+    ::close(fd);
+}
+
 } // namespace
 
 FileError::FileError(const QString& what, const std::filesystem::path& path, int errorNumber)
@@ -177,14 +186,6 @@ void replaceFile(const std::filesystem::path& path, const QByteArray& bytes, mod
         throw;
     }
     flushFolder(path.parent_path());
-}
-
-void flushFolder(const std::filesystem::path& folder) noexcept {
-    const int fd = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0)
-        return;
-    ::fsync(fd);
-    ::close(fd);
 }
 
 } // namespace quorvane

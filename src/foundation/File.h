@@ -73,7 +73,4 @@ QByteArray readWholeFile(const std::filesystem::path& path, std::int64_t limit);
 /// the old file or the new one, never a part. Throws `FileError` and leaves the old file as it was.
 void replaceFile(const std::filesystem::path& path, const QByteArray& bytes, mode_t mode = 0600);
 
-/// Flushes a folder's entries, so that a rename in it survives a power cut. Errors are ignored.
-void flushFolder(const std::filesystem::path& folder) noexcept;
-
 } // namespace quorvane

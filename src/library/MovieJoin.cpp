@@ -42,7 +42,6 @@ RecordSource::Movie joinMovie(PhotoLibrary& library, const PhotoAssetResource& m
     motion::join(still, copy.path(), joined.path(), stop);
     if (::rename(joined.path().c_str(), still.c_str()) != 0)
         throw FileError(QStringLiteral("Dosya değiştirilemedi"), still, errno);
-    flushFolder(still.parent_path());
     setFileDates(still, date);
     return {content.sha256, content.version};
 }

@@ -129,12 +129,12 @@ class TemporaryFile {
         flushFile(descriptor_.get(), path_);
     }
 
-    /// Throws `FileError` and leaves the file as it was.
+    /// Throws `FileError` and leaves the file as it was. The folder is not flushed: a name that a
+    /// power cut takes back stands for the file as it was.
     void replace(const std::filesystem::path& file) {
         if (::rename(path_.c_str(), file.c_str()) != 0)
             throw FileError(QStringLiteral("Dosya değiştirilemedi"), file, errno);
         path_.clear();
-        flushFolder(file.parent_path());
     }
 
   private:
