@@ -17,7 +17,7 @@ namespace quorvane {
 namespace {
 
 constexpr size_t idleLanesKept = 4;
-constexpr long uploadBufferBytes = 1 << 20;
+constexpr long uploadBufferBytes = 2 << 20; // the most that curl takes
 
 struct EasyCleanup {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
