@@ -106,9 +106,8 @@ def staging(table, folder):
         shutil.rmtree(copies)
         return [run('cp', '-r', library, copies), run(*EXIFTOOL, '-r', copies),
                 run('sh', '-c', 'find "$0" -type f -exec sha256sum {} +', copies), run('sync', '-f', copies)]
-    mine = in_turn(ours)[0]
+    mine, plain = in_turn(ours, bare)
     shutil.rmtree(folder / 'home')
-    plain = in_turn(bare)[0]
     table.add('staging 1,000 JPEGs of 3 MB, beside a bare copy and 2 hashes; s', mine.wall, '<= 1.3', plain.wall)
     what, goal = 'the same, beside cp, exiftool, sha256sum, sync; pictures/s', '>= 3'
     if missing := lacks('exiftool'):
@@ -134,28 +133,49 @@ def dates(table, folder):
 
 
 def dates_into(table, folder, kind, sample, count=300):
-    def fresh(*command):
-        copies = emptied(folder / 'copies')
-        files = [copies / f'{i}{sample.suffix}' for i in range(count)]
+    """Each file is written anew beside the old one, flushed, and takes its place, by us and by the
+    others: exiftool flushes nothing, and exiv2 writes into the file itself."""
+    def fresh():
+        """A folder of its own with copies, and one to put others aside. Those of before are emptied
+        and stay: where many files were just removed, ext4 takes long to make new ones."""
+        for file in folder.glob('copies-*/*/*'):
+            os.truncate(file, 0)
+        place = Path(tempfile.mkdtemp(prefix='copies-', dir=folder))
+        files = [place / f'of/{i}{sample.suffix}' for i in range(count)]
+        emptied(place / 'of')
         for file in files:
             shutil.copy(sample, file)
-        return run(*command, *files)
+        return files, emptied(place / 'aside')
+
+    def ours():
+        return run('quorvane-bench', 'stamp', SECONDS, *fresh()[0])
+
+    def exiftool():
+        files, _ = fresh()
+        return [run(*EXIFTOOL, *files), run('sync', *files)]
+
+    def exiv2():
+        files, aside = fresh()
+        made = [aside / file.name for file in files]
+        return [run('cp', '-t', aside, *files), run(*EXIV2, *made), run('sync', *made),
+                run('mv', '-t', files[0].parent, *made)]
 
     def bare():
-        target = emptied(folder / 'bare')
-        return fresh('cp', '-t', target)
-    peers = [('exiftool', '<= 0.12', lambda: fresh(*EXIFTOOL))]
+        files, aside = fresh()
+        return [run('cp', '-t', aside, *files), run('sync', *(aside / file.name for file in files))]
+    peers = [('exiftool', 'exiftool, sync', '<= 0.12', exiftool)]
     if kind != 'HEIC':  # exiv2 writes none
-        peers.append(('exiv2', '<= 0.6', lambda: fresh(*EXIV2)))
+        peers.append(('exiv2', 'cp, exiv2, sync, mv', '<= 0.6', exiv2))
     if kind in ('JPEG', 'HEIC'):
-        peers.append(('cp', '<= 1.3' if kind == 'JPEG' else '<= 2', bare))
+        peers.append(('cp', 'cp, sync', '<= 1.3' if kind == 'JPEG' else '<= 2', bare))
     there = [peer for peer in peers if not lacks(peer[0])]
-    mine, *theirs = in_turn(lambda: fresh('quorvane-bench', 'stamp', SECONDS), *(work for _, _, work in there))
-    for (name, goal, _), each in zip(there, theirs):
-        table.add(f'date into {kind}, beside {name}; CPU ms', mine.cpu * 1000 / count, goal, each.cpu * 1000 / count)
-    for name, goal, _ in peers:
+    mine, *theirs = in_turn(ours, *(work for *_, work in there))
+    for (_, steps, goal, _), each in zip(there, theirs):
+        table.add(f'date into {kind}, flushed, beside {steps}; CPU ms', mine.cpu * 1000 / count, goal,
+                  each.cpu * 1000 / count)
+    for name, steps, goal, _ in peers:
         if lacks(name):
-            table.left_out(f'date into {kind}, beside {name}; CPU ms', goal, lacks(name))
+            table.left_out(f'date into {kind}, flushed, beside {steps}; CPU ms', goal, lacks(name))
 
 
 def movies(table, folder, count=50):
