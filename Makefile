@@ -16,7 +16,7 @@ help:
 	@echo 'make soak    kill the program at random instants for 20 minutes (MINUTES=n: for n)'
 	@echo 'make sweep   fail every system call and statement of a small backup, one after another'
 	@echo 'make setup   install the Debian packages that are missing (the others call it)'
-	@echo 'make format  format the sources; make lint: check them'
+	@echo 'make format  format the sources; make lint: check format, C++ and QML'
 
 setup:
 	@scripts/setup.sh build test run
@@ -84,7 +84,7 @@ format:
 	@git ls-files '*.cpp' '*.h' '*.mm' | xargs clang-format -i
 
 lint:
-	@scripts/setup.sh build lint
+	@scripts/setup.sh build test lint
 	@scripts/lint.sh
 
 clean:

@@ -34,7 +34,7 @@ TEST(StatusItemTest, theAnimationShowsSixteenFramesInTurnAndNeverTwoAtOnce) {
     EXPECT_EQ(shown[2], animator.frames()[1].cacheKey());
     EXPECT_EQ(shown[17], shown[1]);
     const auto before = shown.size();
-    waitOnMainThread([&] { return timer.elapsed() > 20 * 84; });
+    waitOnMainThread([&] { return timer.elapsed() > qint64{20} * 84; });
     EXPECT_EQ(shown.size(), before);
 }
 

@@ -5,7 +5,7 @@
 #include "google/CurlHttpClient.h"
 #include "ui/window/MenuBarController.h"
 
-#define __APPLE__ 1
+#define __APPLE__ 1 // NOLINT(bugprone-reserved-identifier)
 #include "app/gui/QuorvaneApp.h"
 
 static_assert(std::is_same_v<quorvane::PlatformPorts, quorvane::MacPorts>);

@@ -19,5 +19,5 @@
 extern "C" int renameatx_np(int, const char*, int, const char*, unsigned int);
 extern "C" int lchflags(const char*, unsigned int);
 
-#define __APPLE__ 1
+#define __APPLE__ 1              // NOLINT(bugprone-reserved-identifier)
 #include "foundation/System.cpp" // NOLINT(bugprone-suspicious-include)
