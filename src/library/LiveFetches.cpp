@@ -10,7 +10,7 @@ FetchResultChangeDetails differenceOf(const std::vector<PhotoAsset>& before,
                                       const AssetFetchResult& after) {
     const auto [oldRest, newRest] = std::ranges::mismatch(before, *after);
     const std::span<const PhotoAsset> old(oldRest, before.end());
-    std::unordered_map<QString, const PhotoAsset*> gone;
+    std::unordered_map<AssetIdentifier, const PhotoAsset*> gone;
     gone.reserve(old.size());
     for (const PhotoAsset& asset : old)
         gone.emplace(asset.localIdentifier, &asset);

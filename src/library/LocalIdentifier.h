@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QString>
+#include "store/AssetIdentifier.h"
 
 /// Local identifiers have PhotoKit's form: an upper-case UUID and a tail that says what it names.
 namespace quorvane::localIdentifier {
 
-inline const QString assetTail = QStringLiteral("/L0/001");
+inline const QString& assetTail = AssetIdentifier::tail;
 inline const QString folderTail = QStringLiteral("/L0/020");
 inline const QString albumTail = QStringLiteral("/L0/040");
 

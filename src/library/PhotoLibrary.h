@@ -5,6 +5,7 @@
 #include "foundation/FileVersion.h"
 #include "library/DeletionConfirmation.h"
 #include "metadata/MetadataTypes.h"
+#include "store/AssetIdentifier.h"
 
 #include <QString>
 #include <QStringList>
@@ -49,7 +50,7 @@ enum class AssetResourceType : int {
 };
 
 struct PhotoAsset {
-    QString localIdentifier; ///< "<UUID>/L0/001"
+    AssetIdentifier localIdentifier;
     AssetMediaType mediaType = AssetMediaType::unknown;
     std::uint32_t mediaSubtypes = 0;
     std::optional<Date> creationDate;

@@ -48,7 +48,7 @@ std::optional<SyncRecord> recordOf(const PhotoAsset& asset) {
 /// A file in the staging folder, and the asset that it is of.
 struct RecoveredFile {
     std::string name;
-    QString identifier;
+    AssetIdentifier identifier;
 };
 
 /// A STAGED record. Only the still or the movie survives, so a Live Photo comes back as a photo.
@@ -82,9 +82,9 @@ std::vector<RecoveredFile> recoveredFilesIn(const std::filesystem::path& folder)
 /// must outlive it.
 template <typename Item, typename RecordOf>
 DatabaseManager::RecordSource newRecordsOf(const std::vector<Item>& items,
-                                           const QString Item::*identifier,
+                                           const AssetIdentifier Item::*identifier,
                                            DatabaseManager& database, RecordOf recordOf) {
-    std::vector<const QString*> identifiers;
+    std::vector<const AssetIdentifier*> identifiers;
     identifiers.reserve(items.size());
     for (const Item& item : items)
         identifiers.push_back(&(item.*identifier));

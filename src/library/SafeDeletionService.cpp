@@ -339,7 +339,7 @@ void SafeDeletionService::recordDeletion(const std::vector<SyncRecord>& records)
 
 QString SafeDeletionService::nameOf(const PhotoAsset& asset) {
     const auto resource = resourceToStage(s_.library.assetResources(asset));
-    return resource ? resource->originalFilename : asset.localIdentifier;
+    return resource ? resource->originalFilename : asset.localIdentifier.text();
 }
 
 void SafeDeletionService::leaveOut(DeletionSummary& summary, const QString& name,

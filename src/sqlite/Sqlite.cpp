@@ -200,10 +200,15 @@ bool Statement::isNull(int column) const {
 }
 
 QString Statement::text(int column) const {
+    const std::string_view utf8 = view(column);
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+std::string_view Statement::view(int column) const {
     const void* bytes = sqlite3_column_text(statement_.get(), column);
     const int size = sqlite3_column_bytes(statement_.get(), column);
     connection_.countBytes(size);
-    return QString::fromUtf8(static_cast<const char*>(bytes), size);
+    return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
 }
 
 std::optional<QString> Statement::optionalText(int column) const {

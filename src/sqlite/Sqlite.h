@@ -13,6 +13,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -132,6 +133,8 @@ class Statement {
 
     bool isNull(int column) const;
     QString text(int column) const;
+    /// The same as UTF-8; good until the next step.
+    std::string_view view(int column) const;
     std::optional<QString> optionalText(int column) const;
     QByteArray bytes(int column) const;
     std::int64_t integer(int column) const;

@@ -101,9 +101,9 @@ void DatabaseManager::open(Console& console) {
         return;
     }
     connection_->setBusyTimeout(busyTimeoutMilliseconds);
-    for (const char* sql :
-         {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;", statements::synchronous,
-          statements::schema, statements::partialIndexes, statements::besides})
+    for (const char* sql : {"PRAGMA journal_mode=WAL;", "PRAGMA foreign_keys=ON;",
+                            statements::synchronous, statements::cacheSize, statements::schema,
+                            statements::partialIndexes, statements::besides})
         tryToExecute(sql);
     if (!hasPlanStatistics() && !tryToExecute(statements::planStatistics))
         tryToExecute("ROLLBACK;"); // they are a matter of speed only

@@ -14,12 +14,14 @@ constexpr const char* allIdentifiers =
 /// Positions in a list of identifiers, in the order of these.
 class SortedPositions {
     struct At {
-        const std::vector<const QString*>& identifiers;
-        const QString& operator()(std::uint32_t position) const { return *identifiers[position]; }
+        const std::vector<const AssetIdentifier*>& identifiers;
+        const AssetIdentifier& operator()(std::uint32_t position) const {
+            return *identifiers[position];
+        }
     };
 
   public:
-    explicit SortedPositions(const std::vector<const QString*>& identifiers)
+    explicit SortedPositions(const std::vector<const AssetIdentifier*>& identifiers)
         : at_{identifiers}, sorted_(identifiers.size()) {
         std::iota(sorted_.begin(), sorted_.end(), 0U);
         std::ranges::sort(sorted_, {}, at_);
@@ -28,7 +30,7 @@ class SortedPositions {
 
     /// Those that have this identifier. The index yields what it has in nearly the same order, so
     /// mostly the next one is asked for.
-    std::span<const std::uint32_t> find(const QString& identifier) {
+    std::span<const std::uint32_t> find(const AssetIdentifier& identifier) {
         if (next_ == sorted_.end() || at_(*next_) != identifier)
             next_ = std::ranges::lower_bound(sorted_, identifier, {}, at_);
         const auto first = next_;
@@ -45,7 +47,7 @@ class SortedPositions {
 
 } // namespace
 
-std::vector<bool> areKnown(const std::vector<const QString*>& identifiers,
+std::vector<bool> areKnown(const std::vector<const AssetIdentifier*>& identifiers,
                            DatabaseManager& database) {
     std::vector<bool> known(identifiers.size());
     if (identifiers.empty())
@@ -58,7 +60,7 @@ std::vector<bool> areKnown(const std::vector<const QString*>& identifiers,
         while (row.step()) {
             if (!positions)
                 positions.emplace(identifiers);
-            for (const std::uint32_t position : positions->find(row.text(0)))
+            for (const std::uint32_t position : positions->find(AssetIdentifier::of(row.view(0))))
                 known[position] = true;
         }
     });

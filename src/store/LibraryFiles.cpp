@@ -9,7 +9,7 @@ std::vector<LibraryFile> LibraryFiles::all() {
         std::vector<LibraryFile> files;
         while (row.step())
             files.push_back({row.bytes(0).toStdString(),
-                             row.text(1),
+                             AssetIdentifier::of(row.view(1)),
                              {row.integer(2), row.integer(3), row.integer(4),
                               static_cast<std::uint64_t>(row.integer(5))}});
         return files;
@@ -30,7 +30,7 @@ void LibraryFiles::update(const std::vector<LibraryFile>& changed,
         for (const LibraryFile& file : changed) {
             row.reset();
             row.bind(1, QByteArray::fromStdString(file.path));
-            row.bind(2, file.identifier);
+            row.bind(2, file.identifier.text());
             row.bind(3, file.version.size);
             row.bind(4, file.version.modified);
             row.bind(5, file.version.changed);

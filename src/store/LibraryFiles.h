@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/FileVersion.h"
+#include "store/AssetIdentifier.h"
 #include "store/DatabaseManager.h"
 
 #include <string>
@@ -11,7 +12,7 @@ namespace quorvane {
 /// inside the library.
 struct LibraryFile {
     std::string path;
-    QString identifier;
+    AssetIdentifier identifier;
     FileVersion version;
 };
 

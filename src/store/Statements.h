@@ -29,6 +29,10 @@ CREATE INDEX IF NOT EXISTS idx_updated_at  ON sync_records(updated_at);)sql";
 /// the disk per record would buy nothing for several milliseconds each.
 inline constexpr const char* synchronous = "PRAGMA synchronous=NORMAL;";
 
+/// KiB. Identifiers are in no order: beyond some ten thousand records, with SQLite's own 2 MiB,
+/// each insertion would read a page of the index and write another.
+inline constexpr const char* cacheSize = "PRAGMA cache_size=-8000;";
+
 /// Serve the queries that are asked again and again over a few of very many records.
 inline constexpr const char* partialIndexes =
     R"sql(CREATE INDEX IF NOT EXISTS idx_pending ON sync_records(created_at)

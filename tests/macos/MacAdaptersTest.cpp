@@ -55,7 +55,7 @@ TEST_F(MacAdapters, AnAlbumOfThePhotosApplicationIsASourceOrAnEmptyOne) {
     mac.scriptResult = "new/L0/001\nold/L0/001\n\n";
     const auto assets = albums.fetchAssets(u"photos_app_album:A"_s).oldestFirst;
     ASSERT_EQ(assets->size(), 2u);
-    EXPECT_EQ(assets->front().localIdentifier, u"old/L0/001");
+    EXPECT_EQ(assets->front().localIdentifier.text(), u"old/L0/001");
     EXPECT_TRUE(mac.programs.back().starts_with("tell application \"Photos\"\n    set prevTIDs"));
 
     mac.scriptError = "Not authorized";

@@ -97,9 +97,9 @@ TEST_F(FolderLibraryTest, ExportsEveryFileUnderAnIdentifierOfItsOwnAcrossRunsAnd
     const auto assets = library.fetchAssets();
     std::set<QString> identifiers;
     for (const PhotoAsset& asset : *assets) {
-        EXPECT_TRUE(asset.localIdentifier.endsWith(QStringLiteral("/L0/001")));
-        EXPECT_EQ(asset.localIdentifier, asset.localIdentifier.toUpper());
-        EXPECT_EQ(asset.localIdentifier.size(), 43);
+        EXPECT_TRUE(asset.localIdentifier.text().endsWith(QStringLiteral("/L0/001")));
+        EXPECT_EQ(asset.localIdentifier, asset.localIdentifier.text().toUpper());
+        EXPECT_EQ(asset.localIdentifier.text().size(), 43);
         identifiers.insert(asset.localIdentifier);
         const auto resource = library.assetResources(asset).at(0);
         EXPECT_LE(resource.originalFilename.toUtf8().size(), 255);

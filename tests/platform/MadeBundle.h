@@ -65,7 +65,7 @@ class MadeBundle : public testing::Test {
     static std::vector<int> keysOf(const AssetFetchResult& assets) {
         std::vector<int> keys;
         for (const PhotoAsset& asset : *assets)
-            keys.push_back(asset.localIdentifier.mid(24, 12).toInt());
+            keys.push_back(asset.localIdentifier.text().mid(24, 12).toInt());
         return keys;
     }
 

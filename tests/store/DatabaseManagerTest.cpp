@@ -1,5 +1,6 @@
 #include "store/DatabaseManager.h"
 
+#include "store/KnownAssets.h"
 #include "store/Statements.h"
 #include "support/Failures.h"
 #include "support/Records.h"
@@ -87,6 +88,26 @@ TEST_F(DatabaseManagerTest, readsLeniently) {
     EXPECT_EQ(records[0].fileSizeBytes, 5'000'000'000);
     EXPECT_EQ(records[0].sha256Hash, std::nullopt);
     EXPECT_GT(records[0].createdAt, Date(std::chrono::seconds(1'700'000'000)));
+}
+
+TEST_F(DatabaseManagerTest, tellsWhichAssetsAreKnownWhateverTheirIdentifiersLookLike) {
+    const QString uuid = QStringLiteral("3DD2C897-F19E-4CA6-8C22-B027D5A71907/L0/001");
+    const QStringList known{QStringLiteral("ş"), uuid, QStringLiteral("A/L0/001"),
+                            QString(uuid).replace(u'3', u'0'),
+                            QStringLiteral("00000000-0000-0000-0000-000000000000/L0/001")};
+    std::vector<AssetIdentifier> asked{uuid.toLower(), uuid, QString(uuid).replace(u'3', u'F'),
+                                       uuid};
+    std::vector<bool> expected{false, true, false, true};
+    for (const QString& text : known) {
+        db.insertIfNotExists(recordOf(text));
+        asked.emplace_back(text);
+        expected.push_back(true);
+        EXPECT_EQ(asked.back().text(), text);
+    }
+    std::vector<const AssetIdentifier*> pointers;
+    for (const AssetIdentifier& identifier : asked)
+        pointers.push_back(&identifier);
+    EXPECT_EQ(areKnown(pointers, db), expected);
 }
 
 TEST_F(DatabaseManagerTest, asksForAFewOfVeryManyRecordsWithoutSortingThemAll) {

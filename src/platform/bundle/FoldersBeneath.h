@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <map>
+#include <string>
+#include <string_view>
 
 namespace quorvane {
 
@@ -21,10 +23,10 @@ class FoldersBeneath {
         FileDescriptor file;
         bool isMissing = false; ///< else, when it is not open, nobody can tell
     };
-    const Folder& folder(const std::filesystem::path& relative);
+    const Folder& folder(std::string_view relative);
 
     const std::filesystem::path root_;
-    std::map<std::filesystem::path, Folder> folders_;
+    std::map<std::string, Folder, std::less<>> folders_;
 };
 
 } // namespace quorvane

@@ -244,11 +244,14 @@ std::vector<PhotoAssetResource> PhotosBundleLibrary::assetResources(const PhotoA
 
 std::map<QString, AbsentOriginal>
 PhotosBundleLibrary::absentOriginals(const std::vector<PhotoAsset>& assets, std::stop_token stop) {
-    std::vector<QStringView> asked;
+    const auto identifierOf = [](const PhotoAsset* asset) -> const AssetIdentifier& {
+        return asset->localIdentifier;
+    };
+    std::vector<const PhotoAsset*> asked;
     asked.reserve(assets.size());
     for (const PhotoAsset& asset : assets)
-        asked.push_back(asset.localIdentifier);
-    std::ranges::sort(asked);
+        asked.push_back(&asset);
+    std::ranges::sort(asked, {}, identifierOf);
     const auto layout = this->layout();
     FoldersBeneath folders(bundle_);
     std::map<QString, AbsentOriginal> absent;
@@ -259,8 +262,8 @@ PhotosBundleLibrary::absentOriginals(const std::vector<PhotoAsset>& assets, std:
         for (const PhotosAssetFiles& asset : some) {
             if (stop.stop_requested())
                 throw Cancelled();
-            const QString identifier = asset.uuid + assetTail;
-            if (!std::ranges::binary_search(asked, QStringView(identifier)))
+            const auto identifier = AssetIdentifier::ofUuid(asset.uuid.toStdString());
+            if (!std::ranges::binary_search(asked, identifier, {}, identifierOf))
                 continue;
             if (auto absence = layout->absence(asset, folders))
                 absent.emplace(identifier, std::move(*absence));

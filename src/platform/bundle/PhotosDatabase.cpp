@@ -1,7 +1,5 @@
 #include "platform/bundle/PhotosDatabase.h"
 
-#include "library/LocalIdentifier.h"
-
 #include <QUuid>
 
 #include <cmath>
@@ -53,7 +51,7 @@ std::optional<GeoLocation> locationAt(const Statement& row, int column) {
 
 PhotoAsset assetFrom(const Statement& row) {
     PhotoAsset asset;
-    asset.localIdentifier = row.text(0) + localIdentifier::assetTail;
+    asset.localIdentifier = AssetIdentifier::ofUuid(row.view(0));
     asset.mediaType = mediaTypeOf(row.integer(1));
     if (asset.mediaType == AssetMediaType::image && row.integer(2) == livePhoto)
         asset.mediaSubtypes |= mediaSubtypePhotoLive;
@@ -105,9 +103,12 @@ Statement PhotosDatabase::prepare(const QString& sql) {
 
 std::vector<PhotoAsset> PhotosDatabase::collect(Statement& rows) const {
     std::vector<PhotoAsset> assets;
-    while (rows.step())
-        if (!QUuid::fromString(rows.text(0)).isNull()) // a damaged row names no files either
-            assets.push_back(assetFrom(rows));
+    while (rows.step()) {
+        PhotoAsset asset = assetFrom(rows);
+        const bool isCanonical = !asset.localIdentifier.uuid().isNull();
+        if (isCanonical || !QUuid::fromString(rows.text(0)).isNull()) // a damaged row has no files
+            assets.push_back(std::move(asset));
+    }
     return assets;
 }
 

@@ -28,7 +28,7 @@ QUuid identifierFrom(const QString& text, const QString& tail) {
 
 PhotoAsset assetOf(const KnownFile& file) {
     PhotoAsset asset;
-    asset.localIdentifier = identifierText(file.identifier, assetTail);
+    asset.localIdentifier = AssetIdentifier(file.identifier);
     asset.mediaType = mediaTypeOfName(file.path);
     asset.modificationDate = Date(std::chrono::duration_cast<Date::duration>(
         std::chrono::nanoseconds(file.version.modified)));
@@ -357,9 +357,9 @@ void FolderLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidate
     const Index index = lastScan();
     FolderDeletion deletion(root_, guard, stop);
     for (const DeletionCandidate& candidate : candidates) {
-        const QString& identifier = candidate.asset.localIdentifier;
+        const AssetIdentifier& identifier = candidate.asset.localIdentifier;
         // One that changed since is told by its bytes; one that was moved has to be looked for.
-        const KnownFile* seen = index->file(identifierFrom(identifier, assetTail));
+        const KnownFile* seen = index->file(identifier.uuid());
         const auto found = seen && fileVersion(root_ / seen->path) ? *seen : find(identifier);
         deletion.add(candidate, found ? std::optional(found->path) : std::nullopt);
     }
