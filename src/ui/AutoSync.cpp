@@ -81,6 +81,7 @@ void AutoSync::runEnded(const SyncRunOutcome& outcome) {
     const RunState state = outcome.state();
     knownPending_ = model_.pendingCount();
     turns_.ended(outcome);
+    next_.stop();
     isDue_ = false;
     if (state.end == RunState::End::stopped || state.end == RunState::End::albumFull ||
         state.needsSignIn())

@@ -57,8 +57,8 @@ class AutoSync final : public QObject {
     MenuBarViewModel& model_;
     const Services s_;
     Turns turns_;
-    QTimer next_;  ///< until the next run
-    QTimer pause_; ///< while it is paused: looks whether that is over
+    QTimer next_{this};  ///< until the next run
+    QTimer pause_{this}; ///< while it is paused: looks whether that is over
     int knownPending_ = 0;
     bool isDue_ = false; ///< a run was to begin, and may not yet
 };

@@ -4,8 +4,6 @@
 #include "support/TestProgram.h"
 #include "ui/MenuBarViewModel.h"
 
-#include <QJsonObject>
-
 namespace quorvane::test {
 
 /// A desktop that keeps what it was asked.
@@ -50,13 +48,7 @@ class ModelWorld {
     /// Runs the event loop until nothing is under way; false after ten seconds.
     bool settle();
 
-    /// What changed of the published state since the last call, a line per property; values that
-    /// differ from run to run (identifiers, speeds, times, how far a stopped run came) are left
-    /// out.
-    QString changes();
-
   private:
-    QJsonObject lastState_;
     std::shared_ptr<const LibrarySession> session_;
 
   public:
