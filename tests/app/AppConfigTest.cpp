@@ -3,8 +3,6 @@
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
-#include <QRegularExpression>
-
 #include <gtest/gtest.h>
 
 namespace quorvane::test {

@@ -66,10 +66,7 @@ TEST(File, replacingIsWholeAndLeavesNoTemporary) {
     EXPECT_THROW(replaceFile(folder / "missing/a", "x"), FileError);
     std::filesystem::create_directory(folder / "taken");
     EXPECT_THROW(replaceFile(folder / "taken", "x"), FileError); // a folder stands there
-    int entries = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        ++entries;
-    EXPECT_EQ(entries, 2);
+    EXPECT_EQ(test::entriesIn(folder.path()), 2);
     EXPECT_THROW(readWholeFile(file, 2), FileError);
     EXPECT_THROW(readWholeFile(folder.path(), 100), FileError);
 }

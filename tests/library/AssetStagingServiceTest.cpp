@@ -8,8 +8,6 @@
 #include <cerrno>
 #include <thread>
 
-#include <sys/stat.h>
-
 using namespace Qt::StringLiterals;
 
 namespace quorvane::test {

@@ -2,7 +2,6 @@
 
 #include "FakePhotoLibrary.h"
 #include "library/AssetStagingService.h"
-#include "library/DeletionConfirmation.h"
 #include "library/RemoteItems.h"
 #include "sample/SampleMedia.h"
 #include "support/Fakes.h"
@@ -25,11 +24,6 @@ QStringList printedBy(Work&& work) {
     return QString::fromStdString(testing::internal::GetCapturedStdout())
         .split(u'\n', Qt::SkipEmptyParts);
 }
-
-class NoConsent final : public DeletionConfirmation {
-  public:
-    bool confirmDeletion(const DeletionQuestion&) override { return false; }
-};
 
 /// The items at the destination.
 class FakeRemoteItems final : public RemoteItems {

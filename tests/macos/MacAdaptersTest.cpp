@@ -13,7 +13,6 @@
 #include "support/TemporaryFolder.h"
 
 #include "foundation/MainThread.h"
-#include "google/TokenStore.h"
 #include "library/PhotoAlbumService.h"
 #include "platform/FolderWorld.h"
 
@@ -48,10 +47,6 @@ TEST_F(MacAdapters, AnAlbumOfThePhotosApplicationIsASourceOrAnEmptyOne) {
     Preferences preferences(folder / "p.json");
     AppleScripts scripts;
     PhotoAlbumService albums(library, preferences, log, u"photos:"_s, &scripts);
-    mac.scriptResult = "A/L0/040:::Yaz ::: 2024:::2\nbozuk satır\n";
-    EXPECT_THAT(
-        albums.fetchApplePhotosAlbums(),
-        testing::ElementsAre(LocalAlbumItem{u"photos_app_album:A/L0/040"_s, u"Yaz ::: 2024"_s, 2}));
     mac.scriptResult = "new/L0/001\nold/L0/001\n\n";
     const auto assets = albums.fetchAssets(u"photos_app_album:A"_s).oldestFirst;
     ASSERT_EQ(assets->size(), 2u);
@@ -71,8 +66,7 @@ TEST_F(MacAdapters, AnAlbumOfThePhotosApplicationIsASourceOrAnEmptyOne) {
         EXPECT_TRUE(log.contains(line)) << line.toStdString();
 }
 
-TEST_F(MacAdapters, ARefusingKeychainLeavesTheMirror) {
-    Preferences preferences(folder / "p.json");
+TEST_F(MacAdapters, TheKeychainKeepsWhatItTakesAndSaysWhatItRefuses) {
     KeychainStore keychain;
     const QString key = u"com.quorvane.test"_s;
     EXPECT_EQ(keychain.write(key, u"eski"_s), 0);
@@ -82,14 +76,12 @@ TEST_F(MacAdapters, ARefusingKeychainLeavesTheMirror) {
     EXPECT_EQ(mac.lastAttributes, "accessible acct class data");
     EXPECT_EQ(keychain.read(key), u"şifre"_s);
     mac.addStatus = -34018;
-    TokenStore(keychain, preferences, log).writeToken(key, u"yeni"_s);
-    EXPECT_TRUE(log.contains(u"[Keychain] ⚠️ SecItemAdd hatası: -34018 (anahtar: "
-                             "com.quorvane.test) — Fallback kullanılacak"_s));
+    EXPECT_EQ(keychain.write(key, u"yeni"_s), -34018);
+    EXPECT_FALSE(keychain.read(key)) << "the old one does not come back";
+    mac.addStatus = 0;
+    keychain.write(key, u"son"_s);
+    keychain.remove(key);
     EXPECT_FALSE(keychain.read(key));
-    TokenStore later(keychain, preferences, log);
-    EXPECT_EQ(later.readToken(key), u"yeni"_s);
-    later.deleteToken(key);
-    EXPECT_FALSE(TokenStore(keychain, preferences, log).readToken(key));
 }
 
 TEST_F(MacAdapters, ASheetEndsInEachOfItsWaysOnce) {

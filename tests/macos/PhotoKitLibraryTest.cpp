@@ -2,9 +2,8 @@
 #include "macos/StandInPhotos.h"
 #include "platform/ChangeRecorder.h"
 #include "platform/PhotoLibraryContract.h"
+#include "support/Failures.h"
 #include "support/Fakes.h"
-
-#include "foundation/File.h"
 
 #include <gmock/gmock.h>
 
@@ -87,15 +86,6 @@ class PhotoKitLibraryTest : public testing::Test {
     AgreeingGuard guard;
 };
 
-QString errorFrom(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const Error& error) {
-        return error.localizedDescription();
-    }
-    return {};
-}
-
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(PhotoKit, PhotoLibraryContract,
@@ -149,7 +139,7 @@ TEST_F(PhotoKitLibraryTest, TakesWhatIsMissingForMissing) {
 
 TEST_F(PhotoKitLibraryTest, FetchesFromTheCloudAndSaysWhyItCannot) {
     const auto text = [&] {
-        return errorFrom([&] { library.writeData(original("a"), out / "a", {}); });
+        return messageOf([&] { library.writeData(original("a"), out / "a", {}); });
     };
     photos().put(StandInPhotos::Asset{"a/L0/001", {{1, "a", "bytes", true}}});
     world.set([](auto& mood) { mood.answersTwice = true; });

@@ -42,10 +42,6 @@ struct stat statusOf(const std::filesystem::path& file) {
     return status;
 }
 
-int entriesOf(const std::filesystem::path& folder) {
-    return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder), {}));
-}
-
 /// What exiftool reads of every file of a folder, binary values included: tag to value by file.
 QMap<QString, QJsonObject> dumpsOf(const std::filesystem::path& folder) {
     const QByteArray json =
@@ -125,7 +121,7 @@ TEST_F(ImageMetadata, RealPicturesStateTheDateAndKeepEverythingElse) {
             EXPECT_EQ(enrich(copy, row.date, row.asset).which, Case::success) << name;
             EXPECT_EQ(readFile(copy), once) << name;
         }
-        EXPECT_EQ(entriesOf(copies), static_cast<int>(names.size()));
+        EXPECT_EQ(entriesIn(copies), std::ssize(names));
         const auto after = dumpsOf(copies);
         for (const auto& name : names) {
             SCOPED_TRACE(name);
@@ -194,7 +190,7 @@ TEST_F(ImageMetadata, EveryContainerTakesTheDateWhateverItsNameSays) {
         EXPECT_EQ(statusOf(file).st_ino, inode);
         EXPECT_EQ(statusOf(file).st_mtim.tv_sec, 1614987000);
     }
-    EXPECT_EQ(entriesOf(folder_.path()), static_cast<int>(std::size(rows)));
+    EXPECT_EQ(entriesIn(folder_.path()), std::ssize(rows));
     EXPECT_TRUE(log_.messages().isEmpty());
 }
 
@@ -239,7 +235,7 @@ TEST_F(ImageMetadata, AFileThatCannotBeRewrittenStaysAsItWas) {
     }
     for (const QString& line : log_.messages())
         EXPECT_TRUE(line.startsWith(u"[Metadata] ⚠️ ")) << line.toStdString();
-    EXPECT_EQ(entriesOf(folder_.path()), static_cast<int>(std::size(rows)));
+    EXPECT_EQ(entriesIn(folder_.path()), std::ssize(rows));
     EXPECT_EQ(enrich(folder_ / "absent.jpg", party).message, u"CGImageSource oluşturulamadı");
     EXPECT_EQ(enrich(folder_.path(), party).message, u"CGImageSource oluşturulamadı");
 }

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 using namespace quorvane;
 using namespace quorvane::test;
 

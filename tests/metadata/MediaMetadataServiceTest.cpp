@@ -149,15 +149,7 @@ TEST_F(MediaMetadataServiceTest, SaysWhichDatesAreSecondBest) {
                                   "2016-06-06 00:00:00 +0000")}));
 }
 
-TEST_F(MediaMetadataServiceTest, WritesTheDateByTheKindOfTheFile) {
-    const auto clip = movieNamed("clip.M4V", false);
-    const MetadataResult written =
-        service.ensureMetadata(clip, AssetFacts{ofAsset, {}}, {}, Mode::strictNone);
-    EXPECT_EQ(written.which, Case::success);
-    EXPECT_EQ(written.date, ofAsset);
-    EXPECT_EQ(readMP4CreationDate(clip), ofAsset);
-    EXPECT_TRUE(service.hasEmbeddedDate(clip));
-
+TEST_F(MediaMetadataServiceTest, SaysWhatItCannotDate) {
     const auto sound = folder.write("2019-01-01.MP3", "tune");
     const MetadataResult other = service.ensureMetadata(sound, {}, {}, Mode::strictNone);
     EXPECT_EQ(other.which, Case::failed);

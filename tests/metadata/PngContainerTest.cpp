@@ -2,7 +2,6 @@
 
 #include "ImageFixtures.h"
 
-#include <ctime>
 #include <gtest/gtest.h>
 
 using namespace quorvane;

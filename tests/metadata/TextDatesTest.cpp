@@ -1,6 +1,5 @@
 #include "metadata/TextDates.h"
 
-#include "Dates.h"
 #include "metadata/FolderNameDates.h"
 #include "metadata/LocalCalendar.h"
 

@@ -2,6 +2,7 @@
 
 #include "google/OAuthError.h"
 #include "platform/linux/CallbackSocket.h"
+#include "support/Failures.h"
 #include "support/Fakes.h"
 #include "support/TemporaryFolder.h"
 
@@ -88,12 +89,8 @@ class BrowserAuthSessionTest : public testing::Test {
         return answer.left(std::max<ssize_t>(size, 0));
     }
 
-    QString failureOf(std::future<QUrl> session) {
-        try {
-            return session.get().toString();
-        } catch (const Error& error) {
-            return error.localizedDescription();
-        }
+    static QString failureOf(std::future<QUrl> session) {
+        return messageOf([&] { session.get(); });
     }
 
     TemporaryFolder folder;

@@ -10,7 +10,6 @@
 
 #include <set>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -106,10 +105,8 @@ TEST_F(FolderLibraryTest, ExportsEveryFileUnderAnIdentifierOfItsOwnAcrossRunsAnd
         EXPECT_TRUE(resource.originalFilename.endsWith(pathText(resource.location.extension())));
         EXPECT_FALSE(resource.originalFilename.contains(u'\n'));
         const auto exported = folder / std::to_string(identifiers.size());
-        const SourceContent content = library.writeData(resource, exported, {});
+        library.writeData(resource, exported, {});
         EXPECT_EQ(test::readFile(exported), "picture");
-        EXPECT_EQ(content, library.readContent(resource, {}));
-        EXPECT_EQ(content.version, library.versionOf(resource));
     }
     EXPECT_EQ(identifiers.size(), names.size());
     EXPECT_THAT(locations(assets), testing::UnorderedElementsAreArray(names));

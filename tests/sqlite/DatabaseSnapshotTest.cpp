@@ -13,15 +13,6 @@
 
 namespace quorvane::test {
 
-namespace {
-
-std::size_t entries(const std::filesystem::path& folder) {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder),
-                                                  std::filesystem::directory_iterator()));
-}
-
-} // namespace
-
 TEST(DatabaseSnapshot, FollowsTheOriginalWithoutTouchingIt) {
     const TemporaryFolder folder;
     const auto original = folder / "original/a.sqlite";
@@ -42,7 +33,7 @@ TEST(DatabaseSnapshot, FollowsTheOriginalWithoutTouchingIt) {
         EXPECT_TRUE(count.step());
         EXPECT_EQ(count.integer(0), rows);
     }
-    EXPECT_EQ(entries(original.parent_path()), 3u) << "the writer's own files";
+    EXPECT_EQ(entriesIn(original.parent_path()), 3) << "the writer's own files";
 }
 
 TEST(DatabaseSnapshot, RemovesWhatAKilledProcessLeft) {
@@ -66,9 +57,9 @@ TEST(DatabaseSnapshot, RemovesWhatAKilledProcessLeft) {
         EXPECT_TRUE(std::filesystem::exists(living.file())) << "its owner lives";
         EXPECT_EQ(std::filesystem::status(next.file().parent_path()).permissions(),
                   std::filesystem::perms::owner_all);
-        EXPECT_EQ(entries(folder / "work"), 3u);
+        EXPECT_EQ(entriesIn(folder / "work"), 3);
     }
-    EXPECT_EQ(entries(folder / "work"), 2u);
+    EXPECT_EQ(entriesIn(folder / "work"), 2);
     EXPECT_EQ(readFile(folder / "work/other/file"), "somebody else's");
 }
 

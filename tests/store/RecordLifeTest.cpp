@@ -2,12 +2,9 @@
 
 #include "store/RecordAbsences.h"
 #include "store/StateFacts.h"
-#include "support/Records.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
-
-#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -266,27 +263,6 @@ TEST_F(RecordLifeTest, WhatLeavesTheQueueIsRememberedUntilItsFileIsDiscarded) {
         throw Error(u"the scan died"_s);
     }));
     EXPECT_EQ(life.left().size(), expected.size() - 1) << "it did not leave after all";
-}
-
-TEST(RecordLife, NobodyElseChangesAStatus) {
-    const std::filesystem::path root = sourceFolder() / "src";
-    const std::set<std::filesystem::path> owners{"store/RecordLife.cpp", "store/DatabaseManager.h",
-                                                 "store/DatabaseManager.cpp"};
-    int seen = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-        if (!entry.is_regular_file())
-            continue;
-        const bool isOwner = owners.contains(entry.path().lexically_relative(root));
-        const QByteArray text = readFile(entry.path());
-        for (const char* call :
-             {"updateStatus(", "upsertRecord(", "clearPendingRecords(", "retryFailedRecords(",
-              "retryDateUnresolvedRecords(", "UPDATE sync_records", "DELETE FROM sync_records"}) {
-            const bool isStatement = entry.path().filename() == "Statements.h";
-            seen += isOwner && text.contains(call);
-            EXPECT_TRUE(isOwner || isStatement || !text.contains(call)) << entry.path() << call;
-        }
-    }
-    EXPECT_GT(seen, 5);
 }
 
 } // namespace quorvane::test

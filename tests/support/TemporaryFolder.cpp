@@ -24,6 +24,10 @@ QByteArray readFile(const std::filesystem::path& file) {
     return readWholeFile(file, std::int64_t(1) << 32);
 }
 
+std::ptrdiff_t entriesIn(const std::filesystem::path& folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), {});
+}
+
 std::filesystem::path realDataFolder() {
     const auto folder = pathFrom(qEnvironmentVariable("QUORVANE_TEST_DATA"));
     return std::filesystem::is_directory(folder / "media") ? folder : std::filesystem::path();

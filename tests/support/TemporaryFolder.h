@@ -29,6 +29,9 @@ std::filesystem::path programFolder();
 
 QByteArray readFile(const std::filesystem::path& file);
 
+/// How many things lie directly in a folder.
+std::ptrdiff_t entriesIn(const std::filesystem::path& folder);
+
 /// The folder of real libraries and pictures, which the variable QUORVANE_TEST_DATA names. Empty
 /// when it is absent: such a test says so with GTEST_SKIP.
 std::filesystem::path realDataFolder();

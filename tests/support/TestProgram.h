@@ -135,7 +135,6 @@ class TestProgram : public TestHouse {
     Attempts& attempts = services_.attempts;
     RunFlags& flags = services_.flags;
     SyncCoordinator& coordinator = services_.coordinator;
-    BatchCoordinator& batches = services_.batches;
 };
 
 /// Every asset is VERIFIED, and the service holds the bytes of each exactly once.
