@@ -22,8 +22,7 @@ sources=$(grep -oE '"file": "[^"]+/(Unity/unity_[0-9]+_cxx\.cxx|tests/support/[^
   cut -d'"' -f4 | grep -vE '_qmlcache\.dir|/fuzz/')
 
 # The analyzer gives a function up after 30,000 steps, not after 225,000: that takes a third of the
-# time. Tests go without it: it loses itself in the test framework. They may copy, too, and set the
-# environment of their process.
+# time. Tests go without it. They may copy, too, and set the environment of their process.
 check() {
   local checks=-bugprone-suspicious-include
   [[ $1 != */tests/* ]] || checks+=',-clang-analyzer-*,-performance-*,-concurrency-mt-unsafe'
