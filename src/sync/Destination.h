@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/Date.h"
+#include "foundation/Fault.h"
 #include "google/UploadSource.h"
 #include "library/RemoteItems.h"
 
