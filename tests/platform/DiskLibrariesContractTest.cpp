@@ -23,8 +23,10 @@ class FolderContractWorld final : public LibraryWorld {
     PhotoLibrary& library() override { return library_; }
     void add(const std::string& name, const QByteArray& bytes, int date,
              const std::string& album) override {
-        setModified(folder.write("library/" + (album.empty() ? name : album + "/" + name), bytes),
-                    date);
+        const std::filesystem::path file = root / album / name;
+        std::filesystem::create_directories(file.parent_path());
+        setModified(folder.write("beside", bytes), date); // it comes as it stays
+        std::filesystem::rename(folder / "beside", file);
     }
     void replace(const std::string& name, const QByteArray& bytes) override {
         folder.write("library/" + name, bytes);
