@@ -10,7 +10,7 @@ help:
 	@echo 'make install into PREFIX=/usr/local, below DESTDIR if given; make deb: a Debian package'
 	@echo 'make app     on a Mac: build/Quorvane.app; make dmg: a disk image of it'
 	@echo 'make test    build and run every test (development, address and thread sanitizer)'
-	@echo 'make check   the format of every source, and deb; with test, what continuous integration does'
+	@echo 'make check   lint, and deb; with test, what continuous integration does'
 	@echo 'make build   build the programs into build/bin/'
 	@echo 'make bench   measure beside other programs, into build/bench.json (PARTS="store upload": these)'
 	@echo 'make soak    kill the program at random instants for 20 minutes (MINUTES=n: for n)'
@@ -59,9 +59,8 @@ test:
 	@scripts/setup.sh build test run
 	@scripts/test.sh
 
-check:
-	@scripts/setup.sh lint package
-	@scripts/lint.sh --format
+check: lint
+	@scripts/setup.sh package
 	@$(MAKE) deb
 
 bench: build

@@ -110,6 +110,7 @@ int visitFiles(const std::filesystem::path& folder,
     if (!directory)
         return errno;
     std::string name;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the directory is this call's own
     for (errno = 0; const dirent* entry = ::readdir(directory.get()); errno = 0) {
         name = entry->d_name;
         struct stat status {};

@@ -17,10 +17,6 @@ namespace {
 using namespace Qt::StringLiterals;
 using Counts = std::map<SyncStatus, int>;
 
-StandInPhotos& photos() {
-    return StandInPhotos::shared();
-}
-
 /// The product of a Mac over a home folder.
 struct House {
     House(const std::filesystem::path& home, const QString& service, const QString& accessToken) {
@@ -76,10 +72,10 @@ StandInPhotos::Asset picture(int n) {
 class PhotosBackup : public testing::Test {
   protected:
     PhotosBackup() {
-        photos().reset();
+        StandInPhotos::shared().reset();
         google.start();
     }
-    ~PhotosBackup() override { photos().reset(); }
+    ~PhotosBackup() override { StandInPhotos::shared().reset(); }
 
     std::set<QByteArray> contents() const {
         std::set<QByteArray> found;
@@ -100,37 +96,38 @@ TEST_F(PhotosBackup, EndsWithTheOriginalsThatMayGoInTheTrashOfPhotos) {
     live.resources.push_back(
         {9, "IMG_1002.MOV", sample::movie(7, sample::MovieBrand::quickTime, 3'700'000'000u)});
     for (const auto& asset : {cloud, live, picture(3)})
-        photos().put(asset);
+        StandInPhotos::shared().put(asset);
     House house(folder / "home", google.baseURL(), token);
-    auto mood = photos().mood();
+    auto mood = StandInPhotos::shared().mood();
     mood.agreesToDeletion = [] { return false; };
-    photos().set(mood);
+    StandInPhotos::shared().set(mood);
     const auto refused = house.run(true, [] {
-        photos().put(picture(4)); // while the run goes on
-        photos().settle();
+        StandInPhotos::shared().put(picture(4)); // while the run goes on
+        StandInPhotos::shared().settle();
     });
     EXPECT_FALSE(refused.error) << refused.error->toStdString();
     if (house.counts() != Counts{{SyncStatus::verified, 4}})
         house.run(false); // what came too late for the first run's last pass
     EXPECT_EQ(house.counts(), (Counts{{SyncStatus::verified, 4}}));
     EXPECT_EQ(contents().size(), 4u);
-    EXPECT_EQ(photos().rows().size(), 4u);
+    EXPECT_EQ(StandInPhotos::shared().rows().size(), 4u);
 
-    photos().set({});
+    StandInPhotos::shared().set({});
     const auto agreed = house.run(true);
     EXPECT_FALSE(agreed.error);
     EXPECT_EQ(house.counts(), (Counts{{SyncStatus::verified, 1}, {SyncStatus::deletedLocally, 3}}));
-    ASSERT_EQ(photos().rows().size(), 1u) << "the movie of the Live Photo went nowhere";
-    EXPECT_EQ(photos().rows()[0]->identifier, live.identifier);
+    ASSERT_EQ(StandInPhotos::shared().rows().size(), 1u)
+        << "the movie of the Live Photo went nowhere";
+    EXPECT_EQ(StandInPhotos::shared().rows()[0]->identifier, live.identifier);
     EXPECT_EQ(contents().size(), 4u);
 }
 
 TEST_F(PhotosBackup, AnotherLibraryOfTheSystemHasAStateOfItsOwn) {
     constexpr int many = 10;
     for (const int first : {0, 500, 0}) { // the person made another one the system's, and went back
-        photos().reset();
+        StandInPhotos::shared().reset();
         for (int n = first; n < first + many; ++n)
-            photos().put(picture(n));
+            StandInPhotos::shared().put(picture(n));
         House house(folder / "home", google.baseURL(), token);
         EXPECT_FALSE(house.run(false).error);
         EXPECT_EQ(house.counts(), (Counts{{SyncStatus::verified, many}}));

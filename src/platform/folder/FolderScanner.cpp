@@ -151,24 +151,28 @@ class Scanner {
                    const struct stat& status, std::size_t folder) {
         const FileVersion version = FileVersion::of(status);
         if (name.starts_with('.'))
-            skipHidden(path, QStringLiteral("gizli dosya"));
-        else if (S_ISREG(status.st_mode) && isKnown_(path, version))
-            add(path, version, folder);
-        else if (!S_ISREG(status.st_mode))
-            skipped_(path, QStringLiteral("sıradan bir dosya değil"));
-        else if (::faccessat(::dirfd(directory), name.c_str(), R_OK, 0) != 0)
-            skipUnreadable(path, errno);
-        else if (isOpenForWriting(::dirfd(directory), name.c_str(), status)) {
-            ++found_.leftOut.inUse;
-            skipped_(path, QStringLiteral("henüz yazılıyor"));
-        } else {
-            add(path, version, folder);
-        }
-    }
-
-    void add(const std::string& path, const FileVersion& version, std::size_t folder) {
+            return skipHidden(path, QStringLiteral("gizli dosya"));
+        if (!S_ISREG(status.st_mode))
+            return skipped_(path, QStringLiteral("sıradan bir dosya değil"));
+        if (!isKnown_(path, version) && !isReady(directory, path, name, status))
+            return;
         found_.files.push_back({path, {}, version});
         found_.folderOfFile.push_back(folder);
+    }
+
+    /// To be read, as a whole.
+    bool isReady(DIR* directory, const std::string& path, const std::string& name,
+                 const struct stat& status) {
+        if (::faccessat(::dirfd(directory), name.c_str(), R_OK, 0) != 0) {
+            skipUnreadable(path, errno);
+            return false;
+        }
+        if (isOpenForWriting(::dirfd(directory), name.c_str(), status)) {
+            ++found_.leftOut.inUse;
+            skipped_(path, QStringLiteral("henüz yazılıyor"));
+            return false;
+        }
+        return true;
     }
 
     const std::filesystem::path& root_;
