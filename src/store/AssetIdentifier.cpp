@@ -61,7 +61,7 @@ std::strong_ordering AssetIdentifier::operator<=>(const AssetIdentifier& other) 
     const auto number = [](const QUuid& uuid) {
         return std::tie(uuid.data1, uuid.data2, uuid.data3);
     };
-    if (const auto order = number(uuid_) <=> number(other.uuid_); order != 0)
+    if (const auto order = number(uuid_) <=> number(other.uuid_); std::is_neq(order))
         return order;
     if (const int order = std::memcmp(uuid_.data4, other.uuid_.data4, sizeof uuid_.data4))
         return order <=> 0;
