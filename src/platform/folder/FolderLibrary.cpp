@@ -87,16 +87,13 @@ std::vector<Collection> collectionsIn(const FolderIndex& index, const Folder& pa
 class FolderLibrary::ScanTurn {
   public:
     ScanTurn(FolderLibrary& library, const std::stop_token& stop) : library_(library) {
-        std::unique_lock lock(library_.mutex_);
-        if (!library_.scanEnded_.wait(lock, stop, [this] { return !library_.isScanning_; }))
+        auto state = library_.state_.lock();
+        if (!state.wait(library_.scanEnded_, stop, [&state] { return !state->isScanning; }))
             throw Cancelled();
-        library_.isScanning_ = true;
+        state->isScanning = true;
     }
     ~ScanTurn() {
-        {
-            const std::lock_guard lock(library_.mutex_);
-            library_.isScanning_ = false;
-        }
+        library_.state_.lock()->isScanning = false;
         library_.scanEnded_.notify_one();
     }
     ScanTurn(const ScanTurn&) = delete;
@@ -145,11 +142,11 @@ FolderLibrary::Index FolderLibrary::scan(const std::stop_token& stop) {
     reportOthers(found);
     const LeftOut leftOut = found.leftOut;
     Index index = std::make_shared<const FolderIndex>(std::move(found));
-    const std::lock_guard lock(mutex_);
-    leftOut_ = leftOut;
-    if (!index_ || *index_ != *index) // the same index tells that nothing changed
-        index_.swap(index);
-    return index_;
+    const auto state = state_.lock();
+    state->leftOut = leftOut;
+    if (!state->index || *state->index != *index) // the same index tells that nothing changed
+        state->index.swap(index);
+    return state->index;
 }
 
 KnownByPath FolderLibrary::knownByPath() {
@@ -158,8 +155,8 @@ KnownByPath FolderLibrary::knownByPath() {
     std::vector<const KnownFile*> known;
     for (const KnownFile& file : *absent_)
         known.push_back(&file);
-    if (index_) // only a scan changes it
-        for (const KnownFile& file : index_->files())
+    if (const Index index = state_.lock()->index) // kept until this scan ends
+        for (const KnownFile& file : index->files())
             known.push_back(&file);
     return KnownByPath(std::move(known));
 }
@@ -191,12 +188,8 @@ std::optional<SourceContent> FolderLibrary::read(const std::string& path, LeftOu
 }
 
 FolderLibrary::Index FolderLibrary::lastScan() {
-    {
-        const std::lock_guard lock(mutex_);
-        if (index_)
-            return index_;
-    }
-    return scan();
+    const Index index = state_.lock()->index;
+    return index ? index : scan();
 }
 
 FolderLibrary::Index FolderLibrary::current() {
@@ -218,11 +211,8 @@ std::optional<KnownFile> FolderLibrary::find(const QString& localIdentifier) {
 }
 
 void FolderLibrary::reportSkip(const std::string& path, const QString& reason) {
-    {
-        const std::lock_guard lock(mutex_);
-        if (!reported_.insert(path).second)
-            return;
-    }
+    if (!state_.lock()->reported.insert(path).second)
+        return;
     log_.log(QStringLiteral("[FolderLibrary] Atlandı: %1 (%2)").arg(oneLine(path), reason));
 }
 
@@ -367,8 +357,7 @@ void FolderLibrary::deleteAssets(const std::vector<DeletionCandidate>& candidate
 }
 
 LeftOut FolderLibrary::leftOut() const {
-    const std::lock_guard lock(mutex_);
-    return leftOut_;
+    return state_.lock()->leftOut;
 }
 
 void FolderLibrary::registerChangeObserver(LibraryChangeObserver& observer) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/Guarded.h"
 #include "foundation/Log.h"
 #include "library/DeletionConfirmation.h"
 #include "library/LiveFetches.h"
@@ -8,7 +9,6 @@
 #include "platform/watch/ChangeWatch.h"
 
 #include <condition_variable>
-#include <mutex>
 #include <set>
 
 namespace quorvane {
@@ -59,6 +59,12 @@ class FolderLibrary final : public PhotoLibrary {
   private:
     using Index = std::shared_ptr<const FolderIndex>;
     class ScanTurn;
+    struct State {
+        bool isScanning = false;
+        Index index; ///< of the last scan; only a scan changes it
+        LeftOut leftOut;
+        std::set<std::string> reported; ///< each skipped path is logged once
+    };
 
     /// The index before when nothing changed. One at a time.
     Index scan(const std::stop_token& stop = {});
@@ -88,12 +94,8 @@ class FolderLibrary final : public PhotoLibrary {
     KnownFiles& known_;
     DeletionConfirmation& confirmation_;
     Log& log_;
-    mutable std::mutex mutex_; ///< never held while the disk is read
+    Guarded<State> state_; ///< never locked while the disk is read
     std::condition_variable_any scanEnded_;
-    bool isScanning_ = false;
-    Index index_;
-    LeftOut leftOut_;
-    std::set<std::string> reported_; ///< each skipped path is logged once
     /// The scanning thread's: what is known and not in the index; all of it before the first scan.
     std::optional<std::vector<KnownFile>> absent_;
     int othersReported_ = 0; ///< the scanning thread's
